@@ -1,0 +1,24 @@
+// A folder that belongs to one run of a tool or test and vanishes with it.
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// Makes an empty private folder the current directory; the destructor goes back and removes the folder with all
+/// that was left in it. Plug-ins may write into the current directory, and that must not be the person's. Resolve
+/// relative paths before. Throws std::runtime_error if no folder can be made.
+class PrivateFolder {
+  public:
+    PrivateFolder();
+    ~PrivateFolder();
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+    std::string previous_;
+};
+
+} // namespace platform
