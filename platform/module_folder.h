@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// The folder of the module, absolute and ending in a separator; empty if the system would not say. Found once,
-/// when the library is loaded, so that a host that changes its current directory later changes nothing.
+/// The folder of the module, absolute and ending in a separator; empty if the system would not say. Found
+/// once, when the library is loaded, so that a host that changes its current directory later changes nothing.
 /// Any thread but the audio thread.
 const std::string& moduleFolder();
 

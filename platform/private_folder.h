@@ -5,9 +5,9 @@
 
 namespace platform {
 
-/// Makes an empty private folder the current directory; the destructor goes back and removes the folder with all
-/// that was left in it. Plug-ins may write into the current directory, and that must not be the person's. Resolve
-/// relative paths before. Throws std::runtime_error if no folder can be made.
+/// Makes an empty private folder the current directory; the destructor goes back and removes the folder with
+/// all that was left in it. Plug-ins may write into the current directory, and that must not be the person's.
+/// Resolve relative paths before. Throws std::runtime_error if no folder can be made.
 class PrivateFolder {
   public:
     PrivateFolder();

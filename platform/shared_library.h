@@ -9,7 +9,8 @@ namespace platform {
 class SharedLibrary {
   public:
     SharedLibrary() = default;
-    /// Loads `path` with every symbol resolved at once. Throws std::runtime_error with the loader's own words.
+    /// Loads `path` with every symbol resolved at once; a bare file name means the current directory. Throws
+    /// std::runtime_error with the loader's own words.
     explicit SharedLibrary(const std::string& path);
     ~SharedLibrary();
     SharedLibrary(SharedLibrary&& other) noexcept;

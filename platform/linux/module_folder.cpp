@@ -1,0 +1,40 @@
+#include "platform/module_folder.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <link.h>
+
+namespace platform {
+
+namespace {
+
+std::string findModuleFolder() {
+    Dl_info info = {};
+    link_map* module = nullptr;
+    if (!dladdr1(reinterpret_cast<void*>(&findModuleFolder), &info, reinterpret_cast<void**>(&module),
+                 RTLD_DL_LINKMAP))
+        return {};
+    // The program itself has no name in the loader's list: what stands for it there is whatever the shell
+    // typed.
+    const bool isProgram = !module || !module->l_name || !*module->l_name;
+    char* path = realpath(isProgram ? "/proc/self/exe" : module->l_name, nullptr);
+    if (!path)
+        return {};
+    std::string folder = path;
+    std::free(path);
+    folder.erase(folder.rfind('/') + 1);
+    return folder;
+}
+
+/// The loader may know the library by a relative name only, which means something just now, while it is
+/// loaded.
+[[maybe_unused]] const std::string& foundAtLoad = moduleFolder();
+
+} // namespace
+
+const std::string& moduleFolder() {
+    static const std::string folder = findModuleFolder();
+    return folder;
+}
+
+} // namespace platform
