@@ -5,8 +5,8 @@
 //     plugin.start(48000.0f, 512);
 //     plugin.process(inputs, outputs, 512);
 //
-// The tools and the tests use nothing else to reach a plug-in. What the plug-in says to its host is answered the
-// way a plain sequencer would and recorded, call by call, for whoever wants to look.
+// The tools and the tests use nothing else to reach a plug-in. What the plug-in says to its host is answered
+// the way a plain sequencer would and recorded, call by call, for whoever wants to look.
 #pragma once
 
 #include "platform/shared_library.h"
@@ -52,11 +52,11 @@ struct HostCall {
     std::int32_t index = 0;
     std::intptr_t value = 0;
     float opt = 0;
-    bool hadRecord = false;      ///< false for a call with a null record
-    std::int32_t uniqueID = 0;   ///< of the record, where there was one
-    std::int32_t numInputs = 0;  ///< of the record, where there was one
-    std::string text;            ///< what `ptr` pointed at, for audioMasterCanDo
-    std::intptr_t answer = 0;    ///< what the host said
+    bool hadRecord = false;     ///< false for a call with a null record
+    std::int32_t uniqueID = 0;  ///< of the record, where there was one
+    std::int32_t numInputs = 0; ///< of the record, where there was one
+    std::string text;           ///< what `ptr` pointed at, for audioMasterCanDo
+    std::intptr_t answer = 0;   ///< what the host said
 };
 
 /// How the host behaves; change it before the instance is made, or between calls.
@@ -80,8 +80,8 @@ struct MidiMessage {
     unsigned char bytes[3] = {};
 };
 
-/// One instance of a plug-in. Not thread safe by itself: each operation runs on the calling thread and reaches the
-/// plug-in there, exactly as if the host's thread of that kind had called.
+/// One instance of a plug-in. Not thread safe by itself: each operation runs on the calling thread and
+/// reaches the plug-in there, exactly as if the host's thread of that kind had called.
 class Plugin {
   public:
     /// Calls the entry point. Throws HostError if the library gives no instance or a record that is not one.

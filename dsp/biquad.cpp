@@ -1,0 +1,38 @@
+#include "dsp/biquad.h"
+
+#include "dsp/shared_field.h"
+
+#include <cmath>
+
+namespace dsp {
+
+void Biquad::setCoefficients(const BiquadCoefficients& designed) {
+    storeShared(coefficients.b0, designed.b0);
+    storeShared(coefficients.b1, designed.b1);
+    storeShared(coefficients.b2, designed.b2);
+    storeShared(coefficients.a1, designed.a1);
+    storeShared(coefficients.a2, designed.a2);
+}
+
+BiquadCoefficients Biquad::loadCoefficients() const {
+    return {loadShared(coefficients.b0), loadShared(coefficients.b1), loadShared(coefficients.b2),
+            loadShared(coefficients.a1), loadShared(coefficients.a2)};
+}
+
+void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q) {
+    const double w = frequency * 6.283185307179586 / sampleRate;
+    const double s = std::sin(w);
+    const double c = std::cos(w);
+    const double alpha = (0.5 / q) * s;
+    const double a0 = alpha + 1.0;
+    const bool low = type == BiquadType::lowPass;
+    const double b0 = low ? (1.0 - c) * 0.5 : (c + 1.0) * 0.5;
+    const double b1 = low ? 1.0 - c : -(c + 1.0);
+    const double a1 = c * -2.0;
+    const double a2 = 1.0 - alpha;
+    const double scale = 1.0 / a0;
+    const auto rounded = [scale](double value) { return static_cast<float>(value * scale); };
+    filter.setCoefficients({rounded(b0), rounded(b1), rounded(b0), rounded(a1), rounded(a2)});
+}
+
+} // namespace dsp

@@ -1,0 +1,87 @@
+#include "dsp/delay_engine.h"
+
+#include "parameters/truncation.h"
+
+#include <algorithm>
+
+namespace dsp {
+
+using namespace parameters;
+
+namespace {
+
+// The filters follow one law when their parameter is set and another when the effect is turned on or the rate
+// changes. Old projects sound the way they do because of it.
+constexpr double kResonanceOnChange = 1.0;
+constexpr double kResonanceOnPrepare = 0.3;
+
+} // namespace
+
+void DelayEngine::startUp() {
+    params.fill(0.0f);
+    pattern = TapPattern{};
+    delay.clearDelayMemory();
+    lfo.setSampleRate(44100.0f);
+    storeShared(lfo.rate, 2.0f);
+    designBiquad(preLowPass, BiquadType::lowPass, 8000.0, 44100.0, kResonanceOnPrepare);
+    // A high-pass at 400 Hz and 44100 Hz.
+    preHighPass.setCoefficients({0.9125569462776184f, -1.8251138925552368f, 0.9125569462776184f,
+                                 -1.8236311674118042f, 0.8265966176986694f});
+    dcBlockLeft.setSampleRate(44100.0f);
+    dcBlockRight.setSampleRate(44100.0f);
+    storeShared(fadeBlockCount, 0);
+    storeShared(fadeArmed, std::uint8_t{0});
+    fbSample = 0.0f;
+}
+
+void DelayEngine::computeTapPattern(float sampleRate) {
+    const float lfoRate = parameterValue(kLfoRate);
+    storeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate);
+    // A "Set" outside its range may ask for a mode that does not exist; it is read as cubic then.
+    const std::int32_t mode = interpolationModeOf(parameterValue(kSet));
+    storeShared(delay.interpMode, mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
+    const float ampDecay = std::min(parameterValue(kAmpDecay), 0.99999f);
+    setParameterValue(kAmpDecay, ampDecay);
+    computeTaps(pattern,
+                {parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
+                 parameterValue(kCurve)},
+                sampleRate);
+}
+
+void DelayEngine::prepare(float sampleRate) {
+    lfo.setSampleRate(sampleRate);
+    const float lowPass = parameterValue(kPreLowPass);
+    const float highPass = parameterValue(kPreHighPass);
+    designBiquad(preLowPass, BiquadType::lowPass, static_cast<double>(lowPass * 18000.0f * lowPass + 500.0f),
+                 static_cast<double>(sampleRate), kResonanceOnPrepare);
+    designBiquad(preHighPass, BiquadType::highPass,
+                 static_cast<double>(highPass * 2400.0f * highPass + 210.0f), static_cast<double>(sampleRate),
+                 kResonanceOnPrepare);
+    dcBlockLeft.setSampleRate(sampleRate);
+    dcBlockRight.setSampleRate(sampleRate);
+    computeTapPattern(sampleRate);
+    for (float& time : pattern.tapTimeTarget)
+        storeShared(time, 0.0f);
+    storeShared(fadeBlockCount, 0);
+    clearDelayMemory();
+}
+
+void DelayEngine::armFade() {
+    if (!loadShared(fadeArmed))
+        storeShared(fadeBlockCount, 0);
+    storeShared(fadeArmed, std::uint8_t{1});
+}
+
+void DelayEngine::designLowPassOnChange(float sampleRate) {
+    const float p = parameterValue(kPreLowPass);
+    designBiquad(preLowPass, BiquadType::lowPass, static_cast<double>(p * 20090.0f * p + 500.0f),
+                 static_cast<double>(sampleRate), kResonanceOnChange);
+}
+
+void DelayEngine::designHighPassOnChange(float sampleRate) {
+    const float p = parameterValue(kPreHighPass);
+    designBiquad(preHighPass, BiquadType::highPass, static_cast<double>(p * 2400.0f * p + 102.0f),
+                 static_cast<double>(sampleRate), kResonanceOnChange);
+}
+
+} // namespace dsp

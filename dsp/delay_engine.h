@@ -1,0 +1,135 @@
+// The whole sound of the effect: a mono delay memory, a pattern of up to 128 taps on it, two input filters, a
+// feedback loop and a sweep. Stereo in, stereo out.
+//
+// What may be called when: functions marked "any thread" may be called while the audio thread is inside
+// processReplacing. They write shared fields by relaxed stores and never touch what belongs to the audio
+// thread. The object is a little over 16 MiB and belongs on the heap.
+#pragma once
+
+#include "dsp/biquad.h"
+#include "dsp/module_delay.h"
+#include "dsp/module_fm_op.h"
+#include "dsp/one_pole.h"
+#include "dsp/smoother.h"
+#include "dsp/tap_pattern.h"
+#include "parameters/parameter_table.h"
+
+#include <array>
+#include <cstdint>
+
+namespace dsp {
+
+/// The longest stretch of samples that the loop works on at a time.
+constexpr std::int32_t kSubBlockFrames = 64;
+
+class DelayEngine {
+  public:
+    /// Back to a silent engine at 44100 Hz with every parameter at zero. Call before audio runs.
+    void startUp();
+
+    /// A parameter's live value. Any thread.
+    float parameterValue(std::int32_t id) const { return loadShared(params[static_cast<std::size_t>(id)]); }
+    /// Any thread. The value is taken as it is; computeTapPattern brings it into the pattern.
+    void setParameterValue(std::int32_t id, float value) {
+        storeShared(params[static_cast<std::size_t>(id)], value);
+    }
+
+    /// Renews tap times and gains, the read mode and the sweep's rate from the parameters. Limits the live
+    /// "Amp Decay" to just under 1. `sampleRate` in Hz. Any thread.
+    void computeTapPattern(float sampleRate);
+
+    /// Forgets every echo. Any thread.
+    void clearDelayMemory() { delay.clearDelayMemory(); }
+
+    /// Prepares for a sample rate, in Hz, and forgets every echo. The tap times are zero afterwards: all taps
+    /// sit on the write position until the next computeTapPattern. Filters, feedback, glides and the sweep's
+    /// phase go on from where they were. Any thread.
+    void prepare(float sampleRate);
+
+    /// Masks the jump of the taps that a new pattern brings in the whole-sample mode: the wet signal fades in
+    /// and out for the next four blocks. Any thread.
+    void armFade();
+
+    /// Redesign one input filter from its parameter, by the law for a value that was just set. Any thread.
+    void designLowPassOnChange(float sampleRate);
+    void designHighPassOnChange(float sampleRate);
+
+    /// Renders one block: 2 channels x `sampleFrames` in, the same out. Buffers may be the same, also
+    /// crossed. Any length; below 1 only the fade's counting takes place. Audio thread. Allocates nothing,
+    /// locks nothing.
+    void processReplacing(const float* const* inputs, float* const* outputs, std::int32_t sampleFrames);
+
+    /// The tap tables, for those who draw them. Shared.
+    const TapPattern& tapPattern() const { return pattern; }
+
+  private:
+    /// What the loop needs to know for one sub-block, read once so that the kernels work on values that stand
+    /// still.
+    struct Controls {
+        std::int32_t numTaps;
+        std::int32_t interpMode;
+        float stereo, mix, pan, depth, prePan;
+        float feedback; ///< the factor, -0.45..0.45
+        float wetLevel; ///< 1..2, lifts thin patterns
+        float lfoStep;  ///< cycles a sample
+        float dcRadiansLeft, dcRadiansRight;
+        BiquadCoefficients lowPass, highPass;
+        alignas(64) std::array<float, kMaxTaps> gain;
+        alignas(64) std::array<float, kMaxTaps> target;
+    };
+
+    /// The trapezoid over the wet signal that hides a jump of the taps.
+    struct Fade {
+        bool armed;
+        std::int32_t blockFrames, length;
+        float step, level;
+        /// The level at sample `i` of the block.
+        float next(std::int32_t i);
+    };
+
+    using Row = std::array<float, kSubBlockFrames>;
+
+    /// The signals of one sub-block, a row for each, in the order in which the loop makes them.
+    struct SubBlock {
+        alignas(64) Row dryLeft, dryRight;
+        alignas(64) Row stereo, mix, pan;
+        alignas(64) Row lfoOffset;
+        alignas(64) Row filtered;
+        alignas(64) std::array<Row, kMaxTaps> tapTimeNow;
+        alignas(64) Row sumLeft, sumRight;
+        alignas(64) Row wetLeft, wetRight;
+    };
+
+    Fade beginBlock(std::int32_t sampleFrames);
+    void readControls();
+    void smoothParameters(std::int32_t frames);
+    void sweep(std::int32_t frames, const Row& depth);
+    void filterInput(std::int32_t frames);
+    void moveTaps(std::int32_t frames);
+    void runDelay(std::int32_t frames);
+    template <class Reader>
+    void runDelayWith(std::int32_t frames);
+    template <class Reader>
+    void sumTaps(std::int32_t frame);
+    float memoryInput(float filtered);
+    void captureFeedback();
+    void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade);
+    void mixOutput(std::int32_t frames, float* left, float* right) const;
+
+    std::array<float, parameters::kNumLiveParameters> params{}; ///< normalised, by id; shared
+    TapPattern pattern;                                         ///< shared
+    ModuleDelay delay;
+    double fbLowpass = 0.0; ///< low end of the feedback signal; audio thread
+    float fbSample = 0.0f;  ///< what feeds back into the next sample; audio thread
+    ModuleFMop lfo;
+    Biquad preLowPass, preHighPass;
+    Smoother dcBlockLeft, dcBlockRight;
+    OnePole stereoSmoother, mixSmoother, panSmoother, depthSmoother; ///< audio thread
+    std::array<OnePole, kMaxTaps> tapSmoother;                       ///< audio thread
+    std::int32_t fadeBlockCount = 0; ///< blocks since the fade was armed; shared
+    std::uint8_t fadeArmed = 0;      ///< a jump waits to be masked; shared
+    Controls controls;               ///< audio thread
+    SubBlock block;                  ///< audio thread
+};
+
+} // namespace dsp

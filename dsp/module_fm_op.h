@@ -1,0 +1,37 @@
+// The sine that sweeps the read positions of all taps.
+#pragma once
+
+#include "dsp/shared_field.h"
+#include "parameters/truncation.h"
+
+#include <cmath>
+
+namespace dsp {
+
+/// An oscillator without tables or sine calls: a phase in cycles and a polynomial in place of the sine.
+struct ModuleFMop {
+    float phase = 0.0f;                   ///< in cycles, -0.5..0.5; audio thread
+    float rate = 0.0f;                    ///< Hz; shared
+    float phaseMod = 0.0f;                ///< in radians; an input that nothing drives
+    float sampleTime = 1.0f / 44100.0f;   ///< seconds; shared
+    float ratio = 1.0f, ratioFine = 1.0f; ///< multiply the rate; nothing drives them
+
+    /// Any thread. `sampleRate` in Hz.
+    void setSampleRate(float sampleRate) { storeShared(sampleTime, 1.0f / sampleRate); }
+
+    /// Phase advance of one sample, in cycles. Any thread.
+    float step() const { return (ratioFine * ratio) * (loadShared(sampleTime) * loadShared(rate)); }
+
+    /// Moves on by `step` cycles and gives about 100 * sin of the new phase. Audio thread.
+    float advance(float step) {
+        const float x = step + phase;
+        phase = x - static_cast<float>(parameters::trunc(x + 0.5f));
+        float y = phaseMod * 0.15915507078170776f + phase;
+        y = y - static_cast<float>(parameters::trunc(y + 0.5f));
+        const float magnitude = std::fabs(y);
+        return (magnitude - 0.5f) * (magnitude - 0.7329630255699158f) * (magnitude + 0.23296299576759338f) *
+               (y * 6859.490234375f);
+    }
+};
+
+} // namespace dsp

@@ -1,0 +1,22 @@
+// Fields that one thread writes while another reads. There is no lock on the audio path and none may be
+// added: a shared field is a plain 32-bit value (or a byte), and each access is one relaxed atomic load or
+// store, which costs what a plain one costs.
+#pragma once
+
+#include <atomic>
+
+namespace dsp {
+
+/// The field's value at this moment. Any thread.
+template <class T>
+T loadShared(const T& field) {
+    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
+}
+
+/// Any thread.
+template <class T>
+void storeShared(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+} // namespace dsp

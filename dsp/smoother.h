@@ -1,0 +1,23 @@
+// Takes DC out of the wet signal.
+#pragma once
+
+#include "dsp/shared_field.h"
+
+namespace dsp {
+
+/// A first-order high-pass at 32 Hz: the input less its own low-passed self.
+struct Smoother {
+    float state = 0.0f;            ///< the low-passed signal; audio thread
+    float radiansPerSample = 0.0f; ///< of one Hz; shared
+
+    /// Any thread. `sampleRate` in Hz.
+    void setSampleRate(float sampleRate) { storeShared(radiansPerSample, 6.28319f / sampleRate); }
+
+    /// One sample. `radians` is radiansPerSample as it stood at the start of the sub-block. Audio thread.
+    float process(float w, float radians) {
+        state = (w - state) * radians * 32.0f + state;
+        return w - state;
+    }
+};
+
+} // namespace dsp

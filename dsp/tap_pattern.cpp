@@ -1,0 +1,86 @@
+#include "dsp/tap_pattern.h"
+
+#include "parameters/truncation.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace dsp {
+
+using parameters::trunc;
+
+namespace {
+
+/// The linear ramp that the gain curve is made from, less 1: zero at the loud end of the pattern.
+float ramp(float ampDecay, float inverseCount, std::int32_t numTaps, std::int32_t tap) {
+    if (ampDecay >= 0.5f) {
+        const float slope = (1.0f - ampDecay) * (inverseCount + inverseCount) - inverseCount;
+        return slope * static_cast<float>(numTaps - tap);
+    }
+    return ((inverseCount + inverseCount) * ampDecay - inverseCount) * static_cast<float>(tap);
+}
+
+/// A whole number of samples that never overflows, however wild the parameters: far beyond the memory every
+/// tap is silent anyway.
+std::int32_t accumulated(double position) {
+    return trunc(std::min(position, 4.0 * kDelaySize));
+}
+
+float limitedGain(float gain, float time) {
+    if (time >= kLastTapTime || gain < 0.0f)
+        return 0.0f;
+    return gain >= 1.0f ? 1.0f : gain;
+}
+
+float limitedTime(float time) {
+    if (time >= kLastTapTime)
+        return kLastTapTime;
+    return time <= kFirstTapTime ? kFirstTapTime : time;
+}
+
+} // namespace
+
+float stretchBend(float stretch) {
+    const float s = 1.0f - stretch;
+    const float q = s * 4.0f;
+    // A bell over the parameter, turned over in its lower half so that the bend runs smoothly from end to
+    // end.
+    const float e = std::exp((((q - 2.0f) + q) - 2.0f) - ((s * s * 16.0f) - (q + q)));
+    return s >= 0.5f ? e * 0.5f : 1.0f - e * 0.5f;
+}
+
+std::int32_t numTapsOf(float taps) {
+    return std::clamp(trunc(taps * 127.0f + 1.0f), 1, kMaxTaps);
+}
+
+std::int32_t baseLengthOf(float baseLength, float sampleRate) {
+    return trunc((baseLength * baseLength * sampleRate) * 2.0f + 1.0f);
+}
+
+void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate) {
+    const double bend = static_cast<double>(stretchBend(parameters.stretch));
+    const double length = static_cast<double>(baseLengthOf(parameters.baseLength, sampleRate));
+    const std::int32_t numTaps = numTapsOf(parameters.taps);
+    const float inverseCount = 1.0f / static_cast<float>(numTaps);
+    const float exponent = parameters.curve * 1.5f + 0.5f;
+
+    storeShared(pattern.numTaps, numTaps);
+    std::int32_t position = 0;
+    for (std::int32_t tap = 0; tap < numTaps; ++tap) {
+        const auto entry = static_cast<std::size_t>(tap);
+        const double x = static_cast<double>(static_cast<float>(tap) * inverseCount);
+        const double w = 1.0 / (std::exp(4.0 - x * 8.0) + 1.0);
+        const float gain = std::pow(ramp(parameters.ampDecay, inverseCount, numTaps, tap) + 1.0f, exponent);
+        position = accumulated(((1.0 - (w + w)) * bend + w) * length + static_cast<double>(position));
+        const float time = limitedTime(static_cast<float>(position));
+        storeShared(pattern.tapTimeTarget[entry], time);
+        storeShared(pattern.tapGain[entry], limitedGain(gain, time));
+    }
+    // Taps out of use keep their place, silent, for when they come back.
+    for (auto entry = static_cast<std::size_t>(numTaps); entry < kMaxTaps; ++entry) {
+        storeShared(pattern.tapTimeTarget[entry], limitedTime(loadShared(pattern.tapTimeTarget[entry])));
+        storeShared(pattern.tapGain[entry], 0.0f);
+    }
+}
+
+} // namespace dsp

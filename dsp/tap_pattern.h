@@ -1,0 +1,43 @@
+// Turns the pattern's parameters into a time and a gain for each tap. Everything that a tap is in the ear
+// follows from here: the audio loop only reads the result.
+#pragma once
+
+#include "dsp/module_delay.h"
+#include "parameters/parameter_table.h"
+
+#include <array>
+#include <cstdint>
+
+namespace dsp {
+
+/// A tap at this time or beyond has run out of memory and is silent; in samples.
+constexpr float kLastTapTime = 4194302.0f;
+/// The earliest time of a tap, in samples.
+constexpr float kFirstTapTime = 3.0f;
+
+/// The tap tables. Shared: any thread rewrites them in place, entry by entry, while the audio thread reads.
+struct TapPattern {
+    std::int32_t numTaps = 1;                    ///< taps in use, 1..128
+    std::array<float, kMaxTaps> tapGain{};       ///< 0..1; zero from numTaps on
+    std::array<float, kMaxTaps> tapTimeTarget{}; ///< delay from the input in whole samples
+};
+
+/// Where the pattern bends, from "Stretch dly": 0.5 for even gaps, toward 1 for accelerating echoes, toward 0
+/// for spreading ones. `stretch` normalised.
+float stretchBend(float stretch);
+
+/// The number of taps, 1..128, from "Taps #", normalised.
+std::int32_t numTapsOf(float taps);
+
+/// The base length in samples, from "Bs Lgh 1", normalised, at `sampleRate` Hz.
+std::int32_t baseLengthOf(float baseLength, float sampleRate);
+
+/// The part of a pattern's parameters that shapes it, all normalised.
+struct PatternParameters {
+    float baseLength, taps, stretch, ampDecay, curve;
+};
+
+/// Computes all taps and stores them. `ampDecay` must be below 1. Any thread; audio may run.
+void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate);
+
+} // namespace dsp

@@ -1,0 +1,52 @@
+#include "midi/cc_map.h"
+
+#include "platform/files.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+
+namespace midi {
+namespace {
+
+constexpr char kFileName[] = "Pluginccmap.bin";
+
+using Entries = std::array<std::int32_t, parameters::kNumParameters>;
+
+Entries allEntries(std::int32_t controller) {
+    Entries entries;
+    entries.fill(controller);
+    return entries;
+}
+
+} // namespace
+
+Entries ccMap = allEntries(kNoController);
+
+std::int32_t controllerOf(std::int32_t id) {
+    return std::atomic_ref<std::int32_t>(ccMap[static_cast<std::size_t>(id)]).load(std::memory_order_relaxed);
+}
+
+void bindController(std::int32_t id, std::int32_t controller) {
+    std::atomic_ref<std::int32_t>(ccMap[static_cast<std::size_t>(id)])
+        .store(controller, std::memory_order_relaxed);
+}
+
+void readCcMap(const std::string& moduleFolder) {
+    const std::string path = platform::fileExists(kFileName) ? kFileName : moduleFolder + kFileName;
+    const auto content = platform::readWholeFile(path, sizeof(Entries));
+    Entries entries = allEntries(content ? 0 : kNoController);
+    if (content)
+        std::memcpy(entries.data(), content->data(), content->size());
+    for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
+        bindController(id, entries[static_cast<std::size_t>(id)]);
+}
+
+void writeCcMap() {
+    Entries entries;
+    for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
+        entries[static_cast<std::size_t>(id)] = controllerOf(id);
+    platform::writeWholeFile(kFileName, entries.data(), sizeof entries);
+}
+
+} // namespace midi

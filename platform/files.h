@@ -1,0 +1,22 @@
+// Reading and writing whole small files. Never on the audio thread.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+/// Whether something of this name exists, readable or not. A relative path counts from the current directory.
+bool fileExists(const std::string& path);
+
+/// The content of a file; nothing if it cannot be opened. A file that cannot be read to its end gives what
+/// was read. `limit` bytes at most.
+std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
+                                                        std::size_t limit = static_cast<std::size_t>(-1));
+
+/// Makes the file hold exactly these bytes, whatever it held before. False if that failed.
+bool writeWholeFile(const std::string& path, const void* data, std::size_t size);
+
+} // namespace platform

@@ -1,0 +1,176 @@
+#include "plugin/audio_effect.h"
+
+#include "parameters/number_text.h"
+
+namespace plugin {
+
+using namespace vst2;
+
+namespace {
+
+AudioEffect* effectOf(AEffect* record) {
+    return static_cast<AudioEffect*>(record->object);
+}
+
+} // namespace
+
+AudioEffect::AudioEffect(audioMasterCallback host, std::int32_t programs, std::int32_t parameters)
+    : audioMaster(host), numPrograms(programs), numParams(parameters) {
+    cEffect.magic = kVstMagic;
+    cEffect.dispatcher = &dispatchEffectClass;
+    cEffect.process = &processClass;
+    cEffect.setParameter = &setParameterClass;
+    cEffect.getParameter = &getParameterClass;
+    cEffect.numPrograms = numPrograms;
+    cEffect.numParams = numParams;
+    cEffect.numInputs = 1;
+    cEffect.numOutputs = 2;
+    cEffect.ioRatio = 1.0f;
+    cEffect.object = this;
+    cEffect.uniqueID = fourCharacterCode("NoEf");
+    cEffect.version = 1;
+    cEffect.processReplacing = &processClassReplacing;
+    cEffect.processDoubleReplacing = &processClassDoubleReplacing;
+    canProcessReplacing();
+}
+
+AudioEffect::~AudioEffect() = default;
+
+std::intptr_t AudioEffect::dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                      float opt) {
+    char* const text = static_cast<char*>(ptr);
+    switch (opcode) {
+    case effOpen:
+        open();
+        break;
+    case effClose:
+        close();
+        break;
+    case effSetProgram:
+        // Compared at full width: a number that only looks small once narrowed must not select anything.
+        if (value < numPrograms)
+            setProgram(static_cast<std::int32_t>(value < 0 ? -1 : value));
+        break;
+    case effGetProgram:
+        return getProgram();
+    case effSetProgramName:
+        setProgramName(text);
+        break;
+    case effGetProgramName:
+        getProgramName(text);
+        break;
+    case effGetParamLabel:
+        getParameterLabel(index, text);
+        break;
+    case effGetParamDisplay:
+        getParameterDisplay(index, text);
+        break;
+    case effGetParamName:
+        getParameterName(index, text);
+        break;
+    case effSetSampleRate:
+        setSampleRate(opt);
+        break;
+    case effSetBlockSize:
+        setBlockSize(static_cast<std::int32_t>(value));
+        break;
+    case effMainsChanged:
+        value == 0 ? suspend() : resume();
+        break;
+    case effEditGetRect:
+        return editor && editor->getRect(static_cast<ERect**>(ptr));
+    case effEditOpen:
+        return editor && editor->open(ptr);
+    case effEditClose:
+        if (editor)
+            editor->close();
+        break;
+    case effEditIdle:
+        if (editor)
+            editor->idle();
+        break;
+    case effIdentify:
+        return fourCharacterCode("NvEf");
+    case effGetChunk:
+        return getChunk(static_cast<void**>(ptr), index != 0);
+    case effSetChunk:
+        return setChunk(ptr, static_cast<std::int32_t>(value), index != 0);
+    default:
+        break;
+    }
+    return 0;
+}
+
+void AudioEffect::setParameterAutomated(std::int32_t id, float value) {
+    setParameter(id, value);
+    callHost(audioMasterAutomate, id, 0, nullptr, value);
+}
+
+void AudioEffect::setEditor(AEffEditor* newEditor) {
+    editor.reset(newEditor);
+    setFlag(effFlagsHasEditor, newEditor != nullptr);
+}
+
+void AudioEffect::dB2string(float value, char* text, std::size_t maxLen) const {
+    parameters::dB2string(value, text, maxLen);
+}
+
+void AudioEffect::Hz2string(float samples, char* text, std::size_t maxLen) const {
+    parameters::float2string(samples == 0.0f ? 0.0f : sampleRate / samples, text, maxLen);
+}
+
+void AudioEffect::ms2string(float samples, char* text, std::size_t maxLen) const {
+    parameters::float2string(samples * 1000.0f / sampleRate, text, maxLen);
+}
+
+void AudioEffect::float2string(float value, char* text, std::size_t maxLen) const {
+    parameters::float2string(value, text, maxLen);
+}
+
+void AudioEffect::int2string(std::int32_t value, char* text, std::size_t maxLen) const {
+    parameters::int2string(value, text, maxLen);
+}
+
+std::intptr_t AudioEffect::callHost(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                    float opt) {
+    return audioMaster ? audioMaster(&cEffect, opcode, index, value, ptr, opt) : 0;
+}
+
+void AudioEffect::setFlag(AEffectFlags flag, bool state) {
+    cEffect.flags = state ? cEffect.flags | flag : cEffect.flags & ~flag;
+}
+
+std::intptr_t AudioEffect::dispatchEffectClass(AEffect* effect, std::int32_t opcode, std::int32_t index,
+                                               std::intptr_t value, void* ptr, float opt) {
+    AudioEffect* const object = effectOf(effect);
+    if (opcode == effClose) {
+        object->dispatcher(opcode, index, value, ptr, opt);
+        delete object;
+        return 1;
+    }
+    return object->dispatcher(opcode, index, value, ptr, opt);
+}
+
+void AudioEffect::processClass(AEffect* effect, float** inputs, float** outputs, std::int32_t sampleFrames) {
+    effectOf(effect)->process(inputs, outputs, sampleFrames);
+}
+
+void AudioEffect::processClassReplacing(AEffect* effect, float** inputs, float** outputs,
+                                        std::int32_t sampleFrames) {
+    effectOf(effect)->processReplacing(inputs, outputs, sampleFrames);
+}
+
+void AudioEffect::processClassDoubleReplacing(AEffect* effect, double** inputs, double** outputs,
+                                              std::int32_t sampleFrames) {
+    effectOf(effect)->processDoubleReplacing(inputs, outputs, sampleFrames);
+}
+
+void AudioEffect::setParameterClass(AEffect* effect, std::int32_t index, float value) {
+    effectOf(effect)->setParameter(index, value);
+}
+
+float AudioEffect::getParameterClass(AEffect* effect, std::int32_t index) {
+    return effectOf(effect)->getParameter(index);
+}
+
+} // namespace plugin

@@ -1,0 +1,110 @@
+// The frame between a host's C interface and an effect written as a class. A host calls through the function
+// pointers of its AEffect record; static stubs turn each call into a virtual operation here, and a row of
+// wrappers calls the host back. Every operation has an empty default.
+//
+// No lock is taken anywhere in the frame, and nothing is assumed about the calling thread.
+#pragma once
+
+#include "plugin/aeff_editor.h"
+#include "vst2/vst2.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace plugin {
+
+class AudioEffect {
+  public:
+    AudioEffect(vst2::audioMasterCallback host, std::int32_t programs, std::int32_t parameters);
+    /// Deletes the editor, which the effect owns.
+    virtual ~AudioEffect();
+    AudioEffect(const AudioEffect&) = delete;
+    AudioEffect& operator=(const AudioEffect&) = delete;
+
+    /// What AEffect::dispatcher reaches. 0 for what is not known.
+    virtual std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                     float opt);
+    virtual void open() {}
+    virtual void close() {}
+    virtual void suspend() {}
+    virtual void resume() {}
+    virtual void setSampleRate(float rate) { sampleRate = rate; }
+    virtual void setBlockSize(std::int32_t frames) { blockSize = frames; }
+
+    /// Audio: channels x frames. The audio thread.
+    virtual void processReplacing(float** inputs, float** outputs, std::int32_t sampleFrames) = 0;
+    virtual void processDoubleReplacing(double**, double**, std::int32_t) {}
+    virtual void process(float**, float**, std::int32_t) {}
+
+    /// Values are normalised. Any thread.
+    virtual void setParameter(std::int32_t, float) {}
+    virtual float getParameter(std::int32_t) { return 0.0f; }
+    /// For a change made by the person: sets the parameter, then tells the host.
+    virtual void setParameterAutomated(std::int32_t id, float value);
+
+    virtual std::int32_t getProgram() { return curProgram; }
+    virtual void setProgram(std::int32_t program) { curProgram = program; }
+    virtual void setProgramName(char*) {}
+    virtual void getProgramName(char* text) { *text = '\0'; }
+    virtual void getParameterLabel(std::int32_t, char* text) { *text = '\0'; }
+    virtual void getParameterDisplay(std::int32_t, char* text) { *text = '\0'; }
+    virtual void getParameterName(std::int32_t, char* text) { *text = '\0'; }
+    /// Gives the size in bytes and points `data` at them.
+    virtual std::int32_t getChunk(void**, bool) { return 0; }
+    virtual std::int32_t setChunk(void*, std::int32_t, bool) { return 0; }
+
+    void setUniqueID(std::int32_t id) { cEffect.uniqueID = id; }
+    void setNumInputs(std::int32_t inputs) { cEffect.numInputs = inputs; }
+    void setNumOutputs(std::int32_t outputs) { cEffect.numOutputs = outputs; }
+    void canProcessReplacing(bool state = true) { setFlag(vst2::effFlagsCanReplacing, state); }
+    void programsAreChunks(bool state = true) { setFlag(vst2::effFlagsProgramChunks, state); }
+    void canMono(bool state = true) { setFlag(vst2::effFlagsCanMono, state); }
+    /// Takes the editor over and tells the host that there is one.
+    void setEditor(AEffEditor* newEditor);
+
+    AEffEditor* getEditor() { return editor.get(); }
+    vst2::AEffect* getAeffect() { return &cEffect; }
+    float getSampleRate() const { return sampleRate; }
+    std::int32_t getBlockSize() const { return blockSize; }
+
+    /// Lets the host do its own idle work.
+    void masterIdle() { callHost(vst2::audioMasterIdle); }
+
+    /// Numbers as hosts show them; `text` holds maxLen + 1 bytes. See parameters/number_text.h.
+    void dB2string(float value, char* text, std::size_t maxLen) const;
+    void Hz2string(float samples, char* text, std::size_t maxLen) const;
+    void ms2string(float samples, char* text, std::size_t maxLen) const;
+    void float2string(float value, char* text, std::size_t maxLen) const;
+    void int2string(std::int32_t value, char* text, std::size_t maxLen) const;
+
+  protected:
+    /// Calls the host with our record; 0 without a host.
+    std::intptr_t callHost(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
+                           void* ptr = nullptr, float opt = 0.0f);
+
+    vst2::audioMasterCallback audioMaster;
+    std::unique_ptr<AEffEditor> editor;
+    float sampleRate = 44100.0f; ///< Hz; shared
+    std::int32_t blockSize = 1024;
+    std::int32_t numPrograms;
+    std::int32_t numParams;
+    std::int32_t curProgram = 0; ///< shared
+    vst2::AEffect cEffect = {};
+
+  private:
+    void setFlag(vst2::AEffectFlags flag, bool state);
+
+    static std::intptr_t dispatchEffectClass(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index,
+                                             std::intptr_t value, void* ptr, float opt);
+    static void processClass(vst2::AEffect* effect, float** inputs, float** outputs,
+                             std::int32_t sampleFrames);
+    static void processClassReplacing(vst2::AEffect* effect, float** inputs, float** outputs,
+                                      std::int32_t sampleFrames);
+    static void processClassDoubleReplacing(vst2::AEffect* effect, double** inputs, double** outputs,
+                                            std::int32_t sampleFrames);
+    static void setParameterClass(vst2::AEffect* effect, std::int32_t index, float value);
+    static float getParameterClass(vst2::AEffect* effect, std::int32_t index);
+};
+
+} // namespace plugin

@@ -1,0 +1,72 @@
+#include "plugin/audio_effect_x.h"
+
+#include "parameters/truncation.h"
+
+namespace plugin {
+
+using namespace vst2;
+
+std::intptr_t AudioEffectX::dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value,
+                                       void* ptr, float opt) {
+    char* const text = static_cast<char*>(ptr);
+    switch (opcode) {
+    case effProcessEvents:
+        return processEvents(static_cast<VstEvents*>(ptr));
+    case effCanBeAutomated:
+        return canParameterBeAutomated(index);
+    case effGetProgramNameIndexed:
+        return getProgramNameIndexed(static_cast<std::int32_t>(value), index, text);
+    case effGetInputProperties:
+        return getInputProperties(index, static_cast<VstPinProperties*>(ptr));
+    case effGetOutputProperties:
+        return getOutputProperties(index, static_cast<VstPinProperties*>(ptr));
+    case effGetPlugCategory:
+        return kPlugCategUnknown;
+    case effGetEffectName:
+        return getEffectName(text);
+    case effGetVendorString:
+        return getVendorString(text);
+    case effGetProductString:
+        return getProductString(text);
+    case effGetVendorVersion:
+        return getVendorVersion();
+    case effCanDo:
+        return canDo(text);
+    case effGetVstVersion:
+        return getVstVersion();
+    case effEditKeyDown:
+    case effEditKeyUp:
+        return editKey(opcode, index, value, opt);
+    case effSetEditKnobMode:
+        return editor && editor->setKnobMode(static_cast<std::int32_t>(value));
+    case effGetCurrentMidiProgram:
+        // No MIDI program has a name of its own here, so none is current.
+        return -1;
+    case effGetSpeakerArrangement:
+        return getSpeakerArrangement(reinterpret_cast<VstSpeakerArrangement**>(value),
+                                     static_cast<VstSpeakerArrangement**>(ptr));
+    case effSetTotalSampleToProcess:
+        return setTotalSampleToProcess(static_cast<std::int32_t>(value));
+    default:
+        return AudioEffect::dispatcher(opcode, index, value, ptr, opt);
+    }
+}
+
+bool AudioEffectX::getSpeakerArrangement(VstSpeakerArrangement** input, VstSpeakerArrangement** output) {
+    if (input)
+        *input = nullptr;
+    if (output)
+        *output = nullptr;
+    return false;
+}
+
+std::intptr_t AudioEffectX::editKey(std::int32_t opcode, std::int32_t character, std::intptr_t virtualKey,
+                                    float modifier) {
+    if (!editor)
+        return 0;
+    VstKeyCode key = {character, static_cast<unsigned char>(virtualKey),
+                      static_cast<unsigned char>(parameters::trunc(modifier))};
+    return opcode == effEditKeyDown ? editor->onKeyDown(key) : editor->onKeyUp(key);
+}
+
+} // namespace plugin

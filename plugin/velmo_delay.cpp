@@ -1,0 +1,206 @@
+#include "plugin/velmo_delay.h"
+
+#include "midi/cc_map.h"
+#include "parameters/number_text.h"
+#include "parameters/parameter_table.h"
+#include "platform/module_folder.h"
+
+#include <cstring>
+#include <string_view>
+
+namespace plugin {
+
+using namespace parameters;
+
+namespace {
+
+constexpr char kEffectName[] = "velmo_delay";
+constexpr char kVendor[] = "Quillon Software";
+constexpr char kProduct[] = "Quillon Multitap Delay";
+constexpr char kVendorAndProduct[] = "Quillon Software Quillon Multitap Delay";
+
+/// Whether a jump of the taps follows from this parameter, so that it has to be masked.
+constexpr bool movesTaps(std::int32_t id) {
+    return id == kBaseLength || id == kTaps || id == kStretch;
+}
+
+} // namespace
+
+velmo_delay::velmo_delay(vst2::audioMasterCallback host)
+    : AudioEffectX(host, presets::kNumPrograms, kNumParameters) {
+    canMono();
+    midi::readCcMap(platform::moduleFolder());
+    programsAreChunks();
+    programs.allocate();
+    if (programs.size() > 0)
+        setProgram(0);
+    if (audioMaster) {
+        setNumInputs(2);
+        setNumOutputs(2);
+        canProcessReplacing();
+        setUniqueID(vst2::fourCharacterCode("qlvd"));
+    }
+    startUp();
+    if (programs.size() > 0)
+        setProgram(0);
+}
+
+velmo_delay::~velmo_delay() {
+    midi::writeCcMap();
+}
+
+void velmo_delay::startUp() {
+    notes = {};
+    engine.startUp();
+    programs.clearStaging();
+    dsp::storeShared(sampleRate, 44100.0f);
+    loadDefaultBank();
+    setProgram(curProgram);
+    updateDisplay();
+}
+
+void velmo_delay::loadDefaultBank() {
+    presets::loadDefaultBank(platform::moduleFolder() + "default.fxb", *this);
+}
+
+void velmo_delay::resume() {
+    engine.prepare(rate());
+    setParameter(-1, 0.0f);
+}
+
+void velmo_delay::setSampleRate(float newRate) {
+    dsp::storeShared(sampleRate, newRate);
+    engine.prepare(newRate);
+}
+
+void velmo_delay::processReplacing(float** inputs, float** outputs, std::int32_t sampleFrames) {
+    engine.processReplacing(inputs, outputs, sampleFrames);
+}
+
+void velmo_delay::setParameter(std::int32_t id, float value) {
+    storeParameter(id, value);
+    engine.computeTapPattern(rate());
+    if (movesTaps(id))
+        engine.armFade();
+    if (id == kPreLowPass)
+        engine.designLowPassOnChange(rate());
+    if (id == kPreHighPass)
+        engine.designHighPassOnChange(rate());
+}
+
+void velmo_delay::storeParameter(std::int32_t id, float value) {
+    if (!isLive(id))
+        return;
+    const std::int32_t program = getProgram();
+    if (program < programs.size())
+        programs.setValue(program, id, value);
+    engine.setParameterValue(id, value);
+}
+
+float velmo_delay::getParameter(std::int32_t id) {
+    return isLive(id) ? engine.parameterValue(id) : 0.0f;
+}
+
+void velmo_delay::setProgram(std::int32_t program) {
+    engine.clearDelayMemory();
+    if (program < 0 || program >= programs.size())
+        return;
+    dsp::storeShared(curProgram, program);
+    loadParametersOf(program);
+    engine.computeTapPattern(rate());
+    engine.designLowPassOnChange(rate());
+    engine.designHighPassOnChange(rate());
+    updateDisplay();
+}
+
+void velmo_delay::loadParametersOf(std::int32_t program) {
+    for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
+        engine.setParameterValue(id, programs.value(program, id));
+}
+
+void velmo_delay::setProgramName(char* name) {
+    if (programs.size() > 0)
+        programs.setName(getProgram(), name);
+}
+
+void velmo_delay::getProgramName(char* text) {
+    getProgramNameIndexed(0, getProgram(), text);
+}
+
+bool velmo_delay::getProgramNameIndexed(std::int32_t, std::int32_t index, char* text) {
+    if (index < 0 || index >= programs.size())
+        return false;
+    programs.getName(index, text);
+    return true;
+}
+
+void velmo_delay::getParameterLabel(std::int32_t, char* text) {
+    copyText(text, "", vst2::kVstMaxParamStrLen);
+}
+
+void velmo_delay::getParameterDisplay(std::int32_t id, char* text) {
+    text[0] = '\0';
+    parameter(id).display(getParameter(id), text);
+}
+
+void velmo_delay::getParameterName(std::int32_t id, char* text) {
+    copyText(text, parameter(id).name, vst2::kVstMaxParamStrLen);
+}
+
+std::int32_t velmo_delay::getChunk(void** data, bool isPreset) {
+    return programs.size() > 0 ? programs.getChunk(data, getProgram(), isPreset) : 0;
+}
+
+std::int32_t velmo_delay::setChunk(void* data, std::int32_t byteSize, bool isPreset) {
+    const std::int32_t program = getProgram();
+    if (programs.size() > 0)
+        programs.setChunk(data, byteSize, program, isPreset);
+    setProgram(program);
+    return 1;
+}
+
+bool velmo_delay::getOutputProperties(std::int32_t index, vst2::VstPinProperties* properties) {
+    if (index >= 2)
+        return false;
+    char number[11];
+    int2string(index + 1, number, 10);
+    const std::string label = std::string(kProduct) + number;
+    copyText(properties->label, label.c_str(), vst2::kVstMaxLabelLen - 1);
+    properties->flags = vst2::kVstPinIsActive | vst2::kVstPinIsStereo;
+    return true;
+}
+
+std::int32_t velmo_delay::processEvents(vst2::VstEvents* events) {
+    midi::readEvents(events, notes, *this);
+    return 1;
+}
+
+void velmo_delay::controlChange(std::int32_t controller, float value) {
+    for (std::int32_t id = 0; id < kNumParameters; ++id)
+        if (midi::controllerOf(id) == controller)
+            setParameter(id, value);
+}
+
+bool velmo_delay::getEffectName(char* name) {
+    copyText(name, kEffectName, vst2::kVstMaxEffectNameLen);
+    return true;
+}
+
+bool velmo_delay::getVendorString(char* text) {
+    copyText(text, kVendor, vst2::kVstMaxVendorStrLen);
+    return true;
+}
+
+bool velmo_delay::getProductString(char* text) {
+    copyText(text, kVendorAndProduct, vst2::kVstMaxProductStrLen);
+    return true;
+}
+
+std::int32_t velmo_delay::canDo(const char* what) {
+    const std::string_view capability = what;
+    if (capability == "receiveVstEvents" || capability == "receiveVstMidiEvent")
+        return 1;
+    return capability == "midiProgramNames" ? 0 : -1;
+}
+
+} // namespace plugin

@@ -1,0 +1,131 @@
+#include "presets/default_bank.h"
+
+#include "parameters/parameter_table.h"
+#include "platform/files.h"
+#include "platform/message_box.h"
+#include "vst2/vst2.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+namespace presets {
+namespace {
+
+constexpr std::int32_t kChunkMagic = vst2::fourCharacterCode("CcnK");
+constexpr std::int32_t kPlainBank = vst2::fourCharacterCode("FxBk");
+constexpr std::int32_t kChunkBank = vst2::fourCharacterCode("FBCh");
+/// Banks of an older version of the effect carry this id.
+constexpr std::int32_t kOlderUniqueID = vst2::fourCharacterCode("vmdl");
+
+// Byte offsets in the file.
+constexpr std::size_t kChunkMagicOffset = 0;
+constexpr std::size_t kFxMagicOffset = 8;
+constexpr std::size_t kFxIDOffset = 16;
+constexpr std::size_t kNumProgramsOffset = 24;
+constexpr std::size_t kHeaderSize = 156;
+constexpr std::size_t kChunkSizeOffset = 156;
+constexpr std::size_t kChunkOffset = 160;
+
+// In each record of a plain bank.
+constexpr std::size_t kNumParamsOffset = 24;
+constexpr std::size_t kParamsOffset = 56;
+constexpr std::int64_t kRecordSize = 60;
+
+/// Nothing that is read lies further behind.
+constexpr std::size_t kLargestImage = 16 * 1024 * 1024;
+
+using Image = std::vector<unsigned char>;
+
+/// Four bytes as they stand in memory, or nothing where the image ends before them.
+std::optional<std::int32_t> wordAt(const Image& image, std::size_t offset) {
+    std::int32_t word;
+    if (image.size() < sizeof word || offset > image.size() - sizeof word)
+        return std::nullopt;
+    std::memcpy(&word, image.data() + offset, sizeof word);
+    return word;
+}
+
+std::int32_t headerWord(const Image& image, std::size_t offset) {
+    return swappedWord(wordAt(image, offset).value());
+}
+
+bool isBank(const Image& image) {
+    if (image.size() < kHeaderSize || headerWord(image, kChunkMagicOffset) != kChunkMagic)
+        return false;
+    const std::int32_t fxMagic = headerWord(image, kFxMagicOffset);
+    if (fxMagic == kPlainBank)
+        return true;
+    const auto chunkSize = wordAt(image, kChunkSizeOffset);
+    return fxMagic == kChunkBank && chunkSize &&
+           swappedWord(*chunkSize) <= static_cast<std::int64_t>(image.size() - kChunkOffset);
+}
+
+void loadChunkBank(Image& image, BankReceiver& receiver) {
+    receiver.setChunk(image.data() + kChunkOffset, headerWord(image, kChunkSizeOffset), false);
+}
+
+/// One record into the current program. False when the image ends within the record.
+bool loadRecord(const Image& image, std::size_t record, std::int32_t numParams, BankReceiver& receiver) {
+    for (std::int32_t id = 0; id < std::min(numParams, parameters::kNumParameters); ++id) {
+        const auto word = wordAt(image, record + kParamsOffset + 4 * static_cast<std::size_t>(id));
+        if (!word)
+            return false;
+        receiver.setParameter(id, std::bit_cast<float>(swappedWord(*word)));
+    }
+    return true;
+}
+
+/// Walks the records by their own counts as they stand in memory, up to the end of the image and no further.
+void loadPlainBank(const Image& image, BankReceiver& receiver) {
+    const std::int32_t selected = receiver.getProgram();
+    const std::int32_t numPrograms = headerWord(image, kNumProgramsOffset);
+    auto record = static_cast<std::int64_t>(kHeaderSize);
+    for (std::int32_t program = 0; program < numPrograms; ++program) {
+        receiver.setProgram(program);
+        const auto numParams = wordAt(image, static_cast<std::size_t>(record) + kNumParamsOffset);
+        if (!numParams || !loadRecord(image, static_cast<std::size_t>(record), *numParams, receiver))
+            break;
+        const std::int64_t stride = kRecordSize + 4 * std::int64_t{*numParams};
+        if (stride <= 0)
+            break;
+        record += stride;
+    }
+    receiver.setProgram(selected);
+}
+
+} // namespace
+
+std::int32_t swappedWord(std::int32_t word) {
+    const auto shiftedUp = static_cast<std::int32_t>(static_cast<std::uint32_t>(word) << 16);
+    const std::int32_t high = ((word & 0x00FF0000) | (word >> 16)) >> 8;
+    const auto low =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(shiftedUp | (word & 0x0000FF00)) << 8);
+    return high | low;
+}
+
+void loadDefaultBank(const std::string& path, BankReceiver& receiver) {
+    constexpr char caption[] = "Preset loader";
+    std::optional<Image> image = platform::readWholeFile(path, kLargestImage);
+    if (!image) {
+        platform::showMessage("Default bank error: file not found", caption);
+        return;
+    }
+    if (!isBank(*image)) {
+        platform::showMessage("Default bank error: not an fxb file", caption);
+        return;
+    }
+    const std::int32_t fxID = headerWord(*image, kFxIDOffset);
+    if (fxID != receiver.uniqueID() && fxID != kOlderUniqueID) {
+        platform::showMessage("Default bank error: wrong unique ID", caption);
+        return;
+    }
+    if (headerWord(*image, kFxMagicOffset) == kChunkBank)
+        loadChunkBank(*image, receiver);
+    else
+        loadPlainBank(*image, receiver);
+}
+
+} // namespace presets
