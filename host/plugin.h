@@ -12,13 +12,14 @@
 #include "platform/shared_library.h"
 #include "vst2/vst2.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace host {
@@ -29,7 +30,7 @@ class HostError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A loaded plug-in library and its entry point.
+/// A loaded plug-in library and its entry point. Outlives every instance made from it.
 class Library {
   public:
     /// Loads `path` and looks for `entryPoint`; with an empty name, for "VSTPluginMain" and then "main".
@@ -61,11 +62,11 @@ struct HostCall {
 
 /// How the host behaves; change it before the instance is made, or between calls.
 struct HostBehaviour {
-    /// Answer to audioMasterVersion. 0 makes a plug-in of good manners refuse to come up.
+    /// Answer to audioMasterVersion; 0 makes a plug-in of good manners refuse to come up.
     std::int32_t version = vst2::kVstVersion;
-    float sampleRate = 44100.0f;
-    std::int32_t blockSize = 512;
-    double tempo = 120.0;
+    float sampleRate = 44100.0f;  ///< Hz; follows setSampleRate
+    std::int32_t blockSize = 512; ///< frames; follows setBlockSize
+    double tempo = 120.0;         ///< beats per minute
     std::string vendor = "Quillon Software";
     std::string product = "Quillon Test Host";
     /// Looks at each call first; a value is the answer, none leaves it to the host's own manners.
@@ -81,7 +82,8 @@ struct MidiMessage {
 };
 
 /// One instance of a plug-in. Not thread safe by itself: each operation runs on the calling thread and
-/// reaches the plug-in there, exactly as if the host's thread of that kind had called.
+/// reaches the plug-in there, exactly as if the host's thread of that kind had called. The plug-in may call
+/// back on any thread.
 class Plugin {
   public:
     /// Calls the entry point. Throws HostError if the library gives no instance or a record that is not one.
@@ -94,6 +96,7 @@ class Plugin {
     /// The record itself, for what has no operation here. Null after close().
     vst2::AEffect* effect() { return effect_; }
     const vst2::AEffect* effect() const { return effect_; }
+    /// One opcode as it is. Throws HostError after close().
     std::intptr_t dispatch(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
                            void* ptr = nullptr, float opt = 0.0f);
 
@@ -132,17 +135,25 @@ class Plugin {
     std::intptr_t setChunk(std::span<const std::uint8_t> data, bool isPreset);
 
     /// Sends the messages as one event list, ahead of the block they belong to. Gives the plug-in's answer.
+    /// The list stays where it is until the next one, for plug-ins that read it only when they process.
     std::intptr_t sendMidi(std::span<const MidiMessage> messages);
 
     /// Plain pass-through to processReplacing: channels x frames, buffers may be shared between in and out.
     void process(float** inputs, float** outputs, std::int32_t frames) {
         effect_->processReplacing(effect_, inputs, outputs, frames);
+        position_ += frames;
     }
+    /// Renders any length in blocks of `blockSize` frames into separate buffers, whatever channels the
+    /// plug-in has: an input that is not given is silent, an output that is not asked for is dropped, and one
+    /// that the plug-in does not have is filled with silence. Throws HostError for a block size below 1.
+    void processChannels(std::span<const float* const> inputs, std::span<float* const> outputs,
+                         std::int64_t frames, std::int32_t blockSize);
     /// Renders stereo of any length in blocks of `blockSize` frames into separate buffers.
     void processStereo(const float* inLeft, const float* inRight, float* outLeft, float* outRight,
                        std::int64_t frames, std::int32_t blockSize);
 
-    /// What the plug-in has said to its host, in order, since the entry point was called.
+    /// What the plug-in has said to its host, in order, since the entry point was called. Look when no other
+    /// thread is in the plug-in.
     const std::vector<HostCall>& calls() const { return calls_; }
     std::int64_t callsOf(std::int32_t opcode) const;
     void clearCalls() { calls_.clear(); }
@@ -151,14 +162,19 @@ class Plugin {
   private:
     static std::intptr_t callback(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index,
                                   std::intptr_t value, void* ptr, float opt);
-    std::intptr_t handle(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index, std::intptr_t value,
-                         void* ptr, float opt);
-    std::string text(std::int32_t opcode, std::int32_t index, std::intptr_t value = 0);
+    std::intptr_t handle(HostCall call, void* ptr);
+    std::intptr_t ownManners(const HostCall& call, void* ptr);
+    vst2::VstTimeInfo* timeInfo();
+    std::string text(std::int32_t opcode, std::int32_t index = 0);
 
     HostBehaviour behaviour_;
     vst2::AEffect* effect_ = nullptr;
+    std::mutex callsGuard_;
     std::vector<HostCall> calls_;
+    std::int64_t position_ = 0; ///< frames processed
     vst2::VstTimeInfo time_ = {};
+    std::vector<vst2::VstMidiEvent> midiEvents_;
+    std::vector<std::byte> eventList_;
 };
 
 } // namespace host
