@@ -21,12 +21,13 @@ void copyText(char* text, const char* source, std::size_t maxLen) {
 
 void float2string(float value, char* text, std::size_t maxLen) {
     constexpr std::size_t width = 8;
-    if (value > 99999999.0f || value < -9999999.0f) {
+    const auto wide = static_cast<double>(value);
+    if (wide > 99999999.0 || wide < -9999999.0) {
         text[maxLen] = '\0';
         return;
     }
     // More decimals than a float of this size has digits: cutting them is exact.
-    std::string number = fixedText(static_cast<double>(value), 60);
+    std::string number = fixedText(wide, 60);
     if (value == 0.0f)
         number.erase(0, number.find('0'));
     const std::size_t withPoint = number.find('.') + 1;

@@ -1,0 +1,189 @@
+// The frame between a host's C record and the effect's class, seen from inside: what the loaded library
+// cannot show.
+#include "parameters/parameter_table.h"
+#include "platform/message_box.h"
+#include "platform/private_folder.h"
+#include "plugin/velmo_delay.h"
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vst2;
+
+struct Call {
+    std::int32_t opcode;
+    std::int32_t index;
+    std::intptr_t value;
+    float opt;
+    std::string text;
+    float parameterAtThatTime;
+};
+std::vector<Call> calls;
+std::intptr_t answer;
+
+std::intptr_t recordingHost(AEffect* effect, std::int32_t opcode, std::int32_t index, std::intptr_t value,
+                            void* ptr, float opt) {
+    calls.push_back({opcode, index, value, opt,
+                     opcode == audioMasterCanDo ? static_cast<const char*>(ptr) : std::string(),
+                     effect->getParameter(effect, index)});
+    return answer;
+}
+
+/// An effect made directly, in a folder of its own, with its messages kept.
+class Frame : public testing::Test {
+  protected:
+    Frame() {
+        platform::replaceMessageBox(
+            [](void* context, const char* text, const char* caption) {
+                static_cast<Frame*>(context)->messages.push_back(std::string(caption) + ": " + text);
+            },
+            this);
+        calls.clear();
+        answer = 0;
+    }
+    ~Frame() override { platform::replaceMessageBox(nullptr, nullptr); }
+
+    std::unique_ptr<plugin::velmo_delay> make(audioMasterCallback host) {
+        return std::make_unique<plugin::velmo_delay>(host);
+    }
+
+    platform::PrivateFolder folder;
+    std::vector<std::string> messages;
+};
+
+TEST_F(Frame, WithoutAHostKeepsOneInputAndTheIdOfNoEffect) {
+    const auto effect = make(nullptr);
+    EXPECT_EQ(effect->getAeffect()->numInputs, 1);
+    EXPECT_EQ(effect->getAeffect()->numOutputs, 2);
+    EXPECT_EQ(effect->getAeffect()->uniqueID, fourCharacterCode("NoEf"));
+}
+
+TEST_F(Frame, WithoutAHostAnswersNoToEverythingThatAsksTheHost) {
+    const auto effect = make(nullptr);
+    EXPECT_FALSE(effect->beginEdit(0));
+    EXPECT_FALSE(effect->endEdit(0));
+    EXPECT_FALSE(effect->updateDisplay());
+    EXPECT_FALSE(effect->sizeWindow(100, 100));
+    EXPECT_FALSE(effect->canHostDo("sizeWindow"));
+    effect->masterIdle();
+    effect->setParameterAutomated(parameters::kFeedback, 0.25f);
+    EXPECT_EQ(effect->getParameter(parameters::kFeedback), 0.25f);
+}
+
+TEST_F(Frame, TellsTheHostOfAUsersChangeAfterTheParameterHasChanged) {
+    const auto effect = make(recordingHost);
+    calls.clear();
+    effect->setParameterAutomated(parameters::kFeedback, 0.75f);
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].opcode, audioMasterAutomate);
+    EXPECT_EQ(calls[0].index, parameters::kFeedback);
+    EXPECT_EQ(calls[0].opt, 0.75f);
+    EXPECT_EQ(calls[0].parameterAtThatTime, 0.75f);
+}
+
+TEST_F(Frame, PassesTheEditorsWishesOnToTheHost) {
+    const auto effect = make(recordingHost);
+    calls.clear();
+    answer = 1;
+    EXPECT_TRUE(effect->beginEdit(3));
+    EXPECT_TRUE(effect->endEdit(3));
+    EXPECT_TRUE(effect->sizeWindow(640, 480));
+    EXPECT_TRUE(effect->canHostDo("sizeWindow"));
+    effect->masterIdle();
+    ASSERT_EQ(calls.size(), 5u);
+    EXPECT_EQ(calls[0].opcode, audioMasterBeginEdit);
+    EXPECT_EQ(calls[0].index, 3);
+    EXPECT_EQ(calls[1].opcode, audioMasterEndEdit);
+    EXPECT_EQ(calls[1].index, 3);
+    EXPECT_EQ(calls[2].opcode, audioMasterSizeWindow);
+    EXPECT_EQ(calls[2].index, 640);
+    EXPECT_EQ(calls[2].value, 480);
+    EXPECT_EQ(calls[3].opcode, audioMasterCanDo);
+    EXPECT_EQ(calls[3].text, "sizeWindow");
+    EXPECT_EQ(calls[4].opcode, audioMasterIdle);
+}
+
+TEST_F(Frame, ReportsAMissingBankOnceForEachInstance) {
+    const auto first = make(recordingHost);
+    const auto second = make(recordingHost);
+    EXPECT_EQ(messages, (std::vector<std::string>{"Preset loader: Default bank error: file not found",
+                                                  "Preset loader: Default bank error: file not found"}));
+}
+
+TEST_F(Frame, ConvertsSamplesToRatesAndTimes) {
+    const auto effect = make(nullptr);
+    char text[9];
+    effect->Hz2string(441.0f, text, 8);
+    EXPECT_STREQ(text, "100.0000");
+    effect->Hz2string(0.0f, text, 8);
+    EXPECT_STREQ(text, "0.000000");
+    effect->ms2string(44100.0f, text, 8);
+    EXPECT_STREQ(text, "1000.000");
+}
+
+/// An editor that notes what reaches it.
+class NotingEditor : public plugin::AEffEditor {
+  public:
+    NotingEditor(plugin::AudioEffect* owner, std::string& notes) : AEffEditor(owner), notes_(notes) {}
+    ~NotingEditor() override { notes_ += "gone "; }
+    bool getRect(ERect** rect) override {
+        *rect = &size_;
+        return true;
+    }
+    bool open(void* ptr) override {
+        AEffEditor::open(ptr);
+        notes_ += "open ";
+        return true;
+    }
+    void close() override { notes_ += "close "; }
+    void idle() override { notes_ += "idle "; }
+    bool onKeyDown(VstKeyCode& key) override {
+        notes_ += "down " + std::to_string(key.character) + "/" + std::to_string(key.virt) + "/" +
+                  std::to_string(key.modifier) + " ";
+        return true;
+    }
+    bool onKeyUp(VstKeyCode&) override {
+        notes_ += "up ";
+        return true;
+    }
+    bool setKnobMode(std::int32_t mode) override {
+        notes_ += "knobs " + std::to_string(mode) + " ";
+        return true;
+    }
+
+  private:
+    std::string& notes_;
+    ERect size_ = {0, 0, 480, 640};
+};
+
+TEST_F(Frame, LeadsTheEditorsOpcodesToTheEditorAndOwnsIt) {
+    std::string notes;
+    {
+        const auto effect = make(recordingHost);
+        AEffect* const record = effect->getAeffect();
+        EXPECT_EQ(record->flags, 0x38);
+        effect->setEditor(new NotingEditor(effect.get(), notes));
+        EXPECT_EQ(record->flags, 0x39);
+
+        ERect* size = nullptr;
+        int parent = 0;
+        EXPECT_EQ(record->dispatcher(record, effEditGetRect, 0, 0, &size, 0.0f), 1);
+        EXPECT_EQ(size->right, 640);
+        EXPECT_EQ(record->dispatcher(record, effEditOpen, 0, 0, &parent, 0.0f), 1);
+        EXPECT_TRUE(effect->getEditor()->isOpen());
+        EXPECT_EQ(record->dispatcher(record, effEditIdle, 0, 0, nullptr, 0.0f), 0);
+        EXPECT_EQ(record->dispatcher(record, effEditKeyDown, 'a', 7, nullptr, 2.9f), 1);
+        EXPECT_EQ(record->dispatcher(record, effEditKeyUp, 'a', 7, nullptr, 2.0f), 1);
+        EXPECT_EQ(record->dispatcher(record, effSetEditKnobMode, 0, 2, nullptr, 0.0f), 1);
+        EXPECT_EQ(record->dispatcher(record, effEditClose, 0, 0, nullptr, 0.0f), 0);
+    }
+    EXPECT_EQ(notes, "open idle down 97/7/2 up knobs 2 close gone ");
+}
+
+} // namespace
