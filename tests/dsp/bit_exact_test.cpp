@@ -1,0 +1,98 @@
+// The built library against the reference: whatever a host does, both must give the same samples, bit for
+// bit.
+//
+// Each test plays a handful of scenarios of one family. SEED=2000017 in the environment plays that one
+// scenario instead, in whatever family it belongs to. Builds with sanitizers, ten times slower, play every
+// eighth.
+
+#include "duel.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace {
+
+using scenario::Family;
+
+/// `count` scenarios of a family from `first` on.
+struct Batch {
+    Family family;
+    std::uint64_t first;
+    std::uint64_t count;
+};
+
+void PrintTo(const Batch& batch, std::ostream* out) {
+    *out << "scenarios " << seedOf(batch.family, batch.first) << " to "
+         << seedOf(batch.family, batch.first + batch.count - 1);
+}
+
+constexpr std::uint64_t kStride = QUILLON_SCENARIO_STRIDE;
+
+std::optional<std::uint64_t> seedOfTheEnvironment() {
+    const char* text = std::getenv("SEED");
+    if (!text)
+        return std::nullopt;
+    return std::strtoull(text, nullptr, 10);
+}
+
+void expectNoDifference(std::uint64_t seed) {
+    const std::optional<std::string> difference = firstDifference(scenario::make(seed));
+    EXPECT_FALSE(difference) << *difference;
+}
+
+class BitExact : public testing::TestWithParam<Batch> {};
+
+TEST_P(BitExact, SoundsLikeTheReference) {
+    const Batch& batch = GetParam();
+    if (const auto seed = seedOfTheEnvironment()) {
+        const bool mine = *seed / scenario::kSeedsPerFamily == static_cast<std::uint64_t>(batch.family);
+        if (!mine || batch.first != 0)
+            GTEST_SKIP() << "SEED names a scenario of another test";
+        expectNoDifference(*seed);
+        return;
+    }
+    // The stride goes through the batches, so that all kinds of seeds have their turn.
+    for (std::uint64_t index = batch.first; index < batch.first + batch.count && !HasFailure(); ++index)
+        if (index % kStride == 0)
+            expectNoDifference(seedOf(batch.family, index));
+}
+
+std::vector<Batch> batches(Family family, std::uint64_t batchCount, std::uint64_t size) {
+    std::vector<Batch> all;
+    for (std::uint64_t batch = 0; batch < batchCount; ++batch)
+        all.push_back({family, batch * size, size});
+    return all;
+}
+
+std::string nameOf(const testing::TestParamInfo<Batch>& info) {
+    return "From" + std::to_string(seedOf(info.param.family, info.param.first));
+}
+
+INSTANTIATE_TEST_SUITE_P(WholeSamples, BitExact, testing::ValuesIn(batches(Family::kWholeSamples, 3, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Linear, BitExact, testing::ValuesIn(batches(Family::kLinear, 3, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Cubic, BitExact, testing::ValuesIn(batches(Family::kCubic, 3, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(ModeChanges, BitExact, testing::ValuesIn(batches(Family::kModeChanges, 3, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Fades, BitExact, testing::ValuesIn(batches(Family::kFades, 3, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Gates, BitExact, testing::ValuesIn(batches(Family::kGates, 2, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Programs, BitExact, testing::ValuesIn(batches(Family::kPrograms, 3, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Rates, BitExact, testing::ValuesIn(batches(Family::kRates, 3, 24)), nameOf);
+INSTANTIATE_TEST_SUITE_P(HostileHost, BitExact, testing::ValuesIn(batches(Family::kHostileHost, 4, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(ForeignModes, BitExact, testing::ValuesIn(batches(Family::kForeignModes, 2, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(ShortTimes, BitExact, testing::ValuesIn(batches(Family::kShortTimes, 4, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(WholeSamplesPastTheWrap, BitExact,
+                         testing::ValuesIn(batches(Family::kWholeSamplesPastTheWrap, 2, 4)), nameOf);
+INSTANTIATE_TEST_SUITE_P(LinearPastTheWrap, BitExact,
+                         testing::ValuesIn(batches(Family::kLinearPastTheWrap, 4, 4)), nameOf);
+INSTANTIATE_TEST_SUITE_P(CubicPastTheWrap, BitExact,
+                         testing::ValuesIn(batches(Family::kCubicPastTheWrap, 3, 4)), nameOf);
+
+} // namespace

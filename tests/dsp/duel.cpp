@@ -1,0 +1,240 @@
+#include "duel.h"
+
+#include "library_under_test.h"
+#include "reference_engine.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <iomanip>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+using namespace scenario;
+using reference::ReferenceEngine;
+
+/// Stands before and behind every channel and must still stand there after a block.
+constexpr std::uint32_t kGuard = 0xC0FFEE11u;
+constexpr std::size_t kGuardLength = 8;
+
+bool same(float a, float b) {
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) ||
+           (std::isnan(a) && std::isnan(b));
+}
+
+std::string bitsAndValue(float value) {
+    std::ostringstream text;
+    text << "0x" << std::hex << std::setfill('0') << std::setw(8) << std::bit_cast<std::uint32_t>(value)
+         << " (" << std::setprecision(9) << value << ")";
+    return text.str();
+}
+
+/// Up to four channels of one block, some of them the same, with guards around each.
+class Buffers {
+  public:
+    Buffers(const Blocks& blocks) : frames_(static_cast<std::size_t>(std::max(blocks.frames, 0))) {
+        constexpr std::size_t rounding = 16;
+        stride_ = (frames_ + 2 * kGuardLength + rounding) / rounding * rounding + rounding;
+        samples_.assign(4 * stride_ + rounding, std::bit_cast<float>(kGuard));
+        offset_ = kGuardLength + static_cast<std::size_t>(blocks.misalignment);
+        constexpr int slots[8][4] = {{0, 1, 2, 3}, {0, 1, 0, 1}, {0, 1, 1, 0}, {0, 1, 0, 2},
+                                     {0, 1, 2, 1}, {0, 1, 2, 0}, {0, 0, 1, 2}, {0, 0, 0, 1}};
+        const auto& row = slots[static_cast<std::size_t>(blocks.layout)];
+        for (std::size_t channel = 0; channel < 2; ++channel) {
+            inputs_[channel] = slot(row[channel]);
+            outputs_[channel] = slot(row[channel + 2]);
+        }
+    }
+
+    float** inputs() { return inputs_.data(); }
+    float** outputs() { return outputs_.data(); }
+    std::span<float> input(std::size_t channel) { return {inputs_[channel], frames_}; }
+    std::span<const float> output(std::size_t channel) const { return {outputs_[channel], frames_}; }
+
+    /// Nothing was written but the outputs: guards and plain inputs are as `before` has them.
+    bool onlyOutputsDifferFrom(const Buffers& before) const {
+        for (std::size_t i = 0; i < samples_.size(); ++i) {
+            if (std::memcmp(&samples_[i], &before.samples_[i], sizeof(float)) != 0 && !isOutput(&samples_[i]))
+                return false;
+        }
+        return true;
+    }
+
+    void copySamplesFrom(const Buffers& other) { samples_ = other.samples_; }
+
+  private:
+    float* slot(int number) { return samples_.data() + static_cast<std::size_t>(number) * stride_ + offset_; }
+    bool isOutput(const float* sample) const {
+        return std::any_of(outputs_.begin(), outputs_.end(),
+                           [&](const float* out) { return sample >= out && sample < out + frames_; });
+    }
+
+    std::size_t frames_;
+    std::size_t stride_ = 0;
+    std::size_t offset_ = 0;
+    std::vector<float> samples_;
+    std::array<float*, 2> inputs_ = {};
+    std::array<float*, 2> outputs_ = {};
+};
+
+class Duel {
+  public:
+    Duel(const Scenario& scenario, std::int32_t readOfForeignMode) : scenario_(scenario) {
+        plugin_ = std::make_unique<host::Plugin>(libraryUnderTest(), quietHost());
+        plugin_->open();
+        const std::vector<std::uint8_t> bank = plugin_->getChunk(false);
+        reference_ = ReferenceEngine::create(bank);
+        reference_->delay.readOfForeignMode = readOfForeignMode;
+    }
+
+    std::optional<std::string> play() {
+        compareParameters();
+        for (action_ = 0; action_ < scenario_.actions.size() && difference_.empty(); ++action_) {
+            std::visit(*this, scenario_.actions[action_]);
+            if (difference_.empty())
+                compareParameters();
+            if (!difference_.empty())
+                return report();
+        }
+        if (!difference_.empty())
+            return report();
+        return std::nullopt;
+    }
+
+    void operator()(const Blocks& blocks) {
+        Random random(blocks.seed);
+        Buffers theirs(blocks), ours(blocks), before(blocks);
+        std::int64_t position = 0;
+        for (std::int32_t block = 0; block < blocks.times && difference_.empty(); ++block) {
+            fill(blocks, position, random, theirs.input(0), theirs.input(1));
+            ours.copySamplesFrom(theirs);
+            before.copySamplesFrom(theirs);
+            plugin_->process(theirs.inputs(), theirs.outputs(), blocks.frames);
+            reference_->processReplacing(ours.inputs(), ours.outputs(), blocks.frames);
+            compareOutputs(theirs, ours, block);
+            if (difference_.empty() && !theirs.onlyOutputsDifferFrom(before))
+                difference_ = "wrote beside the output buffers in block " + std::to_string(block);
+            position += blocks.frames;
+        }
+    }
+
+    void operator()(const SetParameter& set) {
+        plugin_->setParameter(set.id, set.value);
+        reference_->setParameter(set.id, set.value);
+    }
+
+    void operator()(const SetProgram& set) {
+        plugin_->setProgram(set.program);
+        reference_->setProgram(set.program);
+    }
+
+    void operator()(const MidiProgramChange& change) {
+        const host::MidiMessage message[] = {{0, {0xC3, change.program, 0}}};
+        plugin_->sendMidi(message);
+        reference_->setProgram(static_cast<std::int8_t>(change.program));
+    }
+
+    void operator()(const MidiControllerOfAll& controller) {
+        const host::MidiMessage message[] = {{0, {0xB5, 0xFF, controller.value}}};
+        plugin_->sendMidi(message);
+        for (std::int32_t id = 0; id < reference::kStoredParameters; ++id)
+            reference_->setParameter(id, static_cast<float>(controller.value & 0x7F) * 0.007874015718698502f);
+    }
+
+    void operator()(const Resume& resume) {
+        if (resume.suspendFirst) {
+            plugin_->suspend();
+            reference_->suspend();
+        }
+        plugin_->resume();
+        reference_->resume();
+    }
+
+    void operator()(const SetSampleRate& set) {
+        plugin_->setSampleRate(set.rate);
+        reference_->setSampleRate(set.rate);
+    }
+
+    void operator()(const SetBlockSize& set) {
+        plugin_->setBlockSize(set.frames);
+        reference_->setBlockSize(set.frames);
+    }
+
+    void operator()(const SetChunk& set) {
+        plugin_->setChunk(set.bytes, set.isPreset);
+        reference_->setChunk(set.bytes.data(), static_cast<std::int32_t>(set.bytes.size()), set.isPreset);
+    }
+
+  private:
+    void compareOutputs(const Buffers& theirs, const Buffers& ours, std::int32_t block) {
+        const std::size_t frames = ours.output(0).size();
+        for (std::size_t i = 0; i < frames; ++i)
+            for (std::size_t channel = 0; channel < 2; ++channel) {
+                const float got = theirs.output(channel)[i], wanted = ours.output(channel)[i];
+                if (same(got, wanted))
+                    continue;
+                std::ostringstream text;
+                text << "sample " << i << " of block " << block << ", " << (channel ? "right" : "left")
+                     << ": the library gives " << bitsAndValue(got) << ", the reference "
+                     << bitsAndValue(wanted);
+                difference_ = text.str();
+                return;
+            }
+    }
+
+    void compareParameters() {
+        for (std::int32_t id = -2; id < 23; ++id) {
+            const float got = plugin_->getParameter(id), wanted = reference_->getParameter(id);
+            if (same(got, wanted))
+                continue;
+            difference_ = "getParameter(" + std::to_string(id) + "): the library gives " + bitsAndValue(got) +
+                          ", the reference " + bitsAndValue(wanted);
+            return;
+        }
+        if (plugin_->getProgram() != reference_->getProgram())
+            difference_ = "getProgram: the library gives " + std::to_string(plugin_->getProgram()) +
+                          ", the reference " + std::to_string(reference_->getProgram());
+    }
+
+    std::string report() const {
+        std::ostringstream text;
+        text << "Scenario " << scenario_.seed << " (" << scenario_.title
+             << "), repeat with SEED=" << scenario_.seed << "\n  " << difference_
+             << "\n  in the last of these actions:\n";
+        const std::size_t last = std::min(action_, scenario_.actions.size() - 1);
+        for (std::size_t i = 0; i <= last; ++i)
+            text << "    " << std::setw(3) << i << "  " << describe(scenario_.actions[i]) << "\n";
+        text << "  with " << reference_->numTaps << " taps at " << reference_->sampleRate
+             << " Hz, read in mode " << reference_->delay.interpMode << ", write position "
+             << reference_->delay.writeIndex << ", fade "
+             << (reference_->fadeArmed ? "armed, " : "not armed, ") << reference_->fadeBlockCount
+             << " blocks, first and last tap at " << std::setprecision(9) << reference_->tapTimeTarget[0]
+             << " and " << reference_->tapTimeTarget[reference_->numTaps - 1] << "\n  and the parameters";
+        for (std::int32_t id = 0; id < reference::kLiveParameters; ++id)
+            text << "\n    " << std::setw(2) << id << "  " << bitsAndValue(reference_->getParameter(id));
+        return text.str();
+    }
+
+    const Scenario& scenario_;
+    std::unique_ptr<host::Plugin> plugin_;
+    std::unique_ptr<ReferenceEngine> reference_;
+    std::size_t action_ = 0;
+    std::string difference_;
+};
+
+} // namespace
+
+std::optional<std::string> firstDifference(const Scenario& scenario) {
+    std::optional<std::string> difference = Duel(scenario, 1).play();
+    for (std::int32_t read : {0, 2}) {
+        if (!difference || !scenario.hasForeignModes)
+            return difference;
+        if (!Duel(scenario, read).play())
+            return std::nullopt;
+    }
+    return difference;
+}
