@@ -1,0 +1,174 @@
+#include "settings_file.h"
+
+#include "../own_settings.h"
+#include "platform/files.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <pwd.h>
+#include <string_view>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view vendor = "Quillon Software";
+constexpr std::string_view product = "Quillon Multitap Delay";
+
+/// A folder's name may hold a line end on this system; a line of the file may not.
+std::string escaped(const std::string& value) {
+    std::string text;
+    for (char c : value) {
+        if (c == '\\')
+            text += "\\\\";
+        else if (c == '\n')
+            text += "\\n";
+        else if (c == '\r')
+            text += "\\r";
+        else
+            text += c;
+    }
+    return text;
+}
+
+/// A backslash before anything else is one that a person has typed, and means itself.
+std::string unescaped(std::string_view text) {
+    std::string value;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char next = text[i] == '\\' && i + 1 < text.size() ? text[i + 1] : '\0';
+        if (next == '\\' || next == 'n' || next == 'r') {
+            value += next == 'n' ? '\n' : next == 'r' ? '\r' : '\\';
+            ++i;
+        } else {
+            value += text[i];
+        }
+    }
+    return value;
+}
+
+/// The lines of the file without their ends; none if there is no file.
+std::vector<std::string> readLines(const std::string& path) {
+    std::vector<std::string> lines;
+    const auto content = readWholeFile(path);
+    if (!content)
+        return lines;
+    std::string line;
+    for (unsigned char c : *content) {
+        if (c == '\n')
+            lines.push_back(std::exchange(line, {}));
+        else
+            line += static_cast<char>(c);
+    }
+    if (!line.empty())
+        lines.push_back(line);
+    // A file that went through an editor of the other system.
+    for (std::string& each : lines)
+        if (each.ends_with('\r'))
+            each.pop_back();
+    return lines;
+}
+
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t put = ::write(file, text.data(), text.size());
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(put));
+    }
+    // On the disk before it takes the old file's place, so that a power cut leaves one of the two.
+    return fsync(file) == 0;
+}
+
+/// Writes beside the target first: a rename is the one step that cannot be seen half done.
+bool replaceFile(const std::string& path, const std::string& text) {
+    std::string draft = path + ".XXXXXX";
+    const int file = mkostemp(draft.data(), O_CLOEXEC);
+    if (file < 0)
+        return false;
+    const bool written = writeAll(file, text);
+    const bool closed = close(file) == 0;
+    if (written && closed && std::rename(draft.c_str(), path.c_str()) == 0)
+        return true;
+    unlink(draft.c_str());
+    return false;
+}
+
+std::string homeFolder() {
+    const char* home = std::getenv("HOME");
+    if (home && *home)
+        return home;
+    passwd entry = {};
+    passwd* found = nullptr;
+    std::vector<char> texts(16384);
+    if (getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found) == 0 && found && found->pw_dir)
+        return found->pw_dir;
+    return {};
+}
+
+} // namespace
+
+SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {}
+
+std::optional<std::string> SettingsFile::read(const std::string& name) {
+    for (const std::string& line : readLines(path_))
+        if (line.starts_with(name + "="))
+            return unescaped(std::string_view(line).substr(name.size() + 1));
+    return std::nullopt;
+}
+
+bool SettingsFile::write(const std::string& name, const std::string& value) {
+    if (path_.empty())
+        return false;
+    std::error_code error;
+    const fs::path target = fs::weakly_canonical(path_, error);
+    if (error)
+        return false;
+    fs::create_directories(target.parent_path(), error);
+    std::string text;
+    bool placed = false;
+    for (const std::string& line : readLines(target)) {
+        const bool isOurs = line.starts_with(name + "=");
+        if (isOurs && placed)
+            continue;
+        text += isOurs ? name + "=" + escaped(value) : line;
+        text += '\n';
+        placed = placed || isOurs;
+    }
+    if (!placed)
+        text += name + "=" + escaped(value) + "\n";
+    return replaceFile(target, text);
+}
+
+std::string ownSettingsPath() {
+    const char* configuration = std::getenv("XDG_CONFIG_HOME");
+    std::string folder;
+    // A relative path there is to be taken for none.
+    if (configuration && *configuration == '/')
+        folder = configuration;
+    else if (const std::string home = homeFolder(); !home.empty())
+        folder = home + "/.config";
+    else
+        return {};
+    return folder.append("/").append(vendor).append("/").append(product).append(".conf");
+}
+
+SettingsStore& ownSettings() {
+    // Asked for anew each time: a host may set its environment up after it has loaded us.
+    static SettingsFile* const none = nullptr;
+    (void)none;
+    thread_local SettingsFile file("");
+    file = SettingsFile(ownSettingsPath());
+    return file;
+}
+
+} // namespace platform
