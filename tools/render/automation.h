@@ -1,0 +1,36 @@
+// Automation files: a text of one parameter change a line, "time parameter value", with blanks or commas
+// between.
+#pragma once
+
+#include "tools/render/wanted_value.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace render {
+
+/// A place in the file, counted from its beginning.
+struct AutomationTime {
+    double amount = 0.0;
+    bool isInSamples = false; ///< else in seconds
+
+    /// The sample it falls on, to the nearest.
+    std::int64_t frameAt(double sampleRate) const;
+};
+
+struct AutomationLine {
+    int line = 0; ///< counted from 1
+    AutomationTime time;
+    Setting setting;
+};
+
+/// All changes, in the order of the text. Throws ToolError beginning with "line N: ".
+std::vector<AutomationLine> parseAutomation(std::string_view text);
+
+/// parseAutomation() of a file; its errors name the file.
+std::vector<AutomationLine> readAutomation(const std::filesystem::path& path);
+
+} // namespace render

@@ -1,0 +1,30 @@
+// Finding an effect's parameters and programs by what people call them.
+#pragma once
+
+#include "host/plugin.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace render {
+
+/// The id of the parameter of this name or number. Names are compared as sameName() does; a name longer than
+/// the interface can tell matches by its first eight characters. Throws ToolError if there is none, or more
+/// than one.
+std::int32_t findParameter(host::Plugin& plugin, std::string_view nameOrId);
+
+/// The same, with nothing where findParameter() throws.
+std::optional<std::int32_t> parameterNamed(host::Plugin& plugin, std::string_view name);
+
+/// Names of all programs, by number. May leave another program selected than before, so ask an instance that
+/// nobody listens to.
+std::vector<std::string> programNames(host::Plugin& plugin);
+
+/// The number of the program of this number or name; a name may be cut short if only one begins that way.
+/// Throws ToolError if there is none, or more than one.
+std::int32_t findProgram(const std::vector<std::string>& names, std::string_view nameOrNumber);
+
+} // namespace render

@@ -1,0 +1,277 @@
+#include "tools/render/job.h"
+
+#include "platform/own_output.h"
+#include "platform/private_folder.h"
+#include "tools/render/automation.h"
+#include "tools/render/effect_library.h"
+#include "tools/render/effect_names.h"
+#include "tools/render/midi_file.h"
+#include "tools/render/output_file.h"
+#include "tools/render/plot.h"
+#include "tools/render/report.h"
+#include "tools/render/starting_point.h"
+#include "tools/render/text.h"
+#include "tools/render/tool_error.h"
+
+#include <cmath>
+#include <memory>
+#include <optional>
+
+namespace render {
+
+namespace {
+
+namespace files = std::filesystem;
+
+/// As long as it takes every glide of the Quillon Multitap Delay to arrive, at any sample rate.
+constexpr std::int64_t defaultPreRoll = 150000;
+
+void print(std::FILE* output, const std::string& text) {
+    if (std::fputs(text.c_str(), output) < 0 || std::fflush(output) != 0)
+        throw ToolError("standard output cannot be written");
+}
+
+bool isSameFile(const files::path& a, const files::path& b) {
+    std::error_code error;
+    return a == b || files::equivalent(a, b, error);
+}
+
+/// None of the files to be written may be one of those to be read, nor the other one.
+void checkPlaces(const Options& options) {
+    const files::path* toRead[] = {&options.input, &options.automation, &options.midi,
+                                   &options.chunk, &options.bank,       &options.library};
+    for (const files::path* target : {&options.output, &options.plot})
+        for (const files::path* source : toRead)
+            if (!target->empty() && !source->empty() && isSameFile(*target, *source))
+                throw ToolError(target->string() + " is read and would be written over; give another name");
+    if (options.plot.empty())
+        return;
+    if (isSameFile(options.output, options.plot))
+        throw ToolError(options.plot.string() + " cannot be both the sound and the picture");
+    if (lowered(options.plot.extension().string()) != ".png")
+        throw ToolError(options.plot.string() + ": the picture is a PNG, so its name should end in .png");
+}
+
+/// What happens at which sample of the file, before the effect has been asked about names and values.
+struct Script {
+    std::vector<AutomationLine> automation;
+    std::vector<TimedMidi> midi;
+};
+
+Script readScript(const Options& options) {
+    Script script;
+    if (!options.automation.empty())
+        script.automation = readAutomation(options.automation);
+    if (!options.midi.empty())
+        script.midi = readMidiFile(options.midi);
+    return script;
+}
+
+std::vector<MidiEvent> atFrames(const std::vector<TimedMidi>& messages, double sampleRate) {
+    std::vector<MidiEvent> events;
+    for (const TimedMidi& message : messages) {
+        constexpr double furthest = 9e15;
+        MidiEvent event;
+        event.frame = std::llround(std::min(message.seconds * sampleRate, furthest));
+        std::copy(message.bytes.begin(), message.bytes.end(), std::begin(event.bytes));
+        events.push_back(event);
+    }
+    return events;
+}
+
+/// A program's line of settings under the picture's title.
+std::string settingsLine(const EffectState& state) {
+    struct Item {
+        const char* name;
+        const char* before;
+        const char* after;
+    };
+    static constexpr Item items[] = {
+        {"Taps #", "", " taps"},       {"Bs Lgh 1", "base length ", " ms"},
+        {"Stretch", "stretch ", ""},   {"Feedback", "feedback ", ""},
+        {"LFO Rt", "sweep ", " Hz"},   {"LFO Dp", "depth ", ""},
+        {"Dry Wet", "dry / wet ", ""}, {"Set", "", ""},
+    };
+    std::string line;
+    for (const Item& item : items)
+        for (const ParameterState& parameter : state.parameters)
+            if (sameName(parameter.name, item.name))
+                line += (line.empty() ? "" : "   \u00b7   ") +
+                        (item.before + printable(trimmed(parameter.display))) + item.after;
+    if (!line.empty())
+        return line;
+    for (std::size_t i = 0; i < std::min<std::size_t>(state.parameters.size(), 6); ++i)
+        line += (i == 0 ? "" : "   \u00b7   ") + printable(trimmed(state.parameters[i].name)) + " " +
+                printable(trimmed(state.parameters[i].display + " " + state.parameters[i].label));
+    return line;
+}
+
+class RenderJob {
+  public:
+    RenderJob(const Options& options, std::FILE* output)
+        : options_(options), output_(output), script_(readScript(options)), reader_(options.input),
+          library_(libraryPath(options.library)), outputFile_(options.output) {
+        if (!options.plot.empty())
+            plotFile_.emplace(options.plot);
+    }
+
+    void run() {
+        const platform::PrivateFolder folder;
+        const host::Library library(library_.string());
+        prepare(library);
+        play(library);
+        for (const std::string& warning : warningsFrom(report_))
+            warn(warning);
+        if (plotFile_)
+            drawPlot(library);
+        finish();
+    }
+
+  private:
+    double sampleRate() const { return reader_.sampleRate(); }
+
+    void warn(const std::string& text) {
+        report_.warnings.push_back(text);
+        std::fprintf(stderr, "quillon-render: warning: %s\n", printable(text).c_str());
+    }
+
+    std::unique_ptr<host::Plugin> startedInstance(const host::Library& library) const {
+        auto plugin =
+            std::make_unique<host::Plugin>(library, hostBehaviour(sampleRate(), options_.blockSize));
+        checkEffect(*plugin, library_);
+        plugin->start(static_cast<float>(sampleRate()), options_.blockSize);
+        return plugin;
+    }
+
+    /// Asks one instance what the names and values mean; another one will play.
+    void prepare(const host::Library& library) {
+        const auto asked = startedInstance(library);
+        start_ = findStartingPoint(*asked, options_);
+        report_.state = stateOf(*asked);
+        events_.parameters = findEvents(*asked, script_.automation, options_.automation, sampleRate());
+        events_.midi = atFrames(script_.midi, sampleRate());
+        if (!events_.midi.empty() && asked->canDo("receiveVstMidiEvent") < 0)
+            warn("this effect says that it takes no MIDI");
+    }
+
+    void play(const host::Library& library) {
+        const auto plugin = startedInstance(library);
+        bringTo(*plugin, start_);
+        const int channels = plugin->effect()->numOutputs;
+        const OutputKind kind =
+            outputKind(options_.output, options_.format, reader_.sampleRate(), channels, longestOutput());
+        AudioWriter writer(outputFile_.temporary(), options_.output, kind, reader_.sampleRate(), channels);
+        BlockPlayer player(*plugin, events_, options_.blockSize);
+        player.preRoll(preRollFrames());
+        FileRender render(*plugin, reader_, writer, player, options_.tail, options_.blockSize,
+                          plotFile_ ? &outlines_ : nullptr);
+        Progress progress(progressStyle(), options_.input.filename().string(), reader_.frames(),
+                          reader_.sampleRate());
+        report_.result = render.run(progress);
+        writer.finish();
+        fillReport(kind, channels);
+    }
+
+    std::int64_t preRollFrames() const {
+        return options_.preRollSeconds ? std::llround(*options_.preRollSeconds * sampleRate())
+                                       : defaultPreRoll;
+    }
+
+    std::int64_t longestOutput() const {
+        const double tail = options_.tail.automatic ? longestTail : options_.tail.seconds;
+        return reader_.frames() + std::llround(tail * sampleRate());
+    }
+
+    Progress::Style progressStyle() const {
+        if (options_.quiet)
+            return Progress::Style::none;
+        return platform::isTerminal(stderr) ? Progress::Style::bar : Progress::Style::lines;
+    }
+
+    void fillReport(const OutputKind& kind, int channels) {
+        report_.input = options_.input;
+        report_.output = options_.output;
+        report_.library = library_;
+        report_.plot = options_.plot;
+        report_.kind = kind.name;
+        report_.keepsOverloads = kind.keepsOverloads;
+        report_.sampleRate = reader_.sampleRate();
+        report_.inputChannels = reader_.channels();
+        report_.outputChannels = channels;
+        report_.blockSize = options_.blockSize;
+        report_.preRollFrames = preRollFrames();
+        report_.isTailAutomatic = options_.tail.automatic;
+    }
+
+    void drawPlot(const host::Library& library) {
+        Picture picture;
+        const EffectState& state = report_.state;
+        picture.title = printable(trimmed(state.programName.empty() ? state.effectName : state.programName));
+        picture.settings = settingsLine(state);
+        picture.footnote = printable(options_.input.filename().string()) + " \u2192 " +
+                           printable(options_.output.filename().string()) + ", program " +
+                           std::to_string(state.program) + ", " + std::to_string(reader_.sampleRate()) +
+                           " Hz, peak " + levelText(report_.result.peak);
+        picture.outlines = &outlines_;
+        picture.sampleRate = reader_.sampleRate();
+        picture.isStereo = report_.outputChannels == 2;
+        addTaps(picture, library);
+        drawPicture(picture, plotFile_->temporary(), options_.plot);
+    }
+
+    void addTaps(Picture& picture, const host::Library& library) const {
+        const auto plugin = startedInstance(library);
+        picture.hasTaps = hasTapPattern(*plugin);
+        if (!picture.hasTaps)
+            return;
+        bringTo(*plugin, start_);
+        const auto count = leadingNumber(plugin->parameterDisplay(findParameter(*plugin, "Taps #")));
+        picture.tapsAsked = count ? static_cast<int>(count->value) : 0;
+        picture.taps = measureTapPattern(*plugin, sampleRate());
+    }
+
+    /// The files take their names last, when nothing can go wrong any more but that itself.
+    void finish() {
+        if (plotFile_)
+            plotFile_->commit();
+        outputFile_.commit();
+        if (options_.json)
+            print(output_, reportJson(report_));
+        else if (!options_.quiet)
+            print(output_, reportText(report_));
+    }
+
+    const Options& options_;
+    std::FILE* output_;
+    Script script_;
+    AudioReader reader_;
+    files::path library_;
+    OutputFile outputFile_;
+    std::optional<OutputFile> plotFile_;
+    StartingPoint start_;
+    Events events_;
+    Outlines outlines_;
+    RenderReport report_;
+};
+
+} // namespace
+
+void listEffect(const Options& options, std::FILE* output) {
+    constexpr double sampleRate = 44100.0;
+    const files::path path = libraryPath(options.library);
+    const platform::PrivateFolder folder;
+    const host::Library library(path.string());
+    host::Plugin plugin(library, hostBehaviour(sampleRate, options.blockSize));
+    plugin.start(static_cast<float>(sampleRate), options.blockSize);
+    const StartingPoint start = findStartingPoint(plugin, options);
+    const EffectState state = stateOf(plugin);
+    const auto programs = programNames(plugin);
+    print(output, options.json ? listJson(state, programs, path) : listText(state, programs));
+}
+
+void renderToFile(const Options& options, std::FILE* output) {
+    checkPlaces(options);
+    RenderJob(options, output).run();
+}
+
+} // namespace render

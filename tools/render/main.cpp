@@ -1,0 +1,44 @@
+// quillon-render IN OUT: plays an audio file through the plug-in, offline.
+
+#include "platform/own_output.h"
+#include "tools/render/interrupt.h"
+#include "tools/render/job.h"
+#include "tools/render/text.h"
+
+#include <exception>
+
+namespace {
+
+constexpr int exitFailure = 2;
+constexpr int exitInterrupted = 130;
+
+int complain(const std::exception& error, int code) {
+    std::fprintf(stderr, "quillon-render: %s\n", render::printable(error.what()).c_str());
+    return code;
+}
+
+void run(const render::Options& options) {
+    std::FILE* const output = platform::takeOwnOutput();
+    render::watchForInterrupts();
+    if (options.list)
+        render::listEffect(options, output);
+    else
+        render::renderToFile(options, output);
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        const auto parsed = render::parseOptions(argumentCount, arguments);
+        if (const auto* help = std::get_if<render::HelpText>(&parsed))
+            std::fputs(help->text.c_str(), stdout);
+        else
+            run(std::get<render::Options>(parsed));
+        return 0;
+    } catch (const render::Interrupted& interruption) {
+        return complain(interruption, exitInterrupted);
+    } catch (const std::exception& error) {
+        return complain(error, exitFailure);
+    }
+}

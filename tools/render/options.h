@@ -1,0 +1,63 @@
+// What the person asked for, read from the command line and checked as far as that goes without opening a
+// file.
+#pragma once
+
+#include "tools/render/wanted_value.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace render {
+
+enum class SampleFormat {
+    automatic, ///< 24 bit, or what the file's kind has to offer
+    pcm24,
+    float32,
+};
+
+/// How long to go on after the input's end.
+struct TailRule {
+    bool automatic = true;
+    double seconds = 0.0; ///< if not automatic
+};
+
+/// A setting and the words it was given in, for messages.
+struct SettingOption {
+    Setting setting;
+    std::string text;
+};
+
+struct Options {
+    std::filesystem::path input;
+    std::filesystem::path output;
+    std::filesystem::path library; ///< empty: look for the plug-in near the tool
+    std::filesystem::path automation;
+    std::filesystem::path midi;
+    std::filesystem::path chunk;
+    std::filesystem::path bank;
+    std::filesystem::path plot;
+    std::string program; ///< number or name; empty: as the effect comes up
+    std::vector<SettingOption> settings;
+    TailRule tail;
+    std::optional<double> preRollSeconds; ///< none: long enough for the effect to come to rest
+    std::int32_t blockSize = 512;         ///< frames
+    SampleFormat format = SampleFormat::automatic;
+    bool list = false;
+    bool json = false;
+    bool quiet = false;
+};
+
+/// Text to print in place of doing anything.
+struct HelpText {
+    std::string text;
+};
+
+/// Reads the command line. Throws ToolError with one line about the first thing that is wrong. All paths come
+/// out absolute.
+std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments);
+
+} // namespace render

@@ -1,0 +1,65 @@
+#include "tools/render/output_file.h"
+
+#include "tools/render/tool_error.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <system_error>
+
+namespace render {
+
+namespace {
+
+namespace files = std::filesystem;
+
+/// The file that is really meant, where the name is that of a link to it.
+files::path behindLinks(const files::path& target) {
+    std::error_code error;
+    const files::path real = files::weakly_canonical(target, error);
+    return error ? target : real;
+}
+
+void checkTarget(const files::path& target) {
+    std::error_code error;
+    if (target.filename().empty() || files::is_directory(target, error))
+        throw ToolError(target.string() + " is a folder; give the name of a file in it");
+    if (files::exists(target, error) && !files::is_regular_file(target, error))
+        throw ToolError(target.string() + " is not a plain file and will not be replaced");
+    if (!files::is_directory(target.parent_path(), error))
+        throw ToolError(target.string() + " cannot be written: there is no folder " +
+                        target.parent_path().string());
+}
+
+files::path unusedNameBeside(const files::path& target) {
+    std::random_device random;
+    return target.parent_path() / (".quillon-render-" + std::to_string(random()) + ".part");
+}
+
+} // namespace
+
+OutputFile::OutputFile(const files::path& target) : target_(behindLinks(target)) {
+    checkTarget(target_);
+    temporary_ = unusedNameBeside(target_);
+    std::FILE* file = std::fopen(temporary_.string().c_str(), "wbx");
+    if (!file)
+        throw ToolError(target.string() + " cannot be written: " + std::generic_category().message(errno));
+    std::fclose(file);
+}
+
+OutputFile::~OutputFile() {
+    std::error_code ignored;
+    if (!isCommitted_)
+        files::remove(temporary_, ignored);
+}
+
+void OutputFile::commit() {
+    std::error_code error;
+    files::rename(temporary_, target_, error);
+    if (error)
+        throw ToolError(target_.string() + " cannot be written: " + error.message());
+    isCommitted_ = true;
+}
+
+} // namespace render

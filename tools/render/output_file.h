@@ -1,0 +1,28 @@
+// A file that appears under its name whole or not at all.
+#pragma once
+
+#include <filesystem>
+
+namespace render {
+
+/// Reserves a temporary file beside the target, to be written by whoever asks for temporary(); commit() gives
+/// it the target's name in one step, and an object that goes without commit() leaves nothing behind.
+class OutputFile {
+  public:
+    /// Throws ToolError, naming the target, if no file can be made there.
+    explicit OutputFile(const std::filesystem::path& target);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    const std::filesystem::path& temporary() const { return temporary_; }
+    /// Puts the file in its place, over an older one if there is one. Throws ToolError.
+    void commit();
+
+  private:
+    std::filesystem::path target_;
+    std::filesystem::path temporary_;
+    bool isCommitted_ = false;
+};
+
+} // namespace render

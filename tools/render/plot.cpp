@@ -1,0 +1,283 @@
+#include "tools/render/plot.h"
+
+#include "tools/render/axis.h"
+#include "tools/render/canvas.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace render {
+
+namespace {
+
+constexpr Colour hex(unsigned value) {
+    return {((value >> 16) & 0xFF) / 255.0, ((value >> 8) & 0xFF) / 255.0, (value & 0xFF) / 255.0};
+}
+
+// Slate ink on warm paper; amber stands for left and slate blue for right wherever they appear.
+constexpr Colour paper = hex(0xFAF6EE);
+constexpr Colour sheet = hex(0xFFFDF9);
+constexpr Colour ink = hex(0x2B3640);
+constexpr Colour faintInk = hex(0x6C757D);
+constexpr Colour rule = hex(0xE7E0D3);
+constexpr Colour zeroRule = hex(0xC9C1B2);
+constexpr Colour dryTone = hex(0x87919A);
+constexpr Colour amber = hex(0xD68A1E);
+constexpr Colour slateBlue = hex(0x47699B);
+
+constexpr double leftEdge = 104.0;
+constexpr double rightEdge = pictureWidth - 56.0;
+constexpr double axisNameX = 44.0;
+
+constexpr TextStyle titleStyle{30.0, ink, true, Align::left};
+constexpr TextStyle settingsStyle{16.0, faintInk, false, Align::left};
+constexpr TextStyle headingStyle{15.0, ink, true, Align::left};
+constexpr TextStyle remarkStyle{14.0, faintInk, false, Align::left};
+constexpr TextStyle markStyle{13.0, faintInk, false, Align::right};
+constexpr TextStyle axisStyle{14.0, ink, false, Align::centre};
+constexpr TextStyle footnoteStyle{12.5, faintInk, false, Align::left};
+
+/// A time axis along the width of the picture.
+struct TimeAxis {
+    double seconds = 1.0;
+
+    double x(double at) const { return leftEdge + (rightEdge - leftEdge) * at / seconds; }
+    bool isInMilliseconds() const { return seconds < 2.0; }
+    double inUnit(double at) const { return isInMilliseconds() ? at * 1000.0 : at; }
+    const char* unit() const { return isInMilliseconds() ? "ms" : "s"; }
+};
+
+class PictureDrawing {
+  public:
+    explicit PictureDrawing(const Picture& picture)
+        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper) {}
+
+    Canvas& draw() {
+        drawHead();
+        const double waveBottom = picture_.hasTaps ? 564.0 : 806.0;
+        drawWaves(waveBottom);
+        if (picture_.hasTaps)
+            drawTaps({leftEdge, 656.0, rightEdge, 806.0});
+        canvas_.text(canvas_.fitted(picture_.footnote, footnoteStyle, rightEdge - leftEdge),
+                     {leftEdge, pictureHeight - 18.0}, footnoteStyle);
+        return canvas_;
+    }
+
+  private:
+    double framesToSeconds(std::int64_t frames) const {
+        return static_cast<double>(frames) / picture_.sampleRate;
+    }
+    double wholeSeconds() const {
+        const auto frames = std::max(picture_.outlines->dry.frames(), picture_.outlines->wet.frames());
+        return framesToSeconds(std::max<std::int64_t>(frames, 1));
+    }
+
+    void drawHead() {
+        const double legendWidth = drawLegend();
+        const double width = rightEdge - leftEdge - legendWidth - 40.0;
+        canvas_.text(canvas_.fitted(picture_.title, titleStyle, width), {leftEdge, 58.0}, titleStyle);
+        canvas_.text(canvas_.fitted(picture_.settings, settingsStyle, rightEdge - leftEdge), {leftEdge, 88.0},
+                     settingsStyle);
+    }
+
+    /// From the right edge leftwards. Gives the width that it took.
+    double drawLegend() {
+        struct Entry {
+            const char* name;
+            Colour colour;
+        };
+        std::vector<Entry> entries = {{"wet, right", slateBlue}, {"wet, left", amber}, {"dry", dryTone}};
+        if (!picture_.isStereo)
+            entries = {{"wet", amber}, {"dry", dryTone}};
+        double x = rightEdge;
+        for (const Entry& entry : entries) {
+            x -= canvas_.textWidth(entry.name, remarkStyle);
+            canvas_.text(entry.name, {x, 57.0}, remarkStyle);
+            x -= 20.0;
+            canvas_.fill({x, 46.0, x + 12.0, 58.0}, entry.colour);
+            x -= 24.0;
+        }
+        return rightEdge - x;
+    }
+
+    struct Lane {
+        const char* heading;
+        const char* remark;
+        const Waveform* wave;
+        int side; ///< 0 left, 1 right, 2 both
+        Colour colour;
+    };
+
+    void drawWaves(double bottom) {
+        const Waveform& dry = picture_.outlines->dry;
+        const Waveform& wet = picture_.outlines->wet;
+        std::vector<Lane> lanes = {{"Dry", "what went in", &dry, 2, dryTone}};
+        if (picture_.isStereo) {
+            lanes.push_back({"Dry and wet, left", "what came out", &wet, 0, amber});
+            lanes.push_back({"Dry and wet, right", "", &wet, 1, slateBlue});
+        } else {
+            lanes.push_back({"Dry and wet", "what came out", &wet, 2, amber});
+        }
+        const TimeAxis axis{wholeSeconds()};
+        const double scale = roundUp(std::max({dry.peak(), wet.peak(), 0.001f}));
+        const double top = 146.0, gap = 38.0;
+        const auto count = static_cast<double>(lanes.size());
+        const double height = (bottom - top - (count - 1.0) * gap) / count;
+        for (std::size_t i = 0; i < lanes.size(); ++i) {
+            const double laneTop = top + static_cast<double>(i) * (height + gap);
+            drawLane(lanes[i], {leftEdge, laneTop, rightEdge, laneTop + height}, axis, scale);
+        }
+        canvas_.textUpwards("level (1 is full scale)", {axisNameX, (top + bottom) / 2.0}, axisStyle);
+        labelInputEnd(axis, top);
+        drawTimeMarks(axis, bottom, std::string("time (") + axis.unit() + ")");
+    }
+
+    void labelInputEnd(const TimeAxis& axis, double top) {
+        const std::string label = "end of the input";
+        const double x = axis.x(framesToSeconds(picture_.outlines->dry.frames())) + 8.0;
+        if (x + canvas_.textWidth(label, footnoteStyle) < rightEdge)
+            canvas_.text(label, {x, top + 17.0}, footnoteStyle);
+    }
+
+    void drawPanel(const Area& area, const TimeAxis& axis) {
+        canvas_.fill(area, sheet);
+        for (double place : marksFor(axis.inUnit(axis.seconds), 12).places) {
+            const double x = axis.x(place / axis.inUnit(1.0));
+            canvas_.hairline({x, area.top}, {x, area.bottom}, rule);
+        }
+    }
+
+    void drawHeading(const Area& area, const std::string& heading, const std::string& remark) {
+        canvas_.text(heading, {area.left, area.top - 10.0}, headingStyle);
+        canvas_.text(remark, {area.left + canvas_.textWidth(heading, headingStyle) + 10.0, area.top - 10.0},
+                     remarkStyle);
+    }
+
+    void drawLane(const Lane& lane, const Area& area, const TimeAxis& axis, double scale) {
+        drawPanel(area, axis);
+        drawHeading(area, lane.heading, lane.remark);
+        const double middle = (area.top + area.bottom) / 2.0;
+        const auto y = [&](double level) { return middle - level / scale * area.height() / 2.0; };
+        const int decimals = marksFor(scale, 1).decimals;
+        for (double level : {scale, 0.0, -scale}) {
+            canvas_.hairline({area.left, y(level)}, {area.right, y(level)}, level == 0.0 ? zeroRule : rule);
+            canvas_.text(axisText(level, level == 0.0 ? 0 : decimals), {area.left - 12.0, y(level) + 4.5},
+                         markStyle);
+        }
+        for (double level : {1.0, -1.0})
+            if (scale > 1.0)
+                canvas_.dashedHairline({area.left, y(level)}, {area.right, y(level)}, zeroRule);
+        drawOutline(lane, area, axis, y);
+        drawInputEnd(area, axis);
+    }
+
+    template <typename LevelToY>
+    void drawOutline(const Lane& lane, const Area& area, const TimeAxis& axis, const LevelToY& y) {
+        const double last = std::min(axis.x(framesToSeconds(lane.wave->frames())), area.right);
+        const double framesEach = axis.seconds * picture_.sampleRate / area.width();
+        std::vector<Point> upper, lower;
+        for (double x = area.left; x < last; x += 1.0) {
+            const double first = (x - area.left) * framesEach;
+            const Extremes extremes = lane.wave->between(first, first + framesEach);
+            const auto [low, high] = ofSide(extremes, lane.side);
+            // Half a pixel each way keeps silence visible as a line.
+            upper.push_back({x + 0.5, y(high) - 0.5});
+            lower.push_back({x + 0.5, y(low) + 0.5});
+        }
+        upper.insert(upper.end(), lower.rbegin(), lower.rend());
+        canvas_.fill(upper, lane.colour);
+    }
+
+    struct Range {
+        double low, high;
+    };
+    static Range ofSide(const Extremes& extremes, int side) {
+        if (side < 2)
+            return {extremes.lowest[side], extremes.highest[side]};
+        return {std::min(extremes.lowest[0], extremes.lowest[1]),
+                std::max(extremes.highest[0], extremes.highest[1])};
+    }
+
+    void drawInputEnd(const Area& area, const TimeAxis& axis) {
+        const double x = axis.x(framesToSeconds(picture_.outlines->dry.frames()));
+        if (x < area.right - 1.0)
+            canvas_.dashedHairline({x, area.top}, {x, area.bottom}, faintInk);
+    }
+
+    void drawTimeMarks(const TimeAxis& axis, double y, const std::string& name) {
+        const Marks marks = marksFor(axis.inUnit(axis.seconds), 12);
+        TextStyle style = markStyle;
+        style.align = Align::centre;
+        for (double place : marks.places)
+            canvas_.text(axisText(place, marks.decimals), {axis.x(place / axis.inUnit(1.0)), y + 20.0},
+                         style);
+        canvas_.text(name, {(leftEdge + rightEdge) / 2.0, y + 42.0}, axisStyle);
+    }
+
+    /// The same axis as above where the pattern fills a good part of it, so that a tap stands under its echo;
+    /// else one of its own.
+    TimeAxis patternAxis() const {
+        const double whole = wholeSeconds();
+        const double last = picture_.taps.empty() ? whole : picture_.taps.back().seconds;
+        if (last <= whole && last > whole / 3.0)
+            return {whole};
+        return {std::max(last * 1.04, 0.001)};
+    }
+
+    void drawTaps(const Area& area) {
+        const TimeAxis axis = patternAxis();
+        double loudest = 0.001;
+        for (const Tap& tap : picture_.taps)
+            loudest = std::max<double>(loudest, std::abs(tap.level));
+        const double scale = roundUp(loudest);
+        drawPanel(area, axis);
+        drawHeading(area, "Taps", tapsRemark());
+        const auto y = [&](double level) { return area.bottom - level / scale * (area.height() - 8.0); };
+        const int decimals = marksFor(scale, 2).decimals;
+        for (double part : {0.0, 0.5, 1.0}) {
+            canvas_.hairline({area.left, y(scale * part)}, {area.right, y(scale * part)},
+                             part == 0.0 ? zeroRule : rule);
+            canvas_.text(axisText(scale * part, part == 0.0 ? 0 : decimals),
+                         {area.left - 12.0, y(scale * part) + 4.5}, markStyle);
+        }
+        canvas_.textUpwards("level", {axisNameX, (area.top + area.bottom) / 2.0}, axisStyle);
+        const double stem = stemWidth(axis);
+        for (const Tap& tap : picture_.taps) {
+            const Point top{axis.x(tap.seconds), y(std::abs(tap.level))};
+            const Colour colour = tap.isRight ? slateBlue : amber;
+            canvas_.line({top.x, area.bottom}, top, colour, stem);
+            canvas_.dot(top, stem * 1.6, colour);
+        }
+        drawTimeMarks(axis, area.bottom, std::string("delay of the tap (") + axis.unit() + ")");
+    }
+
+    std::string tapsRemark() const {
+        std::string count = std::to_string(picture_.taps.size());
+        if (picture_.tapsAsked > 0 && picture_.taps.size() != static_cast<std::size_t>(picture_.tapsAsked))
+            count += " of " + std::to_string(picture_.tapsAsked) + " can be heard";
+        return count + ", before \"Stereo\" mixes left and right; level 1 is as loud as what went in";
+    }
+
+    /// Thin enough for the closest two taps to stand apart, within reason.
+    double stemWidth(const TimeAxis& axis) const {
+        double width = 2.6;
+        for (std::size_t i = 1; i < picture_.taps.size(); ++i) {
+            const double apart = axis.x(picture_.taps[i].seconds) - axis.x(picture_.taps[i - 1].seconds);
+            width = std::min(width, apart * 0.4);
+        }
+        return std::max(width, 1.2);
+    }
+
+    const Picture& picture_;
+    Canvas canvas_;
+};
+
+} // namespace
+
+void drawPicture(const Picture& picture, const std::filesystem::path& path,
+                 const std::filesystem::path& target) {
+    PictureDrawing drawing(picture);
+    drawing.draw().writePng(path, target);
+}
+
+} // namespace render

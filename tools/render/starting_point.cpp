@@ -1,0 +1,141 @@
+#include "tools/render/starting_point.h"
+
+#include "tools/render/display_search.h"
+#include "tools/render/effect_names.h"
+#include "tools/render/text.h"
+#include "tools/render/tool_error.h"
+
+#include <algorithm>
+
+namespace render {
+
+namespace {
+
+/// Banks that this effect's first versions saved carry another id than the effect has today.
+constexpr std::int32_t effectIdToday = vst2::fourCharacterCode("qlvd");
+constexpr std::int32_t effectIdOnce = vst2::fourCharacterCode("vmdl");
+
+std::string idText(std::int32_t id) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        text += static_cast<char>((id >> shift) & 0xFF);
+    return inQuotes(text);
+}
+
+void requireChunks(const host::Plugin& plugin, const std::filesystem::path& file) {
+    if (!(plugin.effect()->flags & vst2::effFlagsProgramChunks))
+        throw ToolError(file.string() + " cannot be loaded: this effect keeps no chunks");
+}
+
+/// Sizes of an effect's two kinds of chunk.
+struct ChunkSizes {
+    std::size_t preset = 0;
+    std::size_t bank = 0;
+};
+
+ChunkSizes chunkSizes(host::Plugin& plugin) {
+    return {plugin.getChunk(true).size(), plugin.getChunk(false).size()};
+}
+
+Bytes bankFor(host::Plugin& plugin, const std::filesystem::path& path) {
+    requireChunks(plugin, path);
+    BankFile file = readBankFile(path);
+    const std::int32_t id = plugin.effect()->uniqueID;
+    if (file.effectId != id && !(id == effectIdToday && file.effectId == effectIdOnce))
+        throw ToolError(path.string() + " is a bank of another effect, " + idText(file.effectId) +
+                        ", and not of " + idText(id));
+    // A bank that is its programs in a row always has the same size; other effects' banks may have any.
+    const ChunkSizes sizes = chunkSizes(plugin);
+    const auto programs = static_cast<std::size_t>(plugin.numPrograms());
+    if (sizes.bank == sizes.preset * programs && file.chunk.size() != sizes.bank)
+        throw ToolError(path.string() + " holds a bank of " + std::to_string(file.chunk.size()) +
+                        " bytes; it should be " + std::to_string(sizes.bank));
+    return std::move(file.chunk);
+}
+
+/// Puts a bare chunk where its size says that it belongs.
+void placeChunk(host::Plugin& plugin, const std::filesystem::path& path, StartingPoint& start) {
+    requireChunks(plugin, path);
+    Bytes bytes = readChunkFile(path);
+    const ChunkSizes sizes = chunkSizes(plugin);
+    if (bytes.size() == sizes.preset) {
+        start.preset = std::move(bytes);
+    } else if (bytes.size() != sizes.bank) {
+        throw ToolError(path.string() + " is " + std::to_string(bytes.size()) +
+                        " bytes long; one program is " + std::to_string(sizes.preset) + " and a whole bank " +
+                        std::to_string(sizes.bank));
+    } else if (!start.bank.empty()) {
+        throw ToolError(path.string() + " is a whole bank, and --bank gives another");
+    } else {
+        start.bank = std::move(bytes);
+    }
+}
+
+std::int32_t programFor(host::Plugin& plugin, const std::string& nameOrNumber) {
+    const std::int32_t before = plugin.getProgram();
+    const auto names = programNames(plugin);
+    plugin.setProgram(before);
+    try {
+        return findProgram(names, nameOrNumber);
+    } catch (const ToolError& error) {
+        throw ToolError("--program " + inQuotes(nameOrNumber) + ": " + error.what());
+    }
+}
+
+ParameterValue valueFor(host::Plugin& plugin, const Setting& setting) {
+    const std::int32_t id = findParameter(plugin, setting.parameter);
+    return {id, valueShowing(plugin, id, setting.value)};
+}
+
+} // namespace
+
+StartingPoint findStartingPoint(host::Plugin& asked, const Options& options) {
+    StartingPoint start;
+    if (!options.bank.empty())
+        start.bank = bankFor(asked, options.bank);
+    if (!options.chunk.empty())
+        placeChunk(asked, options.chunk, start);
+    // Programs are known by the names that the bank gives them, and displays may depend on the program.
+    bringTo(asked, {start.bank, {}, {}, {}});
+    if (!options.program.empty())
+        start.program = programFor(asked, options.program);
+    bringTo(asked, {{}, start.program, start.preset, {}});
+    for (const SettingOption& option : options.settings) {
+        try {
+            start.values.push_back(valueFor(asked, option.setting));
+        } catch (const ToolError& error) {
+            throw ToolError("--set " + inQuotes(option.text) + ": " + error.what());
+        }
+        asked.setParameter(start.values.back().id, start.values.back().value);
+    }
+    return start;
+}
+
+void bringTo(host::Plugin& plugin, const StartingPoint& start) {
+    if (!start.bank.empty())
+        plugin.setChunk(start.bank, false);
+    if (start.program)
+        plugin.setProgram(*start.program);
+    if (!start.preset.empty())
+        plugin.setChunk(start.preset, true);
+    for (const ParameterValue& value : start.values)
+        plugin.setParameter(value.id, value.value);
+}
+
+std::vector<ParameterEvent> findEvents(host::Plugin& asked, const std::vector<AutomationLine>& lines,
+                                       const std::filesystem::path& file, double sampleRate) {
+    std::vector<ParameterEvent> events;
+    for (const AutomationLine& line : lines) {
+        try {
+            const ParameterValue value = valueFor(asked, line.setting);
+            events.push_back({line.time.frameAt(sampleRate), value.id, value.value});
+        } catch (const ToolError& error) {
+            throw ToolError(file.string() + ", line " + std::to_string(line.line) + ": " + error.what());
+        }
+    }
+    std::stable_sort(events.begin(), events.end(),
+                     [](const ParameterEvent& a, const ParameterEvent& b) { return a.frame < b.frame; });
+    return events;
+}
+
+} // namespace render

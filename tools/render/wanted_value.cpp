@@ -1,0 +1,77 @@
+#include "tools/render/wanted_value.h"
+
+#include "tools/render/text.h"
+#include "tools/render/tool_error.h"
+
+namespace render {
+
+namespace {
+
+constexpr std::string_view displayPrefix = "display:";
+
+WantedValue shownValue(std::string_view text) {
+    WantedValue wanted;
+    wanted.text = trimmed(text);
+    if (wanted.text.empty())
+        throw ToolError("\"display:\" wants the text that the effect is to show behind it");
+    const auto number = leadingNumber(text);
+    const bool isNumber =
+        number && (number->rest.empty() || unitNamed(number->rest).kind != Unit::Kind::none);
+    wanted.kind = isNumber ? WantedValue::Kind::shownNumber : WantedValue::Kind::shownText;
+    if (isNumber) {
+        wanted.number = number->value;
+        wanted.unit = number->rest;
+    }
+    return wanted;
+}
+
+WantedValue normalisedValue(std::string_view text, double number) {
+    if (number < 0.0 || number > 1.0)
+        throw ToolError("a bare value lies between 0 and 1; for what the effect shows, write display:" +
+                        printable(text) + " or add a unit");
+    WantedValue wanted;
+    wanted.number = number;
+    wanted.text = text;
+    return wanted;
+}
+
+} // namespace
+
+Unit unitNamed(std::string_view name) {
+    struct Entry {
+        std::string_view name;
+        Unit unit;
+    };
+    static constexpr Entry units[] = {
+        {"ms", {Unit::Kind::time, 1.0}},      {"s", {Unit::Kind::time, 1000.0}},
+        {"Hz", {Unit::Kind::frequency, 1.0}}, {"kHz", {Unit::Kind::frequency, 1000.0}},
+        {"dB", {Unit::Kind::level, 1.0}},     {"%", {Unit::Kind::share, 1.0}},
+    };
+    for (const Entry& entry : units)
+        if (sameName(entry.name, name))
+            return entry.unit;
+    return {};
+}
+
+WantedValue wantedValue(std::string_view text) {
+    text = trimmed(text);
+    if (beginsLike(text, displayPrefix))
+        return shownValue(text.substr(displayPrefix.size()));
+    const auto number = leadingNumber(text);
+    if (number && number->rest.empty())
+        return normalisedValue(text, number->value);
+    if (number && unitNamed(number->rest).kind != Unit::Kind::none)
+        return shownValue(text);
+    throw ToolError(inQuotes(text) +
+                    " is no value: write 0 to 1, a number with a unit (ms, s, Hz, kHz, dB, %), or "
+                    "display: and what the effect is to show");
+}
+
+Setting settingFrom(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos || trimmed(text.substr(0, equals)).empty())
+        throw ToolError("write it as PARAMETER=VALUE, for example \"Feedback=0.8\"");
+    return {std::string(trimmed(text.substr(0, equals))), wantedValue(text.substr(equals + 1))};
+}
+
+} // namespace render

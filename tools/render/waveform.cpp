@@ -1,0 +1,68 @@
+#include "tools/render/waveform.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace render {
+
+namespace {
+
+void widen(Extremes& extremes, const Extremes& by) {
+    for (int side = 0; side < 2; ++side) {
+        extremes.lowest[side] = std::min(extremes.lowest[side], by.lowest[side]);
+        extremes.highest[side] = std::max(extremes.highest[side], by.highest[side]);
+    }
+}
+
+} // namespace
+
+void Waveform::add(std::span<const float> samples, int channels) {
+    const auto width = static_cast<std::size_t>(channels);
+    for (std::size_t i = 0; i + width <= samples.size(); i += width, ++frames_) {
+        const float left = samples[i];
+        const float right = samples[i + width - 1];
+        const Extremes frame{{left, right}, {left, right}};
+        if (frames_ % framesEach_ != 0) {
+            widen(stretches_.back(), frame);
+            continue;
+        }
+        if (stretches_.size() == mostStretches)
+            halve();
+        if (frames_ % framesEach_ == 0)
+            stretches_.push_back(frame);
+        else
+            widen(stretches_.back(), frame);
+    }
+}
+
+Extremes Waveform::between(double first, double last) const {
+    const auto each = static_cast<double>(framesEach_);
+    const auto count = static_cast<std::int64_t>(stretches_.size());
+    const auto from = std::clamp<std::int64_t>(static_cast<std::int64_t>(std::floor(first / each)), 0, count);
+    const auto to = std::clamp<std::int64_t>(static_cast<std::int64_t>(std::ceil(last / each)), 0, count);
+    if (from >= to)
+        return {};
+    Extremes result = stretches_[static_cast<std::size_t>(from)];
+    for (auto i = from + 1; i < to; ++i)
+        widen(result, stretches_[static_cast<std::size_t>(i)]);
+    return result;
+}
+
+float Waveform::peak() const {
+    float peak = 0.0f;
+    for (const Extremes& stretch : stretches_)
+        for (int side = 0; side < 2; ++side)
+            peak = std::max({peak, -stretch.lowest[side], stretch.highest[side]});
+    return peak;
+}
+
+void Waveform::halve() {
+    for (std::size_t i = 0; i < stretches_.size() / 2; ++i) {
+        stretches_[i] = stretches_[2 * i];
+        widen(stretches_[i], stretches_[2 * i + 1]);
+    }
+    stretches_.resize(stretches_.size() / 2);
+    framesEach_ *= 2;
+}
+
+} // namespace render
