@@ -7,7 +7,8 @@
 
 namespace platform {
 
-/// The text kept under `name`; nothing if there is none or it cannot be read. Any thread but the audio thread.
+/// The text kept under `name`; nothing if there is none or it cannot be read. Any thread but the audio
+/// thread.
 std::optional<std::string> readSetting(const std::string& name);
 
 /// Keeps `value` under `name` in place of what was there; all other settings stay. A reader at the same time

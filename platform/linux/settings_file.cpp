@@ -4,6 +4,7 @@
 #include "platform/files.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -54,10 +55,13 @@ std::string unescaped(std::string_view text) {
     return value;
 }
 
-/// The lines of the file without their ends; none if there is no file.
-std::vector<std::string> readLines(const std::string& path) {
-    std::vector<std::string> lines;
+/// The lines of the file without their ends, none if there is no file; nothing if there is one that cannot be
+/// read.
+std::optional<std::vector<std::string>> readLines(const std::string& path) {
     const auto content = readWholeFile(path);
+    if (!content && fileExists(path))
+        return std::nullopt;
+    std::vector<std::string> lines;
     if (!content)
         return lines;
     std::string line;
@@ -115,12 +119,26 @@ std::string homeFolder() {
     return {};
 }
 
+/// Looks for the file at each question: a host may set up its environment after it has loaded us.
+class OwnSettings final : public SettingsStore {
+  public:
+    std::optional<std::string> read(const std::string& name) override {
+        return SettingsFile(ownSettingsPath()).read(name);
+    }
+    bool write(const std::string& name, const std::string& value) override {
+        return SettingsFile(ownSettingsPath()).write(name, value);
+    }
+};
+
 } // namespace
 
 SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {}
 
 std::optional<std::string> SettingsFile::read(const std::string& name) {
-    for (const std::string& line : readLines(path_))
+    const auto lines = readLines(path_);
+    if (!lines)
+        return std::nullopt;
+    for (const std::string& line : *lines)
         if (line.starts_with(name + "="))
             return unescaped(std::string_view(line).substr(name.size() + 1));
     return std::nullopt;
@@ -134,9 +152,12 @@ bool SettingsFile::write(const std::string& name, const std::string& value) {
     if (error)
         return false;
     fs::create_directories(target.parent_path(), error);
+    const auto lines = readLines(target);
+    if (!lines)
+        return false;
     std::string text;
     bool placed = false;
-    for (const std::string& line : readLines(target)) {
+    for (const std::string& line : *lines) {
         const bool isOurs = line.starts_with(name + "=");
         if (isOurs && placed)
             continue;
@@ -163,12 +184,8 @@ std::string ownSettingsPath() {
 }
 
 SettingsStore& ownSettings() {
-    // Asked for anew each time: a host may set its environment up after it has loaded us.
-    static SettingsFile* const none = nullptr;
-    (void)none;
-    thread_local SettingsFile file("");
-    file = SettingsFile(ownSettingsPath());
-    return file;
+    static OwnSettings settings;
+    return settings;
 }
 
 } // namespace platform

@@ -20,8 +20,8 @@ class SettingsFile final : public SettingsStore {
     std::string path_;
 };
 
-/// Where this person's settings lie: below XDG_CONFIG_HOME, else below ".config" in the home folder. Empty for
-/// somebody who has neither.
+/// Where this person's settings lie: below XDG_CONFIG_HOME, else below ".config" in the home folder. Empty
+/// for somebody who has neither.
 std::string ownSettingsPath();
 
 } // namespace platform
