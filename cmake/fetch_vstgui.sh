@@ -1,0 +1,81 @@
+#!/bin/sh
+# Fetches the source archive of VSTGUI 4.13.3 into a cache and unpacks it there. Prints the source folder.
+#
+#   fetch_vstgui.sh [CACHE_FOLDER]
+#
+# Debian carries that archive as a part of a source package of its next release. The script asks the mirror that
+# this machine uses anyway, through apt's own tools and with private lists, so nothing of the system's set-up is
+# touched and no administrator is needed. The archive is checked against the sum below; several builds share it.
+set -eu
+
+ARCHIVE_SHA256=5a7673c7b22a66086a6749a0c7ff447fcfc4a10d2c2013d58ff1320be4e8456f
+SOURCE_PACKAGE=vst3sdk
+SUITE=trixie
+KEYRING=/usr/share/keyrings/debian-archive-keyring.gpg
+DOWNLOADER=/usr/lib/apt/apt-helper
+
+cache=${1:-${XDG_CACHE_HOME:-$HOME/.cache}/quillon}
+archive=$cache/vstgui-4.13.3.tar.gz
+sources=$cache/vstgui-4.13.3
+
+fail() {
+  printf 'VSTGUI: %s\n' "$*" >&2
+  printf 'VSTGUI: with a checkout of version 4.13.3 at hand, configure with -DVSTGUI_SOURCE_DIR=FOLDER\n' >&2
+  exit 1
+}
+
+has_right_sum() { printf '%s  %s\n' "$ARCHIVE_SHA256" "$1" | sha256sum --check --status 2>/dev/null; }
+
+# apt's own commands, with lists and caches of their own in $private.
+private_apt() {
+  command=$1
+  shift
+  "$command" -o "Dir::Etc::sourcelist=$private/sources.list" -o Dir::Etc::sourceparts=/dev/null \
+    -o "Dir::State::lists=$private/lists" -o "Dir::Cache=$private/cache" "$@"
+}
+
+# The mirror of this machine that holds Debian itself (others hold security updates and the like).
+own_mirror() {
+  apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | grep '/debian/$' | head -n 1
+}
+
+fetch() {
+  [ -x "$DOWNLOADER" ] || fail "the archive is fetched with apt, which is not here"
+  private=$(mktemp -d "$cache/fetch-XXXXXX")
+  trap 'rm -rf "$private"' EXIT
+  # Run as root, apt downloads as a user of its own, who has to get in.
+  chmod 755 "$private"
+  mkdir -p "$private/lists/partial" "$private/cache/archives/partial"
+  mirror=$(own_mirror)
+  [ -n "$mirror" ] || fail "apt on this machine knows no Debian mirror"
+  printf 'deb-src [signed-by=%s] %s %s main\n' "$KEYRING" "$mirror" "$SUITE" >"$private/sources.list"
+  private_apt apt-get -q update >"$private/log" 2>&1 || {
+    tail -n 5 "$private/log" >&2
+    fail "the mirror gives no list of source packages"
+  }
+  # Lines of: 'URI' file size checksum. Only the one file is needed.
+  uri=$(private_apt apt-get source --print-uris "$SOURCE_PACKAGE" 2>/dev/null |
+    sed -n "s/^'\([^']*\.orig-vstgui4\.[^']*\)'.*/\1/p" | head -n 1)
+  [ -n "$uri" ] || fail "the mirror does not list the archive"
+  private_apt "$DOWNLOADER" download-file "$uri" "$private/archive" "SHA256:$ARCHIVE_SHA256" \
+    >"$private/log" 2>&1 || {
+    tail -n 5 "$private/log" >&2
+    fail "the archive could not be fetched"
+  }
+  has_right_sum "$private/archive" || fail "the archive is not the expected one"
+  mv -f "$private/archive" "$archive"
+}
+
+unpack() {
+  unpacked=$(mktemp -d "$cache/unpack-XXXXXX")
+  tar -xf "$archive" -C "$unpacked" --strip-components=1 || fail "the archive cannot be unpacked"
+  # Another build may have been faster; its folder is as good.
+  mv -T "$unpacked" "$sources" 2>/dev/null || rm -rf "$unpacked"
+}
+
+mkdir -p "$cache"
+if [ ! -d "$sources" ]; then
+  { [ -f "$archive" ] && has_right_sum "$archive"; } || fetch
+  unpack
+fi
+printf '%s\n' "$sources"

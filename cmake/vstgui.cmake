@@ -1,0 +1,40 @@
+# The toolkit of the editor's window, VSTGUI 4.13.3, as the target `vstgui`: fetched once for all builds of this
+# person, compiled as one file, its sources untouched.
+#
+# With a checkout of that version at hand: -DVSTGUI_SOURCE_DIR=FOLDER, the folder that holds vstgui/vstgui.h.
+set(VSTGUI_SOURCE_DIR "" CACHE PATH "A checkout of VSTGUI 4.13.3; empty to fetch it")
+
+set(vstgui_sources ${VSTGUI_SOURCE_DIR})
+if(NOT vstgui_sources)
+  execute_process(
+    COMMAND ${CMAKE_CURRENT_LIST_DIR}/fetch_vstgui.sh
+    OUTPUT_VARIABLE vstgui_sources OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE vstgui_result)
+  if(NOT vstgui_result EQUAL 0)
+    message(FATAL_ERROR "The sources of VSTGUI could not be had; the lines above say why.")
+  endif()
+endif()
+if(NOT EXISTS ${vstgui_sources}/vstgui/vstgui_linux.cpp)
+  message(FATAL_ERROR "There is no VSTGUI in ${vstgui_sources}: vstgui/vstgui_linux.cpp is missing.")
+endif()
+
+pkg_check_modules(
+  VSTGUI_NEEDS REQUIRED IMPORTED_TARGET x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
+  cairo pangocairo pangoft2 fontconfig freetype2 glib-2.0)
+
+add_library(vstgui STATIC ${vstgui_sources}/vstgui/vstgui_linux.cpp)
+# Headers are reached as "vstgui/lib/...".
+target_include_directories(vstgui SYSTEM PUBLIC ${vstgui_sources})
+target_link_libraries(vstgui PUBLIC PkgConfig::VSTGUI_NEEDS ${CMAKE_DL_LIBS})
+target_compile_features(vstgui PRIVATE cxx_std_17)
+# VSTGUI's classes have other members under DEBUG, so everybody who includes its headers says the same: release.
+target_compile_definitions(vstgui PUBLIC VSTGUI_ENABLE_DEPRECATED_METHODS=1 PRIVATE NDEBUG RELEASE)
+# Several plug-ins in one host bring a VSTGUI each, in different versions: none of its names may leave the library.
+target_compile_options(vstgui PRIVATE -w -fvisibility=hidden -fvisibility-inlines-hidden)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vstgui PRIVATE -fno-gnu-unique)
+endif()
+if(QUILLON_SANITIZE)
+  # Its containers cross into our code, so it has to be instrumented like our code.
+  target_compile_options(vstgui PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-omit-frame-pointer)
+endif()
+set_target_properties(vstgui PROPERTIES POSITION_INDEPENDENT_CODE ON EXPORT_COMPILE_COMMANDS OFF)
