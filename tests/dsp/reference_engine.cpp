@@ -51,8 +51,7 @@ DelayProgram::DelayProgram() {
         byte = 0;
 }
 
-// --- The filters
-// ---------------------------------------------------------------------------------------------
+// --- The filters ---
 
 float Biquad::process(float x) {
     float y = (x1 * b1 + x * b0) + x2 * b2 - y1 * a1 - y2 * a2;
@@ -117,8 +116,7 @@ float Smoother::process(float w) {
     return w - state;
 }
 
-// --- The oscillator
-// ------------------------------------------------------------------------------------------
+// --- The oscillator ---
 
 float ModuleFMop::advance() {
     float step = (ratioFine * ratio) * (sampleTime * rate);
@@ -133,8 +131,7 @@ float ModuleFMop::advance() {
            (y * 6859.490234375f);
 }
 
-// --- The memory
-// ----------------------------------------------------------------------------------------------
+// --- The memory ---
 
 void ModuleDelay::clearDelayMemory() {
     for (float& sample : samples)
@@ -210,8 +207,7 @@ float ModuleDelay::readWhole(float time) const {
     return samples[insideMemory(i)];
 }
 
-// --- The tap pattern
-// -----------------------------------------------------------------------------------------
+// --- The tap pattern ---
 
 void ReferenceEngine::computeTapPattern() {
     lfo.rate = (params[kLfoRate] * 14.0f) * params[kLfoRate];
@@ -273,8 +269,7 @@ void ReferenceEngine::computeTapPattern() {
     }
 }
 
-// --- The life of the engine
-// ----------------------------------------------------------------------------------
+// --- The life of the engine ---
 
 std::unique_ptr<ReferenceEngine> ReferenceEngine::create(std::span<const std::uint8_t> defaultBank) {
     return std::unique_ptr<ReferenceEngine>(new ReferenceEngine(defaultBank));
@@ -410,8 +405,7 @@ std::int32_t ReferenceEngine::setChunk(const void* data, std::int32_t byteSize, 
     return 1;
 }
 
-// --- The loop
-// ------------------------------------------------------------------------------------------------
+// --- The loop ---
 
 float feedbackFactor(float parameter) {
     return static_cast<float>(static_cast<double>(parameter * 0.9f) - 0.45);

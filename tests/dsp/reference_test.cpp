@@ -48,8 +48,7 @@ std::unique_ptr<ReferenceEngine> evenPattern(float taps) {
     return engine;
 }
 
-// --- Conversion to integer
-// -----------------------------------------------------------------------------------
+// --- Conversion to integer ---
 
 TEST(Truncation, GoesTowardZero) {
     EXPECT_EQ(truncate(2.9), 2);
@@ -70,8 +69,7 @@ TEST(Truncation, KeepsTheOutermostIntegers) {
     EXPECT_EQ(truncate(-2147483648.9), INT32_MIN);
 }
 
-// --- The tap pattern
-// -----------------------------------------------------------------------------------------
+// --- The tap pattern ---
 
 TEST(TapPattern, HasOneTapAtTheBottomAndAllAtTheTop) {
     EXPECT_EQ(evenPattern(0.0f)->numTaps, 1);
@@ -233,8 +231,7 @@ TEST(TapPattern, KeepsItsLengthInSecondsAtOtherRates) {
     EXPECT_EQ(engine->tapTimeTarget[0], 96000.0f); // half of 192001, cut
 }
 
-// --- Smoothers, oscillator, filters
-// --------------------------------------------------------------------------
+// --- Smoothers, oscillator, filters ---
 
 TEST(OnePoleSmoother, HasItsTwoWeightsToTheBit) {
     OnePole pole;
@@ -377,8 +374,7 @@ TEST(InputFilters, AreDesignedByTheOccasion) {
     EXPECT_EQ(engine->preHighPass.b0, high.b0);
 }
 
-// --- Reading the memory
-// --------------------------------------------------------------------------------------
+// --- Reading the memory ---
 
 struct Memory : testing::Test {
     std::unique_ptr<ModuleDelay> delay = std::make_unique<ModuleDelay>();
@@ -477,8 +473,7 @@ TEST_F(Memory, IsNotLeftByWildTimes) {
         }
 }
 
-// --- Feedback
-// ------------------------------------------------------------------------------------------------
+// --- Feedback ---
 
 TEST(Feedback, IsAlmostNothingInTheMiddle) {
     EXPECT_NEAR(feedbackFactor(0.5f), -1.2e-8f, 1e-9f);
@@ -529,8 +524,7 @@ TEST(Feedback, FlushesItsLowPassByTheLowerHalfOfTheNumber) {
     EXPECT_EQ(engine->fbLowpass, 0.0);
 }
 
-// --- The loop
-// ------------------------------------------------------------------------------------------------
+// --- The loop ---
 
 TEST(Loop, OverwritesTheInputGainAtEverySample) {
     auto engine = ReferenceEngine::create();
@@ -602,8 +596,7 @@ TEST(Loop, ArmsTheFadeForLengthTapsAndStretchAlone) {
     }
 }
 
-// --- The life of the engine
-// ----------------------------------------------------------------------------------
+// --- The life of the engine ---
 
 TEST(Life, BeginsOnTheDefaultProgram) {
     auto engine = ReferenceEngine::create();
@@ -682,8 +675,7 @@ TEST(Life, StoresNothingForUnusedParameters) {
     }
 }
 
-// --- Chunks
-// --------------------------------------------------------------------------------------------------
+// --- Chunks ---
 
 TEST(Chunks, HaveTheirTwoSizes) {
     auto engine = ReferenceEngine::create();
