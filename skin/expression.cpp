@@ -41,7 +41,7 @@ constexpr int priorityOf(char byte) {
 
 /// Toward zero; the lowest integer for whatever does not fit, as processors convert.
 std::int32_t truncated(double value) {
-    if (value > -2147483649.0 && value < 2147483648.0)
+    if (value > -2147483648.0 && value < 2147483648.0)
         return static_cast<std::int32_t>(value);
     return std::numeric_limits<std::int32_t>::min();
 }

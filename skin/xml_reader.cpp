@@ -19,42 +19,47 @@ constexpr int deepestElement = 1000;
 
 constexpr std::size_t longestClosingName = 255;
 
-// Records of elements that nobody uses, linked by `next`. They are never given back while the library is
-// loaded: the next skin takes them again.
-constinit std::mutex freeRecordsLock;
-constinit XmlNode* freeRecords = nullptr;
-
-/// A host may unload the library and live on, and nothing would lead to the records any more.
-struct FreeRecordsAtUnload {
-    ~FreeRecordsAtUnload() {
-        const std::lock_guard lock(freeRecordsLock);
-        while (XmlNode* node = freeRecords) {
-            freeRecords = node->next;
+/// Records of elements that nobody uses, linked by `next`. They are never given back while the library is
+/// loaded: the next skin takes them again. A host may unload the library and live on, so then they go.
+class SpareRecords {
+  public:
+    SpareRecords() = default;
+    ~SpareRecords() {
+        while (XmlNode* node = first_) {
+            first_ = node->next;
             std::free(node);
         }
     }
-};
-const FreeRecordsAtUnload freeRecordsAtUnload;
+    SpareRecords(const SpareRecords&) = delete;
+    SpareRecords& operator=(const SpareRecords&) = delete;
 
-XmlNode* takeRecord() {
-    {
-        const std::lock_guard lock(freeRecordsLock);
-        if (XmlNode* node = freeRecords) {
-            freeRecords = node->next;
-            *node = {};
-            return node;
+    /// A record with all fields null; null if memory is out.
+    XmlNode* take() {
+        {
+            const std::lock_guard lock(mutex_);
+            if (XmlNode* node = first_) {
+                first_ = node->next;
+                *node = {};
+                return node;
+            }
         }
+        void* memory = std::malloc(sizeof(XmlNode));
+        return memory ? new (memory) XmlNode : nullptr;
     }
-    void* memory = std::malloc(sizeof(XmlNode));
-    return memory ? new (memory) XmlNode : nullptr;
-}
 
-void returnRecord(XmlNode* node) {
-    const std::lock_guard lock(freeRecordsLock);
-    *node = {};
-    node->next = freeRecords;
-    freeRecords = node;
-}
+    void giveBack(XmlNode* node) {
+        const std::lock_guard lock(mutex_);
+        *node = {};
+        node->next = first_;
+        first_ = node;
+    }
+
+  private:
+    std::mutex mutex_;
+    XmlNode* first_ = nullptr;
+};
+
+SpareRecords spareRecords;
 
 void freeAttributes(XmlAttr* attribute) {
     while (attribute) {
@@ -172,13 +177,13 @@ const char* parseContent(const char* at, XmlNode* node, int depth) {
 }
 
 const char* parseElement(const char* at, XmlNode** result, int depth) {
-    XmlNode* node = depth < deepestElement ? takeRecord() : nullptr;
+    XmlNode* node = depth < deepestElement ? spareRecords.take() : nullptr;
     if (!node)
         return nullptr;
     *result = node;
     at = skipSpace(at);
     if (!at || at[0] != '<' || !isLetter(at[1])) {
-        returnRecord(node);
+        spareRecords.giveBack(node);
         *result = nullptr;
         return nullptr;
     }
@@ -231,7 +236,7 @@ void xmlFreeNode(XmlNode* node) {
         freeAttributes(last->attrs);
         std::free(last->text);
         std::free(last->name);
-        returnRecord(last);
+        spareRecords.giveBack(last);
         last = previous;
     }
 }

@@ -299,7 +299,7 @@ TEST_F(ExpressionGroup, NeedsNoClosingParenthesis) {
 }
 
 TEST_F(ExpressionGroup, AcceptsEveryOperatorInside) {
-    EXPECT_EQ(valueOf("2*(1$4)"), 32.0);
+    EXPECT_EQ(valueOf("3-(1$4)"), -13.0);
     EXPECT_EQ(valueOf("2*(6&3)"), 4.0);
     EXPECT_EQ(valueOf("2*(6|3)"), 14.0);
 }

@@ -1,0 +1,17 @@
+#include "skin/images.h"
+
+#include "platform/folders.h"
+#include "platform/toolkit.h"
+
+namespace skin {
+
+VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name) {
+    if (const auto path = platform::findPath(folder, name))
+        if (const auto picture = platform::readBitmap(*path))
+            return VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
+    return VSTGUI::makeOwned<MissingImage>();
+}
+
+void MissingImage::draw(VSTGUI::CDrawContext*, const VSTGUI::CRect&, const VSTGUI::CPoint&, float) {}
+
+} // namespace skin
