@@ -192,6 +192,24 @@ TEST_F(MessageWindow, StaysOpenOnAnotherClientMessage) {
     EXPECT_TRUE(staysOpen());
 }
 
+TEST_F(MessageWindow, ComesUpAsOftenAsThereIsSomethingToSay) {
+    const std::vector<std::string> captions = {"first", "second", "third"};
+    std::vector<std::string> arguments = {QUILLON_SHOW_MESSAGE};
+    for (const std::string& caption : captions)
+        arguments.insert(arguments.end(), {"text", caption});
+    box = std::make_unique<ChildProcess>(
+        arguments,
+        ChildProcess::Setting{.environment = {{"DISPLAY", screen.name()}}, .currentDirectory = {}});
+    for (const std::string& caption : captions) {
+        ASSERT_TRUE(test::waitUntil([&] {
+            window = screen.waitForWindow();
+            return screen.property(window, "WM_NAME") == caption && screen.hasKeyboard(window);
+        })) << caption;
+        screen.typeKey(XK_Return);
+    }
+    expectClosed();
+}
+
 TEST_F(MessageWindow, HasTheCaptionAsItsTitle) {
     show("text", "SKIN SELECTED!");
     char* title = nullptr;
