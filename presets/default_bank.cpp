@@ -56,11 +56,13 @@ bool isBank(const Image& image) {
     if (image.size() < kHeaderSize || headerWord(image, kChunkMagicOffset) != kChunkMagic)
         return false;
     const std::int32_t fxMagic = headerWord(image, kFxMagicOffset);
-    if (fxMagic == kPlainBank)
-        return true;
+    return fxMagic == kPlainBank || fxMagic == kChunkBank;
+}
+
+/// Whether the chunk that a bank announces lies within the image.
+bool holdsItsChunk(const Image& image) {
     const auto chunkSize = wordAt(image, kChunkSizeOffset);
-    return fxMagic == kChunkBank && chunkSize &&
-           swappedWord(*chunkSize) <= static_cast<std::int64_t>(image.size() - kChunkOffset);
+    return chunkSize && swappedWord(*chunkSize) <= static_cast<std::int64_t>(image.size() - kChunkOffset);
 }
 
 void loadChunkBank(Image& image, BankReceiver& receiver) {
@@ -113,8 +115,9 @@ void loadDefaultBank(const std::string& path, BankReceiver& receiver) {
         platform::showMessage("Default bank error: file not found", caption);
         return;
     }
+    constexpr char notABank[] = "Default bank error: not an fxb file";
     if (!isBank(*image)) {
-        platform::showMessage("Default bank error: not an fxb file", caption);
+        platform::showMessage(notABank, caption);
         return;
     }
     const std::int32_t fxID = headerWord(*image, kFxIDOffset);
@@ -122,10 +125,12 @@ void loadDefaultBank(const std::string& path, BankReceiver& receiver) {
         platform::showMessage("Default bank error: wrong unique ID", caption);
         return;
     }
-    if (headerWord(*image, kFxMagicOffset) == kChunkBank)
+    if (headerWord(*image, kFxMagicOffset) == kPlainBank)
+        loadPlainBank(*image, receiver);
+    else if (holdsItsChunk(*image))
         loadChunkBank(*image, receiver);
     else
-        loadPlainBank(*image, receiver);
+        platform::showMessage(notABank, caption);
 }
 
 } // namespace presets
