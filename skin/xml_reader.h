@@ -51,8 +51,8 @@ int xmlParseNode(const char* text, int position, XmlNode** result);
 /// later trees, so no node of the tree may be used or freed after this.
 void xmlFreeNode(XmlNode* node);
 
-/// The first position at or after `position` that holds no white space, or -1 if the text ends before. A failed
-/// position, -1, stays one.
+/// The first position at or after `position` that holds no white space, or -1 if the text ends before. A
+/// failed position, -1, stays one.
 int xmlSkipSpace(int position, const char* text);
 
 /// The root element of a file, or null if the file can't be opened or read, or is not of the dialect.
