@@ -14,11 +14,13 @@ namespace {
 
 namespace files = std::filesystem;
 
-/// The file that is really meant, where the name is that of a link to it.
-files::path behindLinks(const files::path& target) {
+/// The file that is really meant, where the name is that of a link to it, also to one that is not there yet.
+files::path behindLinks(files::path target) {
+    constexpr int mostLinks = 40;
     std::error_code error;
-    const files::path real = files::weakly_canonical(target, error);
-    return error ? target : real;
+    for (int i = 0; i < mostLinks && files::is_symlink(target, error); ++i)
+        target = (target.parent_path() / files::read_symlink(target, error)).lexically_normal();
+    return target;
 }
 
 void checkTarget(const files::path& target) {

@@ -1,0 +1,43 @@
+// Runs quillon-render as a person or a script would: in a process of its own, with a home of its own.
+#pragma once
+
+#include "support/scratch_folder.h"
+
+#include <string>
+#include <vector>
+
+struct ToolResult {
+    int exitCode = -1; ///< -1 if a signal ended it
+    std::string out;
+    std::string err;
+
+    /// Lines of standard error.
+    std::vector<std::string> errorLines() const;
+};
+
+/// Where the child's standard error goes.
+enum class ErrorEnd { file, terminal };
+
+/// Runs the tool in `folder` with these arguments and waits for it.
+ToolResult runTool(const ScratchFolder& folder, const std::vector<std::string>& arguments,
+                   ErrorEnd errorEnd = ErrorEnd::file, const std::string& tool = QUILLON_RENDER);
+
+/// The tool in the background, so that a test can stop it.
+class RunningTool {
+  public:
+    RunningTool(const ScratchFolder& folder, const std::vector<std::string>& arguments,
+                ErrorEnd errorEnd = ErrorEnd::file, const std::string& tool = QUILLON_RENDER);
+    ~RunningTool();
+    RunningTool(const RunningTool&) = delete;
+    RunningTool& operator=(const RunningTool&) = delete;
+
+    void send(int signal);
+    ToolResult wait();
+
+  private:
+    std::string readTerminal();
+
+    ScratchFolder own_;
+    int process_ = -1;
+    int terminal_ = -1;
+};
