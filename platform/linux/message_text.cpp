@@ -78,8 +78,11 @@ std::string validUtf8(std::string_view text) {
 
 std::vector<std::string> breakLines(std::string_view text, double width,
                                     const std::function<double(const std::string&)>& widthOf) {
+    std::string printable(text);
+    std::replace_if(
+        printable.begin(), printable.end(), [](char c) { return c >= 0 && c < ' ' && c != '\n'; }, ' ');
     std::vector<std::string> lines;
-    for (const std::string_view paragraph : split(text, '\n')) {
+    for (const std::string_view paragraph : split(printable, '\n')) {
         std::string line;
         bool lineHasWords = false;
         for (const std::string_view word : split(paragraph, ' ')) {

@@ -13,7 +13,8 @@ namespace platform {
 std::string validUtf8(std::string_view text);
 
 /// Breaks `text` (valid UTF-8) at line feeds and, where a line would be wider than `width`, between words; a
-/// word too wide for a line of its own is broken inside. `widthOf` measures in the same unit.
+/// word too wide for a line of its own is broken inside. Other control characters are blanks. `widthOf`
+/// measures in the same unit.
 std::vector<std::string> breakLines(std::string_view text, double width,
                                     const std::function<double(const std::string&)>& widthOf);
 

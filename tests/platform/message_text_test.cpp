@@ -47,6 +47,10 @@ TEST(MessageText, KeepsSeveralBlanks) {
     EXPECT_EQ(broken("  a", 10), (Lines{"  a"}));
 }
 
+TEST(MessageText, TakesControlCharactersForBlanks) {
+    EXPECT_EQ(broken("a\tb\r\nc", 10), (Lines{"a b ", "c"}));
+}
+
 TEST(MessageText, LeavesValidUtf8Alone) {
     const std::string text = "plain \u00e9 \u20ac \U0001F3B5 \U0010FFFF \uD7FF \uE000";
     EXPECT_EQ(validUtf8(text), text);

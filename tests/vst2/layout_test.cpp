@@ -1,5 +1,5 @@
 // The layout in bytes on a 64-bit system, as every host of the last decades has been compiled with it. The
-// compiler checks all of it; the one test that runs says so and looks at what is not known before.
+// compiler checks nearly all of it; the tests that run look at values.
 
 #include "vst2/vst2.h"
 
