@@ -32,7 +32,7 @@ constexpr double buttonWidth = 104;
 constexpr double buttonHeight = 34;
 constexpr double cornerRadius = 5;
 constexpr double narrowestText = 260;
-constexpr double widestText = 460;
+constexpr double widestText = 540;
 constexpr double typeSize = 15;
 constexpr double lineHeight = 22;
 
