@@ -2,15 +2,16 @@
 
 #include "skin/ascii.h"
 
+#include <atomic>
 #include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -21,42 +22,51 @@ constexpr std::size_t longestClosingName = 255;
 
 /// Records of elements that nobody uses, linked by `next`. They are never given back while the library is
 /// loaded: the next skin takes them again. A host may unload the library and live on, so then they go.
+/// Several windows may open at once, each on a thread of its own: the list is only ever taken whole or added
+/// to, which needs no lock.
 class SpareRecords {
   public:
     SpareRecords() = default;
     ~SpareRecords() {
-        while (XmlNode* node = first_) {
-            first_ = node->next;
-            std::free(node);
-        }
+        XmlNode* node = first_.load();
+        while (node)
+            std::free(std::exchange(node, node->next));
     }
     SpareRecords(const SpareRecords&) = delete;
     SpareRecords& operator=(const SpareRecords&) = delete;
 
     /// A record with all fields null; null if memory is out.
     XmlNode* take() {
-        {
-            const std::lock_guard lock(mutex_);
-            if (XmlNode* node = first_) {
-                first_ = node->next;
-                *node = {};
-                return node;
-            }
+        if (XmlNode* node = first_.exchange(nullptr)) {
+            if (node->next)
+                putBack(node->next);
+            *node = {};
+            return node;
         }
         void* memory = std::malloc(sizeof(XmlNode));
         return memory ? new (memory) XmlNode : nullptr;
     }
 
     void giveBack(XmlNode* node) {
-        const std::lock_guard lock(mutex_);
         *node = {};
-        node->next = first_;
-        first_ = node;
+        putBack(node);
     }
 
   private:
-    std::mutex mutex_;
-    XmlNode* first_ = nullptr;
+    /// Adds a list of records in front of those that are there; mostly there are none.
+    void putBack(XmlNode* list) {
+        XmlNode* there = nullptr;
+        if (first_.compare_exchange_strong(there, list))
+            return;
+        XmlNode* last = list;
+        while (last->next)
+            last = last->next;
+        do
+            last->next = there;
+        while (!first_.compare_exchange_weak(there, list));
+    }
+
+    std::atomic<XmlNode*> first_ = nullptr;
 };
 
 SpareRecords spareRecords;
