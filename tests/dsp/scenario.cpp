@@ -115,7 +115,10 @@ class Author {
     float rate = 44100.0f;
     std::int32_t mode = -1; ///< the read that "Set" is held at, or -1 for any
 
-    void add(Action action) { scenario.actions.push_back(std::move(action)); }
+    template <typename Kind>
+    void add(Kind action) {
+        scenario.actions.emplace_back(std::move(action));
+    }
 
     void set(std::int32_t id, float value) { add(SetParameter{id, value}); }
 
