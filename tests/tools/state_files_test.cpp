@@ -4,6 +4,9 @@
 #include "tools/render/tool_error.h"
 #include "vst2/vst2.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -21,12 +24,13 @@ void put(Bytes& bytes, std::size_t offset, const char (&code)[5]) {
 }
 
 Bytes bankFile(const char (&kind)[5], const Bytes& chunk) {
-    Bytes bytes(160);
+    constexpr std::size_t headerSize = 160;
+    Bytes bytes(headerSize + chunk.size());
     put(bytes, 0, "CcnK");
     put(bytes, 8, kind);
     put(bytes, 16, "qlvd");
     put(bytes, 156, static_cast<std::uint32_t>(chunk.size()));
-    bytes.insert(bytes.end(), chunk.begin(), chunk.end());
+    std::copy(chunk.begin(), chunk.end(), bytes.begin() + headerSize);
     return bytes;
 }
 
