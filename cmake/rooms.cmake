@@ -6,6 +6,8 @@
 function(quillon_room target)
   cmake_parse_arguments(ROOM "" "FOLDER" "HEADERS;SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   set(view ${CMAKE_BINARY_DIR}/rooms/${target})
+  # A header that has left the room must not stay to be seen.
+  file(REMOVE_RECURSE ${view})
   foreach(header ${ROOM_HEADERS})
     get_filename_component(subfolder ${ROOM_FOLDER}/${header} DIRECTORY)
     file(MAKE_DIRECTORY ${view}/${subfolder})
