@@ -1,7 +1,9 @@
-// Where the output ends, how loud it is, and its outline.
+// Where the output ends, how loud it is, its outline, and the kind of file that it goes to.
 
+#include "tools/render/audio_file.h"
 #include "tools/render/level_meter.h"
 #include "tools/render/tail_watch.h"
+#include "tools/render/tool_error.h"
 #include "tools/render/waveform.h"
 
 #include <algorithm>
@@ -137,6 +139,28 @@ TEST(Waveform, IsNothingBeyondItsEnds) {
     EXPECT_EQ(wave.between(2.0, 10.0).highest[0], 0.0f);
     EXPECT_EQ(wave.between(-5.0, 0.0).highest[0], 0.0f);
     EXPECT_EQ(wave.between(0.0, 2.0).lowest[0], 0.5f);
+}
+
+TEST(Waveform, KnowsWhereALevelIsReachedLast) {
+    Waveform wave;
+    std::vector<float> samples(1000, 0.01f);
+    samples[700] = -0.5f;
+    wave.add(samples, 1);
+    EXPECT_EQ(wave.lastReaching(0.4f), 701);
+    EXPECT_EQ(wave.lastReaching(0.01f), 1000);
+    EXPECT_EQ(wave.lastReaching(0.6f), 0);
+}
+
+TEST(OutputKind, IsALargeKindOfWavFileOnlyForWhatDoesNotFitIntoAPlainOne) {
+    const auto major = [](std::int64_t frames, SampleFormat format) {
+        return outputKind("a.wav", format, 48000, 2, frames).format & SF_FORMAT_TYPEMASK;
+    };
+    constexpr std::int64_t mostFrames24 = ((std::int64_t{1} << 32) - 65536) / 6;
+    EXPECT_EQ(major(mostFrames24, SampleFormat::automatic), SF_FORMAT_WAV);
+    EXPECT_EQ(major(mostFrames24 + 1, SampleFormat::automatic), SF_FORMAT_RF64);
+    EXPECT_EQ(major(mostFrames24, SampleFormat::float32), SF_FORMAT_RF64);
+    EXPECT_THROW(outputKind("a.aiff", SampleFormat::pcm24, 48000, 2, mostFrames24 + 1), ToolError);
+    EXPECT_EQ(outputKind("a.w64", SampleFormat::pcm24, 48000, 2, mostFrames24 + 1).name, "Wave64, 24 bit");
 }
 
 } // namespace

@@ -79,7 +79,25 @@ std::vector<MidiEvent> atFrames(const std::vector<TimedMidi>& messages, double s
     return events;
 }
 
-/// A program's line of settings under the picture's title.
+/// Puts the settings one behind the other that have anything to show.
+class SettingsLine {
+  public:
+    void add(const std::string& before, const std::string& display, const std::string& after) {
+        const std::string shown = printable(trimmed(display));
+        if (shown.empty())
+            return;
+        if (!text_.empty())
+            text_ += "   \u00b7   ";
+        text_.append(before).append(shown).append(after);
+    }
+    const std::string& text() const { return text_; }
+
+  private:
+    std::string text_;
+};
+
+/// The settings that matter, for the line under the picture's title: of the delay in plain words, of any
+/// other effect the first few.
 std::string settingsLine(const EffectState& state) {
     struct Item {
         const char* name;
@@ -92,18 +110,18 @@ std::string settingsLine(const EffectState& state) {
         {"LFO Rt", "sweep ", " Hz"},   {"LFO Dp", "depth ", ""},
         {"Dry Wet", "dry / wet ", ""}, {"Set", "", ""},
     };
-    std::string line;
+    SettingsLine line;
     for (const Item& item : items)
         for (const ParameterState& parameter : state.parameters)
             if (sameName(parameter.name, item.name))
-                line += (line.empty() ? "" : "   \u00b7   ") +
-                        (item.before + printable(trimmed(parameter.display))) + item.after;
-    if (!line.empty())
-        return line;
-    for (std::size_t i = 0; i < std::min<std::size_t>(state.parameters.size(), 6); ++i)
-        line += (i == 0 ? "" : "   \u00b7   ") + printable(trimmed(state.parameters[i].name)) + " " +
-                printable(trimmed(state.parameters[i].display + " " + state.parameters[i].label));
-    return line;
+                line.add(item.before, parameter.display, item.after);
+    if (!line.text().empty())
+        return line.text();
+    constexpr std::size_t most = 6;
+    for (std::size_t i = 0; i < std::min(state.parameters.size(), most); ++i)
+        line.add(printable(trimmed(state.parameters[i].name)) + ' ', state.parameters[i].display,
+                 printable(' ' + state.parameters[i].label));
+    return line.text();
 }
 
 class RenderJob {

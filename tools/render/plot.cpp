@@ -50,7 +50,8 @@ struct TimeAxis {
 class PictureDrawing {
   public:
     explicit PictureDrawing(const Picture& picture)
-        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper) {}
+        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper),
+          scale_(scaleFor(*picture.outlines)), axis_{shownSeconds()} {}
 
     Canvas& draw() {
         drawHead();
@@ -67,9 +68,27 @@ class PictureDrawing {
     double framesToSeconds(std::int64_t frames) const {
         return static_cast<double>(frames) / picture_.sampleRate;
     }
+    static double scaleFor(const Outlines& outlines) {
+        return roundUp(std::max({outlines.dry.peak(), outlines.wet.peak(), 0.001f}));
+    }
+
     double wholeSeconds() const {
         const auto frames = std::max(picture_.outlines->dry.frames(), picture_.outlines->wet.frames());
         return framesToSeconds(std::max<std::int64_t>(frames, 1));
+    }
+
+    /// The whole sound, or without its end if that is long and no more than a line.
+    double shownSeconds() const {
+        const auto visible = static_cast<float>(scale_ * 0.004);
+        const double last = framesToSeconds(
+            std::max(picture_.outlines->dry.frames(), picture_.outlines->wet.lastReaching(visible)));
+        return last * 1.1 < wholeSeconds() / 1.5 ? last * 1.1 : wholeSeconds();
+    }
+
+    std::string outputRemark() const {
+        if (axis_.seconds >= wholeSeconds())
+            return "what came out";
+        return "what came out; it goes on to " + axisText(wholeSeconds(), 1) + " s, too quiet to be seen";
     }
 
     void drawHead() {
@@ -102,7 +121,7 @@ class PictureDrawing {
 
     struct Lane {
         const char* heading;
-        const char* remark;
+        std::string remark;
         const Waveform* wave;
         int side; ///< 0 left, 1 right, 2 both
         Colour colour;
@@ -113,28 +132,26 @@ class PictureDrawing {
         const Waveform& wet = picture_.outlines->wet;
         std::vector<Lane> lanes = {{"Dry", "what went in", &dry, 2, dryTone}};
         if (picture_.isStereo) {
-            lanes.push_back({"Dry and wet, left", "what came out", &wet, 0, amber});
+            lanes.push_back({"Dry and wet, left", outputRemark(), &wet, 0, amber});
             lanes.push_back({"Dry and wet, right", "", &wet, 1, slateBlue});
         } else {
-            lanes.push_back({"Dry and wet", "what came out", &wet, 2, amber});
+            lanes.push_back({"Dry and wet", outputRemark(), &wet, 2, amber});
         }
-        const TimeAxis axis{wholeSeconds()};
-        const double scale = roundUp(std::max({dry.peak(), wet.peak(), 0.001f}));
         const double top = 146.0, gap = 38.0;
         const auto count = static_cast<double>(lanes.size());
         const double height = (bottom - top - (count - 1.0) * gap) / count;
         for (std::size_t i = 0; i < lanes.size(); ++i) {
             const double laneTop = top + static_cast<double>(i) * (height + gap);
-            drawLane(lanes[i], {leftEdge, laneTop, rightEdge, laneTop + height}, axis, scale);
+            drawLane(lanes[i], {leftEdge, laneTop, rightEdge, laneTop + height});
         }
         canvas_.textUpwards("level (1 is full scale)", {axisNameX, (top + bottom) / 2.0}, axisStyle);
-        labelInputEnd(axis, top);
-        drawTimeMarks(axis, bottom, std::string("time (") + axis.unit() + ")");
+        labelInputEnd(top);
+        drawTimeMarks(axis_, bottom, std::string("time (") + axis_.unit() + ")");
     }
 
-    void labelInputEnd(const TimeAxis& axis, double top) {
+    void labelInputEnd(double top) {
         const std::string label = "end of the input";
-        const double x = axis.x(framesToSeconds(picture_.outlines->dry.frames())) + 8.0;
+        const double x = axis_.x(framesToSeconds(picture_.outlines->dry.frames())) + 8.0;
         if (x + canvas_.textWidth(label, footnoteStyle) < rightEdge)
             canvas_.text(label, {x, top + 17.0}, footnoteStyle);
     }
@@ -153,28 +170,28 @@ class PictureDrawing {
                      remarkStyle);
     }
 
-    void drawLane(const Lane& lane, const Area& area, const TimeAxis& axis, double scale) {
-        drawPanel(area, axis);
+    void drawLane(const Lane& lane, const Area& area) {
+        drawPanel(area, axis_);
         drawHeading(area, lane.heading, lane.remark);
         const double middle = (area.top + area.bottom) / 2.0;
-        const auto y = [&](double level) { return middle - level / scale * area.height() / 2.0; };
-        const int decimals = marksFor(scale, 1).decimals;
-        for (double level : {scale, 0.0, -scale}) {
+        const auto y = [&](double level) { return middle - level / scale_ * area.height() / 2.0; };
+        const int decimals = marksFor(scale_, 1).decimals;
+        for (double level : {scale_, 0.0, -scale_}) {
             canvas_.hairline({area.left, y(level)}, {area.right, y(level)}, level == 0.0 ? zeroRule : rule);
             canvas_.text(axisText(level, level == 0.0 ? 0 : decimals), {area.left - 12.0, y(level) + 4.5},
                          markStyle);
         }
         for (double level : {1.0, -1.0})
-            if (scale > 1.0)
+            if (scale_ > 1.0)
                 canvas_.dashedHairline({area.left, y(level)}, {area.right, y(level)}, zeroRule);
-        drawOutline(lane, area, axis, y);
-        drawInputEnd(area, axis);
+        drawOutline(lane, area, y);
+        drawInputEnd(area);
     }
 
     template <typename LevelToY>
-    void drawOutline(const Lane& lane, const Area& area, const TimeAxis& axis, const LevelToY& y) {
-        const double last = std::min(axis.x(framesToSeconds(lane.wave->frames())), area.right);
-        const double framesEach = axis.seconds * picture_.sampleRate / area.width();
+    void drawOutline(const Lane& lane, const Area& area, const LevelToY& y) {
+        const double last = std::min(axis_.x(framesToSeconds(lane.wave->frames())), area.right);
+        const double framesEach = axis_.seconds * picture_.sampleRate / area.width();
         std::vector<Point> upper, lower;
         for (double x = area.left; x < last; x += 1.0) {
             const double first = (x - area.left) * framesEach;
@@ -198,8 +215,8 @@ class PictureDrawing {
                 std::max(extremes.highest[0], extremes.highest[1])};
     }
 
-    void drawInputEnd(const Area& area, const TimeAxis& axis) {
-        const double x = axis.x(framesToSeconds(picture_.outlines->dry.frames()));
+    void drawInputEnd(const Area& area) {
+        const double x = axis_.x(framesToSeconds(picture_.outlines->dry.frames()));
         if (x < area.right - 1.0)
             canvas_.dashedHairline({x, area.top}, {x, area.bottom}, faintInk);
     }
@@ -217,7 +234,7 @@ class PictureDrawing {
     /// The same axis as above where the pattern fills a good part of it, so that a tap stands under its echo;
     /// else one of its own.
     TimeAxis patternAxis() const {
-        const double whole = wholeSeconds();
+        const double whole = axis_.seconds;
         const double last = picture_.taps.empty() ? whole : picture_.taps.back().seconds;
         if (last <= whole && last > whole / 3.0)
             return {whole};
@@ -270,6 +287,8 @@ class PictureDrawing {
 
     const Picture& picture_;
     Canvas canvas_;
+    double scale_;  ///< the level at the lanes' edges
+    TimeAxis axis_; ///< of the lanes
 };
 
 } // namespace

@@ -14,6 +14,10 @@ void widen(Extremes& extremes, const Extremes& by) {
     }
 }
 
+float peakOf(const Extremes& extremes) {
+    return std::max({-extremes.lowest[0], -extremes.lowest[1], extremes.highest[0], extremes.highest[1]});
+}
+
 } // namespace
 
 void Waveform::add(std::span<const float> samples, int channels) {
@@ -51,9 +55,15 @@ Extremes Waveform::between(double first, double last) const {
 float Waveform::peak() const {
     float peak = 0.0f;
     for (const Extremes& stretch : stretches_)
-        for (int side = 0; side < 2; ++side)
-            peak = std::max({peak, -stretch.lowest[side], stretch.highest[side]});
+        peak = std::max(peak, peakOf(stretch));
     return peak;
+}
+
+std::int64_t Waveform::lastReaching(float level) const {
+    for (std::size_t i = stretches_.size(); i > 0; --i)
+        if (peakOf(stretches_[i - 1]) >= level)
+            return std::min(static_cast<std::int64_t>(i) * framesEach_, frames_);
+    return 0;
 }
 
 void Waveform::halve() {

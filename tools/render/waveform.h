@@ -24,6 +24,8 @@ class Waveform {
     /// Extremes of the frames from `first` up to but not `last`, as finely as they are kept.
     Extremes between(double first, double last) const;
     float peak() const;
+    /// Where the last stretch that reaches `level` ends, in frames; 0 if none does.
+    std::int64_t lastReaching(float level) const;
 
   private:
     void halve();
