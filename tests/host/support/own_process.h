@@ -16,7 +16,7 @@ struct ProcessEnd {
 
 /// Runs `body` in a copy of this process without a display, and waits for it. Failed expectations in `body`
 /// are printed and make the exit code 1, an exception makes it 2. A body that never ends is killed after
-/// minutes.
+/// minutes of work.
 ProcessEnd runInOwnProcess(const std::function<void()>& body);
 
 /// As above, expecting that all went well; gives the standard error.
