@@ -1,0 +1,112 @@
+// Pictures are decoded by gdk-pixbuf; the toolkit's own reader on this system knows PNG alone.
+
+#include "platform/files.h"
+#include "platform/toolkit.h"
+
+#include "vstgui/lib/cpoint.h"
+#include "vstgui/lib/platform/iplatformbitmap.h"
+#include "vstgui/lib/platform/platformfactory.h"
+
+#include <array>
+#include <cstdint>
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <memory>
+
+namespace platform {
+
+namespace {
+
+constexpr int longestSide = 32767;
+constexpr std::int64_t mostPixels = std::int64_t{1} << 26;
+
+struct Unref {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+using Loader = std::unique_ptr<GdkPixbufLoader, Unref>;
+
+bool isDrawable(int width, int height) {
+    return width > 0 && height > 0 && width <= longestSide && height <= longestSide &&
+           std::int64_t{width} * height <= mostPixels;
+}
+
+/// Asked when a size is known and before memory is taken for it; a size of nothing makes the decoder give up.
+void refuseGiants(GdkPixbufLoader* loader, int width, int height, void*) {
+    if (!isDrawable(width, height))
+        gdk_pixbuf_loader_set_size(loader, 0, 0);
+}
+
+/// The picture in the loader once it has seen the whole file; null if that is none. It belongs to the loader.
+GdkPixbuf* decode(GdkPixbufLoader* loader, const std::vector<unsigned char>& file) {
+    g_signal_connect(loader, "size-prepared", G_CALLBACK(refuseGiants), nullptr);
+    const bool isRead = gdk_pixbuf_loader_write(loader, file.data(), file.size(), nullptr);
+    // Wanted in any case: a loader that is let go while open complains on standard error.
+    const bool isWhole = gdk_pixbuf_loader_close(loader, nullptr);
+    GdkPixbuf* picture = isRead && isWhole ? gdk_pixbuf_loader_get_pixbuf(loader) : nullptr;
+    return picture && isDrawable(gdk_pixbuf_get_width(picture), gdk_pixbuf_get_height(picture)) ? picture
+                                                                                                : nullptr;
+}
+
+/// Where each colour lies in a pixel of the toolkit's.
+struct ColourOrder {
+    int red, green, blue, alpha;
+};
+
+ColourOrder orderOf(VSTGUI::IPlatformBitmapPixelAccess::PixelFormat format) {
+    using Access = VSTGUI::IPlatformBitmapPixelAccess;
+    switch (format) {
+    case Access::kARGB:
+        return {1, 2, 3, 0};
+    case Access::kRGBA:
+        return {0, 1, 2, 3};
+    case Access::kABGR:
+        return {3, 2, 1, 0};
+    case Access::kBGRA:
+        break;
+    }
+    return {2, 1, 0, 3};
+}
+
+std::uint8_t premultiplied(std::uint8_t colour, std::uint8_t alpha) {
+    return static_cast<std::uint8_t>((colour * alpha + 127) / 255);
+}
+
+void copyPixels(const GdkPixbuf* from, VSTGUI::IPlatformBitmapPixelAccess& to) {
+    const int width = gdk_pixbuf_get_width(from), height = gdk_pixbuf_get_height(from);
+    const int channels = gdk_pixbuf_get_n_channels(from);
+    const ColourOrder order = orderOf(to.getPixelFormat());
+    for (int y = 0; y < height; ++y) {
+        const std::uint8_t* source =
+            gdk_pixbuf_read_pixels(from) + std::int64_t{y} * gdk_pixbuf_get_rowstride(from);
+        std::uint8_t* target = to.getAddress() + std::int64_t{y} * to.getBytesPerRow();
+        for (int x = 0; x < width; ++x, source += channels, target += 4) {
+            const std::uint8_t alpha = channels == 4 ? source[3] : std::uint8_t{255};
+            target[order.red] = premultiplied(source[0], alpha);
+            target[order.green] = premultiplied(source[1], alpha);
+            target[order.blue] = premultiplied(source[2], alpha);
+            target[order.alpha] = alpha;
+        }
+    }
+}
+
+} // namespace
+
+VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path) {
+    const auto file = readWholeFile(path);
+    if (!file || file->empty())
+        return nullptr;
+    const Loader loader(gdk_pixbuf_loader_new());
+    const GdkPixbuf* picture = decode(loader.get(), *file);
+    if (!picture)
+        return nullptr;
+    const VSTGUI::CPoint size(gdk_pixbuf_get_width(picture), gdk_pixbuf_get_height(picture));
+    auto bitmap = VSTGUI::getPlatformFactory().createBitmap(size);
+    if (!bitmap)
+        return nullptr;
+    const auto pixels = bitmap->lockPixels(true);
+    if (!pixels)
+        return nullptr;
+    copyPixels(picture, *pixels);
+    return bitmap;
+}
+
+} // namespace platform

@@ -1,0 +1,167 @@
+#include "platform/toolkit_window.h"
+
+#include "display_connection.h"
+#include "mouse_buttons.h"
+#include "window_loop.h"
+
+#include "vstgui/lib/platform/linux/x11platform.h"
+#include "vstgui/lib/vstguiinit.h"
+
+#include <cairo-xcb.h>
+#include <memory>
+#include <xcb/xcb.h>
+
+namespace platform {
+
+namespace {
+
+/// Frames that are open or wait for their end, in the whole process.
+int livingFrames = 0;
+
+/// What cairo remembers of a connection.
+using DrawingDevice = std::unique_ptr<cairo_device_t, decltype(&cairo_device_destroy)>;
+
+DrawingDevice drawingDeviceOf(xcb_connection_t* connection) {
+    xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    // Nothing is drawn on it: a surface is the only way to ask.
+    cairo_surface_t* surface = cairo_xcb_surface_create_for_bitmap(connection, screen, screen->root, 1, 1);
+    DrawingDevice device(cairo_device_reference(cairo_surface_get_device(surface)), cairo_device_destroy);
+    cairo_surface_destroy(surface);
+    return device;
+}
+
+/// Keeps the toolkit's connection to the display from the first window on. Left alone, the toolkit would
+/// close it with its last window, but go on using what was noted down for it: cursors by itself, fonts by
+/// cairo, which knows a connection by its address, and the next one may have the same. Windows opened then
+/// lose their text.
+class ToolkitConnection {
+  public:
+    ToolkitConnection() {
+        VSTGUI::X11::RunLoop::init(VSTGUI::SharedPointer<VSTGUI::X11::IRunLoop>(&WindowLoop::shared()));
+        // To be ended right before the connection is.
+        VSTGUI::X11::RunLoop::instance().setDevice(drawingDeviceOf(connection()).get());
+    }
+
+    /// When the library is unloaded or the process ends. What stands on the connection has to go before it.
+    ~ToolkitConnection() {
+        if (livingFrames > 0)
+            return;
+        VSTGUI::exit();
+        VSTGUI::X11::RunLoop::exit();
+    }
+
+    bool isAlive() const { return xcb_connection_has_error(connection()) == 0; }
+
+  private:
+    static xcb_connection_t* connection() { return VSTGUI::X11::RunLoop::instance().getXcbConnection(); }
+};
+
+/// Only with a display at hand: the toolkit does not look whether it has connected.
+bool connectToolkit() {
+    // Used before the connection is, so that it is still there when the connection ends.
+    WindowLoop::shared();
+    VSTGUI::X11::RunLoop::instance();
+    static const ToolkitConnection connection;
+    return connection.isAlive();
+}
+
+/// Ends every modal view. A menu goes by a press beside it, which chooses nothing, and then would fade for a
+/// while; it has no more time.
+void endModalViews(VSTGUI::CFrame& frame) {
+    while (const auto view = VSTGUI::shared(frame.getModalView())) {
+        VSTGUI::MouseDownEvent press(VSTGUI::CPoint(-1, -1), VSTGUI::MouseButton::Left);
+        view->dispatchEvent(press);
+        view->removeAllAnimations();
+        if (frame.getModalView() == view)
+            break;
+    }
+}
+
+} // namespace
+
+/// One frame between open() and the end of its closing.
+class ToolkitWindow::OpenFrame {
+  public:
+    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
+        ++livingFrames;
+        frame_->registerMouseObserver(&buttons_);
+    }
+    ~OpenFrame() { --livingFrames; }
+    OpenFrame(const OpenFrame&) = delete;
+    OpenFrame& operator=(const OpenFrame&) = delete;
+
+    bool open(void* parent) {
+        const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
+        if (!DisplayConnection().hasWindow(window) || !connectToolkit())
+            return false;
+        VSTGUI::X11::FrameConfig configuration;
+        configuration.runLoop = &WindowLoop::shared();
+        return frame_->open(parent, VSTGUI::PlatformType::kX11EmbedWindowID, &configuration);
+    }
+
+    /// Takes the window away at once. The host may destroy its own as soon as we return, and the toolkit
+    /// would leave ours on the screen until the connection ends.
+    void destroyWindow() const {
+        if (window())
+            DisplayConnection().destroyWindow(window());
+    }
+
+    /// Releases the frame. Not from inside one of its events.
+    void close() {
+        endModalViews(*frame_);
+        frame_->unregisterMouseObserver(&buttons_);
+        frame_->close();
+    }
+
+    VSTGUI::CFrame& frame() const { return *frame_; }
+    const MouseButtons& buttons() const { return buttons_; }
+
+    /// The window on the screen, or 0.
+    std::uint32_t window() const {
+        const auto* onScreen = dynamic_cast<VSTGUI::X11::IX11Frame*>(frame_->getPlatformFrame());
+        return onScreen ? onScreen->getX11WindowID() : 0;
+    }
+
+  private:
+    VSTGUI::CFrame* frame_;
+    MouseButtons buttons_;
+};
+
+ToolkitWindow::ToolkitWindow() = default;
+
+ToolkitWindow::~ToolkitWindow() {
+    close();
+}
+
+bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent) {
+    frames_.push_back(std::make_shared<OpenFrame>(frame));
+    return frames_.back()->open(parent);
+}
+
+void ToolkitWindow::close() {
+    auto closing = std::move(frames_);
+    frames_.clear();
+    for (const auto& opened : closing) {
+        opened->destroyWindow();
+        const auto finish = [opened] { opened->close(); };
+        WindowLoop& loop = WindowLoop::shared();
+        // An event comes out of a turn of the loop, or out of a key that the host has passed on.
+        if (loop.isServing() || !opened->frame().doAfterEventProcessing(finish))
+            loop.afterServing(finish);
+    }
+}
+
+bool ToolkitWindow::leftButtonDown() const {
+    for (const auto& opened : frames_)
+        if (opened->buttons().held().has(VSTGUI::MouseButton::Left))
+            return true;
+    return false;
+}
+
+void ToolkitWindow::fitContainers(int width, int height) {
+    for (const auto& opened : frames_)
+        if (opened->window())
+            DisplayConnection().resizeWithContainers(opened->window(), width, height);
+}
+
+} // namespace platform

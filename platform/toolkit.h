@@ -1,0 +1,51 @@
+// The window toolkit, VSTGUI, made ready for use, and what it leaves to us: bitmaps in every format that
+// skins come in, and the time in which its windows live.
+//
+// What is good to know before writing a view on top of it:
+//
+// - An event ends up in a view's onMouseDown, onMouseMoved and onMouseUp, whose button state is here true to
+//   the hand on every system (see platform/toolkit_window.h). Control and a left click never get there: each
+//   CControl takes that to go back to its default value.
+// - A mouse listener of a view is called by its container; do not call it again.
+// - COptionMenu: on X11 the menu is a view in the window, modal, and answers through a callback after popup()
+//   has returned; on Windows popup() blocks. Finish in the callback, and hold what it needs with
+//   VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A menu wants to lie
+//   inside the window, so one in a window that is too small is cut.
+// - CFrame::idle() turns dirty views into places to be drawn; they are drawn by serveToolkitWindows(), at the
+//   earliest 16 ms later. A test of what is dirty looks before idle().
+// - Keyboard and wheel reach a frame from a host through CFrame::dispatchEvent() with a KeyboardEvent or
+//   MouseWheelEvent made for it, whose `consumed` is the answer.
+// - A font of size 0 draws nothing on Linux.
+// - Including a header of the toolkit switches assert() off for the rest of the file.
+#pragma once
+
+#include "vstgui/lib/vstguifwd.h"
+
+#include <string>
+
+namespace platform {
+
+/// While one of these lives, bitmaps, fonts, views and events may be made. An editor holds one for its whole life. On
+/// the window thread.
+class Toolkit {
+  public:
+    Toolkit();
+    ~Toolkit();
+    Toolkit(const Toolkit&) = delete;
+    Toolkit& operator=(const Toolkit&) = delete;
+};
+
+/// Reads a picture in PNG, BMP, JPEG or GIF (of which the first picture counts), whatever the file is called.
+/// Null if the file cannot be opened or decoded, or is too large to be drawn (32767 pixels a side, 2^26 in
+/// all). `path` is exact; a Toolkit must live. On the window thread.
+VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path);
+
+/// Gives all open windows of this process their turn: what the hand did on them, timers, drawing. The host's
+/// idle call is the only time they have, as there is no thread and no timer of our own. Called again from
+/// inside such a turn it draws, and takes no input. On the window thread.
+void serveToolkitWindows();
+
+/// Draws what is due, takes no input. For a pump inside a long gesture. On the window thread.
+void paintToolkitWindows();
+
+} // namespace platform

@@ -1,0 +1,230 @@
+#include "skin/images.h"
+
+#include "platform/files.h"
+#include "platform/private_folder.h"
+#include "platform/toolkit.h"
+
+#include "vstgui/lib/coffscreencontext.h"
+#include "vstgui/lib/controls/cbuttons.h"
+#include "vstgui/lib/controls/cknob.h"
+#include "vstgui/lib/controls/coptionmenu.h"
+#include "vstgui/lib/controls/cslider.h"
+#include "vstgui/lib/controls/csplashscreen.h"
+#include "vstgui/lib/controls/cswitch.h"
+#include "vstgui/lib/controls/cvumeter.h"
+#include "vstgui/lib/cview.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace VSTGUI {
+
+void PrintTo(const CColor& colour, std::ostream* out) {
+    *out << "red " << +colour.red << " green " << +colour.green << " blue " << +colour.blue << " alpha "
+         << +colour.alpha;
+}
+
+} // namespace VSTGUI
+
+namespace {
+
+using VSTGUI::CBitmap;
+using VSTGUI::CColor;
+using VSTGUI::CPoint;
+using VSTGUI::CRect;
+
+const CColor red(255, 0, 0), green(0, 255, 0), blue(0, 0, 255), white(255, 255, 255), black(0, 0, 0),
+    brown(128, 64, 32);
+
+/// A bitmap's pixel; colours are multiplied with their alpha, as the toolkit holds them.
+CColor pixel(CBitmap& bitmap, std::uint32_t x, std::uint32_t y) {
+    CColor colour(1, 2, 3, 4);
+    const auto access = VSTGUI::owned(VSTGUI::CBitmapPixelAccess::create(&bitmap));
+    EXPECT_TRUE(access && access->setPosition(x, y));
+    if (access)
+        access->getColor(colour);
+    return colour;
+}
+
+class Images : public testing::Test {
+  protected:
+    /// One of the prepared pictures.
+    VSTGUI::SharedPointer<CBitmap> load(const std::string& name) {
+        return skin::loadImage(QUILLON_PICTURES, name);
+    }
+
+    platform::Toolkit toolkit;
+};
+
+/// The three formats that keep every colour.
+class ExactFormats : public Images, public testing::WithParamInterface<const char*> {};
+
+TEST_P(ExactFormats, GiveEveryPixelAsItIs) {
+    const auto image = load(GetParam());
+    ASSERT_TRUE(image->isLoaded());
+    EXPECT_EQ(image->getWidth(), 3);
+    EXPECT_EQ(image->getHeight(), 2);
+    EXPECT_EQ(pixel(*image, 0, 0), red);
+    EXPECT_EQ(pixel(*image, 1, 0), green);
+    EXPECT_EQ(pixel(*image, 2, 0), blue);
+    EXPECT_EQ(pixel(*image, 0, 1), white);
+    EXPECT_EQ(pixel(*image, 1, 1), black);
+    EXPECT_EQ(pixel(*image, 2, 1), brown);
+}
+
+INSTANTIATE_TEST_SUITE_P(, ExactFormats,
+                         testing::Values("squares.png", "squares.bmp", "squares.gif", "palette.png"),
+                         [](const auto& test) {
+                             std::string name = test.param;
+                             name[name.find('.')] = '_';
+                             return name;
+                         });
+
+TEST_F(Images, InJpegAreReadAsNearAsTheFormatKeepsThem) {
+    const auto image = load("squares.jpg");
+    ASSERT_TRUE(image->isLoaded());
+    EXPECT_EQ(image->getWidth(), 48);
+    EXPECT_EQ(image->getHeight(), 32);
+    const CColor expected[] = {red, green, blue, white, black, brown};
+    for (std::uint32_t square = 0; square < 6; ++square) {
+        const CColor found = pixel(*image, 8 + 16 * (square % 3), 8 + 16 * (square / 3));
+        EXPECT_NEAR(found.red, expected[square].red, 6) << "square " << square;
+        EXPECT_NEAR(found.green, expected[square].green, 6) << "square " << square;
+        EXPECT_NEAR(found.blue, expected[square].blue, 6) << "square " << square;
+        EXPECT_EQ(found.alpha, 255);
+    }
+}
+
+TEST_F(Images, KeepTheirTransparency) {
+    const auto image = load("glass.png");
+    EXPECT_EQ(pixel(*image, 0, 0), CColor(128, 0, 0, 128));
+    EXPECT_EQ(pixel(*image, 1, 0), CColor(0, 0, 0, 0));
+}
+
+TEST_F(Images, InGreyAndInSixteenBitsAreReadToo) {
+    EXPECT_EQ(pixel(*load("grey.png"), 0, 0), CColor(64, 64, 64));
+    EXPECT_EQ(pixel(*load("grey.png"), 1, 0), white);
+    EXPECT_EQ(pixel(*load("deep.png"), 0, 0), CColor(255, 128, 0));
+}
+
+TEST_F(Images, ThatMoveStandStillAtTheirFirstPicture) {
+    EXPECT_EQ(pixel(*load("moving.gif"), 0, 0), red);
+}
+
+TEST_F(Images, AreKnownByTheirContentAndNotByTheirName) {
+    const platform::PrivateFolder folder;
+    std::filesystem::copy(QUILLON_PICTURES "/squares.bmp", "really a bitmap.png");
+    const auto image = skin::loadImage(folder.path(), "really a bitmap.png");
+    EXPECT_EQ(image->getWidth(), 3);
+    EXPECT_EQ(pixel(*image, 2, 1), brown);
+}
+
+TEST_F(Images, AreFoundInAnyLetterCaseAndWithEitherSlash) {
+    const platform::PrivateFolder folder;
+    std::filesystem::create_directory("Knobs");
+    std::filesystem::copy(QUILLON_PICTURES "/squares.png", "Knobs/Big.PNG");
+    for (const char* name : {"Knobs/Big.PNG", "knobs\\big.png", "KNOBS/BIG.png"})
+        EXPECT_EQ(skin::loadImage(folder.path(), name)->getWidth(), 3) << name;
+    EXPECT_EQ(skin::loadImage(folder.path() + "/", "Knobs\\Big.PNG")->getWidth(), 3);
+}
+
+TEST_F(Images, AreDrawn) {
+    const auto image = load("squares.bmp");
+    const auto context = VSTGUI::COffscreenContext::create({5, 4});
+    context->beginDraw();
+    image->draw(context, CRect(1, 1, 4, 3), CPoint(0, 0), 1.f);
+    context->endDraw();
+    EXPECT_EQ(pixel(*context->getBitmap(), 1, 1), red);
+    EXPECT_EQ(pixel(*context->getBitmap(), 3, 2), brown);
+    EXPECT_EQ(pixel(*context->getBitmap(), 0, 0), CColor(0, 0, 0, 0));
+}
+
+TEST_F(Images, AreDecodedAnewEachTime) {
+    EXPECT_NE(load("squares.png"), load("squares.png"));
+}
+
+/// Everything that is no picture.
+class MissingImages : public Images {
+  protected:
+    void expectMissing(CBitmap& image) {
+        EXPECT_FALSE(image.isLoaded());
+        EXPECT_EQ(image.getWidth(), 0);
+        EXPECT_EQ(image.getHeight(), 0);
+        EXPECT_NE(dynamic_cast<skin::MissingImage*>(&image), nullptr);
+    }
+};
+
+TEST_F(MissingImages, StandForAFileThatIsNotThere) {
+    expectMissing(*load("nowhere.png"));
+    expectMissing(*load(""));
+    expectMissing(*load(std::string(5000, 'x')));
+    expectMissing(*skin::loadImage("/nowhere", "squares.png"));
+}
+
+TEST_F(MissingImages, StandForAFileThatIsNoPicture) {
+    expectMissing(*load("make_pictures.py"));
+    const platform::PrivateFolder folder;
+    ASSERT_TRUE(platform::writeWholeFile("empty.png", "", 0));
+    expectMissing(*skin::loadImage(folder.path(), "empty.png"));
+    std::filesystem::create_directory("folder.png");
+    expectMissing(*skin::loadImage(folder.path(), "folder.png"));
+    ASSERT_EQ(mkfifo("pipe.png", 0600), 0);
+    expectMissing(*skin::loadImage(folder.path(), "pipe.png"));
+}
+
+TEST_F(MissingImages, StandForAFileThatIsTorn) {
+    for (const char* name : {"torn.png", "torn.bmp", "torn.gif", "torn.jpg"}) {
+        SCOPED_TRACE(name);
+        expectMissing(*load(name));
+    }
+}
+
+TEST_F(MissingImages, StandForAPictureThatNobodyCanDraw) {
+    for (const char* name : {"giant.png", "giant.bmp", "giant.gif", "giant.jpg"}) {
+        SCOPED_TRACE(name);
+        expectMissing(*load(name));
+    }
+}
+
+/// Draws a control that was made of a picture which is not there, at every value.
+void drawEverywhere(VSTGUI::CControl* control) {
+    const auto context = VSTGUI::COffscreenContext::create({40, 40});
+    context->beginDraw();
+    for (float value : {0.f, 0.5f, 1.f}) {
+        control->setValue(value);
+        control->draw(context);
+        control->drawRect(context, CRect(0, 0, 40, 40));
+    }
+    context->endDraw();
+    EXPECT_EQ(pixel(*context->getBitmap(), 5, 5), CColor(0, 0, 0, 0)) << "nothing to be seen";
+    control->forget();
+}
+
+TEST_F(MissingImages, MayBeDrawnByThemselves) {
+    const auto image = load("nowhere.png");
+    const auto context = VSTGUI::COffscreenContext::create({4, 4});
+    context->beginDraw();
+    image->draw(context, CRect(0, 0, 4, 4), CPoint(1, 1), 0.5f);
+    context->drawBitmap(image, CRect(0, 0, 4, 4));
+    context->endDraw();
+    EXPECT_EQ(pixel(*context->getBitmap(), 0, 0), CColor(0, 0, 0, 0));
+}
+
+TEST_F(MissingImages, MayBeGivenToEveryControl) {
+    const auto none = load("nowhere.png");
+    for (const CRect& size : {CRect(0, 0, 0, 0), CRect(0, 0, 20, 20)}) {
+        drawEverywhere(new VSTGUI::COnOffButton(size, nullptr, 1, none));
+        drawEverywhere(new VSTGUI::CKickButton(size, nullptr, 1, none));
+        drawEverywhere(new VSTGUI::CKnob(size, nullptr, 1, none, none));
+        drawEverywhere(new VSTGUI::CSlider(size, nullptr, 1, 0, 10, none, none));
+        drawEverywhere(new VSTGUI::CVerticalSwitch(size, nullptr, 1, none));
+        drawEverywhere(new VSTGUI::CHorizontalSwitch(size, nullptr, 1, none));
+        drawEverywhere(new VSTGUI::CVuMeter(size, none, none, 8));
+        drawEverywhere(new VSTGUI::CSplashScreen(size, nullptr, 1, none, size));
+    }
+    // With no height at all the toolkit would divide by it: a film strip wants at least one row of its own.
+    drawEverywhere(new VSTGUI::CAnimKnob(CRect(0, 0, 20, 20), nullptr, 1, 1, 20, none));
+}
+
+} // namespace
