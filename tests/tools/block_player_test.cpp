@@ -3,6 +3,7 @@
 #include "tools/render/block_player.h"
 
 #include "platform/private_folder.h"
+#include "tools/render/effect_library.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,8 @@ using render::Events;
 class Playing {
   public:
     explicit Playing(const std::string& name, const Events& events, std::int32_t blockSize)
-        : library_(PROBES "/" + name + ".so"), plugin_(library_), player_(start(), events, blockSize),
-          blockSize_(blockSize) {}
+        : library_(render::loadForGood(PROBES "/" + name + ".so")), plugin_(library_),
+          player_(start(), events, blockSize), blockSize_(blockSize) {}
 
     /// The first output, `blocks` blocks long.
     std::vector<float> hear(int blocks) {
@@ -42,7 +43,7 @@ class Playing {
     }
 
     platform::PrivateFolder folder_;
-    host::Library library_;
+    const host::Library& library_;
     host::Plugin plugin_;
     BlockPlayer player_;
     std::int32_t blockSize_;

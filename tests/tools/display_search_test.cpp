@@ -3,6 +3,7 @@
 #include "tools/render/display_search.h"
 
 #include "platform/private_folder.h"
+#include "tools/render/effect_library.h"
 #include "tools/render/text.h"
 #include "tools/render/tool_error.h"
 
@@ -15,7 +16,7 @@ using render::wantedValue;
 
 class Effect {
   public:
-    explicit Effect(const std::string& path) : library_(path), plugin(library_) {
+    explicit Effect(const std::string& path) : library_(render::loadForGood(path)), plugin(library_) {
         plugin.start(44100.0f, 512);
     }
 
@@ -27,7 +28,7 @@ class Effect {
 
   private:
     platform::PrivateFolder folder_;
-    host::Library library_;
+    const host::Library& library_;
 
   public:
     host::Plugin plugin;
@@ -56,11 +57,11 @@ void expectRefused(Action&& action, const std::string& reason) {
 TEST(DisplaySearch, FindsWhateverEachParameterOfTheDelayCanShow) {
     QuillonEffect effect;
     for (std::int32_t id = 0; id <= outGain; ++id) {
-        for (int step = 0; step <= 20; ++step) {
-            effect.plugin.setParameter(id, static_cast<float>(step) / 20.0f);
+        for (int step = 0; step <= 8; ++step) {
+            effect.plugin.setParameter(id, static_cast<float>(step) / 8.0f);
             const std::string display = effect.plugin.parameterDisplay(id);
             // From elsewhere, so that the value in use is no help.
-            effect.plugin.setParameter(id, step < 10 ? 0.97f : 0.03f);
+            effect.plugin.setParameter(id, step < 4 ? 0.97f : 0.03f);
             EXPECT_EQ(effect.displayFor(id, "display:" + display), display)
                 << "parameter " << id << ", step " << step;
         }

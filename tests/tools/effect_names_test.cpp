@@ -3,6 +3,7 @@
 #include "tools/render/effect_names.h"
 
 #include "platform/private_folder.h"
+#include "tools/render/effect_library.h"
 #include "tools/render/tool_error.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +16,8 @@ using render::findProgram;
 class EffectNames : public testing::Test {
   protected:
     platform::PrivateFolder folder;
-    host::Library quillonLibrary{QUILLON_LIBRARY};
-    host::Library probeLibrary{PROBES "/probe.so"};
+    const host::Library& quillonLibrary = render::loadForGood(QUILLON_LIBRARY);
+    const host::Library& probeLibrary = render::loadForGood(PROBES "/probe.so");
     host::Plugin quillon{quillonLibrary};
     host::Plugin probe{probeLibrary};
 

@@ -3,6 +3,7 @@
 #include "tools/render/tap_pattern.h"
 
 #include "platform/private_folder.h"
+#include "tools/render/effect_library.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -27,7 +28,7 @@ class TapPattern : public testing::Test {
     }
 
     platform::PrivateFolder folder;
-    host::Library library{QUILLON_LIBRARY};
+    const host::Library& library = render::loadForGood(QUILLON_LIBRARY);
 };
 
 TEST_F(TapPattern, IsEvenInTheMiddleOfStretchAndFlatInTheMiddleOfDecay) {
@@ -89,7 +90,7 @@ TEST_F(TapPattern, IsOneTapIfThereIsOne) {
 TEST_F(TapPattern, IsAskedOnlyOfAnEffectThatHasOne) {
     host::Plugin quillon(library);
     EXPECT_TRUE(render::hasTapPattern(quillon));
-    const host::Library probeLibrary(PROBES "/probe.so");
+    const host::Library& probeLibrary = render::loadForGood(PROBES "/probe.so");
     host::Plugin probe(probeLibrary);
     EXPECT_FALSE(render::hasTapPattern(probe));
 }

@@ -3,6 +3,9 @@
 #include "platform/module_folder.h"
 #include "tools/render/tool_error.h"
 
+#include <map>
+#include <memory>
+
 namespace render {
 
 namespace files = std::filesystem;
@@ -22,6 +25,15 @@ files::path libraryPath(const files::path& asked) {
     }
     throw ToolError(std::string("there is no " QUILLON_LIBRARY_FILE " in ") + own.string() +
                     "; name the library with --library");
+}
+
+const host::Library& loadForGood(const files::path& path) {
+    // Never destroyed, so that nothing is unloaded at the process's end either.
+    static auto& loaded = *new std::map<files::path, std::unique_ptr<host::Library>>;
+    auto& library = loaded[path];
+    if (!library)
+        library = std::make_unique<host::Library>(path.string());
+    return *library;
 }
 
 void checkEffect(const host::Plugin& plugin, const files::path& library) {

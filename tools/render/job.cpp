@@ -135,7 +135,7 @@ class RenderJob {
 
     void run() {
         const platform::PrivateFolder folder;
-        const host::Library library(library_.string());
+        const host::Library& library = loadForGood(library_);
         prepare(library);
         play(library);
         for (const std::string& warning : warningsFrom(report_))
@@ -278,7 +278,7 @@ void listEffect(const Options& options, std::FILE* output) {
     constexpr double sampleRate = 44100.0;
     const files::path path = libraryPath(options.library);
     const platform::PrivateFolder folder;
-    const host::Library library(path.string());
+    const host::Library& library = loadForGood(path);
     host::Plugin plugin(library, hostBehaviour(sampleRate, options.blockSize));
     plugin.start(static_cast<float>(sampleRate), options.blockSize);
     const StartingPoint start = findStartingPoint(plugin, options);
