@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 
 namespace midi {
 namespace {
@@ -37,7 +36,7 @@ void readCcMap(const std::string& moduleFolder) {
     const auto content = platform::readWholeFile(path, sizeof(Entries));
     Entries entries = allEntries(content ? 0 : kNoController);
     if (content)
-        std::memcpy(entries.data(), content->data(), content->size());
+        std::copy(content->begin(), content->end(), reinterpret_cast<unsigned char*>(entries.data()));
     for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
         bindController(id, entries[static_cast<std::size_t>(id)]);
 }

@@ -231,7 +231,9 @@ extern "C" __attribute__((visibility("default"))) AEffect* VSTPluginMain(audioMa
     say("hello");
     if (PROBE_GIVES_NULL || host(nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f) == 0)
         return nullptr;
-    auto* probe = new Probe;
+    // Nobody will close an instance whose record is refused.
+    static Probe refused;
+    Probe* const probe = fourCharacterCode(PROBE_MAGIC) == kVstMagic ? new Probe : &refused;
     for (int i = 0; i < kNumPrograms; ++i)
         probe->programs[i].values[kGain] = 1.0f - 0.1f * static_cast<float>(i);
     fillRecord(*probe);
