@@ -36,6 +36,7 @@ private_apt() {
 
 # The mirror of this machine that holds Debian itself (others hold security updates and the like).
 own_mirror() {
+  # shellcheck disable=SC2016 # apt fills it in
   apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | grep '/debian/$' | head -n 1
 }
 
@@ -49,7 +50,7 @@ fetch() {
   mirror=$(own_mirror)
   [ -n "$mirror" ] || fail "apt on this machine knows no Debian mirror"
   printf 'deb-src [signed-by=%s] %s %s main\n' "$KEYRING" "$mirror" "$SUITE" >"$private/sources.list"
-  private_apt apt-get -q update >"$private/log" 2>&1 || {
+  private_apt apt-get -q -o APT::Update::Error-Mode=any update >"$private/log" 2>&1 || {
     tail -n 5 "$private/log" >&2
     fail "the mirror gives no list of source packages"
   }
@@ -68,7 +69,10 @@ fetch() {
 
 unpack() {
   unpacked=$(mktemp -d "$cache/unpack-XXXXXX")
-  tar -xf "$archive" -C "$unpacked" --strip-components=1 || fail "the archive cannot be unpacked"
+  tar -xf "$archive" -C "$unpacked" --strip-components=1 || {
+    rm -rf "$unpacked"
+    fail "the archive cannot be unpacked"
+  }
   # Another build may have been faster; its folder is as good.
   mv -T "$unpacked" "$sources" 2>/dev/null || rm -rf "$unpacked"
 }
