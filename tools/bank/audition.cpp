@@ -76,6 +76,12 @@ dsp::TapPattern patternOf(const BankProgram& program) {
     return pattern;
 }
 
+double sweepSamples(const BankProgram& program) {
+    if (interpolationModeOf(program.value(kSet)) == kWholeSamples)
+        return 0.0;
+    return 200.0 * static_cast<double>(program.value(kLfoDepth));
+}
+
 FeedbackTail feedbackTail(const BankProgram& program) {
     const dsp::TapPattern pattern = patternOf(program);
     const auto lastTap = static_cast<std::size_t>(pattern.numTaps - 1);
@@ -83,8 +89,8 @@ FeedbackTail feedbackTail(const BankProgram& program) {
     constexpr double kInaudible = 1e-3;
     if (std::abs(gain) < kInaudible)
         return {gain, 0.0};
-    const double first = static_cast<double>(pattern.tapTimeTarget[0]);
-    const double last = static_cast<double>(pattern.tapTimeTarget[lastTap]);
+    const double first = static_cast<double>(pattern.tapTimeTarget[0]) + sweepSamples(program);
+    const double last = static_cast<double>(pattern.tapTimeTarget[lastTap]) + sweepSamples(program);
     const double r = slowestDecay(std::abs(gain), first, last);
     return {gain, std::log(1e-3) / std::log(r) / kAuditionRate};
 }

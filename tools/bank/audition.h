@@ -46,7 +46,10 @@ class Audition {
 /// Where the taps of a program lie at kAuditionRate, as the engine computes them.
 dsp::TapPattern patternOf(const BankProgram& program);
 
-/// How far the feedback of a program reaches, from its pattern alone.
+/// By how much the sweep may delay the taps of a program, in samples.
+double sweepSamples(const BankProgram& program);
+
+/// How far the feedback of a program reaches, from its pattern and sweep alone.
 struct FeedbackTail {
     double loopGain;      ///< share of the first and the last tap each that comes back, -0.45..0.45
     double secondsTo60dB; ///< the longest time in which what comes back falls by 60 dB; 0 if nothing does

@@ -19,6 +19,7 @@ struct BankProgram {
     std::string name;   ///< 1 to 24 characters
     bool loud = false;  ///< the wet signal may pass +6 dBFS; stands in the table only
     std::array<float, parameters::kNumLiveParameters> values{};
+    std::string note; ///< what it does or is good for, a few words; stands in the table only
 
     float value(parameters::ParameterId id) const { return values[static_cast<std::size_t>(id)]; }
 };

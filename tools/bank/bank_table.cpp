@@ -17,7 +17,8 @@ constexpr std::size_t kFamilyColumn = 0;
 constexpr std::size_t kNameColumn = 1;
 constexpr std::size_t kLoudColumn = 2;
 constexpr std::size_t kFirstParameterColumn = 3;
-constexpr std::size_t kNumColumns = kFirstParameterColumn + kNumLiveParameters;
+constexpr std::size_t kNoteColumn = kFirstParameterColumn + kNumLiveParameters;
+constexpr std::size_t kNumColumns = kNoteColumn + 1;
 
 /// Words that belong to makers of effects and instruments. A name that holds one would promise their sound.
 constexpr std::string_view kBrandWords[] = {
@@ -61,6 +62,8 @@ std::string heading(std::size_t column) {
         return "name";
     case kLoudColumn:
         return "loud";
+    case kNoteColumn:
+        return "note";
     default:
         return columnHeading(static_cast<ParameterId>(column - kFirstParameterColumn));
     }
@@ -129,6 +132,7 @@ BankProgram parseProgram(const std::vector<std::string_view>& cells, const Place
                          quoted(cells[column]) + " is not " + columnHeading(id) + ": " + cellRule(id));
         program.values[entry] = *value;
     }
+    program.note = cells[kNoteColumn];
     return program;
 }
 
@@ -198,7 +202,7 @@ std::string tableText(const Bank& bank) {
         text += program.family + '\t' + program.name + '\t' + (program.loud ? "loud" : "");
         for (std::size_t entry = 0; entry < program.values.size(); ++entry)
             text += '\t' + cellText(static_cast<ParameterId>(entry), program.values[entry]);
-        text += '\n';
+        text += '\t' + program.note + '\n';
     }
     return text;
 }

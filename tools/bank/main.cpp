@@ -2,12 +2,15 @@
 // and back again.
 #include "bank/bank_file.h"
 #include "bank/bank_table.h"
+#include "bank/preset_page.h"
 #include "bank/whole_file.h"
+#include "platform/private_folder.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -28,6 +31,35 @@ void decompile(const std::string& bankFile, const std::string& output) {
                          bank::tableText(bank::parseBankFile(bank::readWholeFile(bankFile), bankFile)));
 }
 
+struct PageOptions {
+    std::string library;
+    std::string speech;
+    std::string pictures;
+};
+
+std::string absolutePath(const std::string& path) {
+    return std::filesystem::absolute(path).string();
+}
+
+void makePage(const std::string& table, const std::string& output, const PageOptions& options) {
+    const bank::Bank programs = tableAt(table);
+    const std::string page = absolutePath(output);
+    const std::filesystem::path pictures = absolutePath(options.pictures);
+    const bank::Signal speech = bank::recording(options.speech);
+    const std::string library = absolutePath(options.library);
+    // The plug-in writes into the current directory when it closes.
+    const platform::PrivateFolder folder;
+    const bank::Audition audition(library);
+    if (audition.chunk() != bank::chunkBytes(programs))
+        throw bank::BankError(table + ": the bank beside the library is not made from this table");
+    const bank::BankNumbers numbers = bank::measure(audition, programs, speech);
+    std::filesystem::create_directories(pictures);
+    for (std::size_t number = 0; number < numbers.size(); ++number)
+        bank::writeWholeFile((pictures / bank::pictureName(number)).string(), numbers[number].picture);
+    const auto folderInPage = pictures.lexically_relative(std::filesystem::path(page).parent_path());
+    bank::writeWholeFile(page, bank::pageText(programs, numbers, folderInPage.generic_string()));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -46,6 +78,17 @@ int main(int argc, char** argv) {
     tableCommand->add_option("bank", input, "the .fxb file to read")->required();
     tableCommand->add_option("-o,--output", output, "the table to write")->required();
     tableCommand->callback([&] { decompile(input, output); });
+
+    PageOptions page;
+    CLI::App* pageCommand =
+        app.add_subcommand("page", "listen to all programs and write the page about them");
+    pageCommand->add_option("table", input, "the table that the bank beside the library is made from")
+        ->required();
+    pageCommand->add_option("-o,--output", output, "the page to write")->required();
+    pageCommand->add_option("--pictures", page.pictures, "the folder for the pictures")->required();
+    pageCommand->add_option("--library", page.library, "the plug-in")->required();
+    pageCommand->add_option("--speech", page.speech, "a mono recording at 48 kHz")->required();
+    pageCommand->callback([&] { makePage(input, output, page); });
 
     try {
         app.parse(argc, argv);

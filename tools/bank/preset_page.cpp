@@ -1,0 +1,175 @@
+#include "bank/preset_page.h"
+
+#include "parameters/number_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace bank {
+
+using parameters::fixedText;
+
+namespace {
+
+constexpr double kLongestTail = 20.0;
+constexpr double kLongestPattern = 100.0;
+
+constexpr int kWidth = 180;
+constexpr int kHalfHeight = 20;
+constexpr int kHeight = 2 * kHalfHeight + 12;
+constexpr double kRangeDecibels = 60.0;
+
+std::string secondsText(double seconds) {
+    if (seconds < 0.9995)
+        return fixedText(seconds * 1000.0, seconds < 0.01 ? 1 : 0) + " ms";
+    return fixedText(seconds, seconds < 10.0 ? 2 : 1) + " s";
+}
+
+std::string decibelText(double decibels) {
+    const std::string text = fixedText(decibels, 0);
+    return text == "-0" ? "0" : text;
+}
+
+/// One upright line for each column in which the channel sounds; `sign` -1 draws upward.
+std::string stems(const Signal& channel, double seconds, int sign) {
+    std::vector<float> peaks(kWidth, 0.0f);
+    const double framesPerColumn = seconds * kAuditionRate / kWidth;
+    for (std::size_t frame = 0; frame < channel.size(); ++frame) {
+        const auto column = static_cast<std::size_t>(static_cast<double>(frame) / framesPerColumn);
+        if (column < peaks.size())
+            peaks[column] = std::max(peaks[column], std::abs(channel[frame]));
+    }
+    std::string path;
+    for (std::size_t column = 0; column < peaks.size(); ++column) {
+        const double level = decibels(static_cast<double>(peaks[column])) + kRangeDecibels;
+        const int height =
+            std::min(kHalfHeight, static_cast<int>(std::lround(level / kRangeDecibels * kHalfHeight)));
+        if (height == 0)
+            continue;
+        path += 'M';
+        path += std::to_string(column) + ".5 " + std::to_string(kHalfHeight) + 'v';
+        path += std::to_string(sign * height);
+    }
+    return path;
+}
+
+StereoSignal clickAnswer(const Audition& audition, std::size_t program, double seconds) {
+    return audition.play(program, click(), std::min(seconds, kLongestPattern), Listening::wetOnly);
+}
+
+ProgramNumbers measureOne(const Audition& audition, std::size_t number, const BankProgram& program,
+                          const std::vector<Signal>& sources) {
+    ProgramNumbers numbers;
+    const dsp::TapPattern pattern = patternOf(program);
+    numbers.firstSeconds = static_cast<double>(pattern.tapTimeTarget[0]) / kAuditionRate;
+    numbers.patternSeconds = patternSeconds(pattern);
+
+    const double tail = std::min(feedbackTail(program).secondsTo60dB, kLongestTail);
+    const double length =
+        std::max(numbers.patternSeconds + 1.0, std::min(numbers.patternSeconds + tail + 1.0, kLongestTail));
+    const StereoSignal answer = clickAnswer(audition, number, length);
+    numbers.tailSeconds = secondsToFall(answer, kRangeDecibels);
+    // Near the end the rest is cut off, and the fall looks faster than it is.
+    numbers.tailGoesOn = feedbackTail(program).secondsTo60dB > 0.0 && numbers.tailSeconds > 0.9 * length;
+    numbers.correlation = correlation(answer);
+    numbers.picture = pictureOf(answer, 1.05 * numbers.tailSeconds);
+
+    numbers.peakDecibels = decibels(0.0);
+    for (const Signal& source : sources) {
+        const double seconds = static_cast<double>(source.size()) / kAuditionRate + length;
+        const StereoSignal wet =
+            audition.play(number, source, std::min(seconds, kLongestTail), Listening::wetOnly);
+        numbers.peakDecibels = std::max(numbers.peakDecibels, decibels(peakOf(wet)));
+        numbers.levelDecibels +=
+            decibels(loudestPassage(wet) / loudestPassage(source)) / static_cast<double>(sources.size());
+    }
+    return numbers;
+}
+
+constexpr const char* kIntroduction =
+    R"(# The factory programs
+
+The 128 programs that the plug-in comes up with, in sixteen families of eight. They are made from the table
+[`skins/factory_bank.tsv`](../skins/factory_bank.tsv), which opens in a spreadsheet; `quillon-bank` compiles it into
+`default.fxb`. This page is made by `quillon-bank page` from the sound of the built plug-in.
+
+How to read it:
+
+- **Echoes** is the wet answer to a single click: left upward, right downward, 60 dB high. The number in the corner is
+  the time from edge to edge.
+- **Mix** is the wet share that the program is stored with.
+- **First** and **last** tell when the first and the last tap sound, **gone** when the answer to a click has lost 60 dB;
+  "> 20 s" goes on for longer than was listened to.
+- **Level** compares the loudest passage of the wet signal, alone, with that of what went in: the mean of a drum hit, a
+  plucked string and speech. **Peak** is the highest wet sample of the three, each put in at full scale. Programs marked
+  with an asterisk may pass +6 dB there: many taps add up. Their stored mix makes up for it; mind it when you turn
+  "Dry Wet" up.
+- **L/R** is how alike left and right are: 1 is mono, 0 is wide.
+
+Measured at 48 kHz after a change of program. When a host turns the effect off and on, the two filters change to a wider
+and gentler form until they are touched or the program is picked again; sounds with tight filters get a little fuller.
+"Taps" that glide ("Set" at linear or cubic) need about a second to reach their places after a change of program.
+Every low-pass of the bank stays clear of trouble at rates from 32 kHz up.
+)";
+
+std::string row(std::size_t number, const BankProgram& program, const ProgramNumbers& numbers,
+                const std::string& pictureFolder) {
+    const double mix = 100.0 * static_cast<double>(program.value(parameters::kDryWet));
+    std::string text =
+        "| " + std::to_string(number) + " | **" + program.name + "**<br>" + program.note + " | ";
+    text += "<img src=\"" + pictureFolder + "/" + pictureName(number) + "\" alt=\"\" width=\"" +
+            std::to_string(kWidth) + "\"> | ";
+    text += fixedText(mix, 0) + " % | " + secondsText(numbers.firstSeconds) + " | " +
+            secondsText(numbers.patternSeconds) + " | ";
+    text += (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) + " | ";
+    text += decibelText(numbers.levelDecibels) + " dB | " + decibelText(numbers.peakDecibels) + " dB" +
+            (program.loud ? " \\*" : "") + " | " + fixedText(numbers.correlation, 1) + " |\n";
+    return text;
+}
+
+} // namespace
+
+BankNumbers measure(const Audition& audition, const Bank& bank, const Signal& speech) {
+    const std::vector<Signal> sources = {drumHit(), pluckedString(), speech};
+    BankNumbers numbers;
+    for (std::size_t number = 0; number < bank.size(); ++number)
+        numbers[number] = measureOne(audition, number, bank[number], sources);
+    return numbers;
+}
+
+std::string pageText(const Bank& bank, const BankNumbers& numbers, const std::string& pictureFolder) {
+    std::string text = kIntroduction;
+    for (std::size_t number = 0; number < bank.size(); ++number) {
+        if (number == 0 || bank[number].family != bank[number - 1].family)
+            text += "\n## " + bank[number].family +
+                    "\n\n| No. | Program | Echoes | Mix | First | Last | Gone | Level | Peak | L/R |\n"
+                    "| ---: | --- | --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: |\n";
+        text += row(number, bank[number], numbers[number], pictureFolder);
+    }
+    return text;
+}
+
+std::string pictureName(std::size_t program) {
+    const std::string digits = std::to_string(program);
+    return std::string(3 - digits.size(), '0') + digits + ".svg";
+}
+
+std::string pictureOf(const StereoSignal& answer, double seconds) {
+    const std::string middle = std::to_string(kHalfHeight);
+    const std::string width = std::to_string(kWidth);
+    const std::string height = std::to_string(kHeight);
+    const auto channel = [](const std::string& path, const char* colour) {
+        return "<path d=\"" + path + "\" stroke=\"" + colour + "\"/>\n";
+    };
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
+           "\" viewBox=\"0 0 " + width + " " + height + "\" fill=\"none\">\n" +
+           channel(stems(answer.left, seconds, -1), "#3f86d8") +
+           channel(stems(answer.right, seconds, 1), "#d9822b") +
+           channel("M0 " + middle + "h" + width, "#8a8a8a") + "<text x=\"" + width + "\" y=\"" +
+           std::to_string(kHeight - 2) +
+           "\" fill=\"#8a8a8a\" font-family=\"sans-serif\" font-size=\"9\" text-anchor=\"end\">" +
+           secondsText(seconds) + "</text>\n</svg>\n";
+}
+
+} // namespace bank
