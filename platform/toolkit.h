@@ -25,8 +25,8 @@
 
 namespace platform {
 
-/// While one of these lives, bitmaps, fonts, views and events may be made. An editor holds one for its whole life. On
-/// the window thread.
+/// While one of these lives, bitmaps, fonts, views and events may be made. An editor holds one for its whole
+/// life. On the window thread.
 class Toolkit {
   public:
     Toolkit();
