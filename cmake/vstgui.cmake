@@ -34,7 +34,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(vstgui PRIVATE -fno-gnu-unique)
 endif()
 if(QUILLON_SANITIZE)
-  # Its containers cross into our code, so it has to be instrumented like our code.
-  target_compile_options(vstgui PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-omit-frame-pointer)
+  # Its memory and threads are ours too, so it is watched like our code, but for undefined behaviour, which is its
+  # makers' business. Lightly optimised and with few symbols it compiles in half the time.
+  string(REPLACE "," ";" vstgui_sanitizers ${QUILLON_SANITIZE})
+  list(REMOVE_ITEM vstgui_sanitizers undefined)
+  list(JOIN vstgui_sanitizers "," vstgui_sanitizers)
+  target_compile_options(vstgui PRIVATE -O1 -g1 -fno-omit-frame-pointer)
+  if(vstgui_sanitizers)
+    target_compile_options(vstgui PRIVATE -fsanitize=${vstgui_sanitizers})
+  endif()
 endif()
 set_target_properties(vstgui PROPERTIES POSITION_INDEPENDENT_CODE ON EXPORT_COMPILE_COMMANDS OFF)

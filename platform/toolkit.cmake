@@ -9,4 +9,7 @@ quillon_room(
   SOURCES linux/bitmap_file.cpp linux/display_connection.cpp linux/mouse_buttons.cpp linux/toolkit.cpp
           linux/toolkit_window.cpp linux/window_loop.cpp
   LINKS platform vstgui
-  PRIVATE_LINKS PkgConfig::PLATFORM_TOOLKIT ${CMAKE_DL_LIBS})
+  PRIVATE_LINKS PkgConfig::PLATFORM_TOOLKIT)
+# Whatever holds a window stays loaded: the text library enters its types into a register that outlives it. Unloaded
+# with a plug-in and loaded again with the next, it would find itself in there already and wait for itself for ever.
+target_link_options(platform_toolkit INTERFACE LINKER:-z,nodelete)

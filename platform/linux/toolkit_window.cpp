@@ -42,7 +42,7 @@ class ToolkitConnection {
         VSTGUI::X11::RunLoop::instance().setDevice(drawingDeviceOf(connection()).get());
     }
 
-    /// When the library is unloaded or the process ends. What stands on the connection has to go before it.
+    /// When the process ends. What stands on the connection has to go before it.
     ~ToolkitConnection() {
         if (livingFrames > 0)
             return;

@@ -418,7 +418,7 @@ class OpenMenu : public ToolkitWindows {
         menu = VSTGUI::makeOwned<VSTGUI::COptionMenu>(CRect(0, 0, 0, 0), &listener, 5);
         menu->addEntry("MidiLearn");
         menu->addEntry("Forget CC 7");
-        auto* submenu = new VSTGUI::COptionMenu();
+        const auto submenu = VSTGUI::makeOwned<VSTGUI::COptionMenu>();
         submenu->addEntry("inside");
         menu->addEntry(submenu, "sub");
         frame->addView(new CountedView(views));

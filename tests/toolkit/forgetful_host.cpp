@@ -1,0 +1,36 @@
+// A host that opens a window, shows it, and ends without closing it.
+//
+//   forgetful_host PARENT    a window's number; says "shown" when it has drawn for a while, then ends
+
+#include "platform/clock.h"
+#include "platform/toolkit.h"
+#include "platform/toolkit_window.h"
+
+#include "vstgui/lib/ccolor.h"
+#include "vstgui/lib/cframe.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+platform::ToolkitWindow* forgotten = nullptr;
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const platform::Toolkit toolkit;
+    auto* frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, 50, 50), nullptr);
+    frame->setBackgroundColor(VSTGUI::kBlueCColor);
+    forgotten = new platform::ToolkitWindow;
+    void* const parent =
+        count == 2 ? reinterpret_cast<void*>(std::strtoul(arguments[1], nullptr, 0)) : nullptr;
+    if (!forgotten->open(frame, parent))
+        return 2;
+    for (int turn = 0; turn < 20; ++turn) {
+        platform::serveToolkitWindows();
+        platform::sleepMilliseconds(10);
+    }
+    std::puts("shown");
+    return 0;
+}
