@@ -45,7 +45,7 @@ std::string stems(const Signal& channel, double seconds, int sign) {
         const double level = decibels(static_cast<double>(peaks[column])) + kRangeDecibels;
         const int height =
             std::min(kHalfHeight, static_cast<int>(std::lround(level / kRangeDecibels * kHalfHeight)));
-        if (height == 0)
+        if (height <= 0)
             continue;
         path += 'M';
         path += std::to_string(column) + ".5 " + std::to_string(kHalfHeight) + 'v';
