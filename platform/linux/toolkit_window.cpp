@@ -8,6 +8,7 @@
 #include "vstgui/lib/vstguiinit.h"
 
 #include <cairo-xcb.h>
+#include <cstdlib>
 #include <memory>
 #include <xcb/xcb.h>
 
@@ -65,6 +66,13 @@ bool connectToolkit() {
     return connection.isAlive();
 }
 
+/// Returns when the display has done all that the toolkit has asked for. Its window is there then, and can be
+/// destroyed over another connection.
+void waitForDisplay() {
+    xcb_connection_t* connection = VSTGUI::X11::RunLoop::instance().getXcbConnection();
+    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
 /// Ends every modal view. A menu goes by a press beside it, which chooses nothing, and then would fade for a
 /// while; it has no more time.
 void endModalViews(VSTGUI::CFrame& frame) {
@@ -96,7 +104,9 @@ class ToolkitWindow::OpenFrame {
             return false;
         VSTGUI::X11::FrameConfig configuration;
         configuration.runLoop = &WindowLoop::shared();
-        return frame_->open(parent, VSTGUI::PlatformType::kX11EmbedWindowID, &configuration);
+        const bool opened = frame_->open(parent, VSTGUI::PlatformType::kX11EmbedWindowID, &configuration);
+        waitForDisplay();
+        return opened;
     }
 
     /// Takes the window away at once. The host may destroy its own as soon as we return, and the toolkit

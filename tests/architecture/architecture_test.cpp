@@ -31,7 +31,9 @@ const std::map<std::string, Names> allowed = {
     {"midi", {"parameters", "platform", "vst2"}},
     {"plugin_frame", {"parameters", "platform", "vst2"}},
     {"plugin", {"dsp", "midi", "parameters", "platform", "plugin_frame", "presets", "vst2"}},
+    {"platform_toolkit", {"platform"}},
     {"skin_language", {}},
+    {"skin_images", {"platform", "platform_toolkit"}},
     {"host", {"platform", "vst2"}},
     {"render", {"host", "platform", "vst2"}},
 };
