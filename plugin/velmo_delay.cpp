@@ -176,6 +176,7 @@ std::int32_t velmo_delay::processEvents(vst2::VstEvents* events) {
 }
 
 void velmo_delay::controlChange(std::int32_t controller, float value) {
+    learn.bind(controller);
     for (std::int32_t id = 0; id < kNumParameters; ++id)
         if (midi::controllerOf(id) == controller)
             setParameter(id, value);

@@ -16,6 +16,7 @@
 //   fadeArmed, fadeBlockCount    setParameter, resume; the audio loop    the audio loop, once a block
 //   the request to clear         setProgram, resume, setSampleRate       the audio loop, which carries it out
 //   the controller map           the constructor, an editor's menu       processEvents
+//   the control that learns      the editor; processEvents               processEvents
 //
 // The delay memory, the filters' and smoothers' states and the sweep's phase belong to the audio thread
 // alone. Program names belong to the host's own thread.
@@ -23,6 +24,7 @@
 
 #include "dsp/delay_engine.h"
 #include "midi/event_reader.h"
+#include "midi/learn_machine.h"
 #include "plugin/audio_effect_x.h"
 #include "presets/default_bank.h"
 #include "presets/program_store.h"
@@ -80,6 +82,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     dsp::DelayEngine engine;
     presets::ProgramStore programs;
     midi::NoteState notes;
+    midi::LearnMachine learn;
 };
 
 } // namespace plugin
