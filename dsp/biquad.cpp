@@ -1,22 +1,23 @@
 #include "dsp/biquad.h"
 
-#include "dsp/shared_field.h"
+#include "parameters/shared_field.h"
 
 #include <cmath>
 
 namespace dsp {
 
 void Biquad::setCoefficients(const BiquadCoefficients& designed) {
-    storeShared(coefficients.b0, designed.b0);
-    storeShared(coefficients.b1, designed.b1);
-    storeShared(coefficients.b2, designed.b2);
-    storeShared(coefficients.a1, designed.a1);
-    storeShared(coefficients.a2, designed.a2);
+    parameters::storeShared(coefficients.b0, designed.b0);
+    parameters::storeShared(coefficients.b1, designed.b1);
+    parameters::storeShared(coefficients.b2, designed.b2);
+    parameters::storeShared(coefficients.a1, designed.a1);
+    parameters::storeShared(coefficients.a2, designed.a2);
 }
 
 BiquadCoefficients Biquad::loadCoefficients() const {
-    return {loadShared(coefficients.b0), loadShared(coefficients.b1), loadShared(coefficients.b2),
-            loadShared(coefficients.a1), loadShared(coefficients.a2)};
+    return {parameters::loadShared(coefficients.b0), parameters::loadShared(coefficients.b1),
+            parameters::loadShared(coefficients.b2), parameters::loadShared(coefficients.a1),
+            parameters::loadShared(coefficients.a2)};
 }
 
 void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q) {

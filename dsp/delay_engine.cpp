@@ -22,24 +22,25 @@ void DelayEngine::startUp() {
     pattern = TapPattern{};
     delay.clearDelayMemory();
     lfo.setSampleRate(44100.0f);
-    storeShared(lfo.rate, 2.0f);
+    parameters::storeShared(lfo.rate, 2.0f);
     designBiquad(preLowPass, BiquadType::lowPass, 8000.0, 44100.0, kResonanceOnPrepare);
     // A high-pass at 400 Hz and 44100 Hz.
     preHighPass.setCoefficients({0.9125569462776184f, -1.8251138925552368f, 0.9125569462776184f,
                                  -1.8236311674118042f, 0.8265966176986694f});
     dcBlockLeft.setSampleRate(44100.0f);
     dcBlockRight.setSampleRate(44100.0f);
-    storeShared(fadeBlockCount, 0);
-    storeShared(fadeArmed, std::uint8_t{0});
+    parameters::storeShared(fadeBlockCount, 0);
+    parameters::storeShared(fadeArmed, std::uint8_t{0});
     fbSample = 0.0f;
 }
 
 void DelayEngine::computeTapPattern(float sampleRate) {
     const float lfoRate = parameterValue(kLfoRate);
-    storeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate);
+    parameters::storeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate);
     // A "Set" outside its range may ask for a mode that does not exist; it is read as cubic then.
     const std::int32_t mode = interpolationModeOf(parameterValue(kSet));
-    storeShared(delay.interpMode, mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
+    parameters::storeShared(delay.interpMode,
+                            mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
     const float ampDecay = std::min(parameterValue(kAmpDecay), 0.99999f);
     setParameterValue(kAmpDecay, ampDecay);
     computeTaps(pattern,
@@ -61,15 +62,15 @@ void DelayEngine::prepare(float sampleRate) {
     dcBlockRight.setSampleRate(sampleRate);
     computeTapPattern(sampleRate);
     for (float& time : pattern.tapTimeTarget)
-        storeShared(time, 0.0f);
-    storeShared(fadeBlockCount, 0);
+        parameters::storeShared(time, 0.0f);
+    parameters::storeShared(fadeBlockCount, 0);
     clearDelayMemory();
 }
 
 void DelayEngine::armFade() {
-    if (!loadShared(fadeArmed))
-        storeShared(fadeBlockCount, 0);
-    storeShared(fadeArmed, std::uint8_t{1});
+    if (!parameters::loadShared(fadeArmed))
+        parameters::storeShared(fadeBlockCount, 0);
+    parameters::storeShared(fadeArmed, std::uint8_t{1});
 }
 
 void DelayEngine::designLowPassOnChange(float sampleRate) {

@@ -28,10 +28,12 @@ class DelayEngine {
     void startUp();
 
     /// A parameter's live value. Any thread.
-    float parameterValue(std::int32_t id) const { return loadShared(params[static_cast<std::size_t>(id)]); }
+    float parameterValue(std::int32_t id) const {
+        return parameters::loadShared(params[static_cast<std::size_t>(id)]);
+    }
     /// Any thread. The value is taken as it is; computeTapPattern brings it into the pattern.
     void setParameterValue(std::int32_t id, float value) {
-        storeShared(params[static_cast<std::size_t>(id)], value);
+        parameters::storeShared(params[static_cast<std::size_t>(id)], value);
     }
 
     /// Renews tap times and gains, the read mode and the sweep's rate from the parameters. Limits the live

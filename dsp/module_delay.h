@@ -6,7 +6,7 @@
 // MiB.
 #pragma once
 
-#include "dsp/shared_field.h"
+#include "parameters/shared_field.h"
 
 #include <array>
 #include <cstdint>
@@ -28,13 +28,13 @@ struct ModuleDelay {
     std::array<float, kDelaySize> samples{};
 
     /// Forgets every echo and starts at the first slot again, from the next sample on. Any thread.
-    void clearDelayMemory() { storeShared(clearRequested, std::uint32_t{1}); }
+    void clearDelayMemory() { parameters::storeShared(clearRequested, std::uint32_t{1}); }
 
     /// Carries out what clearDelayMemory asked for. Audio thread.
     void serveClearRequest() {
-        if (loadShared(clearRequested) == 0)
+        if (parameters::loadShared(clearRequested) == 0)
             return;
-        storeShared(clearRequested, std::uint32_t{0});
+        parameters::storeShared(clearRequested, std::uint32_t{0});
         writeIndex = 0;
         written = 0;
         tapOut.fill(0.0f);

@@ -1,7 +1,7 @@
 // The sine that sweeps the read positions of all taps.
 #pragma once
 
-#include "dsp/shared_field.h"
+#include "parameters/shared_field.h"
 #include "parameters/truncation.h"
 
 #include <cmath>
@@ -17,10 +17,12 @@ struct ModuleFMop {
     float ratio = 1.0f, ratioFine = 1.0f; ///< multiply the rate; nothing drives them
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { storeShared(sampleTime, 1.0f / sampleRate); }
+    void setSampleRate(float sampleRate) { parameters::storeShared(sampleTime, 1.0f / sampleRate); }
 
     /// Phase advance of one sample, in cycles. Any thread.
-    float step() const { return (ratioFine * ratio) * (loadShared(sampleTime) * loadShared(rate)); }
+    float step() const {
+        return (ratioFine * ratio) * (parameters::loadShared(sampleTime) * parameters::loadShared(rate));
+    }
 
     /// Moves on by `step` cycles and gives about 100 * sin of the new phase. Audio thread.
     float advance(float step) {

@@ -67,13 +67,13 @@ void DelayEngine::processReplacing(const float* const* inputs, float* const* out
 DelayEngine::Fade DelayEngine::beginBlock(std::int32_t sampleFrames) {
     const float tenth = static_cast<float>(sampleFrames) * 0.104f;
     Fade fade{false, sampleFrames, trunc(tenth), 1.0f / tenth, 1.0f};
-    const std::int32_t count = loadShared(fadeBlockCount);
-    if (loadShared(delay.interpMode) != kWholeSamples || count >= 4) {
-        storeShared(fadeArmed, std::uint8_t{0});
+    const std::int32_t count = parameters::loadShared(fadeBlockCount);
+    if (parameters::loadShared(delay.interpMode) != kWholeSamples || count >= 4) {
+        parameters::storeShared(fadeArmed, std::uint8_t{0});
         return fade;
     }
-    storeShared(fadeBlockCount, count + 1);
-    fade.armed = loadShared(fadeArmed) != 0;
+    parameters::storeShared(fadeBlockCount, count + 1);
+    fade.armed = parameters::loadShared(fadeArmed) != 0;
     fade.level = fade.armed ? 0.0f : 1.0f;
     return fade;
 }
@@ -90,11 +90,11 @@ float DelayEngine::Fade::next(std::int32_t i) {
 }
 
 void DelayEngine::readControls() {
-    controls.numTaps = loadShared(pattern.numTaps);
-    controls.interpMode = loadShared(delay.interpMode);
+    controls.numTaps = parameters::loadShared(pattern.numTaps);
+    controls.interpMode = parameters::loadShared(delay.interpMode);
     for (std::size_t tap = 0; tap < kMaxTaps; ++tap) {
-        controls.gain[tap] = loadShared(pattern.tapGain[tap]);
-        controls.target[tap] = loadShared(pattern.tapTimeTarget[tap]);
+        controls.gain[tap] = parameters::loadShared(pattern.tapGain[tap]);
+        controls.target[tap] = parameters::loadShared(pattern.tapTimeTarget[tap]);
     }
     controls.wetLevel = wetLevelOf(controls.gain, controls.numTaps);
     controls.stereo = parameterValue(kStereo);
@@ -106,8 +106,8 @@ void DelayEngine::readControls() {
     // Audio that runs always runs at full input gain, and the host is shown so.
     setParameterValue(kPreGain, 1.0f);
     controls.lfoStep = lfo.step();
-    controls.dcRadiansLeft = loadShared(dcBlockLeft.radiansPerSample);
-    controls.dcRadiansRight = loadShared(dcBlockRight.radiansPerSample);
+    controls.dcRadiansLeft = parameters::loadShared(dcBlockLeft.radiansPerSample);
+    controls.dcRadiansRight = parameters::loadShared(dcBlockRight.radiansPerSample);
     controls.lowPass = preLowPass.loadCoefficients();
     controls.highPass = preHighPass.loadCoefficients();
 }

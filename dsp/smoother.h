@@ -1,7 +1,7 @@
 // Takes DC out of the wet signal.
 #pragma once
 
-#include "dsp/shared_field.h"
+#include "parameters/shared_field.h"
 
 namespace dsp {
 
@@ -11,7 +11,7 @@ struct Smoother {
     float radiansPerSample = 0.0f; ///< of one Hz; shared
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { storeShared(radiansPerSample, 6.28319f / sampleRate); }
+    void setSampleRate(float sampleRate) { parameters::storeShared(radiansPerSample, 6.28319f / sampleRate); }
 
     /// One sample. `radians` is radiansPerSample as it stood at the start of the sub-block. Audio thread.
     float process(float w, float radians) {

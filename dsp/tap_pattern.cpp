@@ -64,7 +64,7 @@ void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float
     const float inverseCount = 1.0f / static_cast<float>(numTaps);
     const float exponent = parameters.curve * 1.5f + 0.5f;
 
-    storeShared(pattern.numTaps, numTaps);
+    parameters::storeShared(pattern.numTaps, numTaps);
     std::int32_t position = 0;
     for (std::int32_t tap = 0; tap < numTaps; ++tap) {
         const auto entry = static_cast<std::size_t>(tap);
@@ -73,13 +73,14 @@ void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float
         const float gain = std::pow(ramp(parameters.ampDecay, inverseCount, numTaps, tap) + 1.0f, exponent);
         position = accumulated(((1.0 - (w + w)) * bend + w) * length + static_cast<double>(position));
         const float time = limitedTime(static_cast<float>(position));
-        storeShared(pattern.tapTimeTarget[entry], time);
-        storeShared(pattern.tapGain[entry], limitedGain(gain, time));
+        parameters::storeShared(pattern.tapTimeTarget[entry], time);
+        parameters::storeShared(pattern.tapGain[entry], limitedGain(gain, time));
     }
     // Taps out of use keep their place, silent, for when they come back.
     for (auto entry = static_cast<std::size_t>(numTaps); entry < kMaxTaps; ++entry) {
-        storeShared(pattern.tapTimeTarget[entry], limitedTime(loadShared(pattern.tapTimeTarget[entry])));
-        storeShared(pattern.tapGain[entry], 0.0f);
+        parameters::storeShared(pattern.tapTimeTarget[entry],
+                                limitedTime(parameters::loadShared(pattern.tapTimeTarget[entry])));
+        parameters::storeShared(pattern.tapGain[entry], 0.0f);
     }
 }
 

@@ -1,9 +1,9 @@
 #include "midi/cc_map.h"
 
+#include "parameters/shared_field.h"
 #include "platform/files.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace midi {
 namespace {
@@ -23,12 +23,11 @@ Entries allEntries(std::int32_t controller) {
 Entries ccMap = allEntries(kNoController);
 
 std::int32_t controllerOf(std::int32_t id) {
-    return std::atomic_ref<std::int32_t>(ccMap[static_cast<std::size_t>(id)]).load(std::memory_order_relaxed);
+    return parameters::loadShared(ccMap[static_cast<std::size_t>(id)]);
 }
 
 void bindController(std::int32_t id, std::int32_t controller) {
-    std::atomic_ref<std::int32_t>(ccMap[static_cast<std::size_t>(id)])
-        .store(controller, std::memory_order_relaxed);
+    parameters::storeShared(ccMap[static_cast<std::size_t>(id)], controller);
 }
 
 void readCcMap(const std::string& moduleFolder) {

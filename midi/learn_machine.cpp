@@ -2,34 +2,35 @@
 
 #include "midi/cc_map.h"
 #include "parameters/parameter_table.h"
-
-#include <atomic>
+#include "parameters/shared_field.h"
 
 namespace midi {
+
+using parameters::loadShared;
+using parameters::storeShared;
+
 namespace {
 
 constexpr int kControlChange = 0xB0;
-
-std::atomic_ref<std::int32_t> shared(std::int32_t& field) {
-    return std::atomic_ref<std::int32_t>(field);
-}
 
 } // namespace
 
 void LearnMachine::controlChanged(std::int32_t tag, float value) {
     const bool isOverlay = tag >= kLearnTagBase && tag < kLearnTagBase + parameters::kNumParameters;
     if (isOverlay && value == 1.0f)
-        shared(learnTarget).store(tag, std::memory_order_relaxed);
+        storeShared(learnTarget, tag);
 }
 
 void LearnMachine::disarm() {
-    shared(learnTarget).store(kNobody, std::memory_order_relaxed);
+    storeShared(learnTarget, kNobody);
 }
 
 void LearnMachine::bind(std::int32_t controller) {
-    const std::int32_t tag = shared(learnTarget).exchange(kNobody, std::memory_order_relaxed);
-    if (tag != kNobody)
-        bindController(tag - kLearnTagBase, controller);
+    const std::int32_t tag = loadShared(learnTarget);
+    if (tag == kNobody)
+        return;
+    bindController(tag - kLearnTagBase, controller);
+    storeShared(learnTarget, kNobody);
 }
 
 void LearnMachine::learnFromMidi(const std::uint8_t* midiData) {
@@ -38,7 +39,7 @@ void LearnMachine::learnFromMidi(const std::uint8_t* midiData) {
 }
 
 bool LearnMachine::isArmed() const {
-    return shared(const_cast<std::int32_t&>(learnTarget)).load(std::memory_order_relaxed) != kNobody;
+    return loadShared(learnTarget) != kNobody;
 }
 
 } // namespace midi

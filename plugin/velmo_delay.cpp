@@ -53,7 +53,7 @@ void velmo_delay::startUp() {
     notes = {};
     engine.startUp();
     programs.clearStaging();
-    dsp::storeShared(sampleRate, 44100.0f);
+    parameters::storeShared(sampleRate, 44100.0f);
     loadDefaultBank();
     setProgram(curProgram);
     updateDisplay();
@@ -69,7 +69,7 @@ void velmo_delay::resume() {
 }
 
 void velmo_delay::setSampleRate(float newRate) {
-    dsp::storeShared(sampleRate, newRate);
+    parameters::storeShared(sampleRate, newRate);
     engine.prepare(newRate);
 }
 
@@ -105,7 +105,7 @@ void velmo_delay::setProgram(std::int32_t program) {
     engine.clearDelayMemory();
     if (program < 0 || program >= programs.size())
         return;
-    dsp::storeShared(curProgram, program);
+    parameters::storeShared(curProgram, program);
     loadParametersOf(program);
     engine.computeTapPattern(rate());
     engine.designLowPassOnChange(rate());

@@ -49,7 +49,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     float getParameter(std::int32_t id) override;
     /// Forgets every echo, whatever the number; then selects the program if there is one. Any thread.
     void setProgram(std::int32_t program) override;
-    std::int32_t getProgram() override { return dsp::loadShared(curProgram); }
+    std::int32_t getProgram() override { return parameters::loadShared(curProgram); }
     void setProgramName(char* name) override;
     void getProgramName(char* text) override;
     /// Writes an empty text: there are no unit labels.
@@ -73,7 +73,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     void loadDefaultBank();
     void storeParameter(std::int32_t id, float value);
     void loadParametersOf(std::int32_t program);
-    float rate() const { return dsp::loadShared(sampleRate); }
+    float rate() const { return parameters::loadShared(sampleRate); }
 
     std::int32_t uniqueID() override { return cEffect.uniqueID; }
     void programChange(std::int32_t program) override { setProgram(program); }

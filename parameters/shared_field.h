@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-namespace dsp {
+namespace parameters {
 
 /// The field's value at this moment. Any thread.
 template <class T>
@@ -19,4 +19,4 @@ void storeShared(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
 }
 
-} // namespace dsp
+} // namespace parameters
