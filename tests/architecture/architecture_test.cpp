@@ -35,6 +35,7 @@ const std::map<std::string, Names> allowed = {
     {"skin_language", {}},
     {"skin_images", {"platform", "platform_toolkit"}},
     {"editor_displays", {"parameters", "platform", "plugin_frame", "vst2"}},
+    {"editor_views", {"midi", "parameters", "platform", "plugin_frame", "vst2"}},
     {"host", {"platform", "vst2"}},
     {"render", {"host", "platform", "vst2"}},
 };

@@ -1,0 +1,129 @@
+#include "editor/midi_learn.h"
+
+#include "midi/cc_map.h"
+
+#include "vstgui/lib/cframe.h"
+#include "vstgui/lib/controls/coptionmenu.h"
+#include "vstgui/lib/events.h"
+
+#include <cstring>
+#include <string>
+
+namespace editor {
+
+using VSTGUI::CButtonState;
+using VSTGUI::CControl;
+using VSTGUI::CMouseEventResult;
+using VSTGUI::COptionMenu;
+using VSTGUI::CPoint;
+using VSTGUI::CRect;
+using VSTGUI::Event;
+using VSTGUI::EventType;
+
+namespace {
+
+/// The entries of the menu, by their place in it.
+enum Choice : std::int32_t { kLearn = 0, kForget = 1 };
+
+bool isRightAlone(Event& event) {
+    const auto* gesture = VSTGUI::asMouseDownEvent(event); // a press, a move or a release
+    return gesture && VSTGUI::buttonStateFromMouseEvent(*gesture).isRightButton();
+}
+
+VSTGUI::SharedPointer<COptionMenu> makeMenu(const CPoint& where, std::int32_t controller) {
+    CRect place(where.x, where.y, where.x + 1, where.y + 1);
+    place.normalize();
+    auto menu = VSTGUI::makeOwned<COptionMenu>(place, nullptr, 0, nullptr, nullptr,
+                                               COptionMenu::kPopupStyle | COptionMenu::kCheckStyle |
+                                                   COptionMenu::kNoDrawStyle);
+    menu->addEntry("MidiLearn");
+    if (controller != midi::kNoController)
+        menu->addEntry("Forget CC " + std::to_string(controller));
+    return menu;
+}
+
+} // namespace
+
+CMidiLearn::CMidiLearn(const CRect& size, VSTGUI::IControlListener* editor, std::int32_t ownTag,
+                       CControl* controlBelow, plugin::AudioEffectX* plugIn)
+    : CControl(size, editor, ownTag), control(controlBelow), effect(plugIn) {
+    // What the control below does not take goes on to the views below that.
+    setTransparency(true);
+    // The frame remembers what is being dragged by its focus.
+    setWantsFocus(true);
+}
+
+std::int32_t CMidiLearn::getTag() const {
+    return control ? control->getTag() : CControl::getTag();
+}
+
+void CMidiLearn::dispatchEvent(Event& event) {
+    if (isRightAlone(event))
+        CControl::dispatchEvent(event);
+    else if (control && getMouseEnabled())
+        control->dispatchEvent(event);
+}
+
+CMouseEventResult CMidiLearn::onMouseDown(CPoint& where, const CButtonState& buttons) {
+    if (!getMouseEnabled())
+        return VSTGUI::kMouseEventNotHandled;
+    if (!buttons.isRightButton())
+        return control ? control->onMouseDown(where, buttons) : VSTGUI::kMouseEventNotHandled;
+    openMenu(where);
+    return VSTGUI::kMouseDownEventHandledButDontNeedMovedOrUpEvents;
+}
+
+CMouseEventResult CMidiLearn::onMouseUp(CPoint& where, const CButtonState& buttons) {
+    if (buttons.isRightButton())
+        return VSTGUI::kMouseEventHandled;
+    return control ? control->onMouseUp(where, buttons) : VSTGUI::kMouseEventNotHandled;
+}
+
+CMouseEventResult CMidiLearn::onMouseMoved(CPoint& where, const CButtonState& buttons) {
+    if (buttons.isRightButton())
+        return VSTGUI::kMouseEventHandled;
+    return control ? control->onMouseMoved(where, buttons) : VSTGUI::kMouseEventNotHandled;
+}
+
+void CMidiLearn::openMenu(const CPoint& where) {
+    const std::int32_t id = getTag();
+    if (!getFrame() || id < 0 || id >= parameters::kNumParameters)
+        return;
+    CPoint inFrame(where);
+    localToFrame(inFrame);
+    const auto menu = makeMenu(where, midi::controllerOf(id));
+    // Where the menu answers later, the window may be closed in between.
+    const auto finish = [self = VSTGUI::shared(this),
+                         below = VSTGUI::shared(control)](COptionMenu* answered) {
+        if (self->isAttached())
+            self->finishMenu(answered->getLastResult());
+    };
+    menu->popup(getFrame(), inFrame, finish);
+}
+
+void CMidiLearn::finishMenu(std::int32_t choice) {
+    const std::int32_t id = getTag();
+    if (choice == kLearn)
+        report(1.0f);
+    if (choice == kForget) {
+        report(-1.0f);
+        midi::bindController(id, midi::kNoController);
+    }
+}
+
+/// Past setValue(), which would bring the value into 0..1.
+void CMidiLearn::report(float reported) {
+    value = reported;
+    valueChanged();
+    value = 0.0f;
+}
+
+bool CMidiLearn::isTypeOf(const char* name) const {
+    return std::strcmp(name, "CMidiLearn") == 0;
+}
+
+VSTGUI::CBaseObject* CMidiLearn::newCopy() const {
+    return new CMidiLearn(*this);
+}
+
+} // namespace editor
