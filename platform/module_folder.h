@@ -11,4 +11,8 @@ namespace platform {
 /// Any thread but the audio thread.
 const std::string& moduleFolder();
 
+/// Puts another folder, ending in a separator, in its place, so that a test or a tool can deliver other files
+/// to the same code; an empty one brings the module's back. Process-wide; set it before other threads run.
+void replaceModuleFolder(std::string newFolder);
+
 } // namespace platform

@@ -24,6 +24,11 @@ constexpr bool movesTaps(std::int32_t id) {
     return id == kBaseLength || id == kTaps || id == kStretch;
 }
 
+/// Whether the picture of the pattern follows from this parameter.
+constexpr bool shapesPattern(std::int32_t id) {
+    return movesTaps(id) || id == kAmpDecay || id == kCurve;
+}
+
 } // namespace
 
 velmo_delay::velmo_delay(vst2::audioMasterCallback host)
@@ -40,6 +45,9 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
         canProcessReplacing();
         setUniqueID(vst2::fourCharacterCode("qlvd"));
     }
+    window = new skin::xmlGuiEditor(this);
+    setEditor(window);
+    window->setKnobMode(VSTGUI::kLinearMode);
     startUp();
     if (programs.size() > 0)
         setProgram(0);
@@ -78,6 +86,7 @@ void velmo_delay::processReplacing(float** inputs, float** outputs, std::int32_t
 }
 
 void velmo_delay::setParameter(std::int32_t id, float value) {
+    tellWindow(id, value);
     storeParameter(id, value);
     engine.computeTapPattern(rate());
     if (movesTaps(id))
@@ -86,6 +95,14 @@ void velmo_delay::setParameter(std::int32_t id, float value) {
         engine.designLowPassOnChange(rate());
     if (id == kPreHighPass)
         engine.designHighPassOnChange(rate());
+    window->queueParameterUpdate(id);
+}
+
+void velmo_delay::tellWindow(std::int32_t id, float value) {
+    if (shapesPattern(id))
+        window->setParameter(skin::kRefreshAll, static_cast<float>(skin::kRefreshAll));
+    else
+        window->setParameter(id, value);
 }
 
 void velmo_delay::storeParameter(std::int32_t id, float value) {
@@ -108,6 +125,8 @@ void velmo_delay::setProgram(std::int32_t program) {
     parameters::storeShared(curProgram, program);
     loadParametersOf(program);
     engine.computeTapPattern(rate());
+    if (window)
+        window->setParameter(skin::kRefreshAll, static_cast<float>(skin::kRefreshAll));
     engine.designLowPassOnChange(rate());
     engine.designHighPassOnChange(rate());
     updateDisplay();

@@ -28,6 +28,7 @@
 #include "plugin/audio_effect_x.h"
 #include "presets/default_bank.h"
 #include "presets/program_store.h"
+#include "skin/xml_gui_editor.h"
 
 namespace plugin {
 
@@ -71,6 +72,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
   private:
     void startUp();
     void loadDefaultBank();
+    void tellWindow(std::int32_t id, float value);
     void storeParameter(std::int32_t id, float value);
     void loadParametersOf(std::int32_t program);
     float rate() const { return parameters::loadShared(sampleRate); }
@@ -83,6 +85,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     presets::ProgramStore programs;
     midi::NoteState notes;
     midi::LearnMachine learn;
+    skin::xmlGuiEditor* window = nullptr; ///< the editor, which the frame owns
 };
 
 } // namespace plugin

@@ -1,12 +1,11 @@
-#include "platform/module_folder.h"
+#include "../own_module_folder.h"
 
 #include <cstdlib>
 #include <dlfcn.h>
 #include <link.h>
+#include <string>
 
 namespace platform {
-
-namespace {
 
 std::string findModuleFolder() {
     Dl_info info = {};
@@ -23,17 +22,6 @@ std::string findModuleFolder() {
     std::string folder = path;
     std::free(path);
     folder.erase(folder.rfind('/') + 1);
-    return folder;
-}
-
-/// The loader may know the library by a relative name only, which means something just now, while it is
-/// loaded.
-[[maybe_unused]] const std::string& foundAtLoad = moduleFolder();
-
-} // namespace
-
-const std::string& moduleFolder() {
-    static const std::string folder = findModuleFolder();
     return folder;
 }
 

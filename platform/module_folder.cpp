@@ -1,0 +1,30 @@
+#include "platform/module_folder.h"
+
+#include "own_module_folder.h"
+
+#include <utility>
+
+namespace platform {
+
+namespace {
+
+std::string& folder() {
+    static std::string found = findModuleFolder();
+    return found;
+}
+
+/// The loader may know the library by a relative name only, which means something just now, while it is
+/// loaded.
+[[maybe_unused]] const std::string& foundAtLoad = folder();
+
+} // namespace
+
+const std::string& moduleFolder() {
+    return folder();
+}
+
+void replaceModuleFolder(std::string newFolder) {
+    folder() = newFolder.empty() ? findModuleFolder() : std::move(newFolder);
+}
+
+} // namespace platform

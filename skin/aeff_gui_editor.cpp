@@ -1,0 +1,162 @@
+#include "skin/aeff_gui_editor.h"
+
+#include "parameters/truncation.h"
+#include "platform/clock.h"
+
+#include "vstgui/lib/events.h"
+
+namespace skin {
+
+using parameters::trunc;
+using VSTGUI::CFrame;
+using VSTGUI::CPoint;
+using VSTGUI::CRect;
+
+namespace {
+
+/// The host's names for the keys that are held down with another.
+enum HostModifier : unsigned char { kShiftKey = 1, kAlternateKey = 2, kCommandKey = 4, kControlKey = 8 };
+
+VSTGUI::Modifiers modifiersOf(const vst2::VstKeyCode& key) {
+    VSTGUI::Modifiers modifiers;
+    if (key.modifier & kShiftKey)
+        modifiers.add(VSTGUI::ModifierKey::Shift);
+    if (key.modifier & kAlternateKey)
+        modifiers.add(VSTGUI::ModifierKey::Alt);
+    if (key.modifier & kCommandKey)
+        modifiers.add(VSTGUI::ModifierKey::Super);
+    if (key.modifier & kControlKey)
+        modifiers.add(VSTGUI::ModifierKey::Control);
+    return modifiers;
+}
+
+} // namespace
+
+std::int32_t AEffGUIEditor::knobMode = VSTGUI::kCircularMode;
+
+AEffGUIEditor::AEffGUIEditor(plugin::AudioEffectX* owner)
+    : AEffEditor(owner), lastTicks(platform::milliseconds()), effectX_(owner) {
+    noteWindowThread();
+}
+
+AEffGUIEditor::~AEffGUIEditor() = default;
+
+bool AEffGUIEditor::getRect(vst2::ERect** size) {
+    *size = &rect;
+    return true;
+}
+
+bool AEffGUIEditor::open(void* ptr) {
+    systemWindow = ptr;
+    openFrame(rect.right - rect.left, rect.bottom - rect.top, nullptr, ptr);
+    return true;
+}
+
+void AEffGUIEditor::openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent) {
+    noteWindowThread();
+    auto* const newFrame = new CFrame(CRect(0, 0, width, height), this);
+    newFrame->setBackground(background);
+    window_.open(newFrame, parent);
+    setFrame(newFrame);
+}
+
+void AEffGUIEditor::closeFrame() {
+    setFrame(nullptr);
+    window_.close();
+}
+
+void AEffGUIEditor::setFrame(CFrame* newFrame) {
+    std::atomic_ref<CFrame*>(frame).store(newFrame, std::memory_order_relaxed);
+}
+
+bool AEffGUIEditor::hasFrame() const {
+    return std::atomic_ref<CFrame*>(const_cast<CFrame*&>(frame)).load(std::memory_order_relaxed) != nullptr;
+}
+
+bool AEffGUIEditor::onWindowThread() const {
+    return windowThread_.load(std::memory_order_relaxed) == std::this_thread::get_id();
+}
+
+void AEffGUIEditor::idle() {
+    noteWindowThread();
+    if (inIdleStuff)
+        return;
+    if (frame)
+        frame->idle();
+    platform::serveToolkitWindows();
+}
+
+bool AEffGUIEditor::dispatchKey(const vst2::VstKeyCode& key, bool isDown) {
+    if (!frame)
+        return false;
+    VSTGUI::KeyboardEvent event(isDown ? VSTGUI::EventType::KeyDown : VSTGUI::EventType::KeyUp);
+    event.character = static_cast<char32_t>(key.character);
+    // Both lists of keys are in the same order.
+    event.virt = static_cast<VSTGUI::VirtualKey>(key.virt);
+    event.modifiers = modifiersOf(key);
+    frame->dispatchEvent(event);
+    return event.consumed;
+}
+
+bool AEffGUIEditor::onKeyDown(vst2::VstKeyCode& key) {
+    return dispatchKey(key, true);
+}
+
+bool AEffGUIEditor::onKeyUp(vst2::VstKeyCode& key) {
+    return dispatchKey(key, false);
+}
+
+bool AEffGUIEditor::onWheel(float distance) {
+    CPoint where;
+    if (!frame || !frame->getCurrentMouseLocation(where))
+        return false;
+    VSTGUI::MouseWheelEvent event;
+    event.mousePosition = where;
+    event.deltaY = distance;
+    frame->dispatchEvent(event);
+    return event.consumed;
+}
+
+bool AEffGUIEditor::setKnobMode(std::int32_t value) {
+    knobMode = value;
+    return true;
+}
+
+std::int32_t AEffGUIEditor::getKnobMode() const {
+    return knobMode;
+}
+
+void AEffGUIEditor::beginEdit(std::int32_t index) {
+    theEffect().beginEdit(index);
+}
+
+void AEffGUIEditor::endEdit(std::int32_t index) {
+    theEffect().endEdit(index);
+}
+
+void AEffGUIEditor::doIdleStuff() {
+    std::uint32_t ticks = platform::milliseconds();
+    if (ticks < lastTicks) {
+        platform::sleepMilliseconds(4);
+        ticks += 4;
+        if (ticks + 50 < lastTicks)
+            return;
+    }
+    idle();
+    platform::paintToolkitWindows();
+    lastTicks = ticks + 100;
+    inIdleStuff = true;
+    theEffect().masterIdle();
+    inIdleStuff = false;
+}
+
+bool AEffGUIEditor::beforeSizeChange(const CRect& newSize, const CRect&) {
+    const std::int32_t width = trunc(newSize.getWidth()), height = trunc(newSize.getHeight());
+    if (theEffect().canHostDo("sizeWindow"))
+        return theEffect().sizeWindow(width, height);
+    if (frame)
+        window_.fitContainers(width, height);
+    return true;
+}
+
+} // namespace skin

@@ -1,0 +1,84 @@
+// The editor's frame: joins what a host knows of an editor (open, close, idle, keys) with what the toolkit
+// knows of one (its root view, the gestures of its controls). What is in the window is left to those who
+// derive.
+//
+// Everything runs on the host's window thread, unless it says otherwise.
+#pragma once
+
+#include "platform/toolkit.h"
+#include "platform/toolkit_window.h"
+#include "plugin/aeff_editor.h"
+#include "plugin/audio_effect_x.h"
+#include "vst2/vst2.h"
+
+#include "vstgui/lib/cframe.h"
+
+#include <atomic>
+#include <cstdint>
+#include <thread>
+
+namespace skin {
+
+class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInterface {
+  public:
+    /// The effect is not owned, and outlives the editor. It takes the editor over with setEditor().
+    explicit AEffGUIEditor(plugin::AudioEffectX* effect);
+    /// Closes the window if the host has not.
+    ~AEffGUIEditor() override;
+
+    bool getRect(vst2::ERect** size) override;
+    /// Opens an empty frame of the editor's size in the host's window `ptr`.
+    bool open(void* ptr) override;
+    /// Gives all windows of the process their turn and has what is dirty drawn. The one source of time.
+    void idle() override;
+    bool onKeyDown(vst2::VstKeyCode& key) override;
+    bool onKeyUp(vst2::VstKeyCode& key) override;
+    /// `distance` in turns of the wheel, upward positive; acts where the pointer is.
+    bool onWheel(float distance) override;
+    /// How the hand turns a knob: 0 in a circle, 1 in a circle from where it is, 2 up and down. One mode for
+    /// all knobs in the process.
+    bool setKnobMode(std::int32_t value) override;
+    /// A parameter has changed. Any thread.
+    virtual void setParameter(std::int32_t, float) {}
+    virtual void draw() {}
+
+    /// The pump for long gestures: at most about every tenth of a second it gives the host a turn too.
+    void doIdleStuff() override;
+    std::int32_t getKnobMode() const override;
+    void beginEdit(std::int32_t index) override;
+    void endEdit(std::int32_t index) override;
+    /// Asks the host to make room for the frame's new size or, where it can't be asked, makes it.
+    bool beforeSizeChange(const VSTGUI::CRect& newSize, const VSTGUI::CRect& oldSize) override;
+
+  protected:
+    plugin::AudioEffectX& theEffect() const { return *effectX_; }
+    /// Makes the frame of the window, `width` x `height` pixels, and opens it in the host's window. It stays
+    /// to be drawn into even where it cannot be shown.
+    void openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent);
+    /// Takes the window away, and all views with it.
+    void closeFrame();
+    /// Whether there is a frame. Any thread.
+    bool hasFrame() const;
+    /// Whether the caller is on the thread that opened the window and gives it its time. Any thread.
+    bool onWindowThread() const;
+    /// Whether the left button is held in a gesture that began in the window.
+    bool leftButtonDown() const { return window_.leftButtonDown(); }
+
+    vst2::ERect rect = {};    ///< what the host is told, in pixels
+    std::uint32_t lastTicks;  ///< of the next idle round that a gesture allows, in milliseconds
+    bool inIdleStuff = false; ///< while the host has its turn inside a gesture
+
+  private:
+    void noteWindowThread() { windowThread_.store(std::this_thread::get_id(), std::memory_order_relaxed); }
+    bool dispatchKey(const vst2::VstKeyCode& key, bool isDown);
+    void setFrame(VSTGUI::CFrame* newFrame);
+
+    platform::Toolkit toolkit_;
+    platform::ToolkitWindow window_;
+    plugin::AudioEffectX* effectX_;
+    std::atomic<std::thread::id> windowThread_;
+
+    static std::int32_t knobMode;
+};
+
+} // namespace skin

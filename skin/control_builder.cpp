@@ -1,0 +1,506 @@
+// The grammar of the skin language: which tags each kind of object has, in which order they are read, and
+// which control comes of it. Objects are taken one by one; every control goes straight into the frame, above
+// those before it.
+#include "skin/xml_gui_editor.h"
+
+#include "editor/about.h"
+#include "editor/displays.h"
+#include "parameters/truncation.h"
+#include "platform/message_box.h"
+#include "skin/ascii.h"
+#include "skin/object_reader.h"
+#include "skin/skin_menu.h"
+
+#include "vstgui/lib/controls/cbuttons.h"
+#include "vstgui/lib/controls/cknob.h"
+#include "vstgui/lib/controls/cslider.h"
+#include "vstgui/lib/controls/csplashscreen.h"
+#include "vstgui/lib/controls/cswitch.h"
+#include "vstgui/lib/controls/cvumeter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace skin {
+
+using parameters::trunc;
+using VSTGUI::CBitmap;
+using VSTGUI::CControl;
+using VSTGUI::COptionMenu;
+using VSTGUI::CPoint;
+using VSTGUI::CRect;
+
+namespace {
+
+constexpr int kDone = 1;
+constexpr int kPassedOver = 0;
+constexpr int kUnknownKind = -1;
+
+/// Room for one line of constants, its NUL included.
+constexpr std::size_t kLineSize = 256;
+
+constexpr char kSkinError[] = "Skin Error";
+constexpr char kButtonPictureMissing[] = "ZKSKIN: Bitmap not found";
+
+void showTagError(const char* format, const char* tag, const char* object) {
+    char text[256];
+    std::snprintf(text, sizeof text, format, tag, object);
+    platform::showMessage(text, kSkinError);
+}
+
+/// What stands between two constants.
+constexpr bool isSeparator(char byte) {
+    return byte == '\n' || byte == '\r' || byte == ',';
+}
+
+constexpr bool isSeparatorOrBlank(char byte) {
+    return isSeparator(byte) || byte == '\t' || byte == ' ';
+}
+
+/// Reads six digits as in FF8000; without any, the colour stays as it is.
+void readColour(const char* text, VSTGUI::CColor& colour) {
+    unsigned value = 0;
+    if (std::sscanf(text, "%X", &value) == 1)
+        colour = VSTGUI::CColor(static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
+                                static_cast<std::uint8_t>(value), 255);
+}
+
+/// A folder's name as the menu of skins shows it.
+std::string skinTitle(const char* name) {
+    if (equalIgnoringCase(name, "skin"))
+        return "Default Skin";
+    std::string title = name;
+    if (!title.empty() && title[0] >= 'a' && title[0] <= 'z')
+        title[0] = static_cast<char>(title[0] - 'a' + 'A');
+    return title;
+}
+
+} // namespace
+
+// Tags
+
+int xmlGuiEditor::skinReadTag(const char* objectName, const char* tagName, const SkinObject* object,
+                              bool numeric, bool optional, void* destination, SkinContext* context) {
+    const SkinTag* const tag = tagName ? findTag(*object, tagName) : nullptr;
+    const char* const text = tagName ? (tag ? tag->value : nullptr) : object->text;
+    if (!text) {
+        if (optional)
+            return -1;
+        showTagError("Missing tag %s for object %s", tagName ? tagName : "", objectName);
+        return 0;
+    }
+    if (!numeric) {
+        char* const buffer = static_cast<char*>(destination);
+        std::strncpy(buffer, text, kTagValueSize - 1);
+        buffer[kTagValueSize - 1] = '\0';
+        return 1;
+    }
+    int position = 0;
+    if (exprEvaluate(&context->constants, text, &position, static_cast<double*>(destination)))
+        return 1;
+    showTagError("Error calculating value of tag %s for object %s", tagName ? tagName : "", objectName);
+    return 0;
+}
+
+void xmlGuiEditor::skinReadFont(VSTGUI::CParamDisplay* control, const char* objectName,
+                                const SkinObject* object, SkinContext* context) {
+    double value = 0.0;
+    const auto hasNumber = [&](const char* tag) {
+        return skinReadTag(objectName, tag, object, true, true, &value, context) == 1;
+    };
+    if (hasNumber("font"))
+        control->setFont(VSTGUI::makeOwned<VSTGUI::CFontDesc>("font", 0, trunc(value)));
+    if (hasNumber("halign"))
+        control->setHoriAlign(static_cast<VSTGUI::CHoriTxtAlign>(trunc(value)));
+    hasNumber("txtface");
+    if (findTag(*object, "transparent")) {
+        control->setBackground(background);
+        control->setBackOffset(control->getViewSize().getTopLeft());
+    }
+    const auto withColour = [&](const char* tag, VSTGUI::CColor colour, auto setColour) {
+        if (const SkinTag* const found = findTag(*object, tag)) {
+            readColour(found->value, colour);
+            (control->*setColour)(colour);
+        }
+    };
+    using Text = VSTGUI::CParamDisplay;
+    withColour("fontcolor", control->getFontColor(), &Text::setFontColor);
+    withColour("backcolor", control->getBackColor(), &Text::setBackColor);
+    withColour("framecolor", control->getFrameColor(), &Text::setFrameColor);
+    withColour("shadowcolor", control->getShadowColor(), &Text::setShadowColor);
+}
+
+void xmlGuiEditor::skinReadDefault(const char* objectName, const SkinObject* object, CControl* control,
+                                   SkinContext* context) {
+    double value = 0.0;
+    const bool isGiven = skinReadTag(objectName, "default", object, true, true, &value, context) == 1;
+    control->setDefaultValue(isGiven ? static_cast<float>(value) : control->getValue());
+}
+
+// Kinds
+
+xmlGuiEditor::Builder xmlGuiEditor::builderOf(const char* kind) {
+    using Editor = xmlGuiEditor;
+    struct Kind {
+        const char* name;
+        Builder build;
+    };
+    static constexpr Kind kinds[] = {
+        {"CONSTANTS", &Editor::buildConstants},
+        {"background", &Editor::buildBackground},
+        {"update", &Editor::buildUpdate},
+        {"slider", &Editor::buildSlider},
+        {"knob", &Editor::buildKnob},
+        {"onoff", &Editor::buildOnOff},
+        {"autodisp", &Editor::buildAutoDisplay},
+        {"display", &Editor::buildDisplay},
+        {"anydisp", &Editor::buildAnyDisplay},
+        {"optionmenu", &Editor::buildOptionMenu},
+        {"skinselector", &Editor::buildSkinSelector},
+        {"vswitch", &Editor::buildSwitch<VSTGUI::CVerticalSwitch>},
+        {"hswitch", &Editor::buildSwitch<VSTGUI::CHorizontalSwitch>},
+        {"kick", &Editor::buildKick},
+        {"about", &Editor::buildAbout},
+        {"vumeter", &Editor::buildVuMeter},
+    };
+    for (const Kind& known : kinds)
+        if (equalIgnoringCase(kind, known.name))
+            return known.build;
+    return nullptr;
+}
+
+int xmlGuiEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
+    const Builder build = builderOf(name);
+    if (!build)
+        return kUnknownKind;
+    ObjectReader reader(name, object, context);
+    return (this->*build)(reader);
+}
+
+void xmlGuiEditor::addControl(CControl* control) {
+    frame->addView(control);
+}
+
+void xmlGuiEditor::bindValue(CControl* control, std::int32_t id) {
+    if (isParameter(id))
+        control->setValue(theEffect().getParameter(id));
+}
+
+int xmlGuiEditor::buildConstants(ObjectReader& object) {
+    double last = 0.0;
+    const auto define = [&](const std::string& line) {
+        if (line.size() >= kLineSize)
+            std::abort();
+        const bool isBareName = line.find('=') == std::string::npos;
+        const std::string assignment = isBareName ? line + " = " + std::to_string(trunc(last + 1.0)) : line;
+        int position = 0;
+        if (!exprEvaluate(&object.context()->constants, assignment.c_str(), &position, &last))
+            platform::showMessage("Expression parser error", line.c_str());
+    };
+    std::string_view rest = object.object()->text ? object.object()->text : "";
+    while (!rest.empty()) {
+        const auto end = std::ranges::find_if(rest, isSeparator);
+        const std::string line(rest.begin(), end);
+        if (!line.empty())
+            define(line);
+        rest = std::string_view(std::find_if_not(end, rest.end(), isSeparatorOrBlank), rest.end());
+    }
+    return kDone;
+}
+
+int xmlGuiEditor::buildBackground(ObjectReader& object) {
+    object.callIt("background");
+    if (!object.has("filename"))
+        return kDone;
+    CBitmap* const bitmap = object.picture("filename");
+    if (object.isLost())
+        return kPassedOver;
+    background = bitmap;
+    const int width = trunc(bitmap->getWidth()), height = trunc(bitmap->getHeight());
+    if (object.context()->backgroundOnly)
+        rect = {0, 0, static_cast<std::int16_t>(height), static_cast<std::int16_t>(width)};
+    else
+        openFrame(width, height, bitmap, object.context()->parent);
+    return kDone;
+}
+
+int xmlGuiEditor::buildUpdate(ObjectReader& object) {
+    object.callIt("update");
+    const std::int32_t src = object.integer("src"), dst = object.integer("dst");
+    if (object.isLost())
+        return kPassedOver;
+    updateLinks.append({src, dst});
+    return kDone;
+}
+
+int xmlGuiEditor::buildSlider(ObjectReader& object) {
+    object.callIt("slider");
+    const double x = object.number("x"), y = object.number("y"), length = object.number("len");
+    const std::int32_t id = object.integer("id"), style = object.integer("style");
+    const double xOffset = object.number("xoff", x), yOffset = object.number("yoff", y);
+    CBitmap* const ground = object.picture("bitmap_bk", background);
+    CBitmap* const handle = object.picture("bitmap_handle");
+    if (!object.isLost() && !ground)
+        object.lose(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
+    if (object.isLost() || !frame)
+        return kPassedOver;
+
+    using VSTGUI::CSlider;
+    const bool isVertical = style & CSlider::kVertical;
+    const double width = handle->getWidth(), height = handle->getHeight();
+    const CRect place = isVertical ? placeOf(x, y, width, length) : placeOf(x, y, length, height);
+    const double start = isVertical ? y : x;
+    const std::int32_t first = trunc(start), last = trunc(start + length - (isVertical ? height : width));
+    // The toolkit wants to hear of exactly one direction.
+    const std::int32_t direction = isVertical ? CSlider::kVertical : CSlider::kHorizontal;
+    const std::int32_t fullStyle = (style & ~(CSlider::kVertical | CSlider::kHorizontal)) | direction;
+    auto* const slider = new CSlider(place, this, id, first, last, handle, ground,
+                                     CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
+    addControl(slider);
+    bindValue(slider, id);
+    skinReadDefault("slider", object.object(), slider, object.context());
+    return kDone;
+}
+
+int xmlGuiEditor::buildKnob(ObjectReader& object) {
+    object.callIt("knob");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t id = object.integer("id");
+    const bool isFilm = object.flag("stackbmp").value_or(false);
+    const double xOffset = object.number("xoff", x), yOffset = object.number("yoff", y);
+    CBitmap* const ground = object.picture("bitmap_bk", background);
+    CBitmap* const handle = object.picture("bitmap_handle", static_cast<CBitmap*>(nullptr));
+    if (!object.isLost() && handle && !ground)
+        object.lose(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
+    const std::optional<bool> isTransparent = object.flag("transparent");
+    if (object.isLost() || !frame)
+        return kPassedOver;
+
+    const CRect place = placeOf(x, y, w, h);
+    const CPoint offset(trunc(xOffset), trunc(yOffset));
+    CControl* knob = nullptr;
+    if (isFilm) {
+        const double imageHeight = place.getHeight();
+        const std::int32_t images =
+            handle && imageHeight > 0.0 ? trunc(handle->getHeight() / imageHeight) : 0;
+        knob = new VSTGUI::CAnimKnob(place, this, id, images, imageHeight, handle);
+    } else {
+        knob = new VSTGUI::CKnob(place, this, id, ground, handle, offset);
+    }
+    if (isTransparent)
+        knob->setTransparency(*isTransparent);
+    addControl(knob);
+    bindValue(knob, id);
+    skinReadDefault("knob", object.object(), knob, object.context());
+    return kDone;
+}
+
+int xmlGuiEditor::buildOnOff(ObjectReader& object) {
+    object.callIt("onoff");
+    const double x = object.number("x"), y = object.number("y");
+    const std::int32_t id = object.integer("id");
+    CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
+    auto* const button = new VSTGUI::COnOffButton(place, this, id, states, 0);
+    addControl(button);
+    bindValue(button, id);
+    skinReadDefault("onoff", object.object(), button, object.context());
+    return kDone;
+}
+
+int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
+    object.callIt("autodisp");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
+    const std::int32_t link = object.integer("link");
+    if (!object.isLost() && link > numParams())
+        object.lose("Error attempting to link a display to an invalid parameter id", kSkinError);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    auto* const display =
+        new editor::CParamDisplayLink(&theEffect(), link, placeOf(x, y, w, h), id, ground, style);
+    skinReadFont(display, "autodisp", object.object(), object.context());
+    displayLinks.append(display);
+    addControl(display);
+    return kDone;
+}
+
+int xmlGuiEditor::buildDisplay(ObjectReader& object) {
+    object.callIt("display");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    auto* const display = new editor::CDisplay(placeOf(x, y, w, h), ground, style);
+    skinReadFont(display, "autodisp", object.object(), object.context());
+    display->setTag(id);
+    addControl(display);
+    return kDone;
+}
+
+int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
+    object.callIt("display");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t style = object.integer("style", 0);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    auto* const display = new editor::CDisplay(placeOf(x, y, w, h), ground, style);
+    skinReadFont(display, "autodisp", object.object(), object.context());
+    display->setTag(kAnyDisplayTag);
+    anyDisplay = display;
+    addControl(display);
+    return kDone;
+}
+
+int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
+    object.callIt("optionmenu");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    auto* const menu = new SkinMenu(placeOf(x, y, w, h), this, id, ground, activeGround, style);
+    addEntries(menu, *object.object(), id);
+    if (isParameter(id)) {
+        menuIds.append(id);
+        menu->showValue(theEffect().getParameter(id) * static_cast<float>(menu->getNbEntries() - 1));
+    }
+    skinReadFont(menu, "optionmenu", object.object(), object.context());
+    addControl(menu);
+    return kDone;
+}
+
+void xmlGuiEditor::addEntries(COptionMenu* menu, const SkinObject& object, std::int32_t id) {
+    const XmlNode* const list = object.node->child;
+    if (!list || !equalIgnoringCase(list->name, "list"))
+        return fillOptionMenu(menu, id);
+    for (const XmlNode* entry = list->child; entry; entry = entry->next)
+        if (equalIgnoringCase(entry->name, "entry"))
+            menu->addEntry(entry->text ? entry->text : "");
+}
+
+void xmlGuiEditor::fillOptionMenu(COptionMenu* menu, std::int32_t) {
+    const auto submenu = VSTGUI::makeOwned<COptionMenu>();
+    submenu->addEntry("Subby");
+    submenu->addEntry("Subby2");
+    for (const char* title : {"You", "must", "add", "your", "menu", "handler"})
+        menu->addEntry(title);
+    menu->addEntry(submenu, "sub");
+    menu->setValue(0.0f);
+}
+
+int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
+    object.callIt("skinselector");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    const std::int32_t style = object.integer("style", 0);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    auto* const menu = new SkinMenu(placeOf(x, y, w, h), this, kSkinSelectorTag, ground, activeGround, style);
+    for (const SkinName& name : skinNames)
+        menu->addEntry(skinTitle(name.text));
+    menu->showValue(static_cast<float>(skinNames.count));
+    skinReadFont(menu, "optionmenu", object.object(), object.context());
+    addControl(menu);
+    return kDone;
+}
+
+template <class Switch>
+int xmlGuiEditor::buildSwitch(ObjectReader& object) {
+    constexpr bool isVertical = std::is_same_v<Switch, VSTGUI::CVerticalSwitch>;
+    const char* const kind = isVertical ? "vswitch" : "hswitch";
+    object.callIt(kind);
+    const double x = object.number("x"), y = object.number("y");
+    const std::int32_t id = object.integer("id");
+    const double entries = object.number("entries");
+    // Skins of both kinds name the picture's faults alike.
+    object.callIt("vswitch");
+    CBitmap* const images = object.picture("bitmap_handle");
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    const double height = images->getHeight() * (1.0 / entries);
+    const CRect place = placeOf(x, y, images->getWidth(), height);
+    // Without entries nothing is to be seen, and nothing must be drawn at no place.
+    const double imageHeight = std::isfinite(height) ? height : 0.0;
+    const std::int32_t count = trunc(entries);
+    auto* const control = new Switch(place, this, id, count, imageHeight, count, images);
+    addControl(control);
+    bindValue(control, id);
+    skinReadDefault(kind, object.object(), control, object.context());
+    return kDone;
+}
+
+int xmlGuiEditor::buildKick(ObjectReader& object) {
+    object.callIt("kick");
+    const double x = object.number("x"), y = object.number("y");
+    const std::int32_t id = object.integer("id");
+    CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
+    const std::optional<bool> isTransparent = object.flag("transparent");
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
+    auto* const button = new VSTGUI::CKickButton(place, this, id, states);
+    if (isTransparent)
+        button->setTransparency(*isTransparent);
+    addControl(button);
+    return kDone;
+}
+
+int xmlGuiEditor::buildAbout(ObjectReader& object) {
+    object.callIt("about");
+    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
+                 h = object.number("h");
+    CBitmap* const picture = object.picture("bitmap_pop", kButtonPictureMissing);
+    if (object.isLost() || !frame || !background)
+        return kPassedOver;
+    const CRect area = placeOf(x, y, w, h);
+    const std::int32_t width = trunc(picture->getWidth()), height = trunc(picture->getHeight());
+    CRect shown(0, 0, width, height);
+    shown.offset((trunc(background->getWidth()) - width) / 2, (trunc(background->getHeight()) - height) / 2);
+    const std::int32_t tag = kFirstAboutTag + aboutCount;
+    VSTGUI::CSplashScreen* const box = aboutCount == 0
+                                           ? new editor::CAbout(area, this, tag, picture, shown)
+                                           : new VSTGUI::CSplashScreen(area, this, tag, picture, shown);
+    if (aboutCount < static_cast<std::int32_t>(std::size(aboutBoxes)))
+        aboutBoxes[aboutCount] = box;
+    ++aboutCount;
+    addControl(box);
+    return kDone;
+}
+
+int xmlGuiEditor::buildVuMeter(ObjectReader& object) {
+    object.callIt("vumeter");
+    const double x = object.number("x"), y = object.number("y");
+    const std::int32_t id = object.integer("id"), lamps = object.integer("leds"),
+                       style = object.integer("style");
+    CBitmap* const off = object.picture("bitmap_off");
+    CBitmap* const on = object.picture("bitmap_on");
+    if (object.isLost() || !frame)
+        return kPassedOver;
+    const CRect place = placeOf(x, y, on->getWidth(), on->getHeight());
+    // The meter divides by the number of its lamps.
+    auto* const meter = new VSTGUI::CVuMeter(place, on, off, lamps == 0 ? 1 : lamps, style);
+    addControl(meter);
+    registerMeter(id, meter);
+    return kDone;
+}
+
+} // namespace skin

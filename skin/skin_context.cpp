@@ -1,0 +1,96 @@
+#include "skin/skin_context.h"
+
+#include "platform/folders.h"
+#include "platform/module_folder.h"
+#include "platform/settings.h"
+#include "skin/ascii.h"
+#include "skin/fixed_text.h"
+#include "skin/images.h"
+#include "skin/xml_gui_editor.h"
+
+#include <algorithm>
+#include <string>
+
+namespace skin {
+namespace {
+
+constexpr char kSetting[] = "SkinName";
+constexpr char kFirstSkin[] = "Quillon Skin";
+constexpr char kFallbackSkin[] = "skin";
+constexpr char kSkinFile[] = "/skin.xml";
+
+bool holdsSkin(const std::string& folder, const std::string& name) {
+    return platform::findPath(folder, name + kSkinFile).has_value();
+}
+
+/// For the operations that are given room for a path.
+void copyPath(char* buffer, const std::string& text) {
+    char whole[kPathSize];
+    copyWholeText(whole, text.c_str());
+    std::copy_n(whole, kPathSize, buffer);
+}
+
+/// The folder as it is really spelled, so that every file in it is found; as the name says if there is none.
+std::string skinFolder(const std::string& folder, const std::string& name) {
+    const auto file = platform::findPath(folder, name + kSkinFile);
+    return file ? file->substr(0, file->find_last_of('/') + 1) : folder + name + '/';
+}
+
+} // namespace
+
+void skinModuleFolder(char* buffer) {
+    copyPath(buffer, platform::moduleFolder());
+}
+
+void skinLoadName(const char* folder, char* name) {
+    const auto chosen = platform::readSetting(kSetting);
+    if (!chosen)
+        return copyPath(name, kFirstSkin);
+    const std::string whole = chosen->size() < kPathSize ? *chosen : "";
+    copyPath(name, !whole.empty() && holdsSkin(folder, whole) ? whole : kFallbackSkin);
+}
+
+bool skinSaveName(const char* name) {
+    return platform::writeSetting(kSetting, name);
+}
+
+void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
+    for (const std::string& entry : platform::listFolder(folder)) {
+        SkinName name;
+        if (copyWholeText(name.text, entry.c_str()) && holdsSkin(folder, entry))
+            editor->skinNames.append(name);
+    }
+}
+
+void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xmlGuiEditor* editor) {
+    char folder[kPathSize], name[kPathSize];
+    skinModuleFolder(folder);
+    skinLoadName(folder, name);
+    skinScanFolder(folder, editor);
+    copyPath(context->path, skinFolder(folder, name));
+    context->backgroundOnly = backgroundOnly;
+    context->parent = parent;
+}
+
+VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {
+    for (const SkinBitmap& known : context->bitmaps)
+        if (equalIgnoringCase(known.name, name))
+            return known.bitmap;
+    const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap = loadImage(context->path, name);
+    SkinBitmap entry;
+    copyText(entry.name, name);
+    entry.bitmap = bitmap.get();
+    if (!entry.bitmap || !context->bitmaps.append(entry))
+        return nullptr;
+    entry.bitmap->remember();
+    return entry.bitmap;
+}
+
+void skinContextRelease(SkinContext* context) {
+    for (const SkinBitmap& known : context->bitmaps)
+        known.bitmap->forget();
+    context->bitmaps.clear();
+    context->constants.clear();
+}
+
+} // namespace skin

@@ -1,0 +1,66 @@
+// One pass over a skin: which folder it is read from, its constants so far, and its pictures, each decoded
+// once. A skin is a folder beside the plug-in's own file that holds a skin.xml; the person's choice among
+// them is a setting of theirs and shared by all instances and hosts.
+//
+// Everything here runs on the thread that constructs or opens the editor.
+#pragma once
+
+#include "skin/expression.h"
+#include "skin/grow_array.h"
+
+#include <cstddef>
+
+namespace VSTGUI {
+class CBitmap;
+}
+
+namespace skin {
+
+class xmlGuiEditor;
+
+/// Room for a path or a skin's name, its NUL included. A path that does not fit leads nowhere.
+constexpr std::size_t kPathSize = 260;
+
+/// The name of a skin's folder.
+struct SkinName {
+    char text[kPathSize];
+};
+
+/// A picture of this pass.
+struct SkinBitmap {
+    char name[kPathSize];    ///< as the first tag that asked for it spells it
+    VSTGUI::CBitmap* bitmap; ///< holds one reference
+};
+
+struct SkinContext {
+    GrowArray<SkinBitmap> bitmaps;
+    void* parent = nullptr;      ///< the host's window; null in the pass that only measures
+    char path[kPathSize] = "";   ///< the skin's folder with a separator behind it
+    bool backgroundOnly = false; ///< true in the pass that only measures
+    ExprTable constants;
+};
+
+/// Decides which skin it is, and adds the names of all that there are to the editor's list.
+void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xmlGuiEditor* editor);
+
+/// Gives the pictures back; those that a control has taken live on.
+void skinContextRelease(SkinContext* context);
+
+/// The picture `name` of the skin; the context keeps the reference. A file that is missing or cannot be
+/// decoded gives a picture of no size. Null only without memory.
+VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name);
+
+/// Writes the folder of the plug-in's file, with a separator behind it, into kPathSize bytes.
+void skinModuleFolder(char* buffer);
+
+/// Adds the name of every skin in `folder` to the editor's list, in the order of the file system.
+void skinScanFolder(const char* folder, xmlGuiEditor* editor);
+
+/// Writes the name of the skin to use into kPathSize bytes: the person's choice; "skin" if that has gone from
+/// `folder`; "Quillon Skin" if nothing was ever chosen.
+void skinLoadName(const char* folder, char* name);
+
+/// Remembers the person's choice. False if it could not be kept.
+bool skinSaveName(const char* name);
+
+} // namespace skin

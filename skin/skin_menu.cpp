@@ -1,0 +1,20 @@
+#include "skin/skin_menu.h"
+
+#include "parameters/truncation.h"
+
+namespace skin {
+
+void SkinMenu::showValue(float newValue) {
+    value = newValue;
+    const std::int32_t nearest = parameters::trunc(newValue + 0.5f);
+    const bool isEntry = newValue >= 0.0f && nearest < getNbEntries();
+    currentIndex = isEntry ? nearest : -1;
+}
+
+void SkinMenu::valueChanged() {
+    const bool isDismissed = inPopup && lastResult < 0;
+    if (!isDismissed)
+        COptionMenu::valueChanged();
+}
+
+} // namespace skin

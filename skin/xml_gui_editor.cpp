@@ -1,0 +1,351 @@
+#include "skin/xml_gui_editor.h"
+
+#include "editor/displays.h"
+#include "parameters/parameter_table.h"
+#include "parameters/shared_field.h"
+#include "parameters/truncation.h"
+#include "platform/folders.h"
+#include "platform/message_box.h"
+#include "skin/ascii.h"
+#include "skin/skin_menu.h"
+#include "skin/skin_object.h"
+
+#include "vstgui/lib/controls/cbuttons.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+
+namespace skin {
+
+using parameters::loadShared;
+using parameters::storeShared;
+using parameters::trunc;
+using VSTGUI::CControl;
+
+namespace {
+
+constexpr std::int32_t kQueueMask = 255;
+
+// What another thread has noted: a bit for each parameter, and two for all of them.
+constexpr std::uint32_t kRefreshScaledBit = 1u << 30;
+constexpr std::uint32_t kRefreshAllBit = 1u << 31;
+static_assert(parameters::kNumParameters <= 30);
+
+constexpr char kRestingHint[] = "Parameter Value";
+
+using XmlTree = std::unique_ptr<XmlNode, decltype(&xmlFreeNode)>;
+
+} // namespace
+
+xmlGuiEditor::xmlGuiEditor(plugin::AudioEffectX* owner) : AEffGUIEditor(owner) {
+    // No id, so that the first one is not taken for a repetition.
+    std::ranges::fill(updateQueue, std::numeric_limits<std::int32_t>::min());
+    loadSkin(nullptr, true);
+}
+
+xmlGuiEditor::~xmlGuiEditor() {
+    closeFrame();
+}
+
+// The pass over a skin
+
+bool xmlGuiEditor::loadSkin(void* parent, bool backgroundOnly) {
+    SkinContext context;
+    skinContextInit(&context, parent, backgroundOnly, this);
+    const bool loaded = readSkin(context);
+    skinContextRelease(&context);
+    if (!frame)
+        background = nullptr;
+    return loaded;
+}
+
+bool xmlGuiEditor::readSkin(SkinContext& context) {
+    const auto file = platform::findPath(context.path, "skin.xml");
+    const XmlTree root(file ? xmlParseFile(file->c_str()) : nullptr, xmlFreeNode);
+    if (!root) {
+        std::printf("%s%s skin file missing\n", context.path, "skin.xml");
+        return false;
+    }
+    if (!equalIgnoringCase(root->name, "GUI")) {
+        std::printf("<GUI> node missing\n");
+        return false;
+    }
+    for (XmlNode* child = root->child; child; child = child->next) {
+        if (context.backgroundOnly && !equalIgnoringCase(child->name, "background"))
+            continue;
+        SkinObject object(child);
+        createControls(child->name, &object, &context);
+    }
+    return true;
+}
+
+void xmlGuiEditor::resetLists() {
+    displayLinks.clear();
+    updateLinks.clear();
+    menuIds.clear();
+    skinNames.clear();
+    aboutCount = 0;
+    anyDisplay = nullptr;
+    background = nullptr;
+}
+
+bool xmlGuiEditor::open(void* ptr) {
+    // A host that opens twice gets its second window in place of the first.
+    closeFrame();
+    systemWindow = ptr;
+    resetLists();
+    storeShared(notedChanges_, 0u);
+    const bool loaded = loadSkin(ptr, false);
+    skinLoaded = 1;
+    storeShared(queueRead, 0);
+    return loaded;
+}
+
+void xmlGuiEditor::close() {
+    skinLoaded = 0;
+    closeFrame();
+    background = nullptr;
+}
+
+// What the window is made of
+
+std::int32_t xmlGuiEditor::numParams() const {
+    return theEffect().getAeffect()->numParams;
+}
+
+std::vector<CControl*> xmlGuiEditor::controls() const {
+    std::vector<CControl*> found;
+    if (frame)
+        frame->forEachChild([&found](VSTGUI::CView* view) {
+            if (auto* const control = dynamic_cast<CControl*>(view))
+                found.push_back(control);
+        });
+    return found;
+}
+
+bool xmlGuiEditor::isMenuId(std::int32_t tag) const {
+    return std::ranges::find(menuIds, tag) != menuIds.end();
+}
+
+// From the effect to the window
+
+void xmlGuiEditor::setParameter(std::int32_t index, float value) {
+    if (!hasFrame())
+        return;
+    if (!onWindowThread())
+        noteChange(index, value);
+    else if (trunc(value) != kRefreshAll)
+        showParameter(index, value);
+    else if (skinLoaded)
+        showAllParameters();
+}
+
+void xmlGuiEditor::noteChange(std::int32_t index, float value) {
+    std::uint32_t bits = 0;
+    if (trunc(value) == kRefreshAll)
+        bits = kRefreshAllBit;
+    else if (index == -1)
+        bits = kRefreshScaledBit;
+    else if (index >= 0 && index < parameters::kNumParameters)
+        bits = 1u << index;
+    std::atomic_ref<std::uint32_t>(notedChanges_).fetch_or(bits, std::memory_order_relaxed);
+}
+
+void xmlGuiEditor::showNotedChanges() {
+    const std::uint32_t bits =
+        std::atomic_ref<std::uint32_t>(notedChanges_).exchange(0, std::memory_order_relaxed);
+    if (bits & kRefreshAllBit)
+        showAllParameters();
+    if (bits & kRefreshScaledBit)
+        showParameter(-1, 0.0f);
+    for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
+        if (bits & (1u << id))
+            showParameter(id, theEffect().getParameter(id));
+}
+
+void xmlGuiEditor::showParameter(std::int32_t index, float value) {
+    const bool showsAll = index == -1;
+    for (CControl* control : controls()) {
+        const std::int32_t tag = control->getTag();
+        if (isParameter(tag) && (showsAll || tag == index)) {
+            if (showsAll)
+                value = theEffect().getParameter(tag);
+            markLinkedDisplay(tag);
+            showIn(*control, tag, value);
+            if (!showsAll) {
+                markUpdateLinks(tag);
+                return;
+            }
+        }
+        parameterUpdated(index, value);
+        if (showsAll)
+            parameterUpdated(-1, 0.0f);
+    }
+}
+
+void xmlGuiEditor::showIn(CControl& control, std::int32_t tag, float value) {
+    auto* const menu = dynamic_cast<SkinMenu*>(&control);
+    if (menu && isMenuId(tag))
+        menu->showValue(
+            static_cast<float>(trunc(static_cast<float>(menu->getNbEntries() - 1) * value + 0.5f)));
+    else if (dynamic_cast<VSTGUI::COnOffButton*>(&control))
+        control.setValue(value >= 0.5f ? 1.0f : 0.0f);
+    else
+        control.setValue(value);
+    control.setDirty(true);
+}
+
+void xmlGuiEditor::showAllParameters() {
+    for (CControl* control : controls()) {
+        const std::int32_t tag = control->getTag();
+        if (!isParameter(tag))
+            continue;
+        const float value = theEffect().getParameter(tag);
+        if (auto* const menu = dynamic_cast<SkinMenu*>(control))
+            menu->showValue(value);
+        else
+            control->setValue(value);
+        control->setDirty(true);
+    }
+}
+
+void xmlGuiEditor::markLinkedDisplay(std::int32_t id) {
+    for (editor::CParamDisplayLink* display : displayLinks)
+        if (display->getLink() == id)
+            return display->setDirty(true);
+}
+
+void xmlGuiEditor::markUpdateLinks(std::int32_t src) {
+    for (const UpdateLink& link : updateLinks)
+        if (link.src == src)
+            for (CControl* control : controls())
+                if (control->getTag() == link.dst)
+                    control->setDirty(true);
+}
+
+void xmlGuiEditor::queueParameterUpdate(std::int32_t id) {
+    if (!hasFrame())
+        return;
+    const std::int32_t write = loadShared(queueWrite) & kQueueMask;
+    const std::int32_t next = (write + 1) & kQueueMask;
+    const bool isFull = next == loadShared(queueRead);
+    const bool isRepeated = loadShared(updateQueue[(write - 1) & kQueueMask]) == id;
+    if (isFull || isRepeated)
+        return;
+    storeShared(updateQueue[write], id);
+    storeShared(queueWrite, next);
+}
+
+// Time
+
+void xmlGuiEditor::idle() {
+    AEffGUIEditor::idle();
+    if (!skinLoaded || !frame)
+        return;
+    showNotedChanges();
+    serveQueue();
+    if (anyDisplay)
+        showHint();
+}
+
+void xmlGuiEditor::serveQueue() {
+    const std::int32_t read = loadShared(queueRead);
+    if (read == (loadShared(queueWrite) & kQueueMask))
+        return;
+    const std::int32_t id = loadShared(updateQueue[read]);
+    const std::vector<CControl*> views = controls();
+    const auto found = std::ranges::find(views, id, &CControl::getTag);
+    if (found != views.end()) {
+        const bool isBehind = isParameter(id) && (*found)->getValue() != theEffect().getParameter(id);
+        if (!isBehind)
+            (*found)->setDirty(true);
+    }
+    storeShared(queueRead, (read + 1) & kQueueMask);
+}
+
+void xmlGuiEditor::showHint() {
+    char hint[256];
+    const std::int32_t id = tagBeingTurned();
+    if (isParameter(id)) {
+        char name[vst2::kVstMaxParamStrLen + 1], display[parameters::kDisplayTextSize];
+        char label[vst2::kVstMaxParamStrLen + 1];
+        theEffect().getParameterName(id, name);
+        theEffect().getParameterDisplay(id, display);
+        theEffect().getParameterLabel(id, label);
+        std::snprintf(hint, sizeof hint, "%s: %s %s", name, display, label);
+    } else {
+        std::snprintf(hint, sizeof hint, "%s", kRestingHint);
+    }
+    if (std::strcmp(hint, anyDisplay->getText()) != 0) {
+        anyDisplay->setText(hint);
+        anyDisplay->setDirty(true);
+    }
+    if (isParameter(id))
+        anyDisplay->setHoriAlign(VSTGUI::kLeftText);
+}
+
+/// The tag of the control in the hand, without what marks an overlay; no parameter's id if there is none.
+std::int32_t xmlGuiEditor::tagBeingTurned() const {
+    VSTGUI::CView* const focus = leftButtonDown() ? frame->getFocusView() : nullptr;
+    const auto* const control = dynamic_cast<CControl*>(focus ? focus : frame->getModalView());
+    if (!control)
+        return numParams();
+    const std::int32_t tag = control->getTag();
+    return tag & kOverlayBit ? tag & 0xFFFF : tag;
+}
+
+// From the hand to the effect
+
+void xmlGuiEditor::valueChanged(CControl* control) {
+    const std::int32_t tag = control->getTag();
+    if (isParameter(tag))
+        applyParameterControl(*control, tag);
+    else if (tag >= kFirstActionMenuTag && tag <= kLastActionMenuTag)
+        runMenuActions(*control, tag);
+    else if (tag == kSkinSelectorTag)
+        selectSkin(*control);
+    markUpdateLinks(tag);
+    control->setDirty(true);
+}
+
+void xmlGuiEditor::applyParameterControl(CControl& control, std::int32_t tag) {
+    float value = control.getValue();
+    const auto* const menu = dynamic_cast<VSTGUI::COptionMenu*>(&control);
+    if (menu && isMenuId(tag)) {
+        const std::int32_t steps = menu->getNbEntries() - 1;
+        if (steps == 0)
+            return;
+        value /= static_cast<float>(steps);
+    }
+    theEffect().setParameterAutomated(tag, value);
+}
+
+void xmlGuiEditor::runMenuActions(CControl& control, std::int32_t tag) {
+    const std::int32_t entry = trunc(control.getValue());
+    for (const MenuAction& action : menuActions)
+        if (action.menu == tag - kFirstActionMenuTag && action.entry == entry)
+            theEffect().setParameter(action.parameter, action.value);
+    control.setValue(0.0f);
+}
+
+void xmlGuiEditor::selectSkin(CControl& control) {
+    const float choice = control.getValue();
+    const auto count = static_cast<float>(skinNames.count);
+    const std::int32_t index = trunc(choice);
+    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text))
+        platform::showMessage("The new skin has been selected.\n"
+                              "Please close and open this window.\n"
+                              "If nothing changes it's probably because your host only hides\n"
+                              "the editor windows, so you may have to reopen the plug-in",
+                              "SKIN SELECTED!");
+    if (auto* const menu = dynamic_cast<SkinMenu*>(&control))
+        menu->showValue(count);
+    else
+        control.setValue(count);
+}
+
+} // namespace skin
