@@ -6,6 +6,7 @@
 // MiB.
 #pragma once
 
+#include "parameters/pattern_laws.h"
 #include "parameters/shared_field.h"
 
 #include <array>
@@ -15,7 +16,7 @@ namespace dsp {
 
 constexpr std::int32_t kDelaySize = 4194304;
 constexpr std::uint32_t kDelayMask = kDelaySize - 1;
-constexpr std::int32_t kMaxTaps = 128;
+using parameters::kMaxTaps;
 
 struct ModuleDelay {
     std::int32_t writeIndex = 0; ///< next slot to write; audio thread

@@ -22,13 +22,6 @@ struct TapPattern {
     std::array<float, kMaxTaps> tapTimeTarget{}; ///< delay from the input in whole samples
 };
 
-/// Where the pattern bends, from "Stretch dly": 0.5 for even gaps, toward 1 for accelerating echoes, toward 0
-/// for spreading ones. `stretch` normalised.
-float stretchBend(float stretch);
-
-/// The number of taps, 1..128, from "Taps #", normalised.
-std::int32_t numTapsOf(float taps);
-
 /// The base length in samples, from "Bs Lgh 1", normalised, at `sampleRate` Hz.
 std::int32_t baseLengthOf(float baseLength, float sampleRate);
 

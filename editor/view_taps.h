@@ -4,6 +4,8 @@
 // picture into the first of two pages of help, a left click turns it back.
 #pragma once
 
+#include "parameters/pattern_laws.h"
+
 #include "vstgui/lib/controls/ccontrol.h"
 
 #include <array>
@@ -14,7 +16,7 @@ namespace editor {
 /// Shows no parameter: no listener, tag -1. All of it runs on the window thread but showPattern().
 class ViewTaps final : public VSTGUI::CControl {
   public:
-    static constexpr std::int32_t kMaxTaps = 128;
+    static constexpr std::int32_t kMaxTaps = parameters::kMaxTaps;
 
     explicit ViewTaps(const VSTGUI::CRect& size);
     ViewTaps(const ViewTaps& other) = default;

@@ -2,6 +2,7 @@
 // runs on the host's window thread.
 #pragma once
 
+#include "parameters/shared_field.h"
 #include "vst2/vst2.h"
 
 #include <cstdint>
@@ -25,11 +26,12 @@ class AEffEditor {
     }
     /// `ptr` is the host's parent window.
     virtual bool open(void* ptr) {
-        systemWindow = ptr;
+        parameters::storeShared(systemWindow, ptr);
         return false;
     }
-    virtual void close() { systemWindow = nullptr; }
-    virtual bool isOpen() { return systemWindow != nullptr; }
+    virtual void close() { parameters::storeShared<void*>(systemWindow, nullptr); }
+    /// Any thread.
+    virtual bool isOpen() { return parameters::loadShared(systemWindow) != nullptr; }
     virtual void idle() {}
     /// True if the key was used.
     virtual bool onKeyDown(vst2::VstKeyCode&) { return false; }
@@ -39,7 +41,7 @@ class AEffEditor {
 
   protected:
     AudioEffect* effect; ///< not owned
-    void* systemWindow = nullptr;
+    void* systemWindow = nullptr; ///< the host's; shared
 };
 
 } // namespace plugin

@@ -5,6 +5,7 @@
 // No lock is taken anywhere in the frame, and nothing is assumed about the calling thread.
 #pragma once
 
+#include "parameters/shared_field.h"
 #include "plugin/aeff_editor.h"
 #include "vst2/vst2.h"
 
@@ -65,7 +66,7 @@ class AudioEffect {
 
     AEffEditor* getEditor() { return editor.get(); }
     vst2::AEffect* getAeffect() { return &cEffect; }
-    float getSampleRate() const { return sampleRate; }
+    float getSampleRate() const { return parameters::loadShared(sampleRate); }
     std::int32_t getBlockSize() const { return blockSize; }
 
     /// Lets the host do its own idle work.

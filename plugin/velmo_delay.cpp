@@ -45,7 +45,7 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
         canProcessReplacing();
         setUniqueID(vst2::fourCharacterCode("qlvd"));
     }
-    window = new skin::xmlGuiEditor(this);
+    window = new editor::myEditor(this, engine.tapPattern().tapGain);
     setEditor(window);
     window->setKnobMode(VSTGUI::kLinearMode);
     startUp();
@@ -96,6 +96,8 @@ void velmo_delay::setParameter(std::int32_t id, float value) {
     if (id == kPreHighPass)
         engine.designHighPassOnChange(rate());
     window->queueParameterUpdate(id);
+    if (window->isOpen() && shapesPattern(id))
+        drawPattern();
 }
 
 void velmo_delay::tellWindow(std::int32_t id, float value) {
@@ -103,6 +105,11 @@ void velmo_delay::tellWindow(std::int32_t id, float value) {
         window->setParameter(skin::kRefreshAll, static_cast<float>(skin::kRefreshAll));
     else
         window->setParameter(id, value);
+}
+
+void velmo_delay::drawPattern() {
+    window->updateTapView(getParameter(kTaps), getParameter(kStretch), getParameter(kBaseLength), rate(),
+                          engine.tapPattern().tapGain);
 }
 
 void velmo_delay::storeParameter(std::int32_t id, float value) {
@@ -125,8 +132,10 @@ void velmo_delay::setProgram(std::int32_t program) {
     parameters::storeShared(curProgram, program);
     loadParametersOf(program);
     engine.computeTapPattern(rate());
-    if (window)
+    if (window) {
         window->setParameter(skin::kRefreshAll, static_cast<float>(skin::kRefreshAll));
+        drawPattern();
+    }
     engine.designLowPassOnChange(rate());
     engine.designHighPassOnChange(rate());
     updateDisplay();
@@ -195,7 +204,8 @@ std::int32_t velmo_delay::processEvents(vst2::VstEvents* events) {
 }
 
 void velmo_delay::controlChange(std::int32_t controller, float value) {
-    learn.bind(controller);
+    if (window)
+        window->learn.bind(controller);
     for (std::int32_t id = 0; id < kNumParameters; ++id)
         if (midi::controllerOf(id) == controller)
             setParameter(id, value);

@@ -23,12 +23,11 @@
 #pragma once
 
 #include "dsp/delay_engine.h"
+#include "editor/my_editor.h"
 #include "midi/event_reader.h"
-#include "midi/learn_machine.h"
 #include "plugin/audio_effect_x.h"
 #include "presets/default_bank.h"
 #include "presets/program_store.h"
-#include "skin/xml_gui_editor.h"
 
 namespace plugin {
 
@@ -73,6 +72,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     void startUp();
     void loadDefaultBank();
     void tellWindow(std::int32_t id, float value);
+    void drawPattern();
     void storeParameter(std::int32_t id, float value);
     void loadParametersOf(std::int32_t program);
     float rate() const { return parameters::loadShared(sampleRate); }
@@ -84,8 +84,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     dsp::DelayEngine engine;
     presets::ProgramStore programs;
     midi::NoteState notes;
-    midi::LearnMachine learn;
-    skin::xmlGuiEditor* window = nullptr; ///< the editor, which the frame owns
+    editor::myEditor* window = nullptr; ///< the editor, which the frame owns
 };
 
 } // namespace plugin

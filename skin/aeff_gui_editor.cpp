@@ -47,7 +47,7 @@ bool AEffGUIEditor::getRect(vst2::ERect** size) {
 }
 
 bool AEffGUIEditor::open(void* ptr) {
-    systemWindow = ptr;
+    parameters::storeShared(systemWindow, ptr);
     openFrame(rect.right - rect.left, rect.bottom - rect.top, nullptr, ptr);
     return true;
 }

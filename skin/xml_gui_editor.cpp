@@ -96,7 +96,7 @@ void xmlGuiEditor::resetLists() {
 bool xmlGuiEditor::open(void* ptr) {
     // A host that opens twice gets its second window in place of the first.
     closeFrame();
-    systemWindow = ptr;
+    storeShared(systemWindow, ptr);
     resetLists();
     storeShared(notedChanges_, 0u);
     const bool loaded = loadSkin(ptr, false);

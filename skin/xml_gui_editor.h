@@ -132,9 +132,9 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     VSTGUI::CSplashScreen* aboutBoxes[4] = {}; ///< not owned
     editor::CDisplay* anyDisplay = nullptr;    ///< shows what is being turned; not owned
 
-  private:
     class ObjectReader;
 
+  private:
     bool readSkin(SkinContext& context);
 
     void noteChange(std::int32_t index, float value);

@@ -4,7 +4,7 @@
 #include "bank/bank_table.h"
 #include "bank/cell_text.h"
 #include "bank/whole_file.h"
-#include "dsp/tap_pattern.h"
+#include "parameters/pattern_laws.h"
 #include "parameters/truncation.h"
 
 #include <algorithm>
@@ -143,11 +143,11 @@ TEST(BankCells, GiveTheEngineExactlyTheTapsTheySay) {
     for (int count = 1; count <= 128; ++count) {
         const auto value = cellValue(kTaps, std::to_string(count));
         ASSERT_TRUE(value.has_value()) << count;
-        EXPECT_EQ(count, dsp::numTapsOf(*value));
+        EXPECT_EQ(count, parameters::numTapsOf(*value));
         // A host that rounds what it stores does not change the count; 128 stands alone at the very end.
         if (count < 128) {
-            EXPECT_EQ(count, dsp::numTapsOf(*value - 0.001f));
-            EXPECT_EQ(count, dsp::numTapsOf(*value + 0.001f));
+            EXPECT_EQ(count, parameters::numTapsOf(*value - 0.001f));
+            EXPECT_EQ(count, parameters::numTapsOf(*value + 0.001f));
         }
     }
 }

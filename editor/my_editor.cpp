@@ -1,0 +1,176 @@
+#include "editor/my_editor.h"
+
+#include "editor/midi_learn.h"
+#include "editor/view_taps.h"
+#include "parameters/parameter_table.h"
+#include "parameters/shared_field.h"
+#include "parameters/truncation.h"
+#include "skin/ascii.h"
+#include "skin/object_reader.h"
+
+#include <cstdio>
+
+namespace editor {
+
+using parameters::loadShared;
+using parameters::storeShared;
+using parameters::trunc;
+using skin::SkinContext;
+using skin::SkinObject;
+
+namespace {
+
+constexpr int kDone = 1;
+constexpr int kPassedOver = 0;
+constexpr int kUnknownKind = -1;
+
+/// The number beside the picture. The limit is negative at every rate, so no length is ever at or below it,
+/// and what is shown is the rate's alone.
+std::int32_t shownMilliseconds(float length, float sampleRate, std::int32_t taps) {
+    const std::int32_t total = trunc((length * length * 1000.0f * 2.0f + 1.0f) * static_cast<float>(taps));
+    const std::int32_t limit = trunc(-100664296.0f / sampleRate);
+    if (total <= limit)
+        return total;
+    return limit == std::numeric_limits<std::int32_t>::min() ? limit : -limit;
+}
+
+/// Six digits as in FF8000. The display's colours have no opacity, whatever a skin says.
+VSTGUI::CColor clearColour(const char* text) {
+    unsigned value = 0;
+    std::sscanf(text, "%X", &value);
+    return {static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
+            static_cast<std::uint8_t>(value), 0};
+}
+
+} // namespace
+
+myEditor::myEditor(plugin::AudioEffectX* owner, TapGains tapGain)
+    : xmlGuiEditor(owner), effectGains_(tapGain) {}
+
+bool myEditor::open(void* ptr) {
+    viewTaps = nullptr;
+    noteDisplay = nullptr;
+    if (!xmlGuiEditor::open(ptr))
+        return false;
+    learn.disarm();
+    layOverlays();
+    opened = true;
+    return true;
+}
+
+void myEditor::close() {
+    {
+        const std::lock_guard guard(lock);
+        noteDisplay = nullptr;
+    }
+    xmlGuiEditor::close();
+    viewTaps = nullptr;
+    opened = false;
+}
+
+/// One for every control of a parameter, above all that the skin has made.
+void myEditor::layOverlays() {
+    const std::vector<VSTGUI::CControl*> covered = controls();
+    for (std::int32_t id = 0; id < numParams(); ++id)
+        for (VSTGUI::CControl* control : covered)
+            if (control->getTag() == id)
+                frame->addView(new CMidiLearn(control->getViewSize(), this, midi::kLearnTagBase + id, control,
+                                              &theEffect()));
+}
+
+void myEditor::controlChanged(void*, VSTGUI::CControl* control) {
+    learn.controlChanged(control->getTag(), control->getValue());
+}
+
+// The picture of the echoes
+
+void myEditor::updateTapView(float tapsValue, float stretchValue, float lengthValue, float sampleRate,
+                             TapGains tapGain) {
+    if (!isOpen() || !hasFrame())
+        return;
+    storeShared(pattern_.taps, tapsValue);
+    storeShared(pattern_.stretch, stretchValue);
+    storeShared(pattern_.length, lengthValue);
+    storeShared(pattern_.sampleRate, sampleRate);
+    for (std::size_t tap = 0; tap < tapGain.size(); ++tap)
+        storeShared(pattern_.gain[tap], loadShared(tapGain[tap]));
+    if (onWindowThread())
+        showPattern();
+    else
+        storeShared(patternNoted_, 1u);
+}
+
+void myEditor::showPattern() {
+    if (!viewTaps)
+        return;
+    const std::int32_t taps = parameters::numTapsOf(loadShared(pattern_.taps));
+    std::array<float, parameters::kMaxTaps> gain;
+    for (std::size_t tap = 0; tap < gain.size(); ++tap)
+        gain[tap] = loadShared(pattern_.gain[tap]);
+    viewTaps->showPattern(
+        gain.data(), shownMilliseconds(loadShared(pattern_.length), loadShared(pattern_.sampleRate), taps),
+        taps, parameters::stretchBend(loadShared(pattern_.stretch)));
+}
+
+void myEditor::showNotedChanges() {
+    xmlGuiEditor::showNotedChanges();
+    if (loadShared(patternNoted_) == 0)
+        return;
+    storeShared(patternNoted_, 0u);
+    showPattern();
+}
+
+// What this plug-in adds to the language of skins
+
+int myEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
+    const int result = xmlGuiEditor::createControls(name, object, context);
+    if (result != kUnknownKind)
+        return result;
+    if (equalIgnoringCase(name, "ViewTaps"))
+        return buildViewTaps(object, context);
+    if (equalIgnoringCase(name, "NoteDisplay"))
+        return buildNoteDisplay(object, context);
+    if (equalIgnoringCase(name, "PresetsDisplay"))
+        return readPresetsDisplay(object, context);
+    return kUnknownKind;
+}
+
+int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
+    ObjectReader tags("ViewTaps", object, context);
+    const double x = tags.number("x"), y = tags.number("y"), w = tags.number("w"), h = tags.number("h");
+    if (tags.isLost() || !frame)
+        return kPassedOver;
+    const float taps = theEffect().getParameter(parameters::kTaps);
+    const float stretch = theEffect().getParameter(parameters::kStretch);
+    const float length = theEffect().getParameter(parameters::kBaseLength);
+    viewTaps = new ViewTaps(skin::placeOf(x, y, w, h));
+    frame->addView(viewTaps);
+    updateTapView(taps, stretch, length, theEffect().getSampleRate(), effectGains_);
+    return kDone;
+}
+
+int myEditor::buildNoteDisplay(const SkinObject* object, SkinContext* context) {
+    ObjectReader tags("NoteDisplay", object, context);
+    const double x = tags.number("x"), y = tags.number("y"), w = tags.number("w"), h = tags.number("h");
+    const std::int32_t id = tags.integer("id");
+    const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
+    if (tags.isLost() || !frame)
+        return kPassedOver;
+    auto* const display = new CNoteDisplay(skin::placeOf(x, y, w, h), this, id, &note, &noteMode);
+    display->setBackColor(clearColour(backColour.c_str()));
+    display->setFontColor(clearColour(fontColour.c_str()));
+    frame->addView(display);
+    noteDisplay = display;
+    return kDone;
+}
+
+/// Makes nothing. A skin may hold one, and its faults are told under the name of its sister.
+int myEditor::readPresetsDisplay(const SkinObject* object, SkinContext* context) {
+    ObjectReader tags("NoteDisplay", object, context);
+    for (const char* tag : {"x", "y", "w", "h"})
+        tags.number(tag);
+    tags.text("fontcolor");
+    return tags.isLost() ? kPassedOver : kDone;
+}
+
+} // namespace editor

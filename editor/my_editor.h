@@ -1,0 +1,73 @@
+// The editor of this plug-in. The skin engine does nearly all of the work; what comes on top is the picture
+// of the echoes, a note display, the menu about MIDI controllers above every control of a parameter, and the
+// state of learning one.
+#pragma once
+
+#include "editor/note_display.h"
+#include "midi/learn_machine.h"
+#include "parameters/pattern_laws.h"
+#include "skin/xml_gui_editor.h"
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <span>
+
+namespace editor {
+
+class ViewTaps;
+
+/// The levels of all taps, linear, 0..1.
+using TapGains = std::span<const float, parameters::kMaxTaps>;
+
+class myEditor final : public skin::xmlGuiEditor {
+  public:
+    /// `tapGain` is the effect's own table, which other threads may rewrite at any time.
+    myEditor(plugin::AudioEffectX* effect, TapGains tapGain);
+
+    bool open(void* ptr) override;
+    void close() override;
+    void idle() override { xmlGuiEditor::idle(); }
+    /// Arms the learning of a controller if an overlay reports exactly 1.
+    void controlChanged(void* context, VSTGUI::CControl* control) override;
+
+    /// Shows a new pattern, if there is a window with a picture of it. The values are those of "Taps #",
+    /// "Stretch dly" and "Bs Lgh 1", normalised, `sampleRate` is in Hz. Any thread.
+    void updateTapView(float tapsValue, float stretchValue, float lengthValue, float sampleRate,
+                       TapGains tapGain);
+
+    /// Binds the controller of a Control Change to the control that waits for one.
+    void learnFromMidi(const std::uint8_t* midiData) { learn.learnFromMidi(midiData); }
+
+    midi::LearnMachine learn;
+
+  protected:
+    int createControls(const char* name, skin::SkinObject* object, skin::SkinContext* context) override;
+    void showNotedChanges() override;
+
+  private:
+    /// A pattern on its way to the window, each number shared.
+    struct Pattern {
+        float taps, stretch, length, sampleRate;
+        std::array<float, parameters::kMaxTaps> gain;
+    };
+
+    int buildViewTaps(const skin::SkinObject* object, skin::SkinContext* context);
+    int buildNoteDisplay(const skin::SkinObject* object, skin::SkinContext* context);
+    int readPresetsDisplay(const skin::SkinObject* object, skin::SkinContext* context);
+    void layOverlays();
+    void showPattern();
+
+    TapGains effectGains_;
+    Pattern pattern_ = {};
+    std::uint32_t patternNoted_ = 0; ///< 1 if a thread has left a pattern to be shown; shared
+
+    ViewTaps* viewTaps = nullptr;        ///< not owned
+    CNoteDisplay* noteDisplay = nullptr; ///< not owned
+    std::mutex lock;                     ///< for whoever would write notes while the window closes
+    std::int8_t note = 0;
+    std::int32_t noteMode = kNoNote;
+    bool opened = false;
+};
+
+} // namespace editor
