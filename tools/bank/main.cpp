@@ -4,6 +4,7 @@
 #include "bank/bank_table.h"
 #include "bank/preset_page.h"
 #include "bank/whole_file.h"
+#include "platform/display.h"
 #include "platform/private_folder.h"
 
 #include <CLI/CLI.hpp>
@@ -63,6 +64,8 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
 } // namespace
 
 int main(int argc, char** argv) {
+    // A build must not wait for somebody to click a message of the plug-in away.
+    platform::leaveDisplay();
     CLI::App app("The factory bank: a table of 128 programs, and the .fxb file made from it.",
                  "quillon-bank");
     app.require_subcommand(1);

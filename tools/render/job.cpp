@@ -9,6 +9,7 @@
 #include "tools/render/output_file.h"
 #include "tools/render/plot.h"
 #include "tools/render/report.h"
+#include "tools/render/settings_line.h"
 #include "tools/render/starting_point.h"
 #include "tools/render/text.h"
 #include "tools/render/tool_error.h"
@@ -77,51 +78,6 @@ std::vector<MidiEvent> atFrames(const std::vector<TimedMidi>& messages, double s
         events.push_back(event);
     }
     return events;
-}
-
-/// Puts the settings one behind the other that have anything to show.
-class SettingsLine {
-  public:
-    void add(const std::string& before, const std::string& display, const std::string& after) {
-        const std::string shown = printable(trimmed(display));
-        if (shown.empty())
-            return;
-        if (!text_.empty())
-            text_ += "   \u00b7   ";
-        text_.append(before).append(shown).append(after);
-    }
-    const std::string& text() const { return text_; }
-
-  private:
-    std::string text_;
-};
-
-/// The settings that matter, for the line under the picture's title: of the delay in plain words, of any
-/// other effect the first few.
-std::string settingsLine(const EffectState& state) {
-    struct Item {
-        const char* name;
-        const char* before;
-        const char* after;
-    };
-    static constexpr Item items[] = {
-        {"Taps #", "", " taps"},       {"Bs Lgh 1", "base length ", " ms"},
-        {"Stretch", "stretch ", ""},   {"Feedback", "feedback ", ""},
-        {"LFO Rt", "sweep ", " Hz"},   {"LFO Dp", "depth ", ""},
-        {"Dry Wet", "dry / wet ", ""}, {"Set", "", ""},
-    };
-    SettingsLine line;
-    for (const Item& item : items)
-        for (const ParameterState& parameter : state.parameters)
-            if (sameName(parameter.name, item.name))
-                line.add(item.before, parameter.display, item.after);
-    if (!line.text().empty())
-        return line.text();
-    constexpr std::size_t most = 6;
-    for (std::size_t i = 0; i < std::min(state.parameters.size(), most); ++i)
-        line.add(printable(trimmed(state.parameters[i].name)) + ' ', state.parameters[i].display,
-                 printable(' ' + state.parameters[i].label));
-    return line.text();
 }
 
 class RenderJob {

@@ -1,5 +1,6 @@
 // quillon-render IN OUT: plays an audio file through the plug-in, offline.
 
+#include "platform/display.h"
 #include "platform/own_output.h"
 #include "tools/render/interrupt.h"
 #include "tools/render/job.h"
@@ -29,6 +30,8 @@ void run(const render::Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    // A script that renders overnight must not find an effect's message box in the morning.
+    platform::leaveDisplay();
     try {
         const auto parsed = render::parseOptions(argumentCount, arguments);
         if (const auto* help = std::get_if<render::HelpText>(&parsed))
