@@ -26,9 +26,10 @@ std::string secondsText(double seconds) {
     return fixedText(seconds, seconds < 10.0 ? 2 : 1) + " s";
 }
 
-std::string decibelText(double decibels) {
-    const std::string text = fixedText(decibels, 0);
-    return text == "-0" ? "0" : text;
+/// One decimal, and no sign on what is zero when rounded.
+std::string decimalText(double value) {
+    const std::string text = fixedText(value, 1);
+    return text == "-0.0" ? "0.0" : text;
 }
 
 /// One upright line for each column in which the channel sounds; `sign` -1 draws upward.
@@ -123,8 +124,8 @@ std::string row(std::size_t number, const BankProgram& program, const ProgramNum
     text += fixedText(mix, 0) + " % | " + secondsText(numbers.firstSeconds) + " | " +
             secondsText(numbers.patternSeconds) + " | ";
     text += (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) + " | ";
-    text += decibelText(numbers.levelDecibels) + " dB | " + decibelText(numbers.peakDecibels) + " dB" +
-            (program.loud ? " \\*" : "") + " | " + fixedText(numbers.correlation, 1) + " |\n";
+    text += decimalText(numbers.levelDecibels) + " dB | " + decimalText(numbers.peakDecibels) + " dB" +
+            (program.loud ? " \\*" : "") + " | " + decimalText(numbers.correlation) + " |\n";
     return text;
 }
 
