@@ -40,7 +40,7 @@ class AEffEditor {
     virtual bool setKnobMode(std::int32_t) { return false; }
 
   protected:
-    AudioEffect* effect; ///< not owned
+    AudioEffect* effect;          ///< not owned
     void* systemWindow = nullptr; ///< the host's; shared
 };
 

@@ -1,5 +1,6 @@
 #include "plugin/velmo_delay.h"
 
+#include "editor/my_editor.h"
 #include "midi/cc_map.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_table.h"

@@ -23,11 +23,14 @@
 #pragma once
 
 #include "dsp/delay_engine.h"
-#include "editor/my_editor.h"
 #include "midi/event_reader.h"
 #include "plugin/audio_effect_x.h"
 #include "presets/default_bank.h"
 #include "presets/program_store.h"
+
+namespace editor {
+class myEditor;
+}
 
 namespace plugin {
 

@@ -31,6 +31,7 @@ const std::map<std::int32_t, Answer> kAnswers = {
     {effGetParamLabel, {0, 9}},
     {effGetParamDisplay, {0, 4}},
     {effGetParamName, {0, 9}},
+    {effEditGetRect, {1, sizeof(void*)}},
     {effIdentify, {fourCharacterCode("NvEf"), 0}},
     {effGetChunk, {14336, sizeof(void*)}},
     {effProcessEvents, {1, 0}},
@@ -43,6 +44,7 @@ const std::map<std::int32_t, Answer> kAnswers = {
     {effGetVendorVersion, {1000, 0}},
     {effCanDo, {-1, 0}},
     {effGetVstVersion, {2400, 0}},
+    {effSetEditKnobMode, {1, 0}},
     {effGetCurrentMidiProgram, {-1, 0}},
     {effGetSpeakerArrangement, {0, sizeof(void*)}},
 };
@@ -84,7 +86,7 @@ class Dispatcher : public QuietPlugin {
 
 TEST_F(Dispatcher, AnswersEveryOpcodeByTheTable) {
     for (std::int32_t opcode = -1; opcode <= 100; ++opcode)
-        if (opcode != effClose && opcode != effEditOpen)
+        if (opcode != effClose)
             expectAnswer(opcode);
 }
 
@@ -93,15 +95,46 @@ TEST_F(Dispatcher, AnswersZeroToOpcodesFarOutside) {
         expectAnswer(opcode);
 }
 
-TEST_F(Dispatcher, AnswersZeroToTheEditorsOpcodesWithoutAnEditor) {
-    ASSERT_EQ(plugin.effect()->flags & effFlagsHasEditor, 0);
-    for (const std::int32_t opcode : {effEditGetRect, effEditOpen, effEditClose, effEditIdle, effEditKeyDown,
-                                      effEditKeyUp, effSetEditKnobMode}) {
-        SCOPED_TRACE(opcode);
+// An instance with no skin beside its library: it has an editor, and the editor has no window to show.
+
+TEST_F(Dispatcher, SaysThatThereIsAnEditor) {
+    EXPECT_NE(plugin.effect()->flags & effFlagsHasEditor, 0);
+}
+
+TEST_F(Dispatcher, GivesAWindowOfNoSizeWithoutASkin) {
+    ERect* size = nullptr;
+    EXPECT_EQ(plugin.dispatch(effEditGetRect, 0, 0, &size), 1);
+    ASSERT_NE(size, nullptr);
+    EXPECT_EQ(size->left, 0);
+    EXPECT_EQ(size->top, 0);
+    EXPECT_EQ(size->right, 0);
+    EXPECT_EQ(size->bottom, 0);
+}
+
+TEST_F(Dispatcher, OpensNoWindowWithoutASkin) {
+    int parent = 0;
+    EXPECT_EQ(plugin.dispatch(effEditOpen, 0, 0, &parent), 0);
+    EXPECT_EQ(plugin.dispatch(effEditIdle), 0);
+    EXPECT_EQ(plugin.dispatch(effEditClose), 0);
+}
+
+TEST_F(Dispatcher, TakesNoKeysWithoutAWindow) {
+    for (const std::int32_t opcode : {effEditKeyDown, effEditKeyUp}) {
         HostBuffer buffer;
         EXPECT_EQ(plugin.dispatch(opcode, 'a', 2, buffer.data(), 1.0f), 0);
         EXPECT_EQ(buffer.changedUpTo(), 0u);
     }
+}
+
+TEST_F(Dispatcher, TakesAnyKnobMode) {
+    for (const std::intptr_t mode : {0, 1, 2, 77, -1})
+        EXPECT_EQ(plugin.dispatch(effSetEditKnobMode, 0, mode), 1) << mode;
+}
+
+TEST_F(Dispatcher, TakesTheEditorsOpcodesInAnyOrder) {
+    for (const std::int32_t opcode : {effEditIdle, effEditClose, effEditClose, effEditIdle, effEditOpen,
+                                      effEditIdle, effEditOpen, effEditClose, effEditIdle})
+        EXPECT_EQ(plugin.dispatch(opcode), 0) << opcode;
 }
 
 TEST_F(Dispatcher, AnswersOneToCloseAndNothingElseNeedsDoing) {

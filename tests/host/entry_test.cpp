@@ -198,7 +198,7 @@ TEST_F(Record, TellsWhatTheInstanceIs) {
     EXPECT_EQ(effect.numParams, 21);
     EXPECT_EQ(effect.numInputs, 2);
     EXPECT_EQ(effect.numOutputs, 2);
-    EXPECT_EQ(effect.flags, 0x38);
+    EXPECT_EQ(effect.flags, 0x39);
     EXPECT_EQ(effect.ioRatio, 1.0f);
     EXPECT_EQ(effect.uniqueID, kUniqueID);
     EXPECT_EQ(effect.version, 1);
@@ -228,7 +228,7 @@ TEST_F(Record, KeepsItsChannelsThroughALife) {
     plugin.suspend();
     EXPECT_EQ(plugin.effect()->numInputs, 2);
     EXPECT_EQ(plugin.effect()->numOutputs, 2);
-    EXPECT_EQ(plugin.effect()->flags, 0x38);
+    EXPECT_EQ(plugin.effect()->flags, 0x39);
     EXPECT_EQ(plugin.effect()->initialDelay, 0);
 }
 

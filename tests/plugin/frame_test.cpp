@@ -162,14 +162,21 @@ class NotingEditor : public plugin::AEffEditor {
     ERect size_ = {0, 0, 480, 640};
 };
 
+/// An effect with nothing of its own, whose editor a test chooses.
+class PlainEffect final : public plugin::AudioEffectX {
+  public:
+    using AudioEffectX::AudioEffectX;
+    void processReplacing(float**, float**, std::int32_t) override {}
+};
+
 TEST_F(Frame, LeadsTheEditorsOpcodesToTheEditorAndOwnsIt) {
     std::string notes;
     {
-        const auto effect = make(recordingHost);
+        const auto effect = std::make_unique<PlainEffect>(recordingHost, 1, 1);
         AEffect* const record = effect->getAeffect();
-        EXPECT_EQ(record->flags, 0x38);
+        EXPECT_EQ(record->flags, 0);
         effect->setEditor(new NotingEditor(effect.get(), notes));
-        EXPECT_EQ(record->flags, 0x39);
+        EXPECT_EQ(record->flags, effFlagsHasEditor);
 
         ERect* size = nullptr;
         int parent = 0;
