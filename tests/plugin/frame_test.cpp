@@ -174,9 +174,9 @@ TEST_F(Frame, LeadsTheEditorsOpcodesToTheEditorAndOwnsIt) {
     {
         const auto effect = std::make_unique<PlainEffect>(recordingHost, 1, 1);
         AEffect* const record = effect->getAeffect();
-        EXPECT_EQ(record->flags, 0);
+        EXPECT_EQ(record->flags, effFlagsCanReplacing);
         effect->setEditor(new NotingEditor(effect.get(), notes));
-        EXPECT_EQ(record->flags, effFlagsHasEditor);
+        EXPECT_EQ(record->flags, effFlagsCanReplacing | effFlagsHasEditor);
 
         ERect* size = nullptr;
         int parent = 0;
