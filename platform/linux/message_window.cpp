@@ -7,6 +7,7 @@
 
 #include "message_drawing.h"
 #include "message_text.h"
+#include "message_traits.h"
 
 #include <algorithm>
 #include <cairo-xcb.h>
@@ -16,6 +17,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <xcb/xcb.h>
 
 namespace platform {
@@ -76,6 +78,7 @@ class MessageWindow {
     void setProperty(xcb_atom_t property, xcb_atom_t type, const std::string& value) const;
     void setTitle(const std::string& caption) const;
     void setManagerHints() const;
+    void setTextForPrograms() const;
 
     bool isAcknowledgedBy(const xcb_generic_event_t& event);
     bool isClosingKey(const xcb_key_press_event_t& event) const;
@@ -85,6 +88,7 @@ class MessageWindow {
     void draw();
 
     xcb_connection_t* connection_;
+    std::string text_;
     xcb_screen_t* screen_ = nullptr;
     xcb_window_t window_ = XCB_NONE;
     xcb_atom_t protocols_ = XCB_NONE;
@@ -99,7 +103,7 @@ class MessageWindow {
 };
 
 MessageWindow::MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text)
-    : connection_(connection) {
+    : connection_(connection), text_(text) {
     findScreen(screenNumber);
     if (!screen_ || !rootVisual())
         return;
@@ -231,9 +235,18 @@ void MessageWindow::setManagerHints() const {
     set(XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, takesKeyboard);
 }
 
+/// A host that nobody watches reads what is said, and by whom.
+void MessageWindow::setTextForPrograms() const {
+    const auto process = static_cast<std::uint32_t>(getpid());
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL,
+                        32, 1, &process);
+    setProperty(atom(messageTextProperty), atom("UTF8_STRING"), text_);
+}
+
 void MessageWindow::show(const std::string& caption) {
     setTitle(caption);
     setManagerHints();
+    setTextForPrograms();
     xcb_map_window(connection_, window_);
     xcb_flush(connection_);
 }

@@ -44,7 +44,9 @@ const std::map<std::string, Names> allowed = {
     {"editor",
      {"editor_displays", "editor_views", "midi", "parameters", "platform", "platform_toolkit", "plugin_frame",
       "skin", "skin_language", "vst2"}},
+    {"platform_host", {"platform"}},
     {"host", {"platform", "vst2"}},
+    {"host_editor", {"host", "platform", "platform_host", "vst2"}},
     {"render", {"host", "platform", "vst2"}},
 };
 

@@ -1,0 +1,67 @@
+// A plug-in's editor in a window of its own, as a host shows it: sized as the editor says, given its time
+// regularly, taken away in order.
+//
+//     host::EditorWindow window("Quillon Multitap Delay");
+//     window.open(plugin);
+//     while (!window.isClosed())
+//         window.serve(20);
+//
+// All on one thread, the window thread of the plug-in.
+#pragma once
+
+#include "host/plugin.h"
+#include "platform/host_window.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+/// In pixels.
+struct EditorSize {
+    int width = 0;
+    int height = 0;
+};
+
+/// What effEditGetRect says; nothing if the plug-in has no editor or gives it no size.
+std::optional<EditorSize> editorSize(Plugin& plugin);
+
+class EditorWindow {
+  public:
+    /// Makes the window, not to be seen before an editor is in it. Throws HostError without a display.
+    explicit EditorWindow(const std::string& title);
+    /// Closes the editor.
+    ~EditorWindow();
+    EditorWindow(const EditorWindow&) = delete;
+    EditorWindow& operator=(const EditorWindow&) = delete;
+
+    /// Opens the editor of `plugin`, which must live until close(), in place of one that is open. Shows the
+    /// window, also where the editor fails. Throws HostError if there is no editor or it does not open.
+    void open(Plugin& plugin);
+    /// Closes the editor. The window stays.
+    void close();
+    bool isOpen() const { return plugin_ != nullptr; }
+
+    /// Gives the editor its turn, then waits for the window up to `milliseconds`. With less than 50 of them
+    /// the editor seems alive to the hand.
+    void serve(int milliseconds);
+    /// Whether the person has closed the window.
+    bool isClosed() const { return window_.isClosed(); }
+
+    /// What is to be seen now; nothing if that cannot be told.
+    std::optional<platform::Picture> picture() const { return window_.picture(); }
+    /// The picture when it has come to rest: when the editor has had its turn several times and nothing
+    /// changed. Gives the last one if it goes on changing for `patienceMilliseconds`, and nothing if there is
+    /// none to be had or the person closes the window.
+    std::optional<platform::Picture> settledPicture(int patienceMilliseconds);
+
+  private:
+    void answerSizeRequests();
+    void fitTo(Plugin& plugin);
+
+    platform::HostWindow window_;
+    Plugin* plugin_ = nullptr; ///< of the editor that is open
+    decltype(HostBehaviour::answer) answerBefore_;
+};
+
+} // namespace host
