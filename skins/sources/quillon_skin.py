@@ -13,10 +13,11 @@ WELL = "191D22"
 IVORY, MUTED = "F0EBDF", "AEB6BE"
 AMBER, AMBER_DEEP, AMBER_LIGHT = "F0A93C", "C47F1D", "FFCE7D"
 
-#: The plate behind the echoes: light enough for their grey lettering, with a band on which both the dark blue
-#: and the yellow line of the help pages can be read.
+#: The plate behind the echoes: light enough for their grey lettering, with a printed stripe on which both the
+#: dark blue and the yellow line of the help pages can be read.
 PLATE_TOP, PLATE_BOTTOM, PLATE_LINE = "F4EFE4", "ECE6D9", "CFC7B6"
-BAND, BAND_TOP, BAND_HEIGHT = "808992", 48, 14
+STRIPE, STRIPE_TOP, STRIPE_HEIGHT = "AB8044", 48, 14
+INK = "14171B"
 
 #: An odd number, so that one frame points straight up.
 FRAMES = 129
@@ -54,6 +55,7 @@ WIDTH, HEIGHT = 940, 604
 SWITCH_WIDTH, SWITCH_HEIGHT = 148, 30
 FADER_WIDTH, FADER_HEIGHT = 22, 38
 MENU_WIDTH, MENU_HEIGHT = 94, 26
+PICTURES = {"hswitch": (SWITCH_WIDTH, SWITCH_HEIGHT), "slider": (FADER_WIDTH, FADER_HEIGHT)}
 
 
 def draw(skin):
@@ -131,7 +133,7 @@ def _plate(canvas, view):
         plate.height,
         fade(0, plate.top, 0, plate.bottom, (0, PLATE_TOP), (1, PLATE_BOTTOM)),
     )
-    canvas.box(plate.left, view.top + BAND_TOP, plate.width, BAND_HEIGHT, BAND)
+    _stripe(canvas, view, plate.right)
     for share in (0.5, 0.25, 0.125):
         level = view.bottom - round(view.height * share) + 0.5
         canvas.line(plate.left, level, plate.right, level, PLATE_LINE, alpha=0.8)
@@ -145,6 +147,14 @@ def _plate(canvas, view):
     for share, words in ((0.5, "-6 dB"), (0.25, "-12"), (0.125, "-18")):
         level = view.bottom - round(view.height * share)
         canvas.text(view.right - 4, level - 3, words.replace("-", "\N{MINUS SIGN}"), 11, "6B6556", PLATE_BOTTOM, align=1)
+
+
+def _stripe(canvas, view, right):
+    """Runs in from the right and is at full strength wherever the help pages write on it."""
+    start, full = view.left + 150, view.left + 260
+    y = view.top + STRIPE_TOP
+    canvas.box(start, y, right - start, STRIPE_HEIGHT, fade(start, 0, full, 0, (0, STRIPE, 0), (1, STRIPE)))
+    canvas.text(view.right - 4, y + 11, "128 TAPS", 11, INK, STRIPE, align=1, bold=True, spacing=1.4)
 
 
 def _panel(canvas, skin, group, top):
@@ -161,20 +171,9 @@ def _panel(canvas, skin, group, top):
     canvas.line(line, top + 14.5, left + width - 12, top + 14.5, "FFFFFF", alpha=0.07)
 
 
-def _middle(skin, name):
-    """The line on which a control, its words and its value are centred."""
-    control = skin.control(name)
-    kind = control.tag.lower()
-    if kind == "hswitch":
-        return skin.rect(control, (SWITCH_WIDTH, SWITCH_HEIGHT)).middle
-    if kind == "slider":
-        return skin.rect(control, (skin.length(control), FADER_HEIGHT)).middle
-    return skin.rect(control).middle
-
-
 def _caption(canvas, skin, name, top):
     words, unit = LABELS[name]
-    middle = _middle(skin, name)
+    middle = skin.control_rect(name, PICTURES).middle
     canvas.text(middle, top + 36, words, 12, MUTED if name in QUIET else IVORY, PANEL_TOP)
     value = skin.value(name)
     if unit:
@@ -182,8 +181,7 @@ def _caption(canvas, skin, name, top):
 
 
 def _mix_track(canvas, skin):
-    slider = skin.control("DryWet")
-    place = skin.rect(slider, (skin.length(slider), FADER_HEIGHT))
+    place = skin.control_rect("DryWet", PICTURES)
     left, right = place.left + FADER_WIDTH / 2, place.right - FADER_WIDTH / 2
     y = place.top + FADER_HEIGHT / 2
     for step in range(11):

@@ -82,13 +82,22 @@ class SkinFile:
         """The object that moves the parameter whose id has this name among the constants."""
         return self._find(name, _CONTROLS, "id")
 
+    def control_rect(self, name, pictures):
+        """Where that control stands. Switches and sliders take their size from their pictures: `pictures` gives
+        the width and height of one state, or of the handle, by the kind of control."""
+        node = self.control(name)
+        kind = node.tag.lower()
+        if kind == "knob":
+            return self.rect(node)
+        width, height = pictures[kind]
+        if kind == "slider":
+            length = int(self._tag(node, "len"))
+            width, height = (width, length) if int(self._tag(node, "style")) & 2 else (length, height)
+        return self.rect(node, (width, height))
+
     def value(self, name):
         """Where the value of that parameter is printed."""
         return self.rect(self._find(name, ("autodisp",), "link"))
-
-    def length(self, node):
-        """How long a slider is."""
-        return int(self._tag(node, "len"))
 
     def _find(self, name, kinds, tag):
         wanted = self.number(name)
