@@ -92,5 +92,12 @@ INSTANTIATE_TEST_SUITE_P(LinearPastTheWrap, BitExact,
                          testing::ValuesIn(batches(Family::kLinearPastTheWrap, 3, 5)), nameOf);
 INSTANTIATE_TEST_SUITE_P(CubicPastTheWrap, BitExact,
                          testing::ValuesIn(batches(Family::kCubicPastTheWrap, 2, 5)), nameOf);
+INSTANTIATE_TEST_SUITE_P(ShortFeedback, BitExact, testing::ValuesIn(batches(Family::kShortFeedback, 4, 12)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(CrossingGlides, BitExact, testing::ValuesIn(batches(Family::kCrossingGlides, 4, 12)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Interruptions, BitExact, testing::ValuesIn(batches(Family::kInterruptions, 4, 24)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(FullMemory, BitExact, testing::ValuesIn(batches(Family::kFullMemory, 4, 4)), nameOf);
 
 } // namespace

@@ -3,10 +3,12 @@
 #include "reference_engine.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <sstream>
 
 namespace scenario {
@@ -407,6 +409,136 @@ void writePastTheWrap(Author& author, std::int32_t mode) {
     author.play(1000, 6);
 }
 
+/// Every length of block from 1 to 65 at least once, in any order.
+void playAllShortBlocks(Author& author) {
+    std::array<std::int32_t, 65> lengths;
+    std::iota(lengths.begin(), lengths.end(), 1);
+    for (std::size_t i = lengths.size() - 1; i > 0; --i)
+        std::swap(lengths[i],
+                  lengths[static_cast<std::size_t>(author.random.below(static_cast<int>(i) + 1))]);
+    for (std::int32_t length : lengths)
+        author.play(length);
+}
+
+/// The first or the last tap comes back within a sub-block or just outside, loudly, under every length of
+/// block.
+void writeShortFeedback(Author& author) {
+    author.mode = author.random.below(3);
+    author.begin();
+    author.setAllSanely();
+    for (std::int32_t round = 0; round < 3; ++round) {
+        // One gap of an even pattern is half the base length.
+        const double gap = author.random.oneIn(3) ? author.random.below(30) : author.random.between(56, 72);
+        constexpr std::int32_t counts[] = {1, 2, 3, 8, 9, 101, 102, 128};
+        author.set(kStretch, author.random.oneIn(3) ? author.random.unit() : 0.5f);
+        author.set(kBaseLength, valueOfLength(2.0 * gap, static_cast<double>(author.rate)));
+        author.set(kTaps, valueOfTaps(author.random.oneOf(counts)));
+        author.set(kFeedback, author.random.oneIn(2) ? 1.0f : 0.0f);
+        author.set(kLfoDepth, author.random.oneIn(2) ? 0.0f : author.random.unit());
+        author.set(kLfoRate, author.random.unit());
+        author.set(kDryWet, 0.9f);
+        if (author.random.oneIn(2))
+            author.play(20000);
+        playAllShortBlocks(author);
+    }
+}
+
+/// Taps on the way to places far away, so that they overtake each other, the write position and the end of
+/// the memory.
+void writeCrossingGlides(Author& author) {
+    author.mode = author.random.below(2);
+    author.begin();
+    author.setAllSanely();
+    constexpr std::int32_t counts[] = {2, 3, 7, 16, 33, 64, 100, 101};
+    for (std::int32_t round = 0; round < 6; ++round) {
+        author.set(kTaps, valueOfTaps(author.random.oneOf(counts)));
+        author.set(kStretch, author.random.unit());
+        author.set(kBaseLength, author.random.oneIn(2) ? author.random.unit() : author.random.unit() * 0.02f);
+        author.set(kLfoDepth, author.random.oneIn(3) ? 0.0f : author.random.unit());
+        if (author.random.oneIn(3))
+            author.set(kSet, author.random.oneIn(2) ? 1.0f : 0.3f);
+        for (std::int32_t block = 0; block < 4; ++block)
+            author.play(author.random.oneIn(2) ? author.random.between(1, 65)
+                                               : author.random.between(100, 1500));
+    }
+}
+
+/// Programs, rates and resumes between short blocks: the memory is mostly empty, its first echoes are just
+/// arriving, and the taps may all sit on the write position.
+void writeInterruptions(Author& author) {
+    author.begin();
+    author.setAllSanely();
+    std::vector<DelayProgram> bank(kPrograms);
+    for (DelayProgram& program : bank) {
+        program = author.saneProgram();
+        program.values[kBaseLength] = valueOfLength(author.random.between(4, 400), 44100.0);
+        program.values[kDryWet] = 0.8f;
+    }
+    author.add(SetChunk{author.bytesOf(bank), false});
+    for (std::int32_t round = 0; round < 30; ++round) {
+        for (std::int32_t block = author.random.between(1, 8); block > 0; --block)
+            author.play(author.random.between(1, 65));
+        switch (author.random.below(5)) {
+        case 0:
+        case 1:
+            author.add(SetProgram{author.random.below(kPrograms)});
+            break;
+        case 2:
+            author.rate = author.random.oneOf(kRates);
+            author.add(SetSampleRate{author.rate});
+            break;
+        case 3:
+            author.add(Resume{true});
+            break;
+        default:
+            author.set(author.random.between(-1, 22), author.random.unit());
+        }
+    }
+}
+
+/// A full memory and short blocks across its end: taps on the oldest sample, taps pinned behind it, taps that
+/// the sweep carries over the edge and back, and each of the ways to start anew.
+void writeFullMemory(Author& author) {
+    author.mode = static_cast<std::int32_t>(author.scenario.seed % 3);
+    author.rate = 192000.0f;
+    author.add(SetSampleRate{author.rate});
+    author.add(Resume{false});
+    author.setAllSanely();
+    author.set(kStretch, 0.5f);
+    author.set(kAmpDecay, 0.5f);
+    author.set(kDryWet, 1.0f);
+    author.set(kTaps, valueOfTaps(1));
+    author.set(kSet, 0.0f);
+    author.play(4096, 1023);
+    auto& approach = std::get<Blocks>(author.scenario.actions.back());
+    approach.signal = Signal::kNoise;
+    approach.level = 1.0f;
+    for (std::int32_t round = 0; round < 3; ++round) {
+        // From 102 taps on nothing glides, so the taps are at the edge at once.
+        const std::int32_t taps = author.random.between(102, 128);
+        const std::int32_t reach = 4194302 + author.random.between(-80, 3);
+        const double gap = author.random.oneIn(3) ? 4194302.0 / author.random.between(60, 101)
+                                                  : static_cast<double>(reach) / taps;
+        author.set(kBaseLength, valueOfLength(2.0 * gap + 1.0, static_cast<double>(author.rate)));
+        author.set(kTaps, valueOfTaps(taps));
+        author.setSanely(kSet);
+        constexpr float depths[] = {0.0f, 0.005f, 0.02f, 0.3f, 1.0f};
+        author.set(kLfoDepth, author.random.oneOf(depths));
+        author.set(kLfoRate, author.random.oneIn(3) ? 1.0f : author.random.unit());
+        author.set(kFeedback, author.random.unit());
+        if (round == 0) // up to the end itself
+            author.play(4096 - author.random.between(60, 400));
+        playAllShortBlocks(author);
+    }
+    author.add(SetSampleRate{96000.0f});
+    author.play(author.random.between(1, 300));
+    author.set(17, 0.0f);
+    author.play(author.random.between(1, 300));
+    author.add(SetProgram{0});
+    author.setSanely(kTaps);
+    author.play(2000);
+}
+
 const char* titleOf(Family family) {
     constexpr const char* titles[kFamilies] = {"whole samples",
                                                "linear read",
@@ -421,7 +553,11 @@ const char* titleOf(Family family) {
                                                "the shortest times",
                                                "whole samples past the wrap",
                                                "linear read past the wrap",
-                                               "cubic read past the wrap"};
+                                               "cubic read past the wrap",
+                                               "short feedback",
+                                               "crossing glides",
+                                               "interruptions",
+                                               "a full memory"};
     return titles[static_cast<std::size_t>(family)];
 }
 
@@ -473,6 +609,18 @@ Scenario make(std::uint64_t seed) {
         break;
     case Family::kCubicPastTheWrap:
         writePastTheWrap(author, 0);
+        break;
+    case Family::kShortFeedback:
+        writeShortFeedback(author);
+        break;
+    case Family::kCrossingGlides:
+        writeCrossingGlides(author);
+        break;
+    case Family::kInterruptions:
+        writeInterruptions(author);
+        break;
+    case Family::kFullMemory:
+        writeFullMemory(author);
         break;
     }
     return std::move(author.scenario);

@@ -134,8 +134,12 @@ enum class Family : std::uint64_t {
     kWholeSamplesPastTheWrap = 11,
     kLinearPastTheWrap = 12,
     kCubicPastTheWrap = 13,
+    kShortFeedback = 14,
+    kCrossingGlides = 15,
+    kInterruptions = 16,
+    kFullMemory = 17,
 };
-constexpr std::uint64_t kFamilies = 14;
+constexpr std::uint64_t kFamilies = 18;
 constexpr std::uint64_t kSeedsPerFamily = 1000000;
 
 constexpr std::uint64_t seedOf(Family family, std::uint64_t index) {
