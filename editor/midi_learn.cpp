@@ -30,16 +30,26 @@ bool isRightAlone(Event& event) {
     return gesture && VSTGUI::buttonStateFromMouseEvent(*gesture).isRightButton();
 }
 
-VSTGUI::SharedPointer<COptionMenu> makeMenu(const CPoint& where, std::int32_t controller) {
+/// To be given to a frame. The toolkit opens the menu at its place, where otherwise it shows nothing.
+COptionMenu* makeMenu(const CPoint& where, std::int32_t controller) {
     CRect place(where.x, where.y, where.x + 1, where.y + 1);
     place.normalize();
-    auto menu = VSTGUI::makeOwned<COptionMenu>(place, nullptr, 0, nullptr, nullptr,
-                                               COptionMenu::kPopupStyle | COptionMenu::kCheckStyle |
-                                                   COptionMenu::kNoDrawStyle);
+    auto* menu =
+        new COptionMenu(place, nullptr, 0, nullptr, nullptr,
+                        COptionMenu::kPopupStyle | COptionMenu::kCheckStyle | COptionMenu::kNoDrawStyle);
     menu->addEntry("MidiLearn");
     if (controller != midi::kNoController)
         menu->addEntry("Forget CC " + std::to_string(controller));
     return menu;
+}
+
+void removeMenu(COptionMenu* menu) {
+    VSTGUI::CFrame* frame = menu->getFrame();
+    if (!frame)
+        return; // gone with its window
+    if (frame->getFocusView() == menu)
+        frame->setFocusView(nullptr);
+    frame->removeView(menu);
 }
 
 } // namespace
@@ -87,20 +97,23 @@ CMouseEventResult CMidiLearn::onMouseMoved(CPoint& where, const CButtonState& bu
 
 void CMidiLearn::openMenu(const CPoint& where) {
     const std::int32_t id = getTag();
-    if (!getFrame() || id < 0 || id >= parameters::kNumParameters)
+    VSTGUI::CFrame* frame = getFrame();
+    if (!frame || id < 0 || id >= parameters::kNumParameters)
         return;
     CPoint inFrame(where);
     localToFrame(inFrame);
-    const auto menu = makeMenu(where, midi::controllerOf(id));
-    // Where the menu answers later, the window may be closed in between.
-    const auto finish = [self = VSTGUI::shared(this),
-                         below = VSTGUI::shared(control)](COptionMenu* answered) {
+    COptionMenu* menu = makeMenu(inFrame, midi::controllerOf(id));
+    frame->addView(menu);
+    // On some systems the answer is there when this returns, on others it comes later; the window may have
+    // been closed by then.
+    menu->popup([self = VSTGUI::shared(this), below = VSTGUI::shared(control)](COptionMenu* answered) {
         if (self->isAttached())
             self->finishMenu(answered->getLastResult());
-    };
-    menu->popup(getFrame(), inFrame, finish);
+        removeMenu(answered);
+    });
 }
 
+/// Whatever else the menu answers, nothing was chosen.
 void CMidiLearn::finishMenu(std::int32_t choice) {
     const std::int32_t id = getTag();
     if (choice == kLearn)
