@@ -47,7 +47,8 @@ const std::map<std::string, Names> allowed = {
     {"platform_host", {"platform"}},
     {"host", {"platform", "vst2"}},
     {"host_editor", {"host", "platform", "platform_host", "vst2"}},
-    {"render", {"host", "platform", "vst2"}},
+    {"tool_common", {"host", "platform", "vst2"}},
+    {"render", {"host", "platform", "tool_common", "vst2"}},
 };
 
 /// Each room's include folders, as its own files are compiled.

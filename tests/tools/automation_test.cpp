@@ -1,15 +1,15 @@
 // Reading automation files.
 
+#include "tools/common/tool_error.h"
 #include "tools/render/automation.h"
-#include "tools/render/tool_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::AutomationLine;
-using render::parseAutomation;
-using render::WantedValue;
+using tools::WantedValue;
+using tools::render::AutomationLine;
+using tools::render::parseAutomation;
 
 AutomationLine onlyLine(std::string_view text) {
     const auto lines = parseAutomation(text);
@@ -21,7 +21,7 @@ void expectRefused(std::string_view text, const std::string& reason) {
     try {
         parseAutomation(text);
         FAIL() << text << " was read; expected: " << reason;
-    } catch (const render::ToolError& error) {
+    } catch (const tools::ToolError& error) {
         EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
     }
 }

@@ -4,7 +4,8 @@
 
 namespace {
 
-using namespace render;
+using namespace tools;
+using namespace tools::render;
 
 TEST(Axis, RoundsUpToOneTwoOrFive) {
     EXPECT_DOUBLE_EQ(roundUp(0.3), 0.5);

@@ -3,20 +3,20 @@
 #include "tools/render/block_player.h"
 
 #include "platform/private_folder.h"
-#include "tools/render/effect_library.h"
+#include "tools/common/effect_library.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::BlockPlayer;
-using render::Events;
+using tools::render::BlockPlayer;
+using tools::render::Events;
 
 /// A loaded probe effect, playing a constant input.
 class Playing {
   public:
     explicit Playing(const std::string& name, const Events& events, std::int32_t blockSize)
-        : library_(render::loadForGood(PROBES "/" + name + ".so")), plugin_(library_),
+        : library_(tools::loadForGood(PROBES "/" + name + ".so")), plugin_(library_),
           player_(start(), events, blockSize), blockSize_(blockSize) {}
 
     /// The first output, `blocks` blocks long.

@@ -1,22 +1,22 @@
 // Setting a parameter to what the effect shows.
 
-#include "tools/render/display_search.h"
+#include "tools/common/display_search.h"
 
 #include "platform/private_folder.h"
-#include "tools/render/effect_library.h"
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/effect_library.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::valueShowing;
-using render::wantedValue;
+using tools::valueShowing;
+using tools::wantedValue;
 
 class Effect {
   public:
-    explicit Effect(const std::string& path) : library_(render::loadForGood(path)), plugin(library_) {
+    explicit Effect(const std::string& path) : library_(tools::loadForGood(path)), plugin(library_) {
         plugin.start(44100.0f, 512);
     }
 
@@ -49,7 +49,7 @@ void expectRefused(Action&& action, const std::string& reason) {
     try {
         action();
         FAIL() << "was found; expected: " << reason;
-    } catch (const render::ToolError& error) {
+    } catch (const tools::ToolError& error) {
         EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
     }
 }
@@ -75,7 +75,7 @@ TEST(DisplaySearch, UnderstandsUnits) {
     EXPECT_EQ(effect.displayFor(preLowPass, "2000Hz"), "2000");
     EXPECT_EQ(effect.displayFor(preLowPass, "2kHz"), "2000");
     EXPECT_EQ(effect.displayFor(outGain, "-6dB").substr(0, 4), "-6.0");
-    EXPECT_EQ(render::leadingNumber(effect.displayFor(stretch, "-24%"))->value, -24.0);
+    EXPECT_EQ(tools::leadingNumber(effect.displayFor(stretch, "-24%"))->value, -24.0);
 }
 
 TEST(DisplaySearch, FindsEveryNumberOfTaps) {
@@ -124,7 +124,7 @@ TEST(DisplaySearch, PutsTheParameterBack) {
     effect.plugin.setParameter(feedback, 0.3f);
     valueShowing(effect.plugin, feedback, wantedValue("display:0.9"));
     EXPECT_EQ(effect.plugin.getParameter(feedback), 0.3f);
-    EXPECT_THROW(valueShowing(effect.plugin, feedback, wantedValue("display:7")), render::ToolError);
+    EXPECT_THROW(valueShowing(effect.plugin, feedback, wantedValue("display:7")), tools::ToolError);
     EXPECT_EQ(effect.plugin.getParameter(feedback), 0.3f);
 }
 

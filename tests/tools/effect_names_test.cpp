@@ -1,23 +1,23 @@
 // Parameters and programs by what people call them.
 
-#include "tools/render/effect_names.h"
+#include "tools/common/effect_names.h"
 
 #include "platform/private_folder.h"
-#include "tools/render/effect_library.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/effect_library.h"
+#include "tools/common/tool_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::findParameter;
-using render::findProgram;
+using tools::findParameter;
+using tools::findProgram;
 
 class EffectNames : public testing::Test {
   protected:
     platform::PrivateFolder folder;
-    const host::Library& quillonLibrary = render::loadForGood(QUILLON_LIBRARY);
-    const host::Library& probeLibrary = render::loadForGood(PROBES "/probe.so");
+    const host::Library& quillonLibrary = tools::loadForGood(QUILLON_LIBRARY);
+    const host::Library& probeLibrary = tools::loadForGood(PROBES "/probe.so");
     host::Plugin quillon{quillonLibrary};
     host::Plugin probe{probeLibrary};
 
@@ -26,7 +26,7 @@ class EffectNames : public testing::Test {
         try {
             action();
             FAIL() << "was found; expected: " << reason;
-        } catch (const render::ToolError& error) {
+        } catch (const tools::ToolError& error) {
             EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
         }
     }
@@ -73,7 +73,7 @@ TEST_F(EffectNames, GiveAProgramByNumber) {
 }
 
 TEST_F(EffectNames, GiveAProgramByNameOrByTheBeginningOfIt) {
-    const auto names = render::programNames(probe);
+    const auto names = tools::programNames(probe);
     ASSERT_EQ(names.size(), 5u);
     EXPECT_EQ(findProgram(names, "first"), 0);
     EXPECT_EQ(findProgram(names, "Second"), 1) << "a whole name comes before a beginning";
@@ -82,7 +82,7 @@ TEST_F(EffectNames, GiveAProgramByNameOrByTheBeginningOfIt) {
 }
 
 TEST_F(EffectNames, SayWhichProgramsAreMeant) {
-    const auto names = render::programNames(probe);
+    const auto names = tools::programNames(probe);
     expectRefused([&] { findProgram(names, "Twice"); },
                   "could be several programs; give the number: 3 and 4");
     expectRefused([&] { findProgram(names, "s"); }, "could be several programs; give the number: 1 and 2");
@@ -93,7 +93,7 @@ TEST_F(EffectNames, SayWhichProgramsAreMeant) {
 }
 
 TEST_F(EffectNames, AreTheOnesThatTheEffectGives) {
-    const auto names = render::programNames(quillon);
+    const auto names = tools::programNames(quillon);
     ASSERT_EQ(names.size(), 128u);
     for (std::int32_t program : {0, 5, 127}) {
         quillon.setProgram(program);

@@ -1,15 +1,15 @@
 // Reading standard MIDI files, whole ones and broken ones.
 
+#include "tools/common/tool_error.h"
 #include "tools/render/midi_file.h"
-#include "tools/render/tool_error.h"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
 
-using render::parseMidiFile;
-using render::TimedMidi;
+using tools::render::parseMidiFile;
+using tools::render::TimedMidi;
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes join(std::initializer_list<Bytes> parts) {
@@ -54,7 +54,7 @@ void expectRefused(const Bytes& bytes, const std::string& reason) {
     try {
         parseMidiFile(bytes);
         FAIL() << "was read; expected: " << reason;
-    } catch (const render::ToolError& error) {
+    } catch (const tools::ToolError& error) {
         EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
         EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
     }
@@ -220,13 +220,13 @@ TEST(MidiFile, SurvivesEveryCutAndEveryChangedByteOfAFile) {
               track({0, 0xF0, 2, 1, 0xF7, 3, 0xC0, 5, 1, 0xB0, 1, 2})});
     for (std::size_t i = 0; i < whole.size(); ++i) {
         Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i));
-        EXPECT_THROW(parseMidiFile(cut), render::ToolError) << i;
+        EXPECT_THROW(parseMidiFile(cut), tools::ToolError) << i;
         for (int value = 0; value < 256; ++value) {
             Bytes changed = whole;
             changed[i] = static_cast<std::uint8_t>(value);
             try {
                 parseMidiFile(changed);
-            } catch (const render::ToolError&) {
+            } catch (const tools::ToolError&) {
             }
         }
     }

@@ -1,13 +1,14 @@
 // The command line.
 
+#include "tools/common/tool_error.h"
 #include "tools/render/options.h"
-#include "tools/render/tool_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace render;
+using namespace tools;
+using namespace tools::render;
 
 std::variant<Options, HelpText> parse(std::vector<const char*> arguments) {
     arguments.insert(arguments.begin(), "quillon-render");

@@ -6,7 +6,8 @@
 
 namespace {
 
-using namespace render;
+using namespace tools;
+using namespace tools::render;
 
 ParameterState parameter(const std::string& name, const std::string& display, const std::string& label = "") {
     ParameterState state;

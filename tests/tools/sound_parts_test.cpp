@@ -1,9 +1,9 @@
 // Where the output ends, how loud it is, its outline, and the kind of file that it goes to.
 
+#include "tools/common/tool_error.h"
 #include "tools/render/audio_file.h"
 #include "tools/render/level_meter.h"
 #include "tools/render/tail_watch.h"
-#include "tools/render/tool_error.h"
 #include "tools/render/waveform.h"
 
 #include <algorithm>
@@ -11,7 +11,8 @@
 
 namespace {
 
-using namespace render;
+using namespace tools;
+using namespace tools::render;
 
 constexpr float loud = 0.1f;
 constexpr float quiet = 0.99e-4f;

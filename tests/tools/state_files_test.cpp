@@ -1,7 +1,7 @@
 // Bank files and chunks, and what is refused among them.
 
+#include "tools/common/tool_error.h"
 #include "tools/render/state_files.h"
-#include "tools/render/tool_error.h"
 #include "vst2/vst2.h"
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace {
 
-using render::Bytes;
-using render::parseBankFile;
+using tools::render::Bytes;
+using tools::render::parseBankFile;
 
 void put(Bytes& bytes, std::size_t offset, std::uint32_t value) {
     for (int i = 0; i < 4; ++i)
@@ -38,7 +38,7 @@ void expectRefused(const Bytes& bytes, const std::string& reason) {
     try {
         parseBankFile(bytes);
         FAIL() << "was read; expected: " << reason;
-    } catch (const render::ToolError& error) {
+    } catch (const tools::ToolError& error) {
         EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
     }
 }

@@ -3,15 +3,15 @@
 #include "tools/render/tap_pattern.h"
 
 #include "platform/private_folder.h"
-#include "tools/render/effect_library.h"
+#include "tools/common/effect_library.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::measureTapPattern;
-using render::Tap;
+using tools::render::measureTapPattern;
+using tools::render::Tap;
 
 constexpr std::int32_t baseLength = 0, taps = 1, stretch = 3, ampDecay = 4, curve = 5, feedback = 6, set = 8,
                        stereo = 13;
@@ -28,7 +28,7 @@ class TapPattern : public testing::Test {
     }
 
     platform::PrivateFolder folder;
-    const host::Library& library = render::loadForGood(QUILLON_LIBRARY);
+    const host::Library& library = tools::loadForGood(QUILLON_LIBRARY);
 };
 
 TEST_F(TapPattern, IsEvenInTheMiddleOfStretchAndFlatInTheMiddleOfDecay) {
@@ -89,10 +89,10 @@ TEST_F(TapPattern, IsOneTapIfThereIsOne) {
 
 TEST_F(TapPattern, IsAskedOnlyOfAnEffectThatHasOne) {
     host::Plugin quillon(library);
-    EXPECT_TRUE(render::hasTapPattern(quillon));
-    const host::Library& probeLibrary = render::loadForGood(PROBES "/probe.so");
+    EXPECT_TRUE(tools::render::hasTapPattern(quillon));
+    const host::Library& probeLibrary = tools::loadForGood(PROBES "/probe.so");
     host::Plugin probe(probeLibrary);
-    EXPECT_FALSE(render::hasTapPattern(probe));
+    EXPECT_FALSE(tools::render::hasTapPattern(probe));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // Numbers, names and JSON, whatever bytes they are made of.
 
+#include "tools/common/text.h"
 #include "tools/render/json.h"
-#include "tools/render/text.h"
 
 #include <clocale>
 #include <gtest/gtest.h>
@@ -10,7 +10,8 @@
 
 namespace {
 
-using namespace render;
+using namespace tools;
+using namespace tools::render;
 
 TEST(Names, AreTheSameWhateverTheirCaseAndBlanks) {
     EXPECT_TRUE(sameName("Pre LP ", "pre lp"));

@@ -1,17 +1,17 @@
 // Reading "PARAMETER=VALUE".
 
-#include "tools/render/tool_error.h"
-#include "tools/render/wanted_value.h"
+#include "tools/common/tool_error.h"
+#include "tools/common/wanted_value.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using render::settingFrom;
-using render::ToolError;
-using render::WantedValue;
-using render::wantedValue;
-using Kind = render::WantedValue::Kind;
+using tools::settingFrom;
+using tools::ToolError;
+using tools::WantedValue;
+using tools::wantedValue;
+using Kind = tools::WantedValue::Kind;
 
 TEST(WantedValue, IsNormalisedIfItIsABareNumber) {
     for (const char* text : {"0.25", " 0.25 ", "+0.25", ".25", "2.5e-1"}) {
@@ -58,9 +58,9 @@ TEST(Setting, RefusesWhatHasNoNameOrNoValue) {
 }
 
 TEST(Unit, IsKnownInAnyLetterCase) {
-    EXPECT_EQ(render::unitNamed("KHZ").kind, render::Unit::Kind::frequency);
-    EXPECT_DOUBLE_EQ(render::unitNamed("khz").factor, 1000.0);
-    EXPECT_EQ(render::unitNamed("parsec").kind, render::Unit::Kind::none);
+    EXPECT_EQ(tools::unitNamed("KHZ").kind, tools::Unit::Kind::frequency);
+    EXPECT_DOUBLE_EQ(tools::unitNamed("khz").factor, 1000.0);
+    EXPECT_EQ(tools::unitNamed("parsec").kind, tools::Unit::Kind::none);
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #include "tools/render/audio_file.h"
 
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -137,4 +137,4 @@ void AudioWriter::fail() {
     throw ToolError(target_.string() + " cannot be written: " + printable(trimmed(file_.strError())));
 }
 
-} // namespace render
+} // namespace tools::render

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-namespace render {
+namespace tools::render {
 
 /// A mono or stereo file to be played.
 class AudioReader {
@@ -62,4 +62,4 @@ class AudioWriter {
     SndfileHandle file_;
 };
 
-} // namespace render
+} // namespace tools::render

@@ -1,13 +1,13 @@
 #include "tools/render/automation.h"
 
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 #include "tools/render/byte_reader.h"
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -162,4 +162,4 @@ std::vector<AutomationLine> readAutomation(const std::filesystem::path& path) {
     }
 }
 
-} // namespace render
+} // namespace tools::render

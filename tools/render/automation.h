@@ -2,7 +2,7 @@
 // between.
 #pragma once
 
-#include "tools/render/wanted_value.h"
+#include "tools/common/wanted_value.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// A place in the file, counted from its beginning.
 struct AutomationTime {
@@ -33,4 +33,4 @@ std::vector<AutomationLine> parseAutomation(std::string_view text);
 /// parseAutomation() of a file; its errors name the file.
 std::vector<AutomationLine> readAutomation(const std::filesystem::path& path);
 
-} // namespace render
+} // namespace tools::render

@@ -1,11 +1,11 @@
 #include "tools/render/axis.h"
 
-#include "tools/render/text.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::string axisText(double value, int decimals) {
     return text.front() == '-' ? "\u2212" + text.substr(1) : text;
 }
 
-} // namespace render
+} // namespace tools::render

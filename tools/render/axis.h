@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// 1, 2 or 5 times a power of ten, the smallest not below `value`; `value` is above 0.
 double roundUp(double value);
@@ -20,4 +20,4 @@ Marks marksFor(double span, int most);
 /// A number for an axis, with a proper minus sign.
 std::string axisText(double value, int decimals);
 
-} // namespace render
+} // namespace tools::render

@@ -1,10 +1,10 @@
 #include "tools/render/block_player.h"
 
-#include "tools/render/interrupt.h"
+#include "tools/common/interrupt.h"
 
 #include <algorithm>
 
-namespace render {
+namespace tools::render {
 
 BlockPlayer::BlockPlayer(host::Plugin& plugin, const Events& events, std::int32_t blockSize)
     : plugin_(plugin), events_(events), blockSize_(blockSize) {}
@@ -67,4 +67,4 @@ void BlockPlayer::sendMidi(std::int32_t frames) {
         plugin_.sendMidi(messages_);
 }
 
-} // namespace render
+} // namespace tools::render

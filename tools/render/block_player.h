@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// A MIDI message, `frame` samples into the file.
 struct MidiEvent {
@@ -52,4 +52,4 @@ class BlockPlayer {
     std::vector<host::MidiMessage> messages_;
 };
 
-} // namespace render
+} // namespace tools::render

@@ -1,12 +1,12 @@
 #include "tools/render/byte_reader.h"
 
-#include "tools/render/tool_error.h"
+#include "tools/common/tool_error.h"
 
 #include <cerrno>
 #include <fstream>
 #include <system_error>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::uint32_t bigEndian(std::span<const std::uint8_t> bytes, std::size_t offset,
     return number;
 }
 
-} // namespace render
+} // namespace tools::render

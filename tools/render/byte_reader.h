@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// The whole file. Throws ToolError, naming it, if it cannot be read or is longer than `limit` bytes.
 std::vector<std::uint8_t> readBytes(const std::filesystem::path& path, std::uintmax_t limit);
@@ -18,4 +18,4 @@ std::string readText(const std::filesystem::path& path, std::uintmax_t limit);
 /// The big-endian number of `size` bytes, 1 to 4, that starts at `offset`; the bytes must be there.
 std::uint32_t bigEndian(std::span<const std::uint8_t> bytes, std::size_t offset, std::size_t size);
 
-} // namespace render
+} // namespace tools::render

@@ -1,11 +1,11 @@
 #include "tools/render/canvas.h"
 
-#include "tools/render/tool_error.h"
+#include "tools/common/tool_error.h"
 
 #include <cmath>
 #include <numbers>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -121,4 +121,4 @@ void Canvas::use(const TextStyle& style) {
     cairo_set_font_size(context_.get(), style.size);
 }
 
-} // namespace render
+} // namespace tools::render

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 struct Colour {
     double red, green, blue;
@@ -68,4 +68,4 @@ class Canvas {
     std::unique_ptr<cairo_t, Destroy> context_;
 };
 
-} // namespace render
+} // namespace tools::render

@@ -1,13 +1,13 @@
 #include "tools/render/file_render.h"
 
-#include "tools/render/interrupt.h"
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/interrupt.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -121,4 +121,4 @@ void FileRender::writeCertain() {
     waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(certain.size()));
 }
 
-} // namespace render
+} // namespace tools::render

@@ -13,7 +13,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// What there is to know about a finished rendering.
 struct RenderResult {
@@ -65,4 +65,4 @@ class FileRender {
     std::int64_t written_ = 0;
 };
 
-} // namespace render
+} // namespace tools::render

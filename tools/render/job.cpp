@@ -2,23 +2,24 @@
 
 #include "platform/own_output.h"
 #include "platform/private_folder.h"
+#include "tools/common/effect_library.h"
+#include "tools/common/effect_names.h"
+#include "tools/common/output_file.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 #include "tools/render/automation.h"
-#include "tools/render/effect_library.h"
-#include "tools/render/effect_names.h"
 #include "tools/render/midi_file.h"
-#include "tools/render/output_file.h"
 #include "tools/render/plot.h"
 #include "tools/render/report.h"
 #include "tools/render/settings_line.h"
 #include "tools/render/starting_point.h"
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/render/suitable_effect.h"
 
 #include <cmath>
 #include <memory>
 #include <optional>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -248,4 +249,4 @@ void renderToFile(const Options& options, std::FILE* output) {
     RenderJob(options, output).run();
 }
 
-} // namespace render
+} // namespace tools::render

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-namespace render {
+namespace tools::render {
 
 /// Prints the effect's programs and parameters to `output`. Throws ToolError or host::HostError.
 void listEffect(const Options& options, std::FILE* output);
@@ -14,4 +14,4 @@ void listEffect(const Options& options, std::FILE* output);
 /// that is there in the end or none of the files. Throws ToolError, host::HostError or Interrupted.
 void renderToFile(const Options& options, std::FILE* output);
 
-} // namespace render
+} // namespace tools::render

@@ -1,10 +1,10 @@
 #include "tools/render/json.h"
 
-#include "tools/render/text.h"
+#include "tools/common/text.h"
 
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -104,4 +104,4 @@ void JsonWriter::newLine() {
     text_.append(static_cast<std::size_t>(depth_) * 2, ' ');
 }
 
-} // namespace render
+} // namespace tools::render

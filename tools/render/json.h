@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace render {
+namespace tools::render {
 
 /// The text between double quotes, with everything escaped that JSON wants escaped. Bytes that are not UTF-8
 /// are taken as Latin-1.
@@ -59,4 +59,4 @@ class JsonWriter {
     bool afterName_ = false;
 };
 
-} // namespace render
+} // namespace tools::render

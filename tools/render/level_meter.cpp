@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-namespace render {
+namespace tools::render {
 
 double decibels(double level) {
     return level > 0.0 ? 20.0 * std::log10(level) : -std::numeric_limits<double>::infinity();
@@ -18,4 +18,4 @@ void LevelMeter::add(std::span<const float> samples) {
     }
 }
 
-} // namespace render
+} // namespace tools::render

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace render {
+namespace tools::render {
 
 /// 20 log10 of a linear level; minus infinity for 0.
 double decibels(double level);
@@ -22,4 +22,4 @@ class LevelMeter {
     std::int64_t over_ = 0;
 };
 
-} // namespace render
+} // namespace tools::render

@@ -2,9 +2,9 @@
 
 #include "platform/display.h"
 #include "platform/own_output.h"
-#include "tools/render/interrupt.h"
+#include "tools/common/interrupt.h"
+#include "tools/common/text.h"
 #include "tools/render/job.h"
-#include "tools/render/text.h"
 
 #include <exception>
 
@@ -14,17 +14,17 @@ constexpr int exitFailure = 2;
 constexpr int exitInterrupted = 130;
 
 int complain(const std::exception& error, int code) {
-    std::fprintf(stderr, "quillon-render: %s\n", render::printable(error.what()).c_str());
+    std::fprintf(stderr, "quillon-render: %s\n", tools::printable(error.what()).c_str());
     return code;
 }
 
-void run(const render::Options& options) {
+void run(const tools::render::Options& options) {
     std::FILE* const output = platform::takeOwnOutput();
-    render::watchForInterrupts();
+    tools::watchForInterrupts();
     if (options.list)
-        render::listEffect(options, output);
+        tools::render::listEffect(options, output);
     else
-        render::renderToFile(options, output);
+        tools::render::renderToFile(options, output);
 }
 
 } // namespace
@@ -33,13 +33,13 @@ int main(int argumentCount, char** arguments) {
     // A script that renders overnight must not find an effect's message box in the morning.
     platform::leaveDisplay();
     try {
-        const auto parsed = render::parseOptions(argumentCount, arguments);
-        if (const auto* help = std::get_if<render::HelpText>(&parsed))
+        const auto parsed = tools::render::parseOptions(argumentCount, arguments);
+        if (const auto* help = std::get_if<tools::render::HelpText>(&parsed))
             std::fputs(help->text.c_str(), stdout);
         else
-            run(std::get<render::Options>(parsed));
+            run(std::get<tools::render::Options>(parsed));
         return 0;
-    } catch (const render::Interrupted& interruption) {
+    } catch (const tools::Interrupted& interruption) {
         return complain(interruption, exitInterrupted);
     } catch (const std::exception& error) {
         return complain(error, exitFailure);

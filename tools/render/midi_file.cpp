@@ -1,12 +1,12 @@
 #include "tools/render/midi_file.h"
 
+#include "tools/common/tool_error.h"
 #include "tools/render/byte_reader.h"
-#include "tools/render/tool_error.h"
 
 #include <algorithm>
 #include <string>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -220,4 +220,4 @@ std::vector<TimedMidi> readMidiFile(const std::filesystem::path& path) {
     }
 }
 
-} // namespace render
+} // namespace tools::render

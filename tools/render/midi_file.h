@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// One channel message: a status byte and one or two data bytes, the unused one zero.
 struct TimedMidi {
@@ -24,4 +24,4 @@ std::vector<TimedMidi> parseMidiFile(std::span<const std::uint8_t> bytes);
 /// parseMidiFile() of a file; its errors name the file.
 std::vector<TimedMidi> readMidiFile(const std::filesystem::path& path);
 
-} // namespace render
+} // namespace tools::render

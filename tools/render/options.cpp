@@ -1,11 +1,12 @@
 #include "tools/render/options.h"
 
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/command_line.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <CLI/CLI.hpp>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -158,28 +159,8 @@ std::int32_t blockSizeFrom(const std::string& text) {
     return *frames;
 }
 
-std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts) {
-    std::vector<SettingOption> settings;
-    for (const std::string& text : texts) {
-        try {
-            settings.push_back({settingFrom(text), text});
-        } catch (const ToolError& error) {
-            throw ToolError("--set " + inQuotes(text) + ": " + error.what());
-        }
-    }
-    return settings;
-}
-
-/// The library runs in a folder of its own, so every path must be settled before.
-files::path settled(const std::string& text) {
-    return text.empty() ? files::path() : files::absolute(text).lexically_normal();
-}
-
 void checkCombination(const Words& words, const CLI::App& app) {
-    for (const CLI::Option* option : app.get_options())
-        for (const std::string& value : option->results())
-            if (option->get_type_size() > 0 && value.empty())
-                throw ToolError(option->get_name() + ": nothing was given");
+    checkNothingIsEmpty(app);
     if (words.list) {
         if (!words.input.empty())
             throw ToolError("--list renders nothing and takes no files; leave out " + inQuotes(words.input));
@@ -246,4 +227,4 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     return optionsFrom(words);
 }
 
-} // namespace render
+} // namespace tools::render

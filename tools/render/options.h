@@ -2,7 +2,7 @@
 // file.
 #pragma once
 
-#include "tools/render/wanted_value.h"
+#include "tools/common/effect_settings.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 enum class SampleFormat {
     automatic, ///< 24 bit, or what the file's kind has to offer
@@ -23,12 +23,6 @@ enum class SampleFormat {
 struct TailRule {
     bool automatic = true;
     double seconds = 0.0; ///< if not automatic
-};
-
-/// A setting and the words it was given in, for messages.
-struct SettingOption {
-    Setting setting;
-    std::string text;
 };
 
 struct Options {
@@ -60,4 +54,4 @@ struct HelpText {
 /// out absolute.
 std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments);
 
-} // namespace render
+} // namespace tools::render

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -299,4 +299,4 @@ void drawPicture(const Picture& picture, const std::filesystem::path& path,
     drawing.draw().writePng(path, target);
 }
 
-} // namespace render
+} // namespace tools::render

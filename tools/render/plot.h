@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 constexpr int pictureWidth = 1400; ///< pixels
 constexpr int pictureHeight = 900;
@@ -30,4 +30,4 @@ struct Picture {
 void drawPicture(const Picture& picture, const std::filesystem::path& path,
                  const std::filesystem::path& target);
 
-} // namespace render
+} // namespace tools::render

@@ -1,11 +1,11 @@
 #include "tools/render/progress.h"
 
-#include "tools/render/text.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 #include <cstdio>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -60,4 +60,4 @@ std::string Progress::tailText(std::int64_t frames) const {
     return fixedText(static_cast<double>(frames - total_) / sampleRate_, 0) + " s";
 }
 
-} // namespace render
+} // namespace tools::render

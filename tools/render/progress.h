@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace render {
+namespace tools::render {
 
 class Progress {
   public:
@@ -32,4 +32,4 @@ class Progress {
     int lastStep_ = -1;
 };
 
-} // namespace render
+} // namespace tools::render

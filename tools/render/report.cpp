@@ -1,11 +1,11 @@
 #include "tools/render/report.h"
 
+#include "tools/common/text.h"
 #include "tools/render/json.h"
-#include "tools/render/text.h"
 
 #include <algorithm>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -207,4 +207,4 @@ std::string levelText(double level) {
     return level > 0.0 ? fixedText(decibels(level), 1) + " dBFS" : "none, it is silent";
 }
 
-} // namespace render
+} // namespace tools::render

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 struct ParameterState {
     std::int32_t id = 0;
@@ -65,4 +65,4 @@ std::string reportJson(const RenderReport& report);
 /// "-3.2 dBFS"; "silence" for 0.
 std::string levelText(double level);
 
-} // namespace render
+} // namespace tools::render

@@ -1,10 +1,10 @@
 #include "tools/render/settings_line.h"
 
-#include "tools/render/text.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -65,4 +65,4 @@ std::string settingsLine(const EffectState& state) {
     return line.text();
 }
 
-} // namespace render
+} // namespace tools::render

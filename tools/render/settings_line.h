@@ -5,10 +5,10 @@
 
 #include <string>
 
-namespace render {
+namespace tools::render {
 
 /// The settings that matter, in UTF-8: of the delay in plain words, of any other effect the first few. Those
 /// that show nothing are left out.
 std::string settingsLine(const EffectState& state);
 
-} // namespace render
+} // namespace tools::render

@@ -1,13 +1,11 @@
 #include "tools/render/starting_point.h"
 
-#include "tools/render/display_search.h"
-#include "tools/render/effect_names.h"
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <algorithm>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -71,22 +69,6 @@ void placeChunk(host::Plugin& plugin, const std::filesystem::path& path, Startin
     }
 }
 
-std::int32_t programFor(host::Plugin& plugin, const std::string& nameOrNumber) {
-    const std::int32_t before = plugin.getProgram();
-    const auto names = programNames(plugin);
-    plugin.setProgram(before);
-    try {
-        return findProgram(names, nameOrNumber);
-    } catch (const ToolError& error) {
-        throw ToolError("--program " + inQuotes(nameOrNumber) + ": " + error.what());
-    }
-}
-
-ParameterValue valueFor(host::Plugin& plugin, const Setting& setting) {
-    const std::int32_t id = findParameter(plugin, setting.parameter);
-    return {id, valueShowing(plugin, id, setting.value)};
-}
-
 } // namespace
 
 StartingPoint findStartingPoint(host::Plugin& asked, const Options& options) {
@@ -100,14 +82,7 @@ StartingPoint findStartingPoint(host::Plugin& asked, const Options& options) {
     if (!options.program.empty())
         start.program = programFor(asked, options.program);
     bringTo(asked, {{}, start.program, start.preset, {}});
-    for (const SettingOption& option : options.settings) {
-        try {
-            start.values.push_back(valueFor(asked, option.setting));
-        } catch (const ToolError& error) {
-            throw ToolError("--set " + inQuotes(option.text) + ": " + error.what());
-        }
-        asked.setParameter(start.values.back().id, start.values.back().value);
-    }
+    start.values = applySettings(asked, options.settings);
     return start;
 }
 
@@ -138,4 +113,4 @@ std::vector<ParameterEvent> findEvents(host::Plugin& asked, const std::vector<Au
     return events;
 }
 
-} // namespace render
+} // namespace tools::render

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/plugin.h"
+#include "tools/common/effect_settings.h"
 #include "tools/render/automation.h"
 #include "tools/render/options.h"
 #include "tools/render/state_files.h"
@@ -12,12 +13,7 @@
 #include <optional>
 #include <vector>
 
-namespace render {
-
-struct ParameterValue {
-    std::int32_t id = 0;
-    float value = 0.0f; ///< normalised
-};
+namespace tools::render {
 
 struct StartingPoint {
     Bytes bank;                          ///< empty: the effect's own
@@ -44,4 +40,4 @@ void bringTo(host::Plugin& plugin, const StartingPoint& start);
 std::vector<ParameterEvent> findEvents(host::Plugin& asked, const std::vector<AutomationLine>& lines,
                                        const std::filesystem::path& file, double sampleRate);
 
-} // namespace render
+} // namespace tools::render

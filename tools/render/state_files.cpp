@@ -1,10 +1,10 @@
 #include "tools/render/state_files.h"
 
+#include "tools/common/tool_error.h"
 #include "tools/render/byte_reader.h"
-#include "tools/render/tool_error.h"
 #include "vst2/vst2.h"
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -51,4 +51,4 @@ Bytes readChunkFile(const std::filesystem::path& path) {
     return readBytes(path, longestFile);
 }
 
-} // namespace render
+} // namespace tools::render

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -27,4 +27,4 @@ BankFile readBankFile(const std::filesystem::path& path);
 /// The bytes of a chunk file. Throws ToolError naming the file.
 Bytes readChunkFile(const std::filesystem::path& path);
 
-} // namespace render
+} // namespace tools::render

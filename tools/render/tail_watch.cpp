@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 TailWatch::TailWatch(const TailRule& rule, int sampleRate)
     : automatic_(rule.automatic), sampleRate_(sampleRate),
@@ -37,4 +37,4 @@ void TailWatch::lookAtFrame(std::span<const float> frame) {
     ended_ = isPastTail() || position_ - certain_ >= quietFrames;
 }
 
-} // namespace render
+} // namespace tools::render

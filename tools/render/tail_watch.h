@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <span>
 
-namespace render {
+namespace tools::render {
 
 /// What counts as quiet: below -80 dBFS, linear.
 constexpr float quietLevel = 1e-4f;
@@ -54,4 +54,4 @@ class TailWatch {
     bool ended_ = false;
 };
 
-} // namespace render
+} // namespace tools::render

@@ -1,9 +1,9 @@
 #include "tools/render/tap_pattern.h"
 
-#include "tools/render/display_search.h"
-#include "tools/render/effect_names.h"
-#include "tools/render/interrupt.h"
-#include "tools/render/text.h"
+#include "tools/common/display_search.h"
+#include "tools/common/effect_names.h"
+#include "tools/common/interrupt.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -181,4 +181,4 @@ std::vector<Tap> measureTapPattern(host::Plugin& plugin, double sampleRate) {
     return taps;
 }
 
-} // namespace render
+} // namespace tools::render

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 struct Tap {
     double seconds = 0.0; ///< behind the impulse
@@ -23,4 +23,4 @@ bool hasTapPattern(host::Plugin& plugin);
 /// afterwards. Taps below -80 dB are not found. In order of time. Throws Interrupted.
 std::vector<Tap> measureTapPattern(host::Plugin& plugin, double sampleRate);
 
-} // namespace render
+} // namespace tools::render

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace render {
+namespace tools::render {
 
 namespace {
 
@@ -75,4 +75,4 @@ void Waveform::halve() {
     framesEach_ *= 2;
 }
 
-} // namespace render
+} // namespace tools::render

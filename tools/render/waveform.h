@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace render {
+namespace tools::render {
 
 /// Extremes of the samples of one stretch, of the left and of the right channel.
 struct Extremes {
@@ -36,4 +36,4 @@ class Waveform {
     std::int64_t frames_ = 0;
 };
 
-} // namespace render
+} // namespace tools::render

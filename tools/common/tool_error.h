@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-namespace render {
+namespace tools {
 
 /// Ends the tool. what() is one line for the person who called it; it names the file or the argument at
 /// fault.
@@ -12,4 +12,4 @@ class ToolError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-} // namespace render
+} // namespace tools

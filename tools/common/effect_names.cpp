@@ -1,9 +1,9 @@
-#include "tools/render/effect_names.h"
+#include "tools/common/effect_names.h"
 
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::int32_t findProgram(const std::vector<std::string>& names, std::string_view
     return found.front();
 }
 
-} // namespace render
+} // namespace tools

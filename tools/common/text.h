@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace render {
+namespace tools {
 
 /// Without the blanks at both ends.
 std::string_view trimmed(std::string_view text);
@@ -48,4 +48,4 @@ std::string printable(std::string_view bytes);
 /// printable(), between double quotes.
 std::string inQuotes(std::string_view bytes);
 
-} // namespace render
+} // namespace tools

@@ -1,6 +1,6 @@
-#include "tools/render/output_file.h"
+#include "tools/common/output_file.h"
 
-#include "tools/render/tool_error.h"
+#include "tools/common/tool_error.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -8,7 +8,7 @@
 #include <string>
 #include <system_error>
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -36,7 +36,7 @@ void checkTarget(const files::path& target) {
 
 files::path unusedNameBeside(const files::path& target) {
     std::random_device random;
-    return target.parent_path() / (".quillon-render-" + std::to_string(random()) + ".part");
+    return target.parent_path() / (".quillon-" + std::to_string(random()) + ".part");
 }
 
 } // namespace
@@ -64,4 +64,4 @@ void OutputFile::commit() {
     isCommitted_ = true;
 }
 
-} // namespace render
+} // namespace tools

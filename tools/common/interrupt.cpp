@@ -1,8 +1,8 @@
-#include "tools/render/interrupt.h"
+#include "tools/common/interrupt.h"
 
 #include <csignal>
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -24,4 +24,4 @@ void stopIfInterrupted() {
         throw Interrupted();
 }
 
-} // namespace render
+} // namespace tools

@@ -1,11 +1,11 @@
-#include "tools/render/text.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -158,4 +158,4 @@ std::string inQuotes(std::string_view bytes) {
     return '"' + printable(bytes) + '"';
 }
 
-} // namespace render
+} // namespace tools

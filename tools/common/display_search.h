@@ -4,11 +4,11 @@
 #pragma once
 
 #include "host/plugin.h"
-#include "tools/render/wanted_value.h"
+#include "tools/common/wanted_value.h"
 
 #include <cstdint>
 
-namespace render {
+namespace tools {
 
 /// The normalised value that shows what is wanted. A normalised value comes back as it is.
 ///
@@ -18,4 +18,4 @@ namespace render {
 /// to. Throws ToolError if no value shows it.
 float valueShowing(host::Plugin& plugin, std::int32_t id, const WantedValue& wanted);
 
-} // namespace render
+} // namespace tools

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-namespace render {
+namespace tools {
 
 /// Reserves a temporary file beside the target, to be written by whoever asks for temporary(); commit() gives
 /// it the target's name in one step, and an object that goes without commit() leaves nothing behind.
@@ -25,4 +25,4 @@ class OutputFile {
     bool isCommitted_ = false;
 };
 
-} // namespace render
+} // namespace tools

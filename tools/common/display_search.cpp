@@ -1,7 +1,7 @@
-#include "tools/render/display_search.h"
+#include "tools/common/display_search.h"
 
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -195,4 +195,4 @@ float valueShowing(host::Plugin& plugin, std::int32_t id, const WantedValue& wan
     return Search(plugin, id).valueOfText(wanted.text);
 }
 
-} // namespace render
+} // namespace tools

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace render {
+namespace tools {
 
 /// One value as it was written.
 struct WantedValue {
@@ -43,4 +43,4 @@ struct Unit {
 /// The unit of this name, letter case aside; Kind::none if the tool knows none.
 Unit unitNamed(std::string_view name);
 
-} // namespace render
+} // namespace tools

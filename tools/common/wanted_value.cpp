@@ -1,9 +1,9 @@
-#include "tools/render/wanted_value.h"
+#include "tools/common/wanted_value.h"
 
-#include "tools/render/text.h"
-#include "tools/render/tool_error.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
-namespace render {
+namespace tools {
 
 namespace {
 
@@ -74,4 +74,4 @@ Setting settingFrom(std::string_view text) {
     return {std::string(trimmed(text.substr(0, equals))), wantedValue(text.substr(equals + 1))};
 }
 
-} // namespace render
+} // namespace tools

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace render {
+namespace tools {
 
 /// The id of the parameter of this name or number. Names are compared as sameName() does; a name longer than
 /// the interface can tell matches by its first eight characters. Throws ToolError if there is none, or more
@@ -27,4 +27,4 @@ std::vector<std::string> programNames(host::Plugin& plugin);
 /// Throws ToolError if there is none, or more than one.
 std::int32_t findProgram(const std::vector<std::string>& names, std::string_view nameOrNumber);
 
-} // namespace render
+} // namespace tools

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-namespace render {
+namespace tools {
 
 /// Thrown by stopIfInterrupted().
 class Interrupted : public std::runtime_error {
@@ -18,4 +18,4 @@ void watchForInterrupts();
 /// Throws Interrupted if one has come.
 void stopIfInterrupted();
 
-} // namespace render
+} // namespace tools

@@ -1,0 +1,20 @@
+#include "tools/common/command_line.h"
+
+#include "tools/common/tool_error.h"
+
+#include <CLI/CLI.hpp>
+
+namespace tools {
+
+std::filesystem::path settled(const std::string& text) {
+    return text.empty() ? std::filesystem::path() : std::filesystem::absolute(text).lexically_normal();
+}
+
+void checkNothingIsEmpty(const CLI::App& app) {
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& value : option->results())
+            if (option->get_type_size() > 0 && value.empty())
+                throw ToolError(option->get_name() + ": nothing was given");
+}
+
+} // namespace tools

@@ -1,0 +1,20 @@
+// What the command lines of all tools have in common.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tools {
+
+/// The path made absolute; nothing stays nothing. A library runs in a folder of its own, so every path must
+/// be settled before one is loaded.
+std::filesystem::path settled(const std::string& text);
+
+/// Throws ToolError if an option that wants something was given an empty text.
+void checkNothingIsEmpty(const CLI::App& app);
+
+} // namespace tools

@@ -1,0 +1,59 @@
+#include "tools/common/effect_settings.h"
+
+#include "tools/common/display_search.h"
+#include "tools/common/effect_names.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
+
+namespace tools {
+
+namespace {
+
+ToolError atSetting(const std::string& text, const ToolError& error) {
+    return ToolError("--set " + inQuotes(text) + ": " + error.what());
+}
+
+} // namespace
+
+std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts) {
+    std::vector<SettingOption> settings;
+    for (const std::string& text : texts) {
+        try {
+            settings.push_back({settingFrom(text), text});
+        } catch (const ToolError& error) {
+            throw atSetting(text, error);
+        }
+    }
+    return settings;
+}
+
+std::int32_t programFor(host::Plugin& asked, const std::string& nameOrNumber) {
+    const std::int32_t before = asked.getProgram();
+    const auto names = programNames(asked);
+    asked.setProgram(before);
+    try {
+        return findProgram(names, nameOrNumber);
+    } catch (const ToolError& error) {
+        throw ToolError("--program " + inQuotes(nameOrNumber) + ": " + error.what());
+    }
+}
+
+ParameterValue valueFor(host::Plugin& asked, const Setting& setting) {
+    const std::int32_t id = findParameter(asked, setting.parameter);
+    return {id, valueShowing(asked, id, setting.value)};
+}
+
+std::vector<ParameterValue> applySettings(host::Plugin& asked, const std::vector<SettingOption>& settings) {
+    std::vector<ParameterValue> values;
+    for (const SettingOption& option : settings) {
+        try {
+            values.push_back(valueFor(asked, option.setting));
+        } catch (const ToolError& error) {
+            throw atSetting(option.text, error);
+        }
+        asked.setParameter(values.back().id, values.back().value);
+    }
+    return values;
+}
+
+} // namespace tools
