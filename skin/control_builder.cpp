@@ -498,6 +498,8 @@ int xmlGuiEditor::buildVuMeter(ObjectReader& object) {
     const CRect place = placeOf(x, y, on->getWidth(), on->getHeight());
     // The meter divides by the number of its lamps.
     auto* const meter = new VSTGUI::CVuMeter(place, on, off, lamps == 0 ? 1 : lamps, style);
+    // It shows no parameter; the toolkit would give it the first one's id.
+    meter->setTag(kNoTag);
     addControl(meter);
     registerMeter(id, meter);
     return kDone;

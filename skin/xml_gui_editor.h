@@ -50,6 +50,7 @@ struct MenuAction {
 
 /// Tags with a meaning of their own. Those below the number of parameters are ids.
 enum Tag : std::int32_t {
+    kNoTag = -1, ///< of what has nothing to do with parameters
     kAnyDisplayTag = 980,
     kSkinSelectorTag = 999,
     kFirstActionMenuTag = 1000,
