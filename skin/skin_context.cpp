@@ -9,6 +9,7 @@
 #include "skin/xml_gui_editor.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 namespace skin {
@@ -19,8 +20,10 @@ constexpr char kFirstSkin[] = "Quillon Skin";
 constexpr char kFallbackSkin[] = "skin";
 constexpr char kSkinFile[] = "/skin.xml";
 
-bool holdsSkin(const std::string& folder, const std::string& name) {
-    return platform::findPath(folder, name + kSkinFile).has_value();
+/// The file of the skin that is called so, in any letter case; nothing if there is none, and where a folder
+/// that has no path would mean the current one.
+std::optional<std::string> skinFile(const std::string& folder, const std::string& name) {
+    return folder.empty() ? std::nullopt : platform::findPath(folder, name + kSkinFile);
 }
 
 /// For the operations that are given room for a path.
@@ -32,7 +35,9 @@ void copyPath(char* buffer, const std::string& text) {
 
 /// The folder as it is really spelled, so that every file in it is found; as the name says if there is none.
 std::string skinFolder(const std::string& folder, const std::string& name) {
-    const auto file = platform::findPath(folder, name + kSkinFile);
+    if (folder.empty())
+        return "";
+    const auto file = skinFile(folder, name);
     return file ? file->substr(0, file->find_last_of('/') + 1) : folder + name + '/';
 }
 
@@ -44,10 +49,10 @@ void skinModuleFolder(char* buffer) {
 
 void skinLoadName(const char* folder, char* name) {
     const auto chosen = platform::readSetting(kSetting);
-    if (!chosen)
+    // What is too long for a name cannot have been chosen.
+    if (!chosen || chosen->size() >= kPathSize)
         return copyPath(name, kFirstSkin);
-    const std::string whole = chosen->size() < kPathSize ? *chosen : "";
-    copyPath(name, !whole.empty() && holdsSkin(folder, whole) ? whole : kFallbackSkin);
+    copyPath(name, skinFile(folder, *chosen) ? *chosen : kFallbackSkin);
 }
 
 bool skinSaveName(const char* name) {
@@ -55,9 +60,13 @@ bool skinSaveName(const char* name) {
 }
 
 void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
+    if (!*folder)
+        return;
     for (const std::string& entry : platform::listFolder(folder)) {
+        // In the very folder, not in one that differs from it in letter case.
+        const bool holdsSkin = platform::findPath(folder + ('/' + entry), "skin.xml").has_value();
         SkinName name;
-        if (copyWholeText(name.text, entry.c_str()) && holdsSkin(folder, entry))
+        if (holdsSkin && copyWholeText(name.text, entry.c_str()))
             editor->skinNames.append(name);
     }
 }

@@ -17,6 +17,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace skin {
@@ -64,7 +65,8 @@ bool xmlGuiEditor::loadSkin(void* parent, bool backgroundOnly) {
 }
 
 bool xmlGuiEditor::readSkin(SkinContext& context) {
-    const auto file = platform::findPath(context.path, "skin.xml");
+    // Without a path it would be sought in the current directory.
+    const auto file = *context.path ? platform::findPath(context.path, "skin.xml") : std::nullopt;
     const XmlTree root(file ? xmlParseFile(file->c_str()) : nullptr, xmlFreeNode);
     if (!root) {
         std::printf("%s%s skin file missing\n", context.path, "skin.xml");
