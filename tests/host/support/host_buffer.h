@@ -9,10 +9,11 @@
 
 namespace conversation {
 
-/// Room for any answer, with more behind it than a plug-in has any business with.
+/// Room for any answer, with more behind it than a plug-in has any business with, and a guard in front of it.
 class HostBuffer {
   public:
     HostBuffer() {
+        guard_.fill(kUntouched);
         bytes_.fill(kUntouched);
         remember();
     }
@@ -28,9 +29,12 @@ class HostBuffer {
         bytes_.fill(0);
         remember();
     }
-    /// How far into the buffer anything differs from before: one more than the last changed byte's place.
+    /// How far into the buffer anything differs from before: one more than the last changed byte's place. All
+    /// of it if a byte in front of the buffer differs.
     std::size_t changedUpTo() const {
         std::size_t end = bytes_.size();
+        if (!std::all_of(guard_.begin(), guard_.end(), [](char byte) { return byte == kUntouched; }))
+            return end;
         while (end > 0 && bytes_[end - 1] == before_[end - 1])
             --end;
         return end;
@@ -50,7 +54,9 @@ class HostBuffer {
 
     void remember() { before_ = bytes_; }
 
-    alignas(16) std::array<char, 1024> bytes_;
+    // In this order in memory.
+    alignas(16) std::array<char, 64> guard_;
+    std::array<char, 1024> bytes_;
     std::array<char, 1024> before_;
 };
 
