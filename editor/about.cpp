@@ -113,6 +113,11 @@ void CAbout::draw(CDrawContext* context) {
                             VSTGUI::kCenterText, true);
 }
 
+void CAbout::drawRect(CDrawContext* context, const CRect& updateRect) {
+    if (!modalView->isAttached())
+        CSplashScreen::drawRect(context, updateRect);
+}
+
 void CAbout::dispatchEvent(Event& event) {
     // A left click opens with the control key too; a CControl would take that for itself.
     if (event.type == EventType::MouseDown)

@@ -23,6 +23,8 @@ class CAbout final : public VSTGUI::CSplashScreen {
     /// the window: an area less than 160 pixels high loses lines there.
     void draw(VSTGUI::CDrawContext* context) override;
 
+    /// Leaves it to the open box to draw the credits, which twice on one another would be bolder.
+    void drawRect(VSTGUI::CDrawContext* context, const VSTGUI::CRect& updateRect) override;
     void dispatchEvent(VSTGUI::Event& event) override;
     VSTGUI::CBaseObject* newCopy() const override;
 };

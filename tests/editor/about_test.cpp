@@ -142,6 +142,15 @@ TEST_F(About, ShowsItsLinesOnItsPictureInTheModalView) {
     EXPECT_FALSE(box.isDirty());
 }
 
+TEST_F(About, DrawsItsLinesOnceInTheWholeWindow) {
+    click();
+    EXPECT_EQ(test::drawingOf(*frame.get()).texts.size(), 6u);
+    frame.click(CPoint(200, 150), MouseButton::Left);
+    EXPECT_TRUE(test::drawingOf(*frame.get()).texts.empty());
+    area->setValue(1);
+    EXPECT_EQ(test::drawingOf(*frame.get()).texts.size(), 6u) << "also if nobody has opened a box";
+}
+
 TEST_F(About, HasRoomForThePictureAndForEveryLine) {
     click();
     const CRect box = frame->getModalView()->getViewSize();
