@@ -137,6 +137,7 @@ def _plate(canvas, view):
     for share in (0.5, 0.25, 0.125):
         level = view.bottom - round(view.height * share) + 0.5
         canvas.line(plate.left, level, plate.right, level, PLATE_LINE, alpha=0.8)
+    canvas.line(plate.left, view.bottom + 0.5, plate.right, view.bottom + 0.5, "8C8370")
     for step in range(6):
         canvas.frame(
             plate.left + step, plate.top + step, plate.width - 2 * step, plate.height - 2 * step, "5A4A2A",
@@ -177,7 +178,7 @@ def _caption(canvas, skin, name, top):
     canvas.text(middle, top + 36, words, 12, MUTED if name in QUIET else IVORY, PANEL_TOP)
     value = skin.value(name)
     if unit:
-        canvas.text(value.right + 4, value.top + 13, unit, 12, MUTED, PANEL, align=0)
+        canvas.text(value.right + 4, value.top + 14, unit, 12, MUTED, PANEL, align=0)
 
 
 def _mix_track(canvas, skin):
