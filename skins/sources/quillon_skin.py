@@ -227,14 +227,16 @@ def _knob(canvas, size, value, rest):
 
 def _cap(canvas, x, y, radius):
     """A round cap of dark metal under a soft light from above left."""
-    for step in range(6):
-        canvas.disc(x, y + 2.4, radius + 3.5 - 0.6 * step, "000000", alpha=0.075)
-    canvas.disc(x, y, radius, fade(0, y - radius, 0, y + radius, (0, "78828C"), (0.45, "3A424B"), (1, "1B1F24")))
-    canvas.disc(x, y, radius - 1.2, fade(0, y - radius, 0, y + radius, (0, "4B545D"), (1, "272D33")))
-    inner = radius - 4.2
-    canvas.disc(x, y, inner, fade(0, y - inner, 0, y + inner, (0, "333A42"), (1, "475059")))
-    spot = (x - radius * 0.35, y - radius * 0.45)
-    canvas.disc(x, y, inner, glow(x, y, inner * 1.5, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0), focus=spot))
+    for step in range(8):
+        canvas.disc(x + 0.5, y + 3.0, radius + 3.6 - 0.6 * step, "000000", alpha=0.085)
+    left, top, right, bottom = x - radius, y - radius, x + radius, y + radius
+    canvas.disc(x, y, radius, fade(left + 6, top, right - 6, bottom, (0, "A3ADB7"), (0.4, "4C555F"), (1, "14171B")))
+    canvas.disc(x, y, radius - 1.1, fade(left, top, right, bottom, (0, "616B76"), (0.5, "3C444D"), (1, "23282E")))
+    inner = radius - 4.4
+    canvas.disc(x, y, inner + 0.7, fade(left, top, right, bottom, (0, "1D2126"), (1, "6B7580")), alpha=0.8)
+    canvas.disc(x, y, inner, fade(left, top, right, bottom, (0, "3A424B"), (1, "4A535D")))
+    spot = (x - radius * 0.34, y - radius * 0.42)
+    canvas.disc(x, y, inner, glow(x, y, inner * 1.35, (0, "FFFFFF", 0.26), (1, "FFFFFF", 0), focus=spot))
 
 
 def _trim(canvas, size, value):
