@@ -355,8 +355,16 @@ TEST_F(LearnOverlay, ForgetsItsMenuWithItsWindow) {
 TEST_F(LearnOverlay, MayLoseItsWindowInsideTheReport) {
     midi::bindController(kFeedback, 74);
     openMenu();
-    listener.action = [this](VSTGUI::CControl*) { frame.close(); };
+    bool controlIsGone = false;
+    below->gone = &controlIsGone;
+    listener.action = [&](VSTGUI::CControl* control) {
+        frame.close();
+        EXPECT_FALSE(controlIsGone) << "the listener may ask for the parameter once more";
+        EXPECT_EQ(control->getTag(), kFeedback);
+    };
     menus.back().choose(1);
+    menus.clear();
+    EXPECT_TRUE(controlIsGone);
     EXPECT_EQ(listener.reports.size(), 1u);
     EXPECT_EQ(midi::controllerOf(kFeedback), midi::kNoController);
 }
