@@ -20,7 +20,7 @@ class ViewTaps;
 /// The levels of all taps, linear, 0..1.
 using TapGains = std::span<const float, parameters::kMaxTaps>;
 
-class myEditor final : public skin::xmlGuiEditor {
+class myEditor : public skin::xmlGuiEditor {
   public:
     /// `tapGain` is the effect's own table, which other threads may rewrite at any time.
     myEditor(plugin::AudioEffectX* effect, TapGains tapGain);

@@ -49,6 +49,10 @@ const std::map<std::string, Names> allowed = {
     {"host_editor", {"host", "platform", "platform_host", "vst2"}},
     {"tool_common", {"host", "platform", "vst2"}},
     {"render", {"host", "platform", "tool_common", "vst2"}},
+    {"skin_check",
+     {"editor", "editor_displays", "editor_views", "host", "midi", "parameters", "platform",
+      "platform_toolkit", "plugin_frame", "skin", "skin_language", "tool_common", "vst2"}},
+    {"window", {"host", "host_editor", "platform", "platform_host", "skin_check", "tool_common", "vst2"}},
 };
 
 /// Each room's include folders, as its own files are compiled.

@@ -19,8 +19,12 @@ void watchForInterrupts() {
     std::signal(SIGTERM, takeNote);
 }
 
+bool isInterrupted() {
+    return hasCome != 0;
+}
+
 void stopIfInterrupted() {
-    if (hasCome)
+    if (isInterrupted())
         throw Interrupted();
 }
 

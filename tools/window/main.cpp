@@ -1,0 +1,47 @@
+// quillon-window: opens the plug-in's editor in a window of its own.
+
+#include "platform/own_output.h"
+#include "tools/common/interrupt.h"
+#include "tools/common/text.h"
+#include "tools/window/session.h"
+
+#include <exception>
+
+namespace {
+
+using namespace tools;
+
+constexpr int exitFound = 1;
+constexpr int exitFailure = 2;
+constexpr int exitInterrupted = 130;
+
+int complain(const std::exception& error, int code) {
+    std::fprintf(stderr, "quillon-window: %s\n", printable(error.what()).c_str());
+    return code;
+}
+
+int run(const window::Options& options) {
+    std::FILE* const output = platform::takeOwnOutput();
+    watchForInterrupts();
+    if (options.check)
+        return window::checkSkinFor(options, output) ? 0 : exitFound;
+    window::openEditor(options);
+    return 0;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    try {
+        const auto parsed = window::parseOptions(argumentCount, arguments);
+        if (const auto* help = std::get_if<window::HelpText>(&parsed)) {
+            std::fputs(help->text.c_str(), stdout);
+            return 0;
+        }
+        return run(std::get<window::Options>(parsed));
+    } catch (const Interrupted& interruption) {
+        return complain(interruption, exitInterrupted);
+    } catch (const std::exception& error) {
+        return complain(error, exitFailure);
+    }
+}

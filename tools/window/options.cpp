@@ -1,0 +1,125 @@
+#include "tools/window/options.h"
+
+#include "tools/common/command_line.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
+
+#include <CLI/CLI.hpp>
+
+namespace tools::window {
+
+namespace {
+
+constexpr const char* description = "Opens the editor of a VST 2.4 effect in a window of its own.\n"
+                                    "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
+
+constexpr const char* examples = R"(Examples:
+  Look at the plug-in:
+    quillon-window
+
+  Draw a skin, and see each change as soon as it is saved:
+    quillon-window --skin "my skins/Copper" --watch
+
+  Find what is wrong with it:
+    quillon-window --skin "my skins/Copper" --check
+
+  A picture of it, also on a machine without a screen:
+    quillon-window --skin "my skins/Copper" --program 3 --set "Feedback=0.8" --screenshot copper.png
+
+The skin you have chosen in the plug-in's own menu stays as it is: with --skin the plug-in runs in a temporary
+place with settings of its own. Values are written as for quillon-render; see there.
+
+--check prints one line for each thing found, FILE:LINE:COLUMN: what, and ends with 1 if there are any.)";
+
+struct Words {
+    std::string skin, library, screenshot, program;
+    std::vector<std::string> settings;
+    bool watch = false, check = false, version = false;
+};
+
+void addSkinOptions(CLI::App& app, Words& words) {
+    const std::string group = "Skin";
+    app.add_option("--skin", words.skin,
+                   "Open with this skin: a folder beside the library, by name, or any\nfolder")
+        ->type_name("NAME|FOLDER")
+        ->group(group);
+    app.add_flag("--watch", words.watch, "Open the editor anew whenever a file of the skin changes")
+        ->group(group);
+    app.add_flag("--check", words.check, "Open nothing; list what is wrong with the skin")->group(group);
+}
+
+void addEffectOptions(CLI::App& app, Words& words) {
+    const std::string group = "Effect";
+    app.add_option("--program", words.program, "Start with a program, by number (0 to 127) or by name")
+        ->type_name("N|NAME")
+        ->group(group);
+    app.add_option("--set", words.settings,
+                   "Set one parameter, by name or number; may be given as often as\nyou like")
+        ->type_name("PARAMETER=VALUE")
+        ->allow_extra_args(false)
+        ->group(group);
+    app.add_option("--library", words.library, "Open this effect instead, any VST 2.4 library")
+        ->type_name("FILE")
+        ->group(group);
+}
+
+void addOtherOptions(CLI::App& app, Words& words) {
+    const std::string group = "Picture and help";
+    app.add_option("--screenshot", words.screenshot, "Write a picture of the window, and end")
+        ->type_name("FILE.png")
+        ->group(group);
+    app.set_help_flag("--help,-h", "Show this help")->group(group);
+    app.add_flag("--version", words.version, "Show the tool's version")->group(group);
+}
+
+void checkCombination(const Words& words) {
+    if (words.check && words.skin.empty())
+        throw ToolError("--check: say with --skin which skin to look at");
+    if (words.watch && words.skin.empty())
+        throw ToolError("--watch: say with --skin which skin to look at");
+    if (words.check &&
+        (words.watch || !words.screenshot.empty() || !words.program.empty() || !words.settings.empty()))
+        throw ToolError("--check opens no window and goes with --skin and --library only");
+    const std::string ending = lowered(std::filesystem::path(words.screenshot).extension().string());
+    if (!words.screenshot.empty() && ending != ".png")
+        throw ToolError(words.screenshot + ": the picture is a PNG, so its name should end in .png");
+}
+
+Options optionsFrom(const Words& words) {
+    Options options;
+    options.skin = words.skin;
+    options.library = settled(words.library);
+    options.screenshot = settled(words.screenshot);
+    options.program = words.program;
+    options.settings = settingsFrom(words.settings);
+    options.watch = words.watch;
+    options.check = words.check;
+    return options;
+}
+
+} // namespace
+
+std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments) {
+    CLI::App app(description, "quillon-window");
+    Words words;
+    addSkinOptions(app, words);
+    addEffectOptions(app, words);
+    addOtherOptions(app, words);
+    app.get_formatter()->column_width(34);
+    app.get_formatter()->label("TEXT", "");
+    app.footer(examples);
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::CallForHelp&) {
+        return HelpText{app.help()};
+    } catch (const CLI::ParseError& error) {
+        throw ToolError(error.what());
+    }
+    if (words.version)
+        return HelpText{"quillon-window " QUILLON_VERSION "\n"};
+    checkNothingIsEmpty(app);
+    checkCombination(words);
+    return optionsFrom(words);
+}
+
+} // namespace tools::window

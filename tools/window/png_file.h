@@ -1,0 +1,13 @@
+// A picture as a file.
+#pragma once
+
+#include "platform/host_window.h"
+
+#include <filesystem>
+
+namespace tools::window {
+
+/// Writes a PNG, whole or not at all. Throws ToolError naming the file.
+void writePng(const platform::Picture& picture, const std::filesystem::path& file);
+
+} // namespace tools::window

@@ -1,0 +1,16 @@
+// The plug-in's own editor, building a skin while somebody takes notes.
+#pragma once
+
+#include "tools/window/skin_source.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace tools::window {
+
+/// Builds the skin in `folder`, whose text has been read to `root`, in a window that is nowhere. Gives every
+/// message that it raises, every object that it passes over and every picture that it does not find. Once in
+/// a process, before other threads run.
+std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root);
+
+} // namespace tools::window

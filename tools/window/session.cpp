@@ -1,0 +1,271 @@
+#include "tools/window/session.h"
+
+#include "host/editor_window.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/message_watch.h"
+#include "platform/private_folder.h"
+#include "platform/virtual_display.h"
+#include "tools/common/effect_library.h"
+#include "tools/common/interrupt.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
+#include "tools/window/folder_watch.h"
+#include "tools/window/png_file.h"
+#include "tools/window/skin_check.h"
+#include "tools/window/skin_folder.h"
+#include "tools/window/stage.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+namespace tools::window {
+
+namespace files = std::filesystem;
+
+namespace {
+
+constexpr float sampleRate = 44100.0f; // Hz
+constexpr std::int32_t blockSize = 512;
+
+/// The editor's turns: often enough for a hand on a knob.
+constexpr int turnMilliseconds = 20;
+/// Looks at the skin's folder: seldom enough for a disk.
+constexpr std::uint32_t lookMilliseconds = 150;
+/// An editor that goes on moving is taken as it is after this.
+constexpr int settlingMilliseconds = 10000;
+
+/// Room for any editor that fits a screen of today.
+constexpr int virtualWidth = 4096, virtualHeight = 2304;
+
+void say(const std::string& line) {
+    std::fputs((line + "\n").c_str(), stderr);
+}
+
+host::HostBehaviour behaviour() {
+    host::HostBehaviour behaviour;
+    behaviour.sampleRate = sampleRate;
+    behaviour.blockSize = blockSize;
+    behaviour.product = "quillon-window";
+    behaviour.record = false;
+    return behaviour;
+}
+
+/// Everything that a musician has done to an instance.
+struct EffectState {
+    std::vector<std::uint8_t> bank;
+    std::int32_t program = 0;
+};
+
+/// One instance after the other in one window.
+class Session {
+  public:
+    /// `skin` is the folder that the person knows, empty for none.
+    Session(const Options& options, const files::path& library, const files::path& skin)
+        : options_(options), library_(library), skin_(skin) {}
+
+    void run() {
+        FolderWatch folder(skin_);
+        tryToOpen();
+        std::uint32_t lastLook = platform::milliseconds();
+        while (isStaying() && !(window_ && window_->isClosed())) {
+            stopIfAsked();
+            if (window_)
+                window_->serve(turnMilliseconds);
+            else
+                platform::sleepMilliseconds(turnMilliseconds);
+            if (!options_.watch || platform::milliseconds() - lastLook < lookMilliseconds)
+                continue;
+            lastLook = platform::milliseconds();
+            if (folder.hasChanged())
+                tryToOpen();
+        }
+    }
+
+  private:
+    bool isStaying() const { return options_.watch || options_.screenshot.empty(); }
+
+    static void stopIfAsked() {
+        if (isInterrupted())
+            throw Interrupted("stopped");
+    }
+
+    /// Whoever draws a skin saves it half done as well: then a word must do, and the next try may succeed.
+    void tryToOpen() {
+        try {
+            open();
+        } catch (const ToolError& error) {
+            takeTrouble(error);
+        } catch (const host::HostError& error) {
+            takeTrouble(error);
+        }
+    }
+
+    /// From where the error is caught.
+    void takeTrouble(const std::exception& error) {
+        const bool mayPass = wasOpen_ || isSkinAtFault_;
+        if (!options_.watch || !mayPass)
+            throw;
+        say(printable(error.what()));
+    }
+
+    void open() {
+        closeInstance();
+        isSkinAtFault_ = false;
+        if (!skin_.empty())
+            checkText();
+        makeInstance();
+        if (!window_)
+            window_ = std::make_unique<host::EditorWindow>(title());
+        isSkinAtFault_ = !skin_.empty();
+        window_->open(*plugin_);
+        wasOpen_ = true;
+        stopIfAsked();
+        if (!options_.screenshot.empty())
+            writePicture();
+    }
+
+    /// What the plug-in would not survive it must not see; what it refuses without a word gets one here.
+    void checkText() {
+        isSkinAtFault_ = true;
+        const files::path file = skinFile(skin_);
+        const auto bytes = platform::readWholeFile(file.string());
+        if (!bytes)
+            throw ToolError(file.string() + " cannot be read");
+        const std::string text(bytes->begin(), bytes->end());
+        const SkinSource source = readSkinSource(text);
+        const auto findings = checkSkinText(text);
+        const auto fatal = std::ranges::find_if(findings, &Finding::endsTheHost);
+        if (!source.root || fatal != findings.end()) {
+            std::string line = lineFor(file, source.root ? *fatal : findings.back());
+            line.pop_back();
+            throw ToolError(line);
+        }
+        if (options_.watch)
+            for (const Finding& finding : findings)
+                std::fputs(lineFor(file, finding).c_str(), stderr);
+        isSkinAtFault_ = false;
+    }
+
+    void closeInstance() {
+        if (window_)
+            window_->close();
+        if (!plugin_)
+            return;
+        state_ = EffectState{plugin_->getChunk(false), plugin_->getProgram()};
+        plugin_.reset();
+    }
+
+    /// A fresh one each time: an instance asks only once how large its window is.
+    void makeInstance() {
+        auto plugin = std::make_unique<host::Plugin>(loadForGood(library_), behaviour());
+        plugin->start(sampleRate, blockSize);
+        if (!state_)
+            bringToStart(*plugin);
+        else
+            bringBack(*plugin);
+        plugin_ = std::move(plugin);
+    }
+
+    void bringToStart(host::Plugin& plugin) {
+        if (!options_.program.empty())
+            plugin.setProgram(programFor(plugin, options_.program));
+        applySettings(plugin, options_.settings);
+    }
+
+    void bringBack(host::Plugin& plugin) {
+        if (!state_->bank.empty())
+            plugin.setChunk(state_->bank, false);
+        plugin.setProgram(state_->program);
+    }
+
+    std::string title() {
+        std::string name = plugin_->effectName();
+        if (name.empty())
+            name = library_.stem().string();
+        return printable(skin_.empty() ? name : name + " \u2013 " + skin_.filename().string());
+    }
+
+    void writePicture() {
+        const auto picture = window_->settledPicture(settlingMilliseconds);
+        stopIfInterrupted();
+        if (!picture)
+            throw ToolError(
+                "the window cannot be seen whole, so there is no picture of it; is it larger than the "
+                "screen?");
+        writePng(*picture, options_.screenshot);
+    }
+
+    const Options& options_;
+    files::path library_;
+    files::path skin_;
+    std::unique_ptr<host::Plugin> plugin_;
+    std::unique_ptr<host::EditorWindow> window_;
+    std::optional<EffectState> state_; ///< of the instance before
+    bool wasOpen_ = false;
+    bool isSkinAtFault_ = false;
+};
+
+/// A picture is taken where nothing lies over the window and nobody is disturbed, if that can be had.
+std::unique_ptr<platform::VirtualDisplay> displayFor(const Options& options) {
+    if (options.screenshot.empty()) {
+        if (!platform::hasDisplay())
+            throw ToolError("there is no display to open a window on; --screenshot needs none");
+        return nullptr;
+    }
+    try {
+        return std::make_unique<platform::VirtualDisplay>(virtualWidth, virtualHeight);
+    } catch (const std::runtime_error&) {
+        if (!platform::hasDisplay())
+            throw;
+        return nullptr;
+    }
+}
+
+/// A picture in the folder that is watched would be a change, and the next picture too.
+void checkPlaces(const Options& options, const files::path& skin) {
+    if (!options.watch || options.screenshot.empty())
+        return;
+    const files::path inside = options.screenshot.lexically_relative(skin);
+    if (!inside.empty() && *inside.begin() != "..")
+        throw ToolError(options.screenshot.string() +
+                        " lies in the skin that is watched; give another folder");
+}
+
+} // namespace
+
+void openEditor(const Options& options) {
+    const files::path asked = libraryPath(options.library);
+    const files::path skin = options.skin.empty() ? files::path() : skinFolderFor(options.skin, asked);
+    checkPlaces(options, skin);
+    const platform::PrivateFolder folder;
+    files::path library = asked;
+    if (!skin.empty())
+        library = Stage(folder.path(), asked, skin).library();
+    const auto display = displayFor(options);
+    const bool isUnattended = !options.screenshot.empty();
+    const platform::MessageWatch messages(
+        [](const platform::ShownMessage& message) {
+            say(printable(message.caption) + ": " + printable(message.text));
+        },
+        [isUnattended] { return isUnattended || isInterrupted(); });
+    Session(options, library, skin).run();
+}
+
+bool checkSkinFor(const Options& options, std::FILE* output) {
+    const files::path library = libraryPath(options.library);
+    const files::path skin = skinFolderFor(options.skin, library);
+    const files::path file = skinFile(skin);
+    const platform::PrivateFolder folder;
+    const Stage stage(folder.path(), library, skin);
+    const auto findings = checkSkin(stage.skin());
+    for (const Finding& finding : findings)
+        if (std::fputs(lineFor(file, finding).c_str(), output) < 0)
+            throw ToolError("standard output cannot be written");
+    if (std::fflush(output) != 0)
+        throw ToolError("standard output cannot be written");
+    return findings.empty();
+}
+
+} // namespace tools::window

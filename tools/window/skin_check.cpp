@@ -1,0 +1,77 @@
+#include "tools/window/skin_check.h"
+
+#include "platform/files.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
+#include "tools/window/recorded_build.h"
+#include "tools/window/skin_folder.h"
+#include "tools/window/skin_rules.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace tools::window {
+
+namespace {
+
+std::string contentOf(const std::filesystem::path& file) {
+    const auto bytes = platform::readWholeFile(file.string());
+    if (!bytes)
+        throw ToolError(file.string() + " cannot be read");
+    return {bytes->begin(), bytes->end()};
+}
+
+/// In the order of the file. Of two about the same place, the first is closer to the cause.
+void arrange(std::vector<Finding>& findings) {
+    const auto isBefore = [](const Finding& a, const Finding& b) { return a.place < b.place; };
+    std::stable_sort(findings.begin(), findings.end(), isBefore);
+    const auto isSame = [](const Finding& a, const Finding& b) {
+        return a.place == b.place && a.text == b.text;
+    };
+    findings.erase(std::unique(findings.begin(), findings.end(), isSame), findings.end());
+}
+
+/// What the text says by itself, and then what it means.
+std::vector<Finding> judged(const SkinSource& source) {
+    std::vector<Finding> findings = source.findings;
+    if (!source.root)
+        return findings;
+    for (Finding& finding : judgeSkin(*source.root)) {
+        // What the reader has taken for text by mistake needs no second word.
+        const bool isKnown = std::any_of(source.findings.begin(), source.findings.end(),
+                                         [&](const Finding& known) { return known.place == finding.place; });
+        if (!isKnown)
+            findings.push_back(std::move(finding));
+    }
+    arrange(findings);
+    return findings;
+}
+
+bool canBeBuilt(const SkinSource& source, const std::vector<Finding>& findings) {
+    return source.root && std::none_of(findings.begin(), findings.end(),
+                                       [](const Finding& finding) { return finding.endsTheHost; });
+}
+
+} // namespace
+
+std::vector<Finding> checkSkinText(std::string_view text) {
+    return judged(readSkinSource(text));
+}
+
+std::vector<Finding> checkSkin(const std::filesystem::path& folder) {
+    const std::string text = contentOf(skinFile(folder));
+    const SkinSource source = readSkinSource(text);
+    std::vector<Finding> findings = judged(source);
+    if (!canBeBuilt(source, findings))
+        return findings;
+    std::ranges::move(buildRecorded(folder, *source.root), std::back_inserter(findings));
+    arrange(findings);
+    return findings;
+}
+
+std::string lineFor(const std::filesystem::path& file, const Finding& finding) {
+    return printable(file.string()) + ":" + std::to_string(finding.place.line) + ":" +
+           std::to_string(finding.place.column) + ": " + printable(finding.text) + "\n";
+}
+
+} // namespace tools::window

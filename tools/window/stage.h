@@ -1,0 +1,26 @@
+// A library with its skins in a place of its own, where one skin has been chosen and nobody else's choice is
+// touched.
+#pragma once
+
+#include <filesystem>
+
+namespace tools::window {
+
+class Stage {
+  public:
+    /// Lays out below `folder`, which is private to this process, a copy of `library`, links to everything
+    /// that lies beside it, and `skin`, chosen, under its own name. From here on the process keeps its
+    /// settings there. Call it before any library is loaded and any thread runs. Throws ToolError.
+    Stage(const std::filesystem::path& folder, const std::filesystem::path& library,
+          const std::filesystem::path& skin);
+
+    const std::filesystem::path& library() const { return library_; }
+    /// The skin as the library finds it.
+    const std::filesystem::path& skin() const { return skin_; }
+
+  private:
+    std::filesystem::path library_;
+    std::filesystem::path skin_;
+};
+
+} // namespace tools::window
