@@ -7,6 +7,7 @@
 #pragma once
 
 #include "dsp/biquad.h"
+#include "dsp/instruction_set.h"
 #include "dsp/module_delay.h"
 #include "dsp/module_fm_op.h"
 #include "dsp/one_pole.h"
@@ -16,11 +17,9 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace dsp {
-
-/// The longest stretch of samples that the loop works on at a time.
-constexpr std::int32_t kSubBlockFrames = 64;
 
 class DelayEngine {
   public:
@@ -89,15 +88,15 @@ class DelayEngine {
         float next(std::int32_t i);
     };
 
-    using Row = std::array<float, kSubBlockFrames>;
-
     /// The signals of one sub-block, a row for each, in the order in which the loop makes them.
     struct SubBlock {
         alignas(64) Row dryLeft, dryRight;
-        alignas(64) Row stereo, mix, pan;
-        alignas(64) Row lfoOffset;
+        alignas(64) Row stereo, mix, pan, depth;
+        alignas(64) std::array<float, kSubBlockFrames + 1> lfoOffset; ///< one more, for the sub-block after
         alignas(64) Row filtered;
-        alignas(64) std::array<Row, kMaxTaps> tapTimeNow;
+        std::array<TapPath, kMaxTaps> tapPath;
+        alignas(64) std::array<Row, kMaxTaps> tapTimeNow; ///< of the taps that glide
+        alignas(64) Row firstTap, lastTap;
         alignas(64) Row sumLeft, sumRight;
         alignas(64) Row wetLeft, wetRight;
     };
@@ -105,19 +104,25 @@ class DelayEngine {
     Fade beginBlock(std::int32_t sampleFrames);
     void readControls();
     void smoothParameters(std::int32_t frames);
-    void sweep(std::int32_t frames, const Row& depth);
+    void sweep(std::int32_t frames);
     void filterInput(std::int32_t frames);
     void moveTaps(std::int32_t frames);
+    void glideTaps(std::span<const std::size_t> gliding, std::int32_t frames);
     void runDelay(std::int32_t frames);
+    void recirculate(const MemoryStretch& stretch);
+    bool readAhead(const MemoryStretch& stretch);
     template <class Reader>
-    void runDelayWith(std::int32_t frames);
-    template <class Reader>
-    void sumTaps(std::int32_t frame);
+    void recirculateWith(const MemoryStretch& stretch);
     float memoryInput(float filtered);
-    void captureFeedback();
+    void captureFeedback(float first, float last);
+    void sumTaps(const MemoryStretch& stretch);
+    const float* readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
+    const float* readTapAtOnce(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
+    void readTapCarefully(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
     void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade);
     void mixOutput(std::int32_t frames, float* left, float* right) const;
 
+    const TapKernels* kernels = &chosenKernels();               ///< the loops for this processor
     std::array<float, parameters::kNumLiveParameters> params{}; ///< normalised, by id; shared
     TapPattern pattern;                                         ///< shared
     ModuleDelay delay;

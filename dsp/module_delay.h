@@ -4,19 +4,26 @@
 // the memory is full or empty: slots that have not been written since the last clearing read as zero, so
 // nothing has to be wiped, and a change of program in the middle of a concert never stalls a thread for 16
 // MiB.
+//
+// The memory is written a sub-block at a time and read afterwards, tap by tap. What a sub-block overwrites is
+// kept until the next one, so that each tap can be read as the memory stood at any of its samples.
 #pragma once
 
-#include "parameters/pattern_laws.h"
+#include "dsp/tap_kernels.h"
 #include "parameters/shared_field.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
 namespace dsp {
 
-constexpr std::int32_t kDelaySize = 4194304;
+constexpr std::int32_t kDelaySize = kMemorySlots;
 constexpr std::uint32_t kDelayMask = kDelaySize - 1;
-using parameters::kMaxTaps;
+constexpr std::int32_t kMaxTaps = 128;
+
+/// The signals of one sub-block, a sample each.
+using Row = std::array<float, kSubBlockFrames>;
 
 struct ModuleDelay {
     std::int32_t writeIndex = 0; ///< next slot to write; audio thread
@@ -25,8 +32,10 @@ struct ModuleDelay {
     float lfoOffset = 0.0f;               ///< read offset in samples, zero or negative; audio thread
     std::int32_t interpMode = 1;          ///< 0 cubic, 1 linear, 2 none; shared
     std::uint32_t clearRequested = 0;     ///< shared
+    alignas(64) Row writePositions{};     ///< of the sub-block; audio thread
+    alignas(64) std::array<float, kOvertakenSlots> overtaken{}; ///< what it overwrites; audio thread
     /// Touched whole by construction, so that the audio thread never waits for a page of it.
-    std::array<float, kDelaySize> samples{};
+    alignas(64) std::array<float, kDelaySize> samples{};
 
     /// Forgets every echo and starts at the first slot again, from the next sample on. Any thread.
     void clearDelayMemory() { parameters::storeShared(clearRequested, std::uint32_t{1}); }
@@ -42,20 +51,51 @@ struct ModuleDelay {
         lfoOffset = 0.0f;
     }
 
-    /// Stores one sample and moves on. Audio thread.
-    void write(float sample) {
-        samples[static_cast<std::size_t>(writeIndex)] = sample;
-        ++writeIndex;
-        if (writeIndex > written)
-            written = writeIndex;
-        if (writeIndex > kDelaySize - 1)
-            writeIndex = 0;
+    /// How many samples fit until the memory starts over: a sub-block is no longer than that. Audio thread.
+    std::int32_t slotsLeft() const { return kDelaySize - writeIndex; }
+
+    /// Makes ready for `frames` more samples. Audio thread.
+    MemoryStretch beginStretch(std::int32_t frames) {
+        const std::int32_t kept = std::clamp(written - writeIndex, 0, kOvertakenSlots);
+        const auto next = std::copy_n(samples.begin() + writeIndex, kept, overtaken.begin());
+        std::fill(next, overtaken.end(), 0.0f);
+        for (std::int32_t i = 0; i < kSubBlockFrames; ++i)
+            writePositions[static_cast<std::size_t>(i)] = static_cast<float>(writeIndex + i + 1);
+        if (frames == slotsLeft())
+            writePositions[static_cast<std::size_t>(frames - 1)] = 0.0f;
+        return {samples.data(), written, writeIndex, frames, writePositions.data(), overtaken.data(), true};
     }
 
-    /// The sample of a slot; any number is brought into the memory. Audio thread.
+    /// Moves on behind the samples of the stretch, all of which stand in their slots now. Audio thread.
+    void endStretch(MemoryStretch& stretch) {
+        writeIndex += stretch.frames;
+        written = std::max(written, writeIndex);
+        if (writeIndex > kDelaySize - 1)
+            writeIndex = 0;
+        stretch.written = written;
+        stretch.ahead = false;
+    }
+};
+
+/// The memory as it stands right after one sample of a sub-block has been written.
+struct MemoryMoment {
+    const MemoryStretch& stretch;
+    std::int32_t frame;
+
+    /// Where the next sample will be written.
+    std::int32_t writeIndex() const {
+        const std::int32_t next = stretch.start + frame + 1;
+        return next > kDelaySize - 1 ? 0 : next;
+    }
+
+    /// The sample of a slot; any number is brought into the memory.
     float at(std::uint32_t slot) const {
         slot &= kDelayMask;
-        return slot < static_cast<std::uint32_t>(written) ? samples[slot] : 0.0f;
+        const std::uint32_t place = slot - static_cast<std::uint32_t>(stretch.start);
+        if (place < static_cast<std::uint32_t>(stretch.frames))
+            return place <= static_cast<std::uint32_t>(frame) ? stretch.samples[slot]
+                                                              : stretch.overtaken[place];
+        return slot < static_cast<std::uint32_t>(stretch.written) ? stretch.samples[slot] : 0.0f;
     }
 };
 

@@ -24,11 +24,21 @@ struct ModuleFMop {
         return (ratioFine * ratio) * (parameters::loadShared(sampleTime) * parameters::loadShared(rate));
     }
 
-    /// Moves on by `step` cycles and gives about 100 * sin of the new phase. Audio thread.
+    /// Moves on by `step` cycles and gives the new phase. Audio thread.
     float advance(float step) {
         const float x = step + phase;
-        phase = x - static_cast<float>(parameters::trunc(x + 0.5f));
-        float y = phaseMod * 0.15915507078170776f + phase;
+        const float turns = x + 0.5f;
+        // Most samples stay within the turn, where there is nothing to take off.
+        if (turns > -1.0f && turns < 1.0f)
+            phase = x;
+        else
+            phase = x - static_cast<float>(parameters::trunc(turns));
+        return phase;
+    }
+
+    /// About 100 * sin of a phase in cycles, -0.5..0.5, moved by phaseMod. Any thread.
+    float sine(float at) const {
+        float y = phaseMod * 0.15915507078170776f + at;
         y = y - static_cast<float>(parameters::trunc(y + 0.5f));
         const float magnitude = std::fabs(y);
         return (magnitude - 0.5f) * (magnitude - 0.7329630255699158f) * (magnitude + 0.23296299576759338f) *

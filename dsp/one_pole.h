@@ -1,6 +1,7 @@
 // The smoother that lets parameters and tap times glide instead of click.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -12,13 +13,29 @@ struct OnePole {
     float b = std::bit_cast<float>(std::uint32_t{0x38FBA000}); ///< 0.00012, so that a + b is 1
     float z = 0.0f;
 
-    /// One sample of the glide toward `v`. A target at or under 1e-5 closes the gate: the answer is 0 at once
-    /// and the glide waits where it stood.
+    /// Whether a target opens the gate. At or under 1e-5 the gate is closed: the answer is 0 at once and the
+    /// glide waits where it stood.
+    static bool opens(float v) { return v > 9.999999747378752e-06f; }
+
+    /// One sample of the glide toward `v`.
     float gated(float v) {
-        if (!(v > 9.999999747378752e-06f))
+        if (!opens(v))
             return 0.0f;
         z = v * b + a * z;
         return z;
+    }
+
+    /// Whether a glide toward `v` has come to rest: one more sample would leave it where it is.
+    bool rests(float v) const { return v * b + a * z == z; }
+
+    /// `frames` samples of the glide toward `v`.
+    template <class Row>
+    void gated(float v, Row& row, std::int32_t frames) {
+        const auto end = row.begin() + frames;
+        if (!opens(v) || rests(v))
+            std::fill(row.begin(), end, opens(v) ? z : 0.0f);
+        else
+            std::generate(row.begin(), end, [&] { return gated(v); });
     }
 };
 

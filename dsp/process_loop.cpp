@@ -41,26 +41,43 @@ float wetLevelOf(const std::array<float, kMaxTaps>& gain, std::int32_t numTaps) 
     return 2.0f - gainSum / static_cast<float>(numTaps);
 }
 
+constexpr Row kSilence{};
+
+/// The samples of a tap without interpolation, where they stand; null for one that has to be looked up.
+const float* wholeSamples(const MemoryStretch& stretch, float time) {
+    std::int32_t first = stretch.start + 1 - trunc(time);
+    if (first < 0)
+        first += kDelaySize;
+    const std::int32_t last = first + stretch.frames - 1;
+    return isSilent(stretch, first, last) ? kSilence.data() : runOf(stretch, first, last, first);
+}
+
+float timeAt(const TapPath& path, std::int32_t frame) {
+    return path.times ? path.times[frame] : path.time;
+}
+
 } // namespace
 
 void DelayEngine::processReplacing(const float* const* inputs, float* const* outputs,
                                    std::int32_t sampleFrames) {
     delay.serveClearRequest();
     Fade fade = beginBlock(sampleFrames);
-    for (std::int32_t first = 0; first < sampleFrames; first += kSubBlockFrames) {
-        const std::int32_t frames = std::min(kSubBlockFrames, sampleFrames - first);
+    for (std::int32_t first = 0; first < sampleFrames;) {
+        delay.serveClearRequest();
+        const std::int32_t frames = std::min({kSubBlockFrames, sampleFrames - first, delay.slotsLeft()});
         // Both channels are read before either is written: a host may hand over the same buffers, also
         // crossed.
         std::copy_n(inputs[0] + first, frames, block.dryLeft.begin());
         std::copy_n(inputs[1] + first, frames, block.dryRight.begin());
-        delay.serveClearRequest();
         readControls();
         smoothParameters(frames);
+        sweep(frames);
         filterInput(frames);
         moveTaps(frames);
         runDelay(frames);
         shapeWet(frames, first, fade);
         mixOutput(frames, outputs[0] + first, outputs[1] + first);
+        first += frames;
     }
 }
 
@@ -92,7 +109,8 @@ float DelayEngine::Fade::next(std::int32_t i) {
 void DelayEngine::readControls() {
     controls.numTaps = parameters::loadShared(pattern.numTaps);
     controls.interpMode = parameters::loadShared(delay.interpMode);
-    for (std::size_t tap = 0; tap < kMaxTaps; ++tap) {
+    // One more than are heard: with an odd count the last pair takes in the entry behind the last tap.
+    for (std::size_t tap = 0; tap < at((controls.numTaps + 1) / 2 * 2); ++tap) {
         controls.gain[tap] = parameters::loadShared(pattern.tapGain[tap]);
         controls.target[tap] = parameters::loadShared(pattern.tapTimeTarget[tap]);
     }
@@ -113,23 +131,21 @@ void DelayEngine::readControls() {
 }
 
 void DelayEngine::smoothParameters(std::int32_t frames) {
-    Row depth;
-    for (std::int32_t i = 0; i < frames; ++i) {
-        block.stereo[at(i)] = stereoSmoother.gated(controls.stereo);
-        block.mix[at(i)] = mixSmoother.gated(controls.mix);
-        block.pan[at(i)] = panSmoother.gated(controls.pan);
-        depth[at(i)] = depthSmoother.gated(controls.depth);
-    }
-    sweep(frames, depth);
+    stereoSmoother.gated(controls.stereo, block.stereo, frames);
+    mixSmoother.gated(controls.mix, block.mix, frames);
+    panSmoother.gated(controls.pan, block.pan, frames);
+    depthSmoother.gated(controls.depth, block.depth, frames);
 }
 
 /// The sweep of a sample is heard in the sample after it.
-void DelayEngine::sweep(std::int32_t frames, const Row& depth) {
-    for (std::int32_t i = 0; i < frames; ++i) {
-        block.lfoOffset[at(i)] = delay.lfoOffset;
-        const float sine = lfo.advance(controls.lfoStep);
-        delay.lfoOffset = -std::fabs((sine + 100.0f) * depth[at(i)]);
-    }
+void DelayEngine::sweep(std::int32_t frames) {
+    Row phase;
+    for (std::int32_t i = 0; i < frames; ++i)
+        phase[at(i)] = lfo.advance(controls.lfoStep);
+    block.lfoOffset[0] = delay.lfoOffset;
+    for (std::int32_t i = 0; i < frames; ++i)
+        block.lfoOffset[at(i + 1)] = -std::fabs((lfo.sine(phase[at(i)]) + 100.0f) * block.depth[at(i)]);
+    delay.lfoOffset = block.lfoOffset[at(frames)];
 }
 
 void DelayEngine::filterInput(std::int32_t frames) {
@@ -141,31 +157,98 @@ void DelayEngine::filterInput(std::int32_t frames) {
     }
 }
 
+/// A tap at rest has one time for the whole sub-block; only those on their way need a row.
 void DelayEngine::moveTaps(std::int32_t frames) {
     const bool glides = controls.interpMode != kWholeSamples && controls.numTaps < kFirstCountWithoutGlide;
+    std::array<std::size_t, kMaxTaps> gliding;
+    std::size_t count = 0;
     for (std::size_t tap = 0; tap < at(controls.numTaps); ++tap) {
-        float* const times = block.tapTimeNow[tap].data();
         const float target = controls.target[tap];
-        for (std::int32_t i = 0; i < frames; ++i)
-            times[i] = glides ? tapSmoother[tap].gated(target) : target;
+        TapPath& path = block.tapPath[tap];
+        path = {nullptr, target, block.lfoOffset.data()};
+        if (!glides)
+            continue;
+        if (!OnePole::opens(target))
+            path.time = 0.0f;
+        else if (tapSmoother[tap].rests(target))
+            path.time = tapSmoother[tap].z;
+        else
+            gliding[count++] = tap;
     }
+    for (std::size_t first = 0; first < count; first += kGlideLanes)
+        glideTaps({gliding.data() + first, std::min<std::size_t>(kGlideLanes, count - first)}, frames);
+}
+
+/// Up to kGlideLanes taps at once: each sample of a glide waits for the one before, so glides go side by
+/// side.
+void DelayEngine::glideTaps(std::span<const std::size_t> gliding, std::int32_t frames) {
+    alignas(64) std::array<float, kGlideLanes> step{}, now{};
+    std::array<float*, kGlideLanes> rows;
+    Row spare;
+    rows.fill(spare.data());
+    for (std::size_t lane = 0; lane < gliding.size(); ++lane) {
+        const std::size_t tap = gliding[lane];
+        step[lane] = controls.target[tap] * tapSmoother[tap].b;
+        now[lane] = tapSmoother[tap].z;
+        rows[lane] = block.tapTimeNow[tap].data();
+        block.tapPath[tap].times = rows[lane];
+    }
+    kernels->glide(step.data(), OnePole{}.a, now.data(), rows.data(), frames);
+    for (std::size_t lane = 0; lane < gliding.size(); ++lane)
+        tapSmoother[gliding[lane]].z = now[lane];
 }
 
 void DelayEngine::runDelay(std::int32_t frames) {
-    if (controls.interpMode == kWholeSamples)
-        runDelayWith<WholeSampleReader>(frames);
-    else if (controls.interpMode == kLinear)
-        runDelayWith<LinearReader>(frames);
-    else
-        runDelayWith<CubicReader>(frames);
+    MemoryStretch stretch = delay.beginStretch(frames);
+    recirculate(stretch);
+    delay.endStretch(stretch);
+    sumTaps(stretch);
+}
+
+/// Writes the input and what the first and the last tap feed back. Where these two read nothing that the
+/// sub-block itself writes, they are read before; else each sample has to wait for the one before it.
+void DelayEngine::recirculate(const MemoryStretch& stretch) {
+    if (!readAhead(stretch)) {
+        if (controls.interpMode == kWholeSamples)
+            recirculateWith<WholeSampleReader>(stretch);
+        else if (controls.interpMode == kLinear)
+            recirculateWith<LinearReader>(stretch);
+        else
+            recirculateWith<CubicReader>(stretch);
+        return;
+    }
+    float* const slots = delay.samples.data() + stretch.start;
+    for (std::int32_t i = 0; i < stretch.frames; ++i) {
+        slots[i] = memoryInput(block.filtered[at(i)]);
+        captureFeedback(block.firstTap[at(i)], block.lastTap[at(i)]);
+    }
+}
+
+bool DelayEngine::readAhead(const MemoryStretch& stretch) {
+    const std::size_t last = at(controls.numTaps - 1);
+    const float* const firstTap = readTapAtOnce(stretch, 0, block.firstTap);
+    const float* const lastTap =
+        last > 0 && firstTap ? readTapAtOnce(stretch, last, block.lastTap) : firstTap;
+    if (!firstTap || !lastTap)
+        return false;
+    if (firstTap != block.firstTap.data())
+        std::copy_n(firstTap, stretch.frames, block.firstTap.begin());
+    if (lastTap != block.lastTap.data())
+        std::copy_n(lastTap, stretch.frames, block.lastTap.begin());
+    return true;
 }
 
 template <class Reader>
-void DelayEngine::runDelayWith(std::int32_t frames) {
-    for (std::int32_t i = 0; i < frames; ++i) {
-        delay.write(memoryInput(block.filtered[at(i)]));
-        sumTaps<Reader>(i);
-        captureFeedback();
+void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
+    float* const slots = delay.samples.data() + stretch.start;
+    const TapPath& first = block.tapPath[0];
+    const TapPath& last = block.tapPath[at(controls.numTaps - 1)];
+    for (std::int32_t i = 0; i < stretch.frames; ++i) {
+        slots[i] = memoryInput(block.filtered[at(i)]);
+        const MemoryMoment moment{stretch, i};
+        block.firstTap[at(i)] = Reader::read(moment, timeAt(first, i), first.lfoOffset[i]);
+        block.lastTap[at(i)] = Reader::read(moment, timeAt(last, i), last.lfoOffset[i]);
+        captureFeedback(block.firstTap[at(i)], block.lastTap[at(i)]);
     }
 }
 
@@ -181,32 +264,78 @@ float DelayEngine::memoryInput(float filtered) {
                               static_cast<double>(kAntiDenormal));
 }
 
-/// Reads every tap at one moment; even taps sound left, odd taps right.
-template <class Reader>
-void DelayEngine::sumTaps(std::int32_t frame) {
-    const float offset = block.lfoOffset[at(frame)];
-    for (std::size_t tap = 0; tap < at(controls.numTaps); ++tap)
-        delay.tapOut[tap] = Reader::read(delay, block.tapTimeNow[tap][at(frame)], offset);
-    float left = 0.0f;
-    float right = 0.0f;
-    // With an odd count the last pair takes in the entry behind the last tap, whose gain is zero.
-    for (std::size_t tap = 0; tap < at(controls.numTaps); tap += 2) {
-        left += delay.tapOut[tap] * controls.gain[tap];
-        right += delay.tapOut[tap + 1] * controls.gain[tap + 1];
-    }
-    block.sumLeft[at(frame)] = left;
-    block.sumRight[at(frame)] = right;
-}
-
 /// The first and the last tap feed back, as they were read. While the first is silent, the last value is
 /// held.
-void DelayEngine::captureFeedback() {
-    const float first = delay.tapOut[0];
-    const float last = delay.tapOut[at(controls.numTaps - 1)];
+void DelayEngine::captureFeedback(float first, float last) {
     if (std::fabs(first) > kAntiDenormal)
         fbSample = first + last - kAntiDenormal;
     if ((std::bit_cast<std::uint32_t>(fbSample) & 0x7F800000u) == 0)
         fbSample = 0.0f;
+}
+
+/// Adds up all taps in their order; even taps sound left, odd taps right.
+void DelayEngine::sumTaps(const MemoryStretch& stretch) {
+    block.sumLeft.fill(0.0f);
+    block.sumRight.fill(0.0f);
+    const std::size_t last = at(controls.numTaps - 1);
+    alignas(64) Row row;
+    for (std::size_t tap = 0; tap <= last; ++tap) {
+        const float* echo;
+        if (tap == 0)
+            echo = block.firstTap.data();
+        else if (tap == last)
+            echo = block.lastTap.data();
+        else
+            echo = readTap(stretch, tap, row);
+        Row& sum = tap % 2 == 0 ? block.sumLeft : block.sumRight;
+        kernels->addTap(sum.data(), echo, controls.gain[tap], stretch.frames);
+        delay.tapOut[tap] = echo[stretch.frames - 1];
+    }
+    // With an odd count the last pair takes in the entry behind the last tap. Its gain is zero; what it read
+    // long ago is heard only if it was no number.
+    if (last % 2 == 0) {
+        const float stray = delay.tapOut[last + 1] * controls.gain[last + 1];
+        for (float& sum : block.sumRight)
+            sum += stray;
+    }
+}
+
+/// A tap's samples for the whole stretch, in `row` or wherever they stand already.
+const float* DelayEngine::readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
+    if (const float* const echo = readTapAtOnce(stretch, tap, row))
+        return echo;
+    readTapCarefully(stretch, tap, row);
+    return row.data();
+}
+
+/// The same, or null for a tap whose samples have to be looked up one by one.
+const float* DelayEngine::readTapAtOnce(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
+    const TapPath& path = block.tapPath[tap];
+    if (controls.interpMode == kWholeSamples)
+        return wholeSamples(stretch, path.time);
+    const auto read = controls.interpMode == kLinear ? kernels->readLinear : kernels->readCubic;
+    switch (read(stretch, path, row.data())) {
+    case TapRead::done:
+        return row.data();
+    case TapRead::silence:
+        return kSilence.data();
+    default:
+        return nullptr;
+    }
+}
+
+void DelayEngine::readTapCarefully(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
+    const TapPath& path = block.tapPath[tap];
+    const auto readWith = [&](auto reader) {
+        for (std::int32_t i = 0; i < stretch.frames; ++i)
+            row[at(i)] = reader.read(MemoryMoment{stretch, i}, timeAt(path, i), path.lfoOffset[i]);
+    };
+    if (controls.interpMode == kWholeSamples)
+        readWith(WholeSampleReader{});
+    else if (controls.interpMode == kLinear)
+        readWith(LinearReader{});
+    else
+        readWith(CubicReader{});
 }
 
 void DelayEngine::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade) {

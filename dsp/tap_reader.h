@@ -11,14 +11,14 @@
 namespace dsp {
 
 /// A read position in samples: single precision, so that long delays move on a coarser grid.
-inline float readPosition(const ModuleDelay& memory, float time, float lfoOffset) {
-    const float p = static_cast<float>(memory.writeIndex) - time + lfoOffset;
+inline float readPosition(const MemoryMoment& memory, float time, float lfoOffset) {
+    const float p = static_cast<float>(memory.writeIndex()) - time + lfoOffset;
     return p < 0.0f ? p + 4194304.0f : p;
 }
 
 /// Four points, Catmull-Rom.
 struct CubicReader {
-    static float read(const ModuleDelay& memory, float time, float lfoOffset) {
+    static float read(const MemoryMoment& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         const std::int32_t whole = parameters::trunc(p);
         const float f = p - static_cast<float>(whole);
@@ -37,7 +37,7 @@ struct CubicReader {
 /// Two points. A position that is still negative after one turn of the memory is turned once more in whole
 /// samples only, which leaves a huge fraction: the tap roars for as long as that lasts.
 struct LinearReader {
-    static float read(const ModuleDelay& memory, float time, float lfoOffset) {
+    static float read(const MemoryMoment& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         std::int32_t i = parameters::trunc(p);
         if (i < 0)
@@ -53,8 +53,8 @@ struct LinearReader {
 
 /// The nearest whole sample, untouched by the sweep.
 struct WholeSampleReader {
-    static float read(const ModuleDelay& memory, float time, float) {
-        std::int32_t i = memory.writeIndex - parameters::trunc(time);
+    static float read(const MemoryMoment& memory, float time, float) {
+        std::int32_t i = memory.writeIndex() - parameters::trunc(time);
         if (i < 0)
             i += kDelaySize;
         if (i > kDelaySize - 1)
