@@ -1,0 +1,480 @@
+// The editor as a person meets it: in a host's window, under a real pointer.
+#include "platform/message_watch.h"
+#include "support/shown_editor.h"
+
+#include "../platform/child_process.h"
+
+#include <X11/keysym.h>
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+using namespace test;
+using namespace vst2;
+using conversation::kTaps;
+
+// The parameters of the controls in the skin.
+constexpr std::int32_t kKnob = 6, kHorizontal = 14, kVertical = 13, kLamp = 16, kUpright = 8, kFlat = 11,
+                       kMenu = 5;
+
+/// The hint line, and the value below the knob.
+constexpr int kHint[] = {10, 215, 200, 18};
+constexpr int kKnobText[] = {10, 52, 40, 14};
+
+class WindowedEditor : public EditorOnScreen {
+  protected:
+    static std::vector<Pixel> hint(ShownEditor& editor) {
+        return editor.part(kHint[0], kHint[1], kHint[2], kHint[3]);
+    }
+    /// A click on the lamp, whose effect tells that all before it has been worked off.
+    static void serveAll(ShownEditor& editor) {
+        const float next = editor.value(kLamp) > 0.5f ? 0.0f : 1.0f;
+        editor.click(218, 18);
+        ASSERT_TRUE(editor.becomes(kLamp, next));
+    }
+    std::vector<Window> childrenOf(Window window) {
+        Window ignored = None, *children = nullptr;
+        unsigned count = 0;
+        std::vector<Window> found;
+        if (XQueryTree(screen().display(), window, &ignored, &ignored, &children, &count) && children) {
+            found.assign(children, children + count);
+            XFree(children);
+        }
+        return found;
+    }
+    std::string chosenSkin() const {
+        std::ifstream file(std::string(std::getenv("XDG_CONFIG_HOME")) +
+                           "/Quillon Software/Quillon Multitap Delay.conf");
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+};
+
+/// begin, automate any number of times, end.
+void expectGesture(const std::vector<std::int32_t>& told) {
+    ASSERT_GE(told.size(), 3u);
+    EXPECT_EQ(told.front(), audioMasterBeginEdit);
+    EXPECT_EQ(told.back(), audioMasterEndEdit);
+    for (std::size_t i = 1; i + 1 < told.size(); ++i)
+        EXPECT_EQ(told[i], audioMasterAutomate);
+}
+
+TEST_F(WindowedEditor, ShowsTheSkinInTheSizeThatTheHostWasTold) {
+    auto& editor = show();
+    EXPECT_EQ(editor.width(), kSkinWidth);
+    EXPECT_EQ(editor.height(), kSkinHeight);
+    EXPECT_EQ(editor.pixel(kSkinWidth - 1, kSkinHeight - 1), kGrey);
+    EXPECT_EQ(childrenOf(editor.window()).size(), 1u);
+}
+
+TEST_F(WindowedEditor, LetsAKnobBeDraggedAndTellsTheHostOfTheGesture) {
+    auto& editor = show();
+    const float before = editor.value(kKnob);
+    const auto text = editor.part(kKnobText[0], kKnobText[1], kKnobText[2], kKnobText[3]);
+    editor.plugin().clearCalls();
+    ASSERT_TRUE(editor.drag(30, 30, 30, 5, [&] { return editor.value(kKnob) > before + 0.05f; }));
+    ASSERT_TRUE(editor.serveUntil([&] {
+        const auto told = editor.toldOf(kKnob);
+        return !told.empty() && told.back() == audioMasterEndEdit;
+    }));
+    expectGesture(editor.toldOf(kKnob));
+    EXPECT_TRUE(editor.changes(text, kKnobText[0], kKnobText[1], kKnobText[2], kKnobText[3]))
+        << "the value below the knob";
+}
+
+TEST_F(WindowedEditor, LetsASliderBeDraggedFromEndToEnd) {
+    auto& editor = show();
+    editor.plugin().clearCalls();
+    const int handle = 60 + static_cast<int>(editor.value(kHorizontal) * 100.0f) + 5;
+    EXPECT_TRUE(editor.drag(handle, 18, 185, 18, [&] { return editor.value(kHorizontal) == 1.0f; }));
+    EXPECT_TRUE(editor.showsPixel(165, 18, 0xFF8000));
+    expectGesture(editor.toldOf(kHorizontal));
+    EXPECT_TRUE(editor.drag(165, 18, 45, 18, [&] { return editor.value(kHorizontal) == 0.0f; }));
+    EXPECT_TRUE(editor.showsPixel(65, 18, 0xFF8000));
+}
+
+TEST_F(WindowedEditor, LetsAnUprightSliderRiseWithTheHand) {
+    auto& editor = show();
+    editor.plugin().setParameter(kVertical, 0.0f);
+    ASSERT_TRUE(editor.showsPixel(188, 95, 0xFF8000)) << "at rest it stands at the bottom";
+    EXPECT_TRUE(editor.drag(188, 95, 188, 2, [&] { return editor.value(kVertical) == 1.0f; }));
+    EXPECT_TRUE(editor.showsPixel(188, 15, 0xFF8000));
+}
+
+TEST_F(WindowedEditor, SwitchesALampOnAndOff) {
+    auto& editor = show();
+    editor.plugin().setParameter(kLamp, 0.0f);
+    ASSERT_TRUE(editor.showsPixel(218, 18, 0x800000));
+    editor.plugin().clearCalls();
+    editor.click(218, 18);
+    EXPECT_TRUE(editor.becomes(kLamp, 1.0f));
+    EXPECT_TRUE(editor.showsPixel(218, 18, 0x00FF00));
+    expectGesture(editor.toldOf(kLamp));
+    editor.click(218, 18);
+    EXPECT_TRUE(editor.becomes(kLamp, 0.0f));
+}
+
+TEST_F(WindowedEditor, StepsThroughASwitchOfThreeWays) {
+    auto& editor = show();
+    editor.plugin().setParameter(kUpright, 0.0f);
+    ASSERT_TRUE(editor.showsPixel(248, 18, 0xFF0000));
+    editor.click(248, 24);
+    EXPECT_TRUE(editor.becomes(kUpright, 1.0f));
+    EXPECT_TRUE(editor.showsPixel(248, 18, 0x0000FF));
+    editor.click(248, 18);
+    EXPECT_TRUE(editor.becomes(kUpright, 0.5f));
+    EXPECT_TRUE(editor.showsPixel(248, 18, 0x00FF00));
+
+    editor.plugin().setParameter(kFlat, 0.0f);
+    editor.click(262 + 40, 18);
+    EXPECT_TRUE(editor.becomes(kFlat, 1.0f));
+}
+
+TEST_F(WindowedEditor, LightsAKickButtonOnlyWhileItIsHeld) {
+    auto& editor = show();
+    ASSERT_TRUE(editor.showsPixel(218, 48, 0x800000));
+    editor.point(218, 48);
+    editor.press(kLeft);
+    EXPECT_TRUE(editor.showsPixel(218, 48, 0x00FF00));
+    editor.release(kLeft);
+    EXPECT_TRUE(editor.showsPixel(218, 48, 0x800000));
+}
+
+TEST_F(WindowedEditor, FollowsTheHostsChanges) {
+    auto& editor = show();
+    editor.plugin().setParameter(kHorizontal, 1.0f);
+    EXPECT_TRUE(editor.showsPixel(165, 18, 0xFF8000));
+    editor.plugin().setParameter(kHorizontal, 0.0f);
+    EXPECT_TRUE(editor.showsPixel(65, 18, 0xFF8000));
+    editor.plugin().setParameter(kHorizontal, 1.0f);
+    editor.plugin().setProgram(5);
+    EXPECT_EQ(editor.value(kHorizontal), 0.5f);
+    EXPECT_TRUE(editor.showsPixel(115, 18, 0xFF8000));
+}
+
+TEST_F(WindowedEditor, ShowsInTheHintLineWhatIsDragged) {
+    auto& editor = show();
+    serveAll(editor);
+    ASSERT_TRUE(editor.serveUntil([&] {
+        const auto pixels = hint(editor);
+        return std::ranges::any_of(pixels, [](Pixel pixel) { return pixel != kGrey; });
+    }));
+    const auto resting = hint(editor);
+    editor.point(30, 30);
+    editor.press(kLeft);
+    EXPECT_TRUE(editor.changes(resting, kHint[0], kHint[1], kHint[2], kHint[3]));
+    editor.release(kLeft);
+    EXPECT_TRUE(editor.serveUntil([&] { return hint(editor) == resting; }));
+}
+
+TEST_F(WindowedEditor, GoesOnWithADragThatLeavesTheWindow) {
+    auto& editor = show();
+    editor.plugin().setParameter(kHorizontal, 0.0f);
+    ASSERT_TRUE(editor.showsPixel(65, 18, 0xFF8000));
+    EXPECT_TRUE(editor.drag(65, 18, 400, -25, [&] { return editor.value(kHorizontal) == 1.0f; }));
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.toldOf(kHorizontal).back() == audioMasterEndEdit; }));
+}
+
+// Menus
+
+TEST_F(WindowedEditor, SetsAParameterFromAMenu) {
+    auto& editor = show();
+    editor.plugin().clearCalls();
+    const auto before = editor.part(10, 92, 80, 60);
+    editor.click(50, 80);
+    ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60)) << "the menu is to be seen";
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Return);
+    EXPECT_TRUE(editor.becomes(kMenu, 1.0f)) << editor.value(kMenu);
+    expectGesture(editor.toldOf(kMenu));
+}
+
+TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.3f);
+    serveAll(editor);
+    const auto before = editor.part(10, 92, 80, 60);
+    editor.plugin().clearCalls();
+    editor.click(50, 80);
+    ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60));
+    editor.typeKey(XK_Escape);
+    ASSERT_TRUE(editor.serveUntil([&] { return editor.part(10, 92, 80, 60) == before; }));
+    serveAll(editor);
+    EXPECT_EQ(editor.value(kMenu), 0.3f);
+    EXPECT_EQ(std::ranges::count(editor.toldOf(kMenu), audioMasterAutomate), 0);
+}
+
+TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByAClickBesideIt) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.3f);
+    serveAll(editor);
+    const auto before = editor.part(10, 92, 80, 60);
+    editor.click(50, 80);
+    ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60));
+    editor.click(300, 120);
+    ASSERT_TRUE(editor.serveUntil([&] { return editor.part(10, 92, 80, 60) == before; }));
+    EXPECT_EQ(editor.value(kMenu), 0.3f);
+}
+
+TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
+    auto& editor = show();
+    std::vector<platform::ShownMessage> messages;
+    {
+        const platform::MessageWatch watch(
+            [&](const platform::ShownMessage& message) { messages.push_back(message); }, [] { return true; });
+        const auto before = editor.part(100, 92, 70, 50);
+        editor.click(135, 80);
+        ASSERT_TRUE(editor.changes(before, 100, 92, 70, 50));
+        // The two skins stand in the order of the file system.
+        std::vector<std::string> order;
+        for (const auto& entry : std::filesystem::directory_iterator(module.folder()))
+            if (entry.is_directory())
+                order.push_back(entry.path().filename());
+        for (auto name = order.begin();; ++name) {
+            editor.typeKey(XK_Down);
+            if (*name == "blue")
+                break;
+        }
+        editor.typeKey(XK_Return);
+        ASSERT_TRUE(editor.serveUntil([&] { return chosenSkin() == "SkinName=blue\n"; })) << chosenSkin();
+        ASSERT_TRUE(editor.serveUntil([&] { return !messages.empty(); }));
+    }
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].caption, "SKIN SELECTED!");
+    EXPECT_EQ(editor.pixel(kSkinWidth - 2, 2), kGrey) << "the open window stays as it is";
+    editor.close();
+    ASSERT_TRUE(editor.open());
+    EXPECT_TRUE(editor.showsPixel(100, 100, kBlue));
+    ERect* size = nullptr;
+    editor.plugin().dispatch(effEditGetRect, 0, 0, &size);
+    EXPECT_EQ(size->right, kSkinWidth) << "until the next instance";
+    ShownEditor next(library(), screen(), 500, 400);
+    EXPECT_EQ(next.width(), 160);
+}
+
+TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    const auto before = editor.part(10, 92, 80, 60);
+    editor.click(50, 80);
+    ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60));
+    // Down, down, return, as a host passes them on.
+    for (const std::intptr_t key : {14, 14, 4})
+        EXPECT_EQ(editor.plugin().dispatch(effEditKeyDown, 0, key), 1) << key;
+    EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
+}
+
+// Overlays
+
+TEST_F(WindowedEditor, OffersAMenuAboutControllersAtARightClick) {
+    auto& editor = show();
+    editor.plugin().setParameter(kKnob, 0.25f);
+    ASSERT_TRUE(editor.becomes(kKnob, 0.25f));
+    serveAll(editor);
+    const auto before = editor.part(30, 30, 90, 24);
+    editor.click(30, 30, kRight);
+    ASSERT_TRUE(editor.changes(before, 30, 30, 90, 24));
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Return);
+    EXPECT_TRUE(editor.becomes(kKnob, 1.0f)) << "the menu's entry sets the parameter to its maximum";
+}
+
+TEST_F(WindowedEditor, SetsAControlBackToItsDefaultByControlAndClick) {
+    auto& editor = show();
+    const float start = editor.value(kKnob);
+    editor.plugin().setParameter(kKnob, 0.9f);
+    editor.holdKey(XK_Control_L, true);
+    editor.click(30, 30);
+    EXPECT_TRUE(editor.becomes(kKnob, start));
+    editor.holdKey(XK_Control_L, false);
+}
+
+TEST_F(WindowedEditor, DoesNothingHarmfulAtARightClickOnAMenu) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.5f);
+    const auto before = editor.part(50, 80, 60, 24);
+    editor.click(50, 80, kRight);
+    ASSERT_TRUE(editor.changes(before, 50, 80, 60, 24));
+    editor.typeKey(XK_Escape);
+    ASSERT_TRUE(editor.serveUntil([&] { return editor.part(50, 80, 60, 24) == before; }));
+    EXPECT_EQ(editor.value(kMenu), 0.5f);
+}
+
+// The about box and the picture of the echoes
+
+TEST_F(WindowedEditor, OpensTheAboutBoxByAClickAndClosesItByAnother) {
+    auto& editor = show();
+    const int x = kSkinWidth / 2 - 48, y = kSkinHeight / 2 + 28;
+    const auto before = editor.part(x, y, 1, 1);
+    editor.click(270, 180);
+    EXPECT_TRUE(editor.showsPixel(x, y, kAboutBlue));
+    editor.click(x, y);
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.part(x, y, 1, 1) == before; }));
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, LeavesTheAboutBoxClosedAtARightClick) {
+    auto& editor = show();
+    editor.click(270, 180, kRight);
+    serveAll(editor);
+    EXPECT_NE(editor.pixel(kSkinWidth / 2, kSkinHeight / 2 + 28), kAboutBlue);
+}
+
+TEST_F(WindowedEditor, DrawsTheEchoesAnewWhenThePatternChanges) {
+    auto& editor = show();
+    editor.plugin().setParameter(kTaps, 0.05f);
+    serveAll(editor);
+    const auto before = editor.part(10, 110, 200, 60);
+    editor.plugin().setParameter(kTaps, 0.2f);
+    EXPECT_TRUE(editor.changes(before, 10, 110, 200, 60));
+}
+
+TEST_F(WindowedEditor, TurnsThePagesOfHelpByRightClicks) {
+    auto& editor = show();
+    serveAll(editor);
+    const auto picture = editor.part(10, 110, 200, 60);
+    editor.click(100, 140, kRight);
+    ASSERT_TRUE(editor.changes(picture, 10, 110, 200, 60));
+    serveAll(editor);
+    const auto firstPage = editor.part(10, 110, 200, 60);
+    editor.click(100, 140, kRight);
+    ASSERT_TRUE(editor.changes(firstPage, 10, 110, 200, 60));
+    editor.click(100, 140);
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.part(10, 110, 200, 60) == picture; }));
+}
+
+// Windows come and go
+
+TEST_F(WindowedEditor, OpensAndClosesAHundredTimes) {
+    auto& editor = show();
+    for (int round = 0; round < 100; ++round) {
+        editor.close();
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u) << round;
+        ASSERT_TRUE(editor.open()) << round;
+        ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey)) << round;
+    }
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, StandsBesideTheWindowOfAnotherInstance) {
+    auto& first = show();
+    ShownEditor second(library(), screen(), 500, 400);
+    ASSERT_TRUE(second.open());
+    ASSERT_TRUE(second.showsPixel(kSkinWidth - 2, 2, kGrey));
+    const float untouched = first.value(kLamp);
+    serveAll(second);
+    EXPECT_EQ(first.value(kLamp), untouched);
+    second.close();
+    serveAll(first);
+}
+
+TEST_F(WindowedEditor, OutlivesTheHostsWindow) {
+    auto& editor = show();
+    editor.destroyWindow();
+    for (int i = 0; i < 20; ++i)
+        editor.serve();
+    editor.plugin().setParameter(kKnob, 0.75f);
+    editor.serve();
+    editor.close();
+    editor.serve();
+    EXPECT_EQ(editor.value(kKnob), 0.75f);
+}
+
+TEST_F(WindowedEditor, OpensNowhereWithoutHarm) {
+    auto& editor = show();
+    editor.close();
+    EXPECT_EQ(editor.plugin().dispatch(effEditOpen, 0, 0, nullptr), 1);
+    for (int i = 0; i < 5; ++i)
+        editor.serve();
+    editor.plugin().setParameter(kKnob, 0.75f);
+    editor.close();
+    ASSERT_TRUE(editor.open());
+    ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesWithAMenuOpen) {
+    auto& editor = show();
+    for (const unsigned button : {kLeft, kRight}) {
+        const auto before = editor.part(50, 80, 40, 50);
+        editor.click(50, 80, button);
+        ASSERT_TRUE(editor.changes(before, 50, 80, 40, 50));
+        editor.close();
+        ASSERT_TRUE(editor.open());
+        ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    }
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesInTheMiddleOfADrag) {
+    auto& editor = show();
+    editor.point(30, 30);
+    editor.press(kLeft);
+    editor.point(30, 20);
+    ASSERT_TRUE(editor.serveUntil([&] { return !editor.toldOf(kKnob).empty(); }));
+    editor.close();
+    editor.release(kLeft);
+    ASSERT_TRUE(editor.open());
+    ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
+    auto& editor = show();
+    bool closed = false;
+    editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                             void*) -> std::optional<std::intptr_t> {
+        if (call.opcode == audioMasterAutomate && !closed) {
+            closed = true;
+            editor.close();
+        }
+        return std::nullopt;
+    };
+    ASSERT_TRUE(editor.drag(30, 30, 30, 10, [&] { return closed; }));
+    EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+    editor.plugin().behaviour().answer = nullptr;
+    ASSERT_TRUE(editor.open());
+    ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
+    auto& editor = show();
+    editor.destroyInstance();
+    EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+    show();
+    serveAll(*shown_);
+}
+
+TEST_F(WindowedEditor, FollowsAutomationFromAnotherThread) {
+    auto& editor = show();
+    std::atomic<bool> goesOn = true;
+    std::thread automation([&] {
+        std::vector<float> left(64), right(64);
+        float* buffers[] = {left.data(), right.data()};
+        for (int step = 0; goesOn; step = (step + 1) % 100) {
+            for (const std::int32_t id : {0, 1, kKnob, kUpright, kHorizontal, kMenu})
+                editor.plugin().setParameter(id, static_cast<float>(step) / 100.0f);
+            if (step == 50)
+                editor.plugin().setProgram(step);
+            editor.plugin().process(buffers, buffers, 64);
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        for (int i = 0; i < 50; ++i)
+            editor.serve();
+        editor.close();
+        EXPECT_TRUE(editor.open());
+    }
+    goesOn = false;
+    automation.join();
+    editor.plugin().setParameter(kHorizontal, 1.0f);
+    EXPECT_TRUE(editor.showsPixel(165, 18, 0xFF8000));
+}
+
+} // namespace
