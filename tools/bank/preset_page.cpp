@@ -19,6 +19,9 @@ constexpr int kWidth = 180;
 constexpr int kHalfHeight = 20;
 constexpr int kHeight = 2 * kHalfHeight + 12;
 constexpr double kRangeDecibels = 60.0;
+// As in the renderer's pictures.
+constexpr const char* kLeftColour = "#d9822b";
+constexpr const char* kRightColour = "#3f86d8";
 
 std::string secondsText(double seconds) {
     if (seconds < 0.9995)
@@ -165,8 +168,8 @@ std::string pictureOf(const StereoSignal& answer, double seconds) {
     };
     return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
            "\" viewBox=\"0 0 " + width + " " + height + "\" fill=\"none\">\n" +
-           channel(stems(answer.left, seconds, -1), "#3f86d8") +
-           channel(stems(answer.right, seconds, 1), "#d9822b") +
+           channel(stems(answer.left, seconds, -1), kLeftColour) +
+           channel(stems(answer.right, seconds, 1), kRightColour) +
            channel("M0 " + middle + "h" + width, "#8a8a8a") + "<text x=\"" + width + "\" y=\"" +
            std::to_string(kHeight - 2) +
            "\" fill=\"#8a8a8a\" font-family=\"sans-serif\" font-size=\"9\" text-anchor=\"end\">" +
