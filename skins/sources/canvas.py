@@ -54,6 +54,16 @@ def require_fonts():
             raise SystemExit(f"The font {family} is missing: install the package fonts-liberation.")
 
 
+def mean_colour(picture, left, top, right, bottom):
+    """The colour that a part of a saved picture has on average."""
+    surface = cairo.ImageSurface.create_from_png(str(picture))
+    data, stride = surface.get_data(), surface.get_stride()
+    rows = [bytes(data[y * stride + 4 * left : y * stride + 4 * right]) for y in range(top, bottom)]
+    count = (right - left) * (bottom - top)
+    blue, green, red = (round(sum(sum(row[channel::4]) for row in rows) / count) for channel in range(3))
+    return f"{red:02X}{green:02X}{blue:02X}"
+
+
 class Canvas:
     """One picture. `cr` is its cairo context, for whatever this layer has no word for."""
 

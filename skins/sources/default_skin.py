@@ -41,7 +41,15 @@ GROUPS = (
 ROWS = {
     "RowOne": ("BaseLength", "Taps", "Stretch", "AmpDecay", "Curve", "SweepRate", "SweepDepth", "Movement"),
     "RowTwo": (
-        "LowPass", "HighPass", "InputPan", "InputGain", "Feedback", "Stereo", "DryWet", "OutputPan", "OutputGain",
+        "LowPass",
+        "HighPass",
+        "InputPan",
+        "InputGain",
+        "Feedback",
+        "Stereo",
+        "DryWet",
+        "OutputPan",
+        "OutputGain",
     ),
 }
 

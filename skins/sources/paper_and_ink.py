@@ -69,7 +69,9 @@ def draw(skin):
     _moon().save(folder / "moon.png")
     film_strip(folder / "movement.png", SWITCH_WIDTH, SWITCH_HEIGHT, 3, _movement)
     film_strip(folder / "needle.png", dial, dial, FRAMES, lambda canvas, value: _needle(canvas, dial, value, RED))
-    film_strip(folder / "needle_quiet.png", dial, dial, FRAMES, lambda canvas, value: _needle(canvas, dial, value, FADED))
+    film_strip(
+        folder / "needle_quiet.png", dial, dial, FRAMES, lambda canvas, value: _needle(canvas, dial, value, FADED)
+    )
 
 
 def _place(skin, name):
@@ -108,7 +110,9 @@ class Pen:
 
     def line(self, x0, y0, x1, y1, ink=INK, width=1.1, alpha=0.9):
         steps = max(int(math.hypot(x1 - x0, y1 - y0) / 4), 2)
-        self.path([(x0 + (x1 - x0) * i / steps, y0 + (y1 - y0) * i / steps) for i in range(steps + 1)], ink, width, alpha)
+        self.path(
+            [(x0 + (x1 - x0) * i / steps, y0 + (y1 - y0) * i / steps) for i in range(steps + 1)], ink, width, alpha
+        )
 
     def arc(self, x, y, radius, start, end, ink=INK, width=1.1, alpha=0.9):
         steps = max(int(radius * abs(end - start) / 3), 6)
@@ -143,7 +147,13 @@ class Pen:
 
 def _paper(skin):
     canvas = Canvas(WIDTH, HEIGHT, PAPER)
-    canvas.box(0, 0, WIDTH, HEIGHT, glow(WIDTH / 2, HEIGHT * 0.45, WIDTH * 0.68, (0, PAPER_LIGHT), (0.6, PAPER), (1, PAPER_DARK)))
+    canvas.box(
+        0,
+        0,
+        WIDTH,
+        HEIGHT,
+        glow(WIDTH / 2, HEIGHT * 0.45, WIDTH * 0.68, (0, PAPER_LIGHT), (0.6, PAPER), (1, PAPER_DARK)),
+    )
     _foxing(canvas)
     pen = Pen(canvas, seed=1)
     pen.box(9, 9, WIDTH - 18, HEIGHT - 18, width=2.2)
@@ -180,7 +190,16 @@ def _foxing(canvas):
 def _heading(canvas, pen, menu):
     canvas.text(40, 52, "Plate I.", 15, INK, PAPER, align=0, family=SERIF, italic=True)
     canvas.text(WIDTH / 2, 46, "The MULTITAP DELAY", 25, INK, PAPER, family=SERIF, spacing=2.0)
-    canvas.text(WIDTH / 2, 64, "of Quillon, which answers one sound with as many as 128", 13, RED, PAPER, family=SERIF, italic=True)
+    canvas.text(
+        WIDTH / 2,
+        64,
+        "of Quillon, which answers one sound with as many as 128",
+        13,
+        RED,
+        PAPER,
+        family=SERIF,
+        italic=True,
+    )
     canvas.text(menu.right - 18, menu.top + 19.5, "other skins", 15, INK, PAPER, align=1, family=SERIF, italic=True)
     pen.line(menu.left + 10, menu.top + 23, menu.right - 16, menu.top + 23, RED, 1.0)
     x, y = menu.right - 7, menu.top + 15
@@ -190,7 +209,9 @@ def _heading(canvas, pen, menu):
 def _echo_figure(canvas, view):
     canvas.box(view.left, view.top, view.width, view.height, PAPER_LIGHT, alpha=0.85)
     for share in (0.25, 0.5, 0.75):
-        Pen(canvas, seed=share).line(view.left, view.bottom - view.height * share, view.right, view.bottom - view.height * share, INK, 0.6, 0.16)
+        Pen(canvas, seed=share).line(
+            view.left, view.bottom - view.height * share, view.right, view.bottom - view.height * share, INK, 0.6, 0.16
+        )
     _wash(canvas, view)
     pen = Pen(canvas, seed=2, tremble=0.5)
     pen.box(view.left - 2, view.top - 2, view.width + 4, view.height + 4, width=1.3)
@@ -251,13 +272,25 @@ def _orbit(canvas, place, seed):
     for step in range(11):
         angle = knob_angle(step / 10)
         inner, outer = path - 8, path - (4 if step % 5 else 2)
-        pen.line(x + inner * math.cos(angle), y + inner * math.sin(angle), x + outer * math.cos(angle), y + outer * math.sin(angle), width=0.8)
+        pen.line(
+            x + inner * math.cos(angle),
+            y + inner * math.sin(angle),
+            x + outer * math.cos(angle),
+            y + outer * math.sin(angle),
+            width=0.8,
+        )
     pen.circle(x, y, 11, width=1.2)
     pen.hatch_disc(x, y, 10, spacing=2.4, start=0.0, alpha=0.7)
     for ray in range(16):
         angle = ray * math.pi / 8
         outer = 20 if ray % 2 == 0 else 16
-        pen.line(x + 13 * math.cos(angle), y + 13 * math.sin(angle), x + outer * math.cos(angle), y + outer * math.sin(angle), width=0.9)
+        pen.line(
+            x + 13 * math.cos(angle),
+            y + 13 * math.sin(angle),
+            x + outer * math.cos(angle),
+            y + outer * math.sin(angle),
+            width=0.9,
+        )
 
 
 def _dial(canvas, place, seed, quiet):
@@ -271,7 +304,15 @@ def _dial(canvas, place, seed, quiet):
     for step in range(21):
         angle = knob_angle(step / 20)
         inner = 17.5 if step % 10 == 0 else 19.5 if step % 5 == 0 else 21.5
-        pen.line(x + inner * math.cos(angle), y + inner * math.sin(angle), x + 24 * math.cos(angle), y + 24 * math.sin(angle), ink, 0.8, 0.85)
+        pen.line(
+            x + inner * math.cos(angle),
+            y + inner * math.sin(angle),
+            x + 24 * math.cos(angle),
+            y + 24 * math.sin(angle),
+            ink,
+            0.8,
+            0.85,
+        )
 
 
 def _beam(canvas, place):
@@ -296,8 +337,12 @@ def _pointer():
     """A finger of red ink that points at the rule's marks from the right."""
     canvas = Canvas(POINTER_WIDTH, POINTER_HEIGHT)
     y = POINTER_HEIGHT / 2
-    canvas.polygon(((6, y), (14, y - 6), (POINTER_WIDTH - 1, y - 6), (POINTER_WIDTH - 1, y + 6), (14, y + 6)), PAPER_LIGHT)
-    canvas.polygon(((6, y), (14, y - 6), (POINTER_WIDTH - 1, y - 6), (POINTER_WIDTH - 1, y + 6), (14, y + 6)), RED, alpha=0.9)
+    canvas.polygon(
+        ((6, y), (14, y - 6), (POINTER_WIDTH - 1, y - 6), (POINTER_WIDTH - 1, y + 6), (14, y + 6)), PAPER_LIGHT
+    )
+    canvas.polygon(
+        ((6, y), (14, y - 6), (POINTER_WIDTH - 1, y - 6), (POINTER_WIDTH - 1, y + 6), (14, y + 6)), RED, alpha=0.9
+    )
     canvas.line(16, y - 2.5, POINTER_WIDTH - 4, y - 2.5, PAPER_LIGHT, 1, alpha=0.7)
     canvas.line(16, y + 2.5, POINTER_WIDTH - 4, y + 2.5, PAPER_LIGHT, 1, alpha=0.7)
     canvas.line(1, y, 8, y, RED, 1.6)
@@ -344,7 +389,15 @@ def _needle(canvas, size, value, ink):
     angle = knob_angle(value)
     c, s = math.cos(angle), math.sin(angle)
     tip, tail, broad = 22, 8, 2.6
-    canvas.polygon(((x + tip * c, y + tip * s), (x - broad * s, y + broad * c), (x - tail * c, y - tail * s), (x + broad * s, y - broad * c)), ink)
+    canvas.polygon(
+        (
+            (x + tip * c, y + tip * s),
+            (x - broad * s, y + broad * c),
+            (x - tail * c, y - tail * s),
+            (x + broad * s, y - broad * c),
+        ),
+        ink,
+    )
     canvas.disc(x, y, 3.6, INK)
     canvas.disc(x, y, 1.3, PAPER_LIGHT)
 
@@ -373,7 +426,14 @@ def _about():
     pen.hatch_disc(x, y, 11, 2.4, CREAM, 0.9, 0.9)
     for ray in range(9):
         angle = math.pi + ray * math.pi / 8
-        pen.line(x + 14 * math.cos(angle), y + 14 * math.sin(angle), x + 20 * math.cos(angle), y + 20 * math.sin(angle), CREAM, 1.0)
+        pen.line(
+            x + 14 * math.cos(angle),
+            y + 14 * math.sin(angle),
+            x + 20 * math.cos(angle),
+            y + 20 * math.sin(angle),
+            CREAM,
+            1.0,
+        )
     for row in range(7):
         reach = 255 - row * 26
         pen.line(x - reach, y + 8 + row * 7, x + reach, y + 8 + row * 7, CREAM, 1.4 - row * 0.12, 0.8 - row * 0.08)

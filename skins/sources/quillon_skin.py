@@ -140,14 +140,27 @@ def _plate(canvas, view):
     canvas.line(plate.left, view.bottom + 0.5, plate.right, view.bottom + 0.5, "8C8370")
     for step in range(6):
         canvas.frame(
-            plate.left + step, plate.top + step, plate.width - 2 * step, plate.height - 2 * step, "5A4A2A",
-            radius=4, alpha=0.10 * (1 - step / 6) ** 2,
+            plate.left + step,
+            plate.top + step,
+            plate.width - 2 * step,
+            plate.height - 2 * step,
+            "5A4A2A",
+            radius=4,
+            alpha=0.10 * (1 - step / 6) ** 2,
         )
-    canvas.box(plate.left, plate.top, plate.width, 4, fade(0, plate.top, 0, plate.top + 4, (0, "000000", 0.22), (1, "000000", 0)))
+    canvas.box(
+        plate.left,
+        plate.top,
+        plate.width,
+        4,
+        fade(0, plate.top, 0, plate.top + 4, (0, "000000", 0.22), (1, "000000", 0)),
+    )
     canvas.cr.restore()
     for share, words in ((0.5, "-6 dB"), (0.25, "-12"), (0.125, "-18")):
         level = view.bottom - round(view.height * share)
-        canvas.text(view.right - 4, level - 3, words.replace("-", "\N{MINUS SIGN}"), 11, "6B6556", PLATE_BOTTOM, align=1)
+        canvas.text(
+            view.right - 4, level - 3, words.replace("-", "\N{MINUS SIGN}"), 11, "6B6556", PLATE_BOTTOM, align=1
+        )
 
 
 def _stripe(canvas, view, right):
@@ -163,8 +176,12 @@ def _panel(canvas, skin, group, top):
     canvas.shadow(left, top, width, height, 8, size=5, alpha=0.22)
     canvas.box(left, top, width, height, fade(0, top, 0, top + height, (0, PANEL_TOP), (1, PANEL)), radius=8)
     canvas.frame(
-        left, top, width, height,
-        fade(0, top, 0, top + height, (0, "FFFFFF", 0.11), (0.25, "FFFFFF", 0.03), (1, "000000", 0.12)), radius=8,
+        left,
+        top,
+        width,
+        height,
+        fade(0, top, 0, top + height, (0, "FFFFFF", 0.11), (0.25, "FFFFFF", 0.03), (1, "000000", 0.12)),
+        radius=8,
     )
     canvas.box(left + 12, top + 10, 3, 9, AMBER, radius=1.5)
     name = canvas.text(left + 21, top + 18.5, group.upper(), 11, IVORY, PANEL_TOP, align=0, bold=True, spacing=1.6)
@@ -190,7 +207,14 @@ def _mix_track(canvas, skin):
         tall = 4 if step % 5 else 7
         canvas.line(x, y - 11 - tall, x, y - 11, MUTED, alpha=0.75 if step % 5 == 0 else 0.4)
     canvas.box(left - 5, y - 3.5, right - left + 10, 7, "101317", radius=3.5)
-    canvas.box(left - 5, y - 3.5, right - left + 10, 7, fade(0, y - 3.5, 0, y + 3.5, (0, "000000", 0.5), (1, "FFFFFF", 0.10)), radius=3.5)
+    canvas.box(
+        left - 5,
+        y - 3.5,
+        right - left + 10,
+        7,
+        fade(0, y - 3.5, 0, y + 3.5, (0, "000000", 0.5), (1, "FFFFFF", 0.10)),
+        radius=3.5,
+    )
     canvas.box(left - 4, y - 1.5, right - left + 8, 3, fade(left, 0, right, 0, (0, "3A4048"), (1, AMBER)), radius=1.5)
     canvas.text(place.left, place.bottom + 10, "Dry", 11, MUTED, PANEL, align=0)
     canvas.text(place.right, place.bottom + 10, "Wet", 11, MUTED, PANEL, align=1)
@@ -260,9 +284,18 @@ def _movement(canvas, value):
         left = 2 + number * field
         if chosen:
             canvas.box(left, 2, field, height - 4, fade(0, 2, 0, height - 2, (0, "535C66"), (1, "3A424A")), radius=4.5)
-            canvas.frame(left, 2, field, height - 4, fade(0, 2, 0, height - 2, (0, "FFFFFF", 0.22), (1, "000000", 0.1)), radius=4.5)
+            canvas.frame(
+                left,
+                2,
+                field,
+                height - 4,
+                fade(0, 2, 0, height - 2, (0, "FFFFFF", 0.22), (1, "000000", 0.1)),
+                radius=4.5,
+            )
             canvas.box(left + 12, height - 7, field - 24, 2, AMBER, radius=1)
-        canvas.text(left + field / 2, 18, words, 12, IVORY if chosen else MUTED, "535C66" if chosen else "14171B", bold=False)
+        canvas.text(
+            left + field / 2, 18, words, 12, IVORY if chosen else MUTED, "535C66" if chosen else "14171B", bold=False
+        )
 
 
 def _fader():
@@ -270,7 +303,9 @@ def _fader():
     x, y, w, h = 2, 4, FADER_WIDTH - 4, FADER_HEIGHT - 10
     canvas.shadow(x, y, w, h, 4, size=3, alpha=0.5, drop=2)
     canvas.box(x, y, w, h, fade(0, y, 0, y + h, (0, "7A848E"), (0.5, "3E464F"), (1, "1F2429")), radius=4)
-    canvas.box(x + 1, y + 1, w - 2, h - 2, fade(x, 0, x + w, 0, (0, "3A424A"), (0.5, "59636D"), (1, "333A41")), radius=3.2)
+    canvas.box(
+        x + 1, y + 1, w - 2, h - 2, fade(x, 0, x + w, 0, (0, "3A424A"), (0.5, "59636D"), (1, "333A41")), radius=3.2
+    )
     canvas.box(x + w / 2 - 1, y + 4, 2, h - 8, AMBER, radius=1)
     return canvas
 
@@ -280,7 +315,14 @@ def _menu(opened):
     top, bottom = ("454D56", "4E5761") if opened else ("3C444D", "2F363D")
     canvas.box(0, 0, MENU_WIDTH, MENU_HEIGHT, "0E1114", radius=6)
     canvas.box(1, 1, MENU_WIDTH - 2, MENU_HEIGHT - 2, fade(0, 1, 0, MENU_HEIGHT - 1, (0, top), (1, bottom)), radius=5)
-    canvas.frame(1, 1, MENU_WIDTH - 2, MENU_HEIGHT - 2, fade(0, 1, 0, MENU_HEIGHT, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02)), radius=5)
+    canvas.frame(
+        1,
+        1,
+        MENU_WIDTH - 2,
+        MENU_HEIGHT - 2,
+        fade(0, 1, 0, MENU_HEIGHT, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02)),
+        radius=5,
+    )
     canvas.text(14, 17.5, "Skins", 12, IVORY, top, align=0)
     x, y = MENU_WIDTH - 18, MENU_HEIGHT / 2 + 0.5
     canvas.polygon(((x - 5, y - 3), (x + 5, y - 3), (x, y + 3)), AMBER)
@@ -297,7 +339,13 @@ def _about():
     width, height = ABOUT_WIDTH, ABOUT_HEIGHT
     canvas = Canvas(width, height, GROUND_DEEP)
     canvas.box(0, 0, width, height, fade(0, 0, 0, height, (0, "2C333B"), (0.68, "20252B"), (1, "171A1E")))
-    canvas.box(0, 0, width, height, glow(width / 2, 215, 330, (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)))
+    canvas.box(
+        0,
+        0,
+        width,
+        height,
+        glow(width / 2, 215, 330, (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)),
+    )
     _echo_fan(canvas, 62, 236, width - 124, 168)
     canvas.text(width / 2, 300, "QUILLON", 34, IVORY, "20252B", bold=True, spacing=9)
     canvas.text(width / 2, 328, "The 128 Taps Echo", 15, AMBER_LIGHT, "20252B", italic=True)
@@ -320,5 +368,13 @@ def _echo_fan(canvas, left, base, width, height):
         colour = AMBER_LIGHT if i % 2 == 0 else AMBER
         bar = 3.2
         canvas.box(x, base - tall, bar, tall, fade(0, base - tall, 0, base, (0, colour), (1, AMBER_DEEP)), radius=1.6)
-        canvas.box(x, base + 3, bar, tall * 0.22, fade(0, base, 0, base + tall * 0.22 + 3, (0, AMBER, 0.28), (1, AMBER, 0)))
-    canvas.line(left - 20, base + 1.5, left + width + 20, base + 1.5, fade(left - 20, 0, left + width + 20, 0, (0, AMBER, 0), (0.5, AMBER, 0.6), (1, AMBER, 0)))
+        canvas.box(
+            x, base + 3, bar, tall * 0.22, fade(0, base, 0, base + tall * 0.22 + 3, (0, AMBER, 0.28), (1, AMBER, 0))
+        )
+    canvas.line(
+        left - 20,
+        base + 1.5,
+        left + width + 20,
+        base + 1.5,
+        fade(left - 20, 0, left + width + 20, 0, (0, AMBER, 0), (0.5, AMBER, 0.6), (1, AMBER, 0)),
+    )
