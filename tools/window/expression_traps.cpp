@@ -7,19 +7,42 @@ namespace tools::window {
 
 namespace {
 
-/// A name that is longer, or that stands first in an expression and ends behind this place, ends the host.
+/// A longer name ends the host. For a name that stands first, blanks before it count.
 constexpr std::size_t longestName = 59;
-constexpr std::size_t furthestEndOfFirstName = 58;
 
+/// The priority above which there is none: a sign binds so.
+constexpr int tightest = 19;
+
+/// How tightly an operator binds; nothing if the byte is none.
+std::optional<int> priorityOf(char byte) {
+    switch (byte) {
+    case '$':
+        return 15;
+    case '&':
+        return 16;
+    case '|':
+        return 17;
+    case '+':
+    case '-':
+        return 18;
+    case '*':
+    case '/':
+        return tightest;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Goes the evaluator's way through an expression, level by level. The first byte behind an operand that is
+/// no operator ends all of them.
 class Reading {
   public:
     explicit Reading(std::string_view text) : text_(text) {}
 
     std::optional<ExpressionTrap> trap() {
-        if (!assignment())
-            return found_;
-        while (operand() && binaryOperator()) {
-        }
+        assignment();
+        if (!found_)
+            level(0, true);
         return found_;
     }
 
@@ -30,82 +53,97 @@ class Reading {
             ++at_;
     }
 
-    bool stop(std::string text, bool endsTheHost = false) {
-        found_ = {at_, std::move(text), endsTheHost};
-        return false;
+    /// Ends the reading; the first trap counts.
+    void stop(std::size_t offset, std::string text, bool endsTheHost = false) {
+        hasEnded_ = true;
+        if (!found_)
+            found_ = {offset, std::move(text), endsTheHost};
     }
 
-    /// False if it has found the trap. Steps over the name of a constant that is defined in passing.
-    bool assignment() {
+    /// Steps over the name of a constant that is defined in passing.
+    void assignment() {
         skipBlanks();
-        if (!isLetter(here()) && here() != '_')
-            return true;
         const std::size_t begin = at_;
+        if (isDigit(here()))
+            return;
+        skipName();
+        if (at_ > begin && at_ > longestName)
+            return stop(begin, "a name at the beginning that reaches beyond the 59th character ends the host",
+                        true);
+        skipBlanks();
+        at_ = at_ > begin && here() == '=' ? at_ + 1 : begin;
+    }
+
+    void skipName() {
         while (isNameByte(here()))
             ++at_;
-        const std::size_t end = at_;
-        skipBlanks();
-        const bool isAssignment = here() == '=';
-        at_ = begin;
-        if (end > furthestEndOfFirstName)
-            return stop("a name at the beginning that reaches to the 59th character ends the host", true);
-        if (isAssignment)
-            at_ = text_.find('=', end) + 1;
-        return true;
     }
 
-    /// False where nothing more is to be read.
-    bool operand() {
-        for (skipBlanks(); here() == '-' || here() == '('; skipBlanks()) {
-            isInGroup_ = isInGroup_ || here() == '(';
-            ++at_;
-        }
+    /// Operators that bind tighter than `leastPriority`, and their operands.
+    void level(int leastPriority, bool isOutermost = false) {
+        skipBlanks();
         const std::size_t begin = at_;
-        if (isDigit(here())) {
+        operand();
+        bool hasOperator = false;
+        while (!hasEnded_) {
+            skipBlanks();
+            const auto priority = priorityOf(here());
+            if (!priority) {
+                end();
+            } else if (*priority > leastPriority) {
+                hasOperator = true;
+                ++at_;
+                level(*priority);
+            } else {
+                return;
+            }
+        }
+        // The level around this one then begins where this one began, and takes the sign for an operator.
+        if (hasOperator && !isOutermost && text_[begin] == '-')
+            stop(begin, "what stands from this minus sign on is counted twice; a sign works before a single "
+                        "operand only");
+    }
+
+    void operand() {
+        const std::size_t begin = at_;
+        if (here() == '-') {
+            ++at_;
+            level(tightest);
+        } else if (here() == '(') {
+            ++at_;
+            isInGroup_ = true;
+            level(-1);
+        } else if (isDigit(here())) {
             while (isDigit(here()) || here() == '.')
                 ++at_;
-            return true;
+        } else if (skipName(); at_ - begin > longestName) {
+            stop(begin, "a name of 60 characters or more ends the host", true);
+        } else if (at_ == begin) {
+            stop(begin, here() == '.'
+                            ? "a number begins with a digit: this counts as 0, and the rest is not read"
+                        : here() ? "a number or a name is missing here, and counts as 0"
+                                 : "a number or a name is missing at the end, and counts as 0");
         }
-        while (isNameByte(here()))
-            ++at_;
-        if (at_ - begin > longestName) {
-            at_ = begin;
-            return stop("a name of 60 characters or more ends the host", true);
-        }
-        if (at_ > begin)
-            return true;
-        if (here() == '.')
-            return stop("a number begins with a digit: this counts as 0, and the rest is not read");
-        return stop(here() ? "a number or a name is missing here, and counts as 0"
-                           : "a number or a name is missing at the end, and counts as 0");
     }
 
-    /// Takes an operator; false if the expression ends.
-    bool binaryOperator() {
-        skipBlanks();
-        constexpr std::string_view operators = "$&|+-*/";
-        if (here() && operators.find(here()) != std::string_view::npos) {
+    /// Behind the last operand.
+    void end() {
+        hasEnded_ = true;
+        const bool closesGroup = isInGroup_ && here() == ')';
+        while (closesGroup && here() == ')') {
             ++at_;
-            return true;
+            skipBlanks();
         }
-        if (here() == ')' && isInGroup_) {
-            while (here() == ')') {
-                ++at_;
-                skipBlanks();
-            }
-            if (here())
-                return stop("nothing behind a closing parenthesis is read: a group works as the last operand "
-                            "only");
-            return false;
-        }
-        if (here())
-            return stop("nothing from " + inQuotes(text_.substr(at_)) + " on is read");
-        return false;
+        if (closesGroup && here())
+            stop(at_, "nothing behind a closing parenthesis is read: a group works as the last operand only");
+        else if (here())
+            stop(at_, "nothing from " + inQuotes(trimmed(text_.substr(at_))) + " on is read");
     }
 
     std::string_view text_;
     std::size_t at_ = 0;
     bool isInGroup_ = false;
+    bool hasEnded_ = false;
     std::optional<ExpressionTrap> found_;
 };
 

@@ -15,8 +15,8 @@ namespace tools::window {
 std::vector<Finding> checkSkinText(std::string_view text);
 
 /// checkSkinText() of the skin in `folder`, and what its building shows. A skin that the plug-in would refuse
-/// or that would end the host is not built. Needs no display and changes no setting. Once in a process,
-/// before other threads run. Throws ToolError if the file cannot be read.
+/// or that would end the host is not built. Needs no display and changes no setting. Runs no other
+/// thread. Throws ToolError if the file cannot be read.
 std::vector<Finding> checkSkin(const std::filesystem::path& folder);
 
 /// "FILE:LINE:COLUMN: what", with a line end.

@@ -1,0 +1,486 @@
+// The finished tool in processes of its own, with the built plug-in and with effects made for the purpose.
+
+#include <gtest/gtest.h>
+
+#include "support/scratch_folder.h"
+#include "support/tool_run.h"
+
+#include <cairo.h>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+
+// Xlib defines words that the headers above use, so it comes last.
+#include "child_process.h"
+#include "virtual_screen.h"
+
+namespace {
+
+namespace files = std::filesystem;
+
+struct Drawing {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels; ///< 0xRRGGBB
+
+    std::uint32_t at(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+    bool operator==(const Drawing&) const = default;
+};
+
+/// Nothing if there is no such picture.
+std::optional<Drawing> readPng(const std::string& path) {
+    cairo_surface_t* surface = cairo_image_surface_create_from_png(path.c_str());
+    std::optional<Drawing> drawing;
+    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
+        drawing =
+            Drawing{cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface), {}};
+        const unsigned char* row = cairo_image_surface_get_data(surface);
+        for (int y = 0; y < drawing->height; ++y, row += cairo_image_surface_get_stride(surface))
+            for (int x = 0; x < drawing->width; ++x) {
+                const auto* pixel = reinterpret_cast<const std::uint32_t*>(row) + x;
+                drawing->pixels.push_back(*pixel & 0xFFFFFF);
+            }
+    }
+    cairo_surface_destroy(surface);
+    return drawing;
+}
+
+void paintPng(const std::string& path, int width, int height, std::uint32_t colour) {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+    cairo_t* cairo = cairo_create(surface);
+    cairo_set_source_rgb(cairo, (colour >> 16 & 255) / 255.0, (colour >> 8 & 255) / 255.0,
+                         (colour & 255) / 255.0);
+    cairo_paint(cairo);
+    cairo_destroy(cairo);
+    ASSERT_EQ(cairo_surface_write_to_png(surface, path.c_str()), CAIRO_STATUS_SUCCESS);
+    cairo_surface_destroy(surface);
+}
+
+constexpr char windowEffect[] = EFFECTS "/window_effect.so";
+constexpr std::uint32_t blue = 0x2040C0, green = 0x20A040, brown = 0x805020;
+
+/// A delivery of the plug-in: the library with its bank and two plain skins, one blue, one green; and a
+/// third, brown skin somewhere else.
+class WindowTool : public testing::Test {
+  protected:
+    WindowTool() {
+        files::create_directories(folder.path() / "plugin");
+        files::create_directories(folder.path() / "tmp");
+        files::create_directories(folder.path() / "settings");
+        files::copy_file(QUILLON_LIBRARY, library);
+        files::copy_file(QUILLON_SOURCE "/skins/default.fxb", folder.file("plugin/default.fxb"));
+        makeSkin("plugin/Quillon Skin", blue);
+        makeSkin("plugin/Leaves", green);
+        makeSkin("elsewhere/Earth", brown);
+    }
+
+    void makeSkin(const std::string& name, std::uint32_t colour, const std::string& objects = {}) {
+        files::create_directories(folder.path() / name);
+        paintPng(folder.file(name + "/bg.png"), 120, 80, colour);
+        writeSkin(name, objects);
+    }
+    void writeSkin(const std::string& name, const std::string& objects) {
+        folder.writeText(name + "/skin.xml",
+                         "<GUI>\n<background filename=\"bg.png\"/>\n" + objects + "</GUI>\n");
+    }
+
+    /// As a person calls it who has the settings in "settings" and temporary files in "tmp".
+    std::vector<std::string> words(const std::vector<std::string>& arguments,
+                                   const std::string& display = {}) const {
+        std::vector<std::string> all = {"XDG_CONFIG_HOME=" + folder.file("settings"),
+                                        "TMPDIR=" + folder.file("tmp")};
+        if (!display.empty())
+            all.push_back("DISPLAY=" + display);
+        if (!path.empty())
+            all.push_back("PATH=" + path);
+        all.push_back(QUILLON_WINDOW);
+        if (!std::count(arguments.begin(), arguments.end(), "--library"))
+            all.insert(all.end(), {"--library", library});
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return all;
+    }
+    ToolResult run(const std::vector<std::string>& arguments, const std::string& display = {}) const {
+        return runTool(folder, words(arguments, display), ErrorEnd::file, "/usr/bin/env");
+    }
+    std::unique_ptr<RunningTool> start(const std::vector<std::string>& arguments,
+                                       const std::string& display) const {
+        return std::make_unique<RunningTool>(folder, words(arguments, display), ErrorEnd::file,
+                                             "/usr/bin/env");
+    }
+
+    /// The picture that a run makes; it has to end well.
+    Drawing picture(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.end(), {"--screenshot", "picture.png"});
+        const ToolResult result = run(arguments);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.out, "");
+        const auto drawing = readPng(folder.file("picture.png"));
+        EXPECT_TRUE(drawing);
+        return drawing.value_or(Drawing());
+    }
+    /// One line, and nothing done.
+    void expectFailure(const std::vector<std::string>& arguments, const std::string& line) const {
+        const ToolResult result = run(arguments);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.err, "quillon-window: " + line + "\n");
+        EXPECT_EQ(result.out, "");
+        expectNothingIsLeft();
+    }
+    void expectNothingIsLeft() const { EXPECT_TRUE(files::is_empty(folder.path() / "tmp")); }
+
+    void choose(const std::string& skin) const {
+        files::create_directories(settingsFile().parent_path());
+        std::ofstream(settingsFile()) << "SkinName=" << skin << "\n";
+    }
+    files::path settingsFile() const {
+        return folder.path() / "settings/Quillon Software/Quillon Multitap Delay.conf";
+    }
+
+    ScratchFolder folder;
+    const std::string library = folder.file("plugin/QuillonMultitapDelay.so");
+    std::string path; ///< in place of the one that there is
+};
+
+// Pictures
+
+TEST_F(WindowTool, MakesAPictureOnAMachineWithoutAScreen) {
+    const Drawing drawing = picture({});
+    EXPECT_EQ(drawing.width, 120);
+    EXPECT_EQ(drawing.height, 80);
+    for (const auto& [x, y] : {std::pair(0, 0), {119, 0}, {0, 79}, {119, 79}, {60, 40}})
+        EXPECT_EQ(drawing.at(x, y), blue) << x << " " << y;
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowTool, MakesTheSamePictureEachTime) {
+    writeSkin("plugin/Leaves", "<ViewTaps x=\"0\" y=\"0\" w=\"120\" h=\"80\"/>");
+    EXPECT_EQ(picture({"--skin", "Leaves"}), picture({"--skin", "Leaves"}));
+}
+
+TEST_F(WindowTool, ShowsTheProgramAndTheSettings) {
+    writeSkin("plugin/Leaves", "<ViewTaps x=\"0\" y=\"0\" w=\"120\" h=\"80\"/>");
+    const Drawing first = picture({"--skin", "Leaves"}),
+                  second = picture({"--skin", "Leaves", "--program", "12"});
+    EXPECT_NE(first, second);
+    EXPECT_NE(second, picture({"--skin", "Leaves", "--program", "12", "--set", "Taps #=display:3"}));
+    EXPECT_EQ(picture({"--library", windowEffect, "--set", "Redness=1"}).at(30, 20), 0xFF0000u);
+    EXPECT_EQ(picture({"--library", windowEffect, "--set", "redness=0.2"}).at(30, 20), 0x330000u);
+}
+
+TEST_F(WindowTool, PutsAPictureInThePlaceOfAnOlderOne) {
+    folder.writeText("picture.png", "old");
+    EXPECT_EQ(picture({}).at(0, 0), blue);
+    EXPECT_EQ(folder.names(),
+              (std::vector<std::string>{"elsewhere", "picture.png", "plugin", "settings", "tmp"}));
+}
+
+TEST_F(WindowTool, MakesItsPictureAwayFromThePersonsScreen) {
+    test::VirtualScreen screen;
+    const Window desktop = XCreateSimpleWindow(screen.display(), screen.root(), 0, 0, 1000, 800, 0, 0, 0);
+    XMapRaised(screen.display(), desktop);
+    XSync(screen.display(), False);
+    const ToolResult result = run({"--screenshot", "picture.png"}, screen.name());
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(readPng(folder.file("picture.png"))->at(0, 0), blue);
+}
+
+TEST_F(WindowTool, UsesTheScreenThatThereIsIfItCannotMakeOne) {
+    test::VirtualScreen screen;
+    path = "/nowhere";
+    const ToolResult result = run({"--screenshot", "picture.png"}, screen.name());
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(readPng(folder.file("picture.png"))->at(0, 0), blue);
+}
+
+TEST_F(WindowTool, SaysWhatIsMissingForAPicture) {
+    path = "/nowhere";
+    expectFailure({"--screenshot", "picture.png"},
+                  "there is no display, and no Xvfb to make one: install xvfb");
+    EXPECT_FALSE(files::exists(folder.file("picture.png")));
+}
+
+TEST_F(WindowTool, TellsTheMessagesOfTheSkinAndMakesThePictureAllTheSame) {
+    writeSkin("plugin/Leaves", "<knob x=\"1\"/>\n<onoff/>\n");
+    const ToolResult result = run({"--skin", "Leaves", "--screenshot", "picture.png"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.err, "Skin Error: Missing tag y for object knob\n"
+                          "Skin Error: Missing tag x for object onoff\n");
+    EXPECT_EQ(readPng(folder.file("picture.png"))->at(0, 0), green);
+}
+
+// Skins
+
+TEST_F(WindowTool, FindsASkinByNameInAnyLetterCase) {
+    EXPECT_EQ(picture({"--skin", "Leaves"}).at(0, 0), green);
+    EXPECT_EQ(picture({"--skin", "LEAVES"}).at(0, 0), green);
+}
+
+TEST_F(WindowTool, FindsASkinInAnyFolder) {
+    const std::string absolute = folder.file("elsewhere/Earth");
+    for (const std::string& name :
+         {absolute, absolute + "/", std::string("elsewhere/Earth"), std::string("./elsewhere/Earth/")})
+        EXPECT_EQ(picture({"--skin", name}).at(0, 0), brown) << name;
+}
+
+TEST_F(WindowTool, TakesAFolderInPlaceOfADeliveredSkinOfTheSameName) {
+    makeSkin("elsewhere/leaves", brown);
+    EXPECT_EQ(picture({"--skin", "elsewhere/leaves"}).at(0, 0), brown);
+}
+
+TEST_F(WindowTool, ReadsASkinsFileInAnyLetterCase) {
+    files::rename(folder.file("elsewhere/Earth/skin.xml"), folder.file("elsewhere/Earth/SKIN.XML"));
+    EXPECT_EQ(picture({"--skin", "elsewhere/Earth"}).at(0, 0), brown);
+}
+
+TEST_F(WindowTool, OpensThePersonsOwnChoiceUnlessToldOtherwise) {
+    choose("Leaves");
+    EXPECT_EQ(picture({}).at(0, 0), green);
+    EXPECT_EQ(picture({"--skin", "elsewhere/Earth"}).at(0, 0), brown);
+    std::ifstream settings(settingsFile());
+    std::string line;
+    std::getline(settings, line);
+    EXPECT_EQ(line, "SkinName=Leaves") << "the choice has been touched";
+}
+
+TEST_F(WindowTool, LeavesTheSettingsOfAPersonWhoHasChosenNothing) {
+    picture({"--skin", "Leaves"});
+    EXPECT_TRUE(files::is_empty(folder.path() / "settings"));
+}
+
+TEST_F(WindowTool, RefusesASkinThatIsNotThere) {
+    expectFailure({"--skin", "Copper"},
+                  "there is no skin \"Copper\", neither beside the library nor here; there are "
+                  "Leaves, Quillon Skin");
+    expectFailure({"--skin", "./Copper"}, folder.file("Copper") + ": there is no such folder");
+    expectFailure({"--skin", "./elsewhere"}, folder.file("elsewhere") + " holds no skin.xml");
+    expectFailure({"--check", "--skin", "./elsewhere"}, folder.file("elsewhere") + " holds no skin.xml");
+}
+
+TEST_F(WindowTool, SaysWhyASkinDoesNotOpen) {
+    folder.writeText("elsewhere/Earth/skin.xml", "<GUI>\n<!-- soon -->\n</GUI>");
+    expectFailure({"--skin", "elsewhere/Earth", "--screenshot", "picture.png"},
+                  folder.file("elsewhere/Earth/skin.xml") +
+                      ":2:1: comments are not understood; leave them out");
+    folder.writeText("elsewhere/Earth/skin.xml",
+                     "<GUI>\n<update src=\"1+" + std::string(60, 'k') + "\"/></GUI>");
+    expectFailure({"--skin", "elsewhere/Earth", "--screenshot", "picture.png"},
+                  folder.file("elsewhere/Earth/skin.xml") +
+                      ":2:16: \"src\" of <update>: a name of 60 characters or more ends the host");
+}
+
+// What else can be wrong
+
+TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
+    test::VirtualScreen screen; // nobody needs it
+    expectFailure({}, "there is no display to open a window on; --screenshot needs none");
+    expectFailure({"--library", "gone.so"}, folder.file("gone.so") + ": there is no such library");
+    expectFailure({"--program", "999", "--screenshot", "a.png"},
+                  "--program \"999\": there is no program 999; they are numbered 0 to 127");
+    expectFailure({"--set", "Feedbak=1", "--screenshot", "a.png"},
+                  "--set \"Feedbak=1\": there is no parameter \"Feedbak\"; --list shows them");
+    expectFailure({"--screenshot", "nowhere/a.png"}, folder.file("nowhere/a.png") +
+                                                         " cannot be written: there is no folder " +
+                                                         folder.file("nowhere"));
+    expectFailure({"--library", EFFECTS "/window_effect_without.so", "--screenshot", "a.png"},
+                  "the plug-in has no editor");
+    expectFailure({"--library", EFFECTS "/window_effect_refusing.so", "--screenshot", "a.png"},
+                  "the plug-in's editor does not open");
+    expectFailure({"--skin", "elsewhere/Earth", "--watch", "--screenshot", "elsewhere/Earth/a.png"},
+                  folder.file("elsewhere/Earth/a.png") +
+                      " lies in the skin that is watched; give another folder");
+}
+
+TEST_F(WindowTool, ExplainsItself) {
+    const ToolResult help = run({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_NE(help.out.find("--screenshot"), std::string::npos);
+    EXPECT_EQ(help.err, "");
+}
+
+// --check
+
+TEST_F(WindowTool, IsSilentAboutASkinInOrder) {
+    const ToolResult result = run({"--check", "--skin", "Leaves"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowTool, ListsWhatIsWrongWithASkin) {
+    writeSkin("elsewhere/Earth",
+              "<knob x=\"1\" colour=\"red\"/>\n<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"a.png\"/>\n");
+    const ToolResult result = run({"--check", "--skin", "elsewhere/Earth"});
+    const std::string file = folder.file("elsewhere/Earth/skin.xml");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, file + ":3:1: Skin Error: Missing tag y for object knob\n" + file +
+                              ":3:13: <knob> has no tag \"colour\"\n" + file +
+                              ":4:42: the picture \"a.png\" is not in the skin's folder\n");
+    EXPECT_EQ(result.err, "");
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowTool, FindsNothingWrongWithTheSkinsThatAreDelivered) {
+    for (const auto& entry : files::directory_iterator(QUILLON_SOURCE "/skins")) {
+        if (!files::exists(entry.path() / "skin.xml"))
+            continue;
+        const ToolResult result = run({"--check", "--skin", entry.path().string()});
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.exitCode, 0) << entry.path();
+    }
+}
+
+// A window that a person sees
+
+class WindowOnAScreen : public WindowTool {
+  protected:
+    void askToClose(Window window) {
+        XClientMessageEvent request = {};
+        request.type = ClientMessage;
+        request.window = window;
+        request.message_type = XInternAtom(screen.display(), "WM_PROTOCOLS", False);
+        request.format = 32;
+        request.data.l[0] = static_cast<long>(XInternAtom(screen.display(), "WM_DELETE_WINDOW", False));
+        XSendEvent(screen.display(), window, False, NoEventMask, reinterpret_cast<XEvent*>(&request));
+        XSync(screen.display(), False);
+    }
+
+    test::VirtualScreen screen;
+};
+
+TEST_F(WindowOnAScreen, StaysUntilThePersonClosesIt) {
+    const auto tool = start({"--skin", "Leaves"}, screen.name());
+    const Window window = screen.waitForWindow();
+    ASSERT_NE(window, None);
+    EXPECT_EQ(screen.property(window, "_NET_WM_NAME"), "Quillon Multitap Delay \u2013 Leaves");
+    EXPECT_TRUE(screen.waitForPixel(100, 70, green));
+    askToClose(window);
+    const ToolResult result = tool->wait();
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowOnAScreen, EndsInOrderOnControlC) {
+    const auto tool = start({"--skin", "Leaves"}, screen.name());
+    ASSERT_TRUE(screen.waitForPixel(100, 70, green));
+    EXPECT_FALSE(files::is_empty(folder.path() / "tmp"));
+    tool->send(SIGINT);
+    const ToolResult result = tool->wait();
+    EXPECT_EQ(result.exitCode, 130);
+    EXPECT_EQ(result.err, "quillon-window: stopped\n");
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowOnAScreen, EndsInOrderOnControlCWhileAMessageWaits) {
+    writeSkin("plugin/Leaves", "<knob/>\n");
+    const auto tool = start({"--skin", "Leaves"}, screen.name());
+    const auto messageStands = [&] {
+        const Window window = screen.waitForWindow();
+        return screen.property(window, "_NET_WM_NAME") == "Skin Error";
+    };
+    ASSERT_TRUE(test::waitUntil(messageStands));
+    tool->send(SIGINT);
+    const ToolResult result = tool->wait();
+    EXPECT_EQ(result.exitCode, 130);
+    EXPECT_EQ(result.err, "Skin Error: Missing tag x for object knob\nquillon-window: stopped\n");
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowOnAScreen, EndsWhenTheScreenGoesAway) {
+    const auto tool = start({"--library", windowEffect}, screen.name());
+    ASSERT_NE(screen.waitForWindow(), None);
+    screen.stopServer();
+    // Where Xlib is in an effect, it ends the process itself; what matters is that the tool does not go on.
+    EXPECT_NE(tool->wait().exitCode, 2);
+}
+
+// --watch
+
+class WatchedSkin : public WindowOnAScreen {
+  protected:
+    void save(const std::string& objects) { writeSkin("elsewhere/Earth", objects); }
+    bool colourBecomes(std::uint32_t colour) { return screen.waitForPixel(100, 70, colour); }
+    std::unique_ptr<RunningTool> watch() {
+        return start({"--skin", "elsewhere/Earth", "--watch"}, screen.name());
+    }
+};
+
+TEST_F(WatchedSkin, IsOpenedAnewWhenAPictureChanges) {
+    const auto tool = watch();
+    ASSERT_TRUE(colourBecomes(brown));
+    paintPng(folder.file("elsewhere/Earth/bg.png"), 120, 80, green);
+    EXPECT_TRUE(colourBecomes(green));
+    tool->send(SIGINT);
+    EXPECT_EQ(tool->wait().err, "quillon-window: stopped\n");
+    expectNothingIsLeft();
+}
+
+TEST_F(WatchedSkin, TakesAnotherSize) {
+    const auto tool = watch();
+    ASSERT_TRUE(colourBecomes(brown));
+    paintPng(folder.file("elsewhere/Earth/bg.png"), 300, 200, green);
+    EXPECT_TRUE(screen.waitForPixel(299, 199, green));
+    tool->send(SIGTERM);
+    EXPECT_EQ(tool->wait().exitCode, 130);
+}
+
+TEST_F(WatchedSkin, MayBeBrokenForAWhile) {
+    const std::string file = folder.file("elsewhere/Earth/skin.xml");
+    const auto tool = watch();
+    ASSERT_TRUE(colourBecomes(brown));
+    folder.writeText("elsewhere/Earth/skin.xml", "<GUI>\n<knob");
+    EXPECT_TRUE(colourBecomes(0x000000)) << "the editor is closed";
+    folder.writeText("elsewhere/Earth/skin.xml", "<GUI><update src=\"" + std::string(70, 'k') + "\"/></GUI>");
+    files::remove(folder.file("elsewhere/Earth/bg.png"));
+    paintPng(folder.file("elsewhere/Earth/new.png"), 120, 80, green);
+    folder.writeText("elsewhere/Earth/skin.xml", "<GUI><background filename=\"new.png\"/></GUI>");
+    EXPECT_TRUE(colourBecomes(green));
+    tool->send(SIGINT);
+    const ToolResult result = tool->wait();
+    EXPECT_EQ(result.exitCode, 130);
+    EXPECT_TRUE(result.err.starts_with(file + ":2:6: the file ends inside the tag <knob> of line 2\n"))
+        << result.err;
+}
+
+TEST_F(WatchedSkin, MayBeBrokenFromTheStart) {
+    folder.writeText("elsewhere/Earth/skin.xml", "<GUI>");
+    const auto tool = watch();
+    // Written again and again, since nothing shows when the tool has begun to look.
+    EXPECT_TRUE(test::waitUntil([&] {
+        save("");
+        return screen.pixel(100, 70) == brown;
+    }));
+    tool->send(SIGINT);
+    EXPECT_EQ(tool->wait().exitCode, 130);
+}
+
+TEST_F(WatchedSkin, KeepsWhatThePersonHasSet) {
+    const std::string switches = "<onoff x=\"0\" y=\"0\" id=\"6\" bitmap_handle=\"two.png\"/>\n";
+    // Two states above each other: off is the upper half of the picture.
+    const std::string two = folder.file("elsewhere/Earth/two.png");
+    files::copy_file(QUILLON_SOURCE "/tests/toolkit/pictures/squares.png", two);
+    save(switches);
+    const auto shot = [&](const char* setting) {
+        return picture({"--skin", "elsewhere/Earth", "--set", setting});
+    };
+    const Drawing off = shot("Feedback=0"), on = shot("Feedback=1");
+    ASSERT_NE(off, on);
+    const auto tool = start(
+        {"--skin", "elsewhere/Earth", "--watch", "--set", "Feedback=1", "--screenshot", "live.png"}, "");
+    const auto shows = [&](const Drawing& drawing) {
+        return test::waitUntil([&] { return readPng(folder.file("live.png")) == drawing; });
+    };
+    EXPECT_TRUE(shows(on));
+    paintPng(folder.file("elsewhere/Earth/bg.png"), 120, 80, green);
+    const Drawing later = shot("Feedback=1");
+    ASSERT_NE(later, on);
+    EXPECT_TRUE(shows(later)) << "the value is lost, or the window";
+    tool->send(SIGINT);
+    EXPECT_EQ(tool->wait().exitCode, 130);
+}
+
+} // namespace
