@@ -47,12 +47,15 @@ CRect creditsArea(const CRect& clickable, const CRect& toDisplay) {
             height - std::end(credits)[-1].bottom};
 }
 
+/// A tag that is no parameter's, so that no hint is given for one while the box is open.
+constexpr std::int32_t kNoParameter = -1;
+
 /// What covers the window while the box is open. Closes it at a left click, wherever.
 class OpenBox final : public CControl {
   public:
     OpenBox(CAbout& about, CBitmap* picture, const CRect& toDisplay, const CPoint& offset)
-        : CControl(creditsArea(about.getViewSize(), toDisplay), &about), about_(about), toDisplay_(toDisplay),
-          offset_(offset) {
+        : CControl(creditsArea(about.getViewSize(), toDisplay), &about, kNoParameter), about_(about),
+          toDisplay_(toDisplay), offset_(offset) {
         // Both the picture and the credits are to be seen, even of a skin that lets the one stick out.
         setViewSize(CRect(getViewSize()).unite(toDisplay));
         setMouseableArea(getViewSize());
