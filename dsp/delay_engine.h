@@ -116,6 +116,7 @@ class DelayEngine {
     float memoryInput(float filtered);
     void captureFeedback(float first, float last);
     void sumTaps(const MemoryStretch& stretch);
+    void fetchTap(const MemoryStretch& stretch, std::size_t tap) const;
     const float* readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
     const float* readTapAtOnce(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
     void readTapCarefully(const MemoryStretch& stretch, std::size_t tap, Row& row) const;

@@ -25,6 +25,10 @@ constexpr float kAntiDenormal = 1e-11f;
 /// From this many taps on, tap times jump: gliding all of them would cost more than it gives.
 constexpr std::int32_t kFirstCountWithoutGlide = 102;
 
+/// So many taps are on their way from far memory while one is read.
+constexpr std::size_t kTapsFetchedAhead = 8;
+constexpr std::int32_t kSamplesPerCacheLine = 16;
+
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
 }
@@ -279,7 +283,11 @@ void DelayEngine::sumTaps(const MemoryStretch& stretch) {
     block.sumRight.fill(0.0f);
     const std::size_t last = at(controls.numTaps - 1);
     alignas(64) Row row;
+    for (std::size_t tap = 0; tap < std::min(kTapsFetchedAhead, last); ++tap)
+        fetchTap(stretch, tap);
     for (std::size_t tap = 0; tap <= last; ++tap) {
+        if (tap + kTapsFetchedAhead < last)
+            fetchTap(stretch, tap + kTapsFetchedAhead);
         const float* echo;
         if (tap == 0)
             echo = block.firstTap.data();
@@ -298,6 +306,17 @@ void DelayEngine::sumTaps(const MemoryStretch& stretch) {
         for (float& sum : block.sumRight)
             sum += stray;
     }
+}
+
+/// Asks the processor to bring a tap's part of the memory near. A hundred taps all over 16 MiB are more streams
+/// than it finds out about by itself.
+void DelayEngine::fetchTap(const MemoryStretch& stretch, std::size_t tap) const {
+    const TapPath& path = block.tapPath[tap];
+    const float delayed = timeAt(path, 0) - path.lfoOffset[0];
+    const auto slot = static_cast<std::uint32_t>(stretch.start - trunc(delayed)) & kDelayMask;
+    const float* const first = stretch.samples + slot;
+    for (std::int32_t ahead = 0; ahead <= stretch.frames; ahead += kSamplesPerCacheLine)
+        __builtin_prefetch(first + ahead);
 }
 
 /// A tap's samples for the whole stretch, in `row` or wherever they stand already.

@@ -84,9 +84,12 @@ class Buffers {
 class Duel {
   public:
     Duel(const Scenario& scenario, std::int32_t readOfForeignMode) : scenario_(scenario) {
-        plugin_ = std::make_unique<host::Plugin>(libraryUnderTest(), quietHost());
-        plugin_->open();
-        const std::vector<std::uint8_t> bank = plugin_->getChunk(false);
+        for (const NamedLibrary& library : librariesUnderTest()) {
+            challengers_.push_back(
+                {library.name, std::make_unique<host::Plugin>(library.library, quietHost())});
+            challengers_.back().plugin->open();
+        }
+        const std::vector<std::uint8_t> bank = challengers_.front().plugin->getChunk(false);
         reference_ = ReferenceEngine::create(bank);
         reference_->delay.readOfForeignMode = readOfForeignMode;
     }
@@ -107,70 +110,87 @@ class Duel {
 
     void operator()(const Blocks& blocks) {
         Random random(blocks.seed);
-        Buffers theirs(blocks), ours(blocks), before(blocks);
+        Buffers before(blocks), theirs(blocks), ours(blocks);
         std::int64_t position = 0;
         for (std::int32_t block = 0; block < blocks.times && difference_.empty(); ++block) {
-            fill(blocks, position, random, theirs.input(0), theirs.input(1));
-            ours.copySamplesFrom(theirs);
-            before.copySamplesFrom(theirs);
-            plugin_->process(theirs.inputs(), theirs.outputs(), blocks.frames);
+            fill(blocks, position, random, before.input(0), before.input(1));
+            ours.copySamplesFrom(before);
             reference_->processReplacing(ours.inputs(), ours.outputs(), blocks.frames);
-            compareOutputs(theirs, ours, block);
-            if (difference_.empty() && !theirs.onlyOutputsDifferFrom(before))
-                difference_ = "wrote beside the output buffers in block " + std::to_string(block);
+            for (const Challenger& challenger : challengers_) {
+                theirs.copySamplesFrom(before);
+                challenger.plugin->process(theirs.inputs(), theirs.outputs(), blocks.frames);
+                compareOutputs(challenger, theirs, ours, block);
+                if (difference_.empty() && !theirs.onlyOutputsDifferFrom(before))
+                    difference_ = challenger.name + " wrote beside the output buffers in block " +
+                                  std::to_string(block);
+            }
             position += blocks.frames;
         }
     }
 
     void operator()(const SetParameter& set) {
-        plugin_->setParameter(set.id, set.value);
+        tell([&](host::Plugin& plugin) { plugin.setParameter(set.id, set.value); });
         reference_->setParameter(set.id, set.value);
     }
 
     void operator()(const SetProgram& set) {
-        plugin_->setProgram(set.program);
+        tell([&](host::Plugin& plugin) { plugin.setProgram(set.program); });
         reference_->setProgram(set.program);
     }
 
     void operator()(const MidiProgramChange& change) {
         const host::MidiMessage message[] = {{0, {0xC3, change.program, 0}}};
-        plugin_->sendMidi(message);
+        tell([&](host::Plugin& plugin) { plugin.sendMidi(message); });
         reference_->setProgram(static_cast<std::int8_t>(change.program));
     }
 
     void operator()(const MidiControllerOfAll& controller) {
         const host::MidiMessage message[] = {{0, {0xB5, 0xFF, controller.value}}};
-        plugin_->sendMidi(message);
+        tell([&](host::Plugin& plugin) { plugin.sendMidi(message); });
         for (std::int32_t id = 0; id < reference::kStoredParameters; ++id)
             reference_->setParameter(id, static_cast<float>(controller.value & 0x7F) * 0.007874015718698502f);
     }
 
     void operator()(const Resume& resume) {
         if (resume.suspendFirst) {
-            plugin_->suspend();
+            tell([&](host::Plugin& plugin) { plugin.suspend(); });
             reference_->suspend();
         }
-        plugin_->resume();
+        tell([&](host::Plugin& plugin) { plugin.resume(); });
         reference_->resume();
     }
 
     void operator()(const SetSampleRate& set) {
-        plugin_->setSampleRate(set.rate);
+        tell([&](host::Plugin& plugin) { plugin.setSampleRate(set.rate); });
         reference_->setSampleRate(set.rate);
     }
 
     void operator()(const SetBlockSize& set) {
-        plugin_->setBlockSize(set.frames);
+        tell([&](host::Plugin& plugin) { plugin.setBlockSize(set.frames); });
         reference_->setBlockSize(set.frames);
     }
 
     void operator()(const SetChunk& set) {
-        plugin_->setChunk(set.bytes, set.isPreset);
+        tell([&](host::Plugin& plugin) { plugin.setChunk(set.bytes, set.isPreset); });
         reference_->setChunk(set.bytes.data(), static_cast<std::int32_t>(set.bytes.size()), set.isPreset);
     }
 
   private:
-    void compareOutputs(const Buffers& theirs, const Buffers& ours, std::int32_t block) {
+    struct Challenger {
+        std::string name;
+        std::unique_ptr<host::Plugin> plugin;
+    };
+
+    template <typename Call>
+    void tell(Call call) {
+        for (const Challenger& challenger : challengers_)
+            call(*challenger.plugin);
+    }
+
+    void compareOutputs(const Challenger& challenger, const Buffers& theirs, const Buffers& ours,
+                        std::int32_t block) {
+        if (!difference_.empty())
+            return;
         const std::size_t frames = ours.output(0).size();
         for (std::size_t i = 0; i < frames; ++i)
             for (std::size_t channel = 0; channel < 2; ++channel) {
@@ -179,7 +199,7 @@ class Duel {
                     continue;
                 std::ostringstream text;
                 text << "sample " << i << " of block " << block << ", " << (channel ? "right" : "left")
-                     << ": the library gives " << bitsAndValue(got) << ", the reference "
+                     << ": " << challenger.name << " gives " << bitsAndValue(got) << ", the reference "
                      << bitsAndValue(wanted);
                 difference_ = text.str();
                 return;
@@ -187,16 +207,22 @@ class Duel {
     }
 
     void compareParameters() {
+        for (const Challenger& challenger : challengers_)
+            compareParameters(challenger);
+    }
+
+    void compareParameters(const Challenger& challenger) {
         for (std::int32_t id = -2; id < 23; ++id) {
-            const float got = plugin_->getParameter(id), wanted = reference_->getParameter(id);
+            const float got = challenger.plugin->getParameter(id), wanted = reference_->getParameter(id);
             if (same(got, wanted))
                 continue;
-            difference_ = "getParameter(" + std::to_string(id) + "): the library gives " + bitsAndValue(got) +
-                          ", the reference " + bitsAndValue(wanted);
+            difference_ = "getParameter(" + std::to_string(id) + "): " + challenger.name + " gives " +
+                          bitsAndValue(got) + ", the reference " + bitsAndValue(wanted);
             return;
         }
-        if (plugin_->getProgram() != reference_->getProgram())
-            difference_ = "getProgram: the library gives " + std::to_string(plugin_->getProgram()) +
+        const std::int32_t got = challenger.plugin->getProgram();
+        if (got != reference_->getProgram())
+            difference_ = "getProgram: " + challenger.name + " gives " + std::to_string(got) +
                           ", the reference " + std::to_string(reference_->getProgram());
     }
 
@@ -220,7 +246,7 @@ class Duel {
     }
 
     const Scenario& scenario_;
-    std::unique_ptr<host::Plugin> plugin_;
+    std::vector<Challenger> challengers_;
     std::unique_ptr<ReferenceEngine> reference_;
     std::size_t action_ = 0;
     std::string difference_;

@@ -1,4 +1,5 @@
-// One scenario, played to the built library and to the reference side by side.
+// One scenario, played side by side to the reference, to the built library and to the forms of it that are
+// held to one instruction set each.
 #pragma once
 
 #include "scenario.h"

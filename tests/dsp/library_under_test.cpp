@@ -12,7 +12,19 @@ namespace {
 
 /// Never unloaded: drawing libraries that come with it leave a few blocks behind when they go, and a leak
 /// checker could not tell whose they are.
-const host::Library* library = nullptr;
+std::vector<NamedLibrary>* libraries = nullptr;
+
+std::vector<NamedLibrary> loadAll() {
+    std::vector<NamedLibrary> all;
+    all.push_back({"the library", host::Library(QUILLON_LIBRARY)});
+    for (const std::string set : {"sse2", "avx2", "avx512"}) {
+        host::Library held(QUILLON_HELD_LIBRARIES "/" + set + ".so");
+        const auto isUsed = reinterpret_cast<bool (*)()>(held.symbol("usesItsInstructionSet"));
+        if (isUsed && isUsed())
+            all.push_back({"the library held to " + set, std::move(held)});
+    }
+    return all;
+}
 
 class Surroundings : public testing::Environment {
   public:
@@ -21,7 +33,7 @@ class Surroundings : public testing::Environment {
         setenv("HOME", folder_->path().c_str(), 1);
         setenv("XDG_CONFIG_HOME", folder_->path().c_str(), 1);
         unsetenv("DISPLAY");
-        library = new host::Library(QUILLON_LIBRARY);
+        libraries = new std::vector<NamedLibrary>(loadAll());
     }
 
     void TearDown() override { folder_.reset(); }
@@ -36,7 +48,11 @@ const testing::Environment* const surroundings = testing::AddGlobalTestEnvironme
 } // namespace
 
 const host::Library& libraryUnderTest() {
-    return *library;
+    return libraries->front().library;
+}
+
+const std::vector<NamedLibrary>& librariesUnderTest() {
+    return *libraries;
 }
 
 host::HostBehaviour quietHost() {
