@@ -95,6 +95,7 @@ HostWindow::System::System(const std::string& title, int width, int height)
     xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window_, protocols_, XCB_ATOM_ATOM, 32, 1,
                         &deleteWindow_);
     fixSize();
+    xcb_flush(connection_.get());
 }
 
 void HostWindow::System::create() {

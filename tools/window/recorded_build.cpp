@@ -122,7 +122,7 @@ class RecordingEditor final : public editor::myEditor {
     }
 
     static std::string whyPassedOver(const SourceElement& source, int result) {
-        const std::string what = "<" + printable(source.name) + "> is passed over: ";
+        const std::string what = std::string("<").append(printable(source.name)) + "> is passed over: ";
         return what + (result < 0 ? "there is no such kind of object"
                                   : "there is no window yet, which <background> makes");
     }
@@ -163,8 +163,7 @@ std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const So
     SilentEffect effect;
     auto* const editor = new RecordingEditor(effect, root, arrangement);
     effect.setEditor(editor);
-    if (equalIgnoringCase(root.name, "GUI"))
-        editor->open(nullptr);
+    editor->open(nullptr);
     std::vector<Finding> findings = std::move(editor->findings);
     editor->close();
     return findings;

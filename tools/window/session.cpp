@@ -181,9 +181,10 @@ class Session {
     }
 
     std::string title() {
-        std::string name = plugin_->effectName();
-        if (name.empty())
-            name = library_.stem().string();
+        std::string name = library_.stem().string();
+        for (const std::string& given : {plugin_->effectName(), plugin_->product()})
+            if (!given.empty())
+                name = given;
         return printable(skin_.empty() ? name : name + " \u2013 " + skin_.filename().string());
     }
 

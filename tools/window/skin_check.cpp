@@ -1,6 +1,7 @@
 #include "tools/window/skin_check.h"
 
 #include "platform/files.h"
+#include "skin/ascii.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 #include "tools/window/recorded_build.h"
@@ -48,8 +49,9 @@ std::vector<Finding> judged(const SkinSource& source) {
 }
 
 bool canBeBuilt(const SkinSource& source, const std::vector<Finding>& findings) {
-    return source.root && std::none_of(findings.begin(), findings.end(),
-                                       [](const Finding& finding) { return finding.endsTheHost; });
+    return source.root && equalIgnoringCase(source.root->name, "GUI") &&
+           std::none_of(findings.begin(), findings.end(),
+                        [](const Finding& finding) { return finding.endsTheHost; });
 }
 
 } // namespace

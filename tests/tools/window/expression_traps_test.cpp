@@ -174,7 +174,7 @@ class Chance {
             if (below(5) == 0)
                 text += '-';
             if (depth > 0 && below(3) == 0)
-                text += "(" + expression(depth - 1) + ")";
+                text.append("(").append(expression(depth - 1)).append(")");
             else
                 text += static_cast<char>('1' + below(9));
         }

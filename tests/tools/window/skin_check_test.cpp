@@ -61,7 +61,7 @@ TEST_F(CheckedSkin, ShowsEachMessageWhereItBelongs) {
               ":3:3: b = nobody: Expression parser error\n"
               ":6:5: Skin Error: Error calculating value of tag w for object knob\n"
               ":7:1: Skin Error: Missing tag h for object knob\n"
-              ":8:46: Skin Error: Error attempting to link a display to an invalid parameter id\n");
+              ":8:48: Skin Error: Error attempting to link a display to an invalid parameter id\n");
 }
 
 TEST_F(CheckedSkin, ShowsAFaultThatCostsTheObjectNothing) {
