@@ -31,7 +31,7 @@ using VSTGUI::CVuMeter;
 using Messages = std::vector<test::Message>;
 using Titles = std::vector<std::string>;
 
-const CColor ground(40, 50, 60), plate(90, 80, 70);
+const CColor ground(40, 50, 60);
 
 class Controls : public test::SkinWindow {
   protected:
