@@ -10,6 +10,17 @@ std::filesystem::path settled(const std::string& text) {
     return text.empty() ? std::filesystem::path() : std::filesystem::absolute(text).lexically_normal();
 }
 
+std::optional<std::string> parseOrHelp(CLI::App& app, int argumentCount, const char* const* arguments) {
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::CallForHelp&) {
+        return app.help();
+    } catch (const CLI::ParseError& error) {
+        throw ToolError(error.what());
+    }
+    return std::nullopt;
+}
+
 void checkNothingIsEmpty(const CLI::App& app) {
     for (const CLI::Option* option : app.get_options())
         for (const std::string& value : option->results())

@@ -214,13 +214,8 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     app.get_formatter()->label("TEXT", "");
     app.get_formatter()->label("Positionals", "Files");
     app.footer(examples);
-    try {
-        app.parse(argumentCount, arguments);
-    } catch (const CLI::CallForHelp&) {
-        return HelpText{app.help()};
-    } catch (const CLI::ParseError& error) {
-        throw ToolError(error.what());
-    }
+    if (const auto help = parseOrHelp(app, argumentCount, arguments))
+        return HelpText{*help};
     if (words.version)
         return HelpText{"quillon-render " QUILLON_VERSION "\n"};
     checkCombination(words, app);

@@ -108,13 +108,8 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     app.get_formatter()->column_width(34);
     app.get_formatter()->label("TEXT", "");
     app.footer(examples);
-    try {
-        app.parse(argumentCount, arguments);
-    } catch (const CLI::CallForHelp&) {
-        return HelpText{app.help()};
-    } catch (const CLI::ParseError& error) {
-        throw ToolError(error.what());
-    }
+    if (const auto help = parseOrHelp(app, argumentCount, arguments))
+        return HelpText{*help};
     if (words.version)
         return HelpText{"quillon-window " QUILLON_VERSION "\n"};
     checkNothingIsEmpty(app);

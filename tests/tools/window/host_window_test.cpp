@@ -14,6 +14,7 @@
 
 // Xlib defines words that the headers above use, so it comes last.
 #include "child_process.h"
+#include "support/close_window.h"
 #include "virtual_screen.h"
 #include <X11/Xutil.h>
 
@@ -39,17 +40,6 @@ class AHostWindow : public testing::Test {
         const Window child = XCreateSimpleWindow(screen.display(), parent, x, y, static_cast<unsigned>(width),
                                                  static_cast<unsigned>(height), 0, 0, colour);
         XMapWindow(screen.display(), child);
-        XSync(screen.display(), False);
-    }
-
-    void askToClose(Window window) {
-        XClientMessageEvent request = {};
-        request.type = ClientMessage;
-        request.window = window;
-        request.message_type = XInternAtom(screen.display(), "WM_PROTOCOLS", False);
-        request.format = 32;
-        request.data.l[0] = static_cast<long>(XInternAtom(screen.display(), "WM_DELETE_WINDOW", False));
-        XSendEvent(screen.display(), window, False, NoEventMask, reinterpret_cast<XEvent*>(&request));
         XSync(screen.display(), False);
     }
 
@@ -113,7 +103,7 @@ TEST_F(AHostWindow, IsClosedWhenThePersonAsksForIt) {
     window.show();
     window.serve(0);
     EXPECT_FALSE(window.isClosed());
-    askToClose(of(window));
+    askToClose(screen, of(window));
     EXPECT_TRUE(test::waitUntil([&] {
         window.serve(20);
         return window.isClosed();

@@ -14,6 +14,7 @@
 
 // Xlib defines words that the headers above use, so it comes last.
 #include "child_process.h"
+#include "support/close_window.h"
 #include "virtual_screen.h"
 
 namespace {
@@ -337,17 +338,6 @@ TEST_F(WindowTool, FindsNothingWrongWithTheSkinsThatAreDelivered) {
 
 class WindowOnAScreen : public WindowTool {
   protected:
-    void askToClose(Window window) {
-        XClientMessageEvent request = {};
-        request.type = ClientMessage;
-        request.window = window;
-        request.message_type = XInternAtom(screen.display(), "WM_PROTOCOLS", False);
-        request.format = 32;
-        request.data.l[0] = static_cast<long>(XInternAtom(screen.display(), "WM_DELETE_WINDOW", False));
-        XSendEvent(screen.display(), window, False, NoEventMask, reinterpret_cast<XEvent*>(&request));
-        XSync(screen.display(), False);
-    }
-
     test::VirtualScreen screen;
 };
 
@@ -358,7 +348,7 @@ TEST_F(WindowOnAScreen, StaysUntilThePersonClosesIt) {
     EXPECT_EQ(screen.property(window, "_NET_WM_NAME"),
               "Quillon Software Quillon Multitap Delay \u2013 Leaves");
     EXPECT_TRUE(screen.waitForPixel(100, 70, green));
-    askToClose(window);
+    askToClose(screen, window);
     const ToolResult result = tool->wait();
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
@@ -456,7 +446,7 @@ TEST_F(WatchedSkin, MayBeBrokenFromTheStart) {
         test::waitUntil([&] { return tool.standardError().find("is not closed") != std::string::npos; }));
     save("");
     EXPECT_TRUE(colourBecomes(brown));
-    askToClose(screen.waitForWindow());
+    askToClose(screen, screen.waitForWindow());
     EXPECT_EQ(tool.wait(), 0);
 }
 
