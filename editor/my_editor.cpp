@@ -20,10 +20,6 @@ using skin::SkinObject;
 
 namespace {
 
-constexpr int kDone = 1;
-constexpr int kPassedOver = 0;
-constexpr int kUnknownKind = -1;
-
 /// The number beside the picture. The limit is negative at every rate, so no length is ever at or below it,
 /// and what is shown is the rate's alone.
 std::int32_t shownMilliseconds(float length, float sampleRate, std::int32_t taps) {
@@ -124,7 +120,7 @@ void myEditor::showNotedChanges() {
 
 int myEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
     const int result = xmlGuiEditor::createControls(name, object, context);
-    if (result != kUnknownKind)
+    if (result != skin::kUnknownKind)
         return result;
     if (equalIgnoringCase(name, "ViewTaps"))
         return buildViewTaps(object, context);
@@ -132,45 +128,44 @@ int myEditor::createControls(const char* name, SkinObject* object, SkinContext* 
         return buildNoteDisplay(object, context);
     if (equalIgnoringCase(name, "PresetsDisplay"))
         return readPresetsDisplay(object, context);
-    return kUnknownKind;
+    return skin::kUnknownKind;
 }
 
 int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
     ObjectReader tags("ViewTaps", object, context);
-    const double x = tags.number("x"), y = tags.number("y"), w = tags.number("w"), h = tags.number("h");
+    const VSTGUI::CRect place = tags.box();
     if (tags.isLost() || !frame)
-        return kPassedOver;
+        return skin::kPassedOver;
     const float taps = theEffect().getParameter(parameters::kTaps);
     const float stretch = theEffect().getParameter(parameters::kStretch);
     const float length = theEffect().getParameter(parameters::kBaseLength);
-    viewTaps = new ViewTaps(skin::placeOf(x, y, w, h));
+    viewTaps = new ViewTaps(place);
     frame->addView(viewTaps);
     updateTapView(taps, stretch, length, theEffect().getSampleRate(), effectGains_);
-    return kDone;
+    return skin::kDone;
 }
 
 int myEditor::buildNoteDisplay(const SkinObject* object, SkinContext* context) {
     ObjectReader tags("NoteDisplay", object, context);
-    const double x = tags.number("x"), y = tags.number("y"), w = tags.number("w"), h = tags.number("h");
+    const VSTGUI::CRect place = tags.box();
     const std::int32_t id = tags.integer("id");
     const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
     if (tags.isLost() || !frame)
-        return kPassedOver;
-    auto* const display = new CNoteDisplay(skin::placeOf(x, y, w, h), this, id, &note, &noteMode);
+        return skin::kPassedOver;
+    auto* const display = new CNoteDisplay(place, this, id, &note, &noteMode);
     display->setBackColor(clearColour(backColour.c_str()));
     display->setFontColor(clearColour(fontColour.c_str()));
     frame->addView(display);
     noteDisplay = display;
-    return kDone;
+    return skin::kDone;
 }
 
 /// Makes nothing. A skin may hold one, and its faults are told under the name of its sister.
 int myEditor::readPresetsDisplay(const SkinObject* object, SkinContext* context) {
     ObjectReader tags("NoteDisplay", object, context);
-    for (const char* tag : {"x", "y", "w", "h"})
-        tags.number(tag);
+    tags.box();
     tags.text("fontcolor");
-    return tags.isLost() ? kPassedOver : kDone;
+    return tags.isLost() ? skin::kPassedOver : skin::kDone;
 }
 
 } // namespace editor

@@ -1,5 +1,6 @@
 #include "editor/view_taps.h"
 
+#include "parameters/shared_field.h"
 #include "parameters/truncation.h"
 
 #include "vstgui/lib/cdrawcontext.h"
@@ -14,6 +15,8 @@
 
 namespace editor {
 
+using parameters::loadShared;
+using parameters::storeShared;
 using parameters::trunc;
 using VSTGUI::CButtonState;
 using VSTGUI::CColor;
@@ -83,18 +86,6 @@ constexpr HelpLine secondPage[] = {
     {48, 59, linkColour, "[Please press the Alt key and click here to open the Help file as PDF]"},
     {89, 100, pictureColour, "VST Plug-In Technology by Steinberg, AU System by Apple"},
 };
-
-/// One atomic access, without an order to the others: a picture may mix an old pattern with a new one, and
-/// the thread that sets parameters may not be held up.
-template <class T>
-T loadShared(const T& field) {
-    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
-}
-
-template <class T>
-void storeShared(T& field, T value) {
-    std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
-}
 
 /// The colour of a tap's core at `t`, 0 for the first tap up to 1. Green is left to the caller.
 CColor barColour(double t, double bend, std::uint8_t green) {

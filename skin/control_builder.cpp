@@ -37,10 +37,6 @@ using VSTGUI::CRect;
 
 namespace {
 
-constexpr int kDone = 1;
-constexpr int kPassedOver = 0;
-constexpr int kUnknownKind = -1;
-
 /// Room for one line of constants, its NUL included.
 constexpr std::size_t kLineSize = 256;
 
@@ -144,12 +140,8 @@ void xmlGuiEditor::skinReadDefault(const char* objectName, const SkinObject* obj
 
 // Kinds
 
-xmlGuiEditor::Builder xmlGuiEditor::builderOf(const char* kind) {
+const xmlGuiEditor::Kind* xmlGuiEditor::kindOf(const char* name) {
     using Editor = xmlGuiEditor;
-    struct Kind {
-        const char* name;
-        Builder build;
-    };
     static constexpr Kind kinds[] = {
         {"CONSTANTS", &Editor::buildConstants},
         {"background", &Editor::buildBackground},
@@ -169,17 +161,17 @@ xmlGuiEditor::Builder xmlGuiEditor::builderOf(const char* kind) {
         {"vumeter", &Editor::buildVuMeter},
     };
     for (const Kind& known : kinds)
-        if (equalIgnoringCase(kind, known.name))
-            return known.build;
+        if (equalIgnoringCase(name, known.name))
+            return &known;
     return nullptr;
 }
 
 int xmlGuiEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
-    const Builder build = builderOf(name);
-    if (!build)
+    const Kind* const kind = kindOf(name);
+    if (!kind)
         return kUnknownKind;
-    ObjectReader reader(name, object, context);
-    return (this->*build)(reader);
+    ObjectReader reader(kind->name, object, context);
+    return (this->*kind->build)(reader);
 }
 
 void xmlGuiEditor::addControl(CControl* control) {
@@ -214,7 +206,6 @@ int xmlGuiEditor::buildConstants(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildBackground(ObjectReader& object) {
-    object.callIt("background");
     if (!object.has("filename"))
         return kDone;
     CBitmap* const bitmap = object.picture("filename");
@@ -230,7 +221,6 @@ int xmlGuiEditor::buildBackground(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildUpdate(ObjectReader& object) {
-    object.callIt("update");
     const std::int32_t src = object.integer("src"), dst = object.integer("dst");
     if (object.isLost())
         return kPassedOver;
@@ -239,7 +229,6 @@ int xmlGuiEditor::buildUpdate(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildSlider(ObjectReader& object) {
-    object.callIt("slider");
     const double x = object.number("x"), y = object.number("y"), length = object.number("len");
     const std::int32_t id = object.integer("id"), style = object.integer("style");
     const double xOffset = object.number("xoff", x), yOffset = object.number("yoff", y);
@@ -268,12 +257,10 @@ int xmlGuiEditor::buildSlider(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildKnob(ObjectReader& object) {
-    object.callIt("knob");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
+    const CRect place = object.box();
     const std::int32_t id = object.integer("id");
     const bool isFilm = object.flag("stackbmp").value_or(false);
-    const double xOffset = object.number("xoff", x), yOffset = object.number("yoff", y);
+    const double xOffset = object.number("xoff", place.left), yOffset = object.number("yoff", place.top);
     CBitmap* const ground = object.picture("bitmap_bk", background);
     CBitmap* const handle = object.picture("bitmap_handle", static_cast<CBitmap*>(nullptr));
     if (!object.isLost() && handle && !ground)
@@ -282,7 +269,6 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
     if (object.isLost() || !frame)
         return kPassedOver;
 
-    const CRect place = placeOf(x, y, w, h);
     const CPoint offset(trunc(xOffset), trunc(yOffset));
     CControl* knob = nullptr;
     if (isFilm) {
@@ -302,7 +288,6 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildOnOff(ObjectReader& object) {
-    object.callIt("onoff");
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
     CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
@@ -317,9 +302,7 @@ int xmlGuiEditor::buildOnOff(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
-    object.callIt("autodisp");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
+    const CRect place = object.box();
     const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
     const std::int32_t link = object.integer("link");
     if (!object.isLost() && link > numParams())
@@ -327,8 +310,7 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const display =
-        new editor::CParamDisplayLink(&theEffect(), link, placeOf(x, y, w, h), id, ground, style);
+    auto* const display = new editor::CParamDisplayLink(&theEffect(), link, place, id, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
     displayLinks.append(display);
     addControl(display);
@@ -336,46 +318,40 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildDisplay(ObjectReader& object) {
-    object.callIt("display");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
-    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
-    if (object.isLost() || !frame)
-        return kPassedOver;
-    auto* const display = new editor::CDisplay(placeOf(x, y, w, h), ground, style);
-    skinReadFont(display, "autodisp", object.object(), object.context());
-    display->setTag(id);
-    addControl(display);
-    return kDone;
+    const CRect place = object.box();
+    const std::int32_t id = object.integer("id");
+    return buildText(object, place, id) ? kDone : kPassedOver;
 }
 
 int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
     object.callIt("display");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
-    const std::int32_t style = object.integer("style", 0);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
-    if (object.isLost() || !frame)
+    editor::CDisplay* const display = buildText(object, object.box(), kAnyDisplayTag);
+    if (!display)
         return kPassedOver;
-    auto* const display = new editor::CDisplay(placeOf(x, y, w, h), ground, style);
-    skinReadFont(display, "autodisp", object.object(), object.context());
-    display->setTag(kAnyDisplayTag);
     anyDisplay = display;
-    addControl(display);
     return kDone;
 }
 
+editor::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& place, std::int32_t tag) {
+    const std::int32_t style = object.integer("style", 0);
+    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    if (object.isLost() || !frame)
+        return nullptr;
+    auto* const display = new editor::CDisplay(place, ground, style);
+    skinReadFont(display, "autodisp", object.object(), object.context());
+    display->setTag(tag);
+    addControl(display);
+    return display;
+}
+
 int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
-    object.callIt("optionmenu");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
+    const CRect place = object.box();
     const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const menu = new SkinMenu(placeOf(x, y, w, h), this, id, ground, activeGround, style);
+    auto* const menu = new SkinMenu(place, this, id, ground, activeGround, style);
     addEntries(menu, *object.object(), id);
     if (isParameter(id)) {
         menuIds.append(id);
@@ -406,15 +382,13 @@ void xmlGuiEditor::fillOptionMenu(COptionMenu* menu, std::int32_t) {
 }
 
 int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
-    object.callIt("skinselector");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
+    const CRect place = object.box();
     const std::int32_t style = object.integer("style", 0);
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const menu = new SkinMenu(placeOf(x, y, w, h), this, kSkinSelectorTag, ground, activeGround, style);
+    auto* const menu = new SkinMenu(place, this, kSkinSelectorTag, ground, activeGround, style);
     for (const SkinName& name : skinNames)
         menu->addEntry(skinTitle(name.text));
     menu->showValue(static_cast<float>(skinNames.count));
@@ -427,7 +401,6 @@ template <class Switch>
 int xmlGuiEditor::buildSwitch(ObjectReader& object) {
     constexpr bool isVertical = std::is_same_v<Switch, VSTGUI::CVerticalSwitch>;
     const char* const kind = isVertical ? "vswitch" : "hswitch";
-    object.callIt(kind);
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
     const double entries = object.number("entries");
@@ -449,7 +422,6 @@ int xmlGuiEditor::buildSwitch(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildKick(ObjectReader& object) {
-    object.callIt("kick");
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
     CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
@@ -465,13 +437,10 @@ int xmlGuiEditor::buildKick(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildAbout(ObjectReader& object) {
-    object.callIt("about");
-    const double x = object.number("x"), y = object.number("y"), w = object.number("w"),
-                 h = object.number("h");
+    const CRect area = object.box();
     CBitmap* const picture = object.picture("bitmap_pop", kButtonPictureMissing);
     if (object.isLost() || !frame || !background)
         return kPassedOver;
-    const CRect area = placeOf(x, y, w, h);
     const std::int32_t width = trunc(picture->getWidth()), height = trunc(picture->getHeight());
     CRect shown(0, 0, width, height);
     shown.offset((trunc(background->getWidth()) - width) / 2, (trunc(background->getHeight()) - height) / 2);
@@ -487,7 +456,6 @@ int xmlGuiEditor::buildAbout(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildVuMeter(ObjectReader& object) {
-    object.callIt("vumeter");
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id"), lamps = object.integer("leds"),
                        style = object.integer("style");

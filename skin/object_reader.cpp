@@ -29,6 +29,11 @@ std::int32_t xmlGuiEditor::ObjectReader::integer(const char* tag, std::int32_t f
     return trunc(number(tag, static_cast<double>(fallback)));
 }
 
+VSTGUI::CRect xmlGuiEditor::ObjectReader::box() {
+    const double x = number("x"), y = number("y"), width = number("w"), height = number("h");
+    return placeOf(x, y, width, height);
+}
+
 std::string xmlGuiEditor::ObjectReader::text(const char* tag) {
     char value[kTagValueSize] = "";
     if (!isLost_)

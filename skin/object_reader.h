@@ -36,6 +36,8 @@ class xmlGuiEditor::ObjectReader {
     /// The same, cut to an integer.
     std::int32_t integer(const char* tag);
     std::int32_t integer(const char* tag, std::int32_t fallback);
+    /// The place that "x", "y", "w" and "h" tell, which must be there.
+    VSTGUI::CRect box();
     /// A text that must be there.
     std::string text(const char* tag);
     /// A yes or no that may be missing.

@@ -60,6 +60,13 @@ enum Tag : std::int32_t {
     kOverlayBit = 0x100000,
 };
 
+/// What became of an object of the skin.
+enum Outcome : int {
+    kUnknownKind = -1, ///< there is no such kind of object
+    kPassedOver = 0,   ///< it has a fault, which has been shown
+    kDone = 1,
+};
+
 /// Asks for all controls to be set from the effect.
 constexpr std::int32_t kRefreshAll = -909090;
 
@@ -93,8 +100,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     GrowArray<SkinName> skinNames; ///< of the folders beside the library, in the order of the file system
 
   protected:
-    /// Builds the control for one object of the skin. 1: done; 0: a fault was shown and the object passed
-    /// over; -1: there is no such kind.
+    /// Builds the control for one object of the skin. Gives an Outcome.
     virtual int createControls(const char* name, SkinObject* object, SkinContext* context);
 
     /// Reads a tag: its text into kTagValueSize bytes or, `numeric`, its value into a double. A null
@@ -154,8 +160,11 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     void runMenuActions(VSTGUI::CControl& control, std::int32_t tag);
     void selectSkin(VSTGUI::CControl& control);
 
-    using Builder = int (xmlGuiEditor::*)(ObjectReader& object);
-    static Builder builderOf(const char* kind);
+    struct Kind {
+        const char* name;
+        int (xmlGuiEditor::*build)(ObjectReader& object);
+    };
+    static const Kind* kindOf(const char* name);
     void addControl(VSTGUI::CControl* control);
     void bindValue(VSTGUI::CControl* control, std::int32_t id);
     void addEntries(VSTGUI::COptionMenu* menu, const SkinObject& object, std::int32_t id);
@@ -168,6 +177,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     int buildAutoDisplay(ObjectReader& object);
     int buildDisplay(ObjectReader& object);
     int buildAnyDisplay(ObjectReader& object);
+    editor::CDisplay* buildText(ObjectReader& object, const VSTGUI::CRect& place, std::int32_t tag);
     int buildOptionMenu(ObjectReader& object);
     int buildSkinSelector(ObjectReader& object);
     template <class Switch>
