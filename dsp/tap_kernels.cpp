@@ -10,6 +10,10 @@ namespace {
 #define QUILLON_QUOTED(name) #name
 #define QUILLON_TEXT(name) QUILLON_QUOTED(name)
 
+/// The samples that share two looks where the slots slip, and the slips from where on that is not tried.
+constexpr std::int32_t kSection = 16;
+constexpr std::int32_t kMostSlips = 6;
+
 constexpr float kMemoryLength = static_cast<float>(kMemorySlots);
 
 /// Where the taps of a sub-block read: whole slots and what is left over. `drift` is what the slots have
@@ -20,39 +24,41 @@ struct Positions {
     std::int32_t leastDrift, mostDrift;
 };
 
-std::int32_t least(std::int32_t a, std::int32_t b) {
-    return b < a ? b : a;
-}
-
-std::int32_t most(std::int32_t a, std::int32_t b) {
-    return b > a ? b : a;
-}
-
 /// The formula of readPosition. A position outside the memory, or none at all, gives a slot below the first
 /// or behind the last, which nobody reads as a run.
-template <bool moving>
-void findPositions(const MemoryStretch& memory, const TapPath& path, Positions& positions) {
+template <bool moving, class Length>
+void findPositions(const MemoryStretch& memory, const TapPath& path, Length frames,
+                   Positions& __restrict positions) {
+    const float* const writePositions = memory.writePositions;
+    const float* const times = path.times;
+    const float* const lfoOffset = path.lfoOffset;
+    const float time = path.time;
     std::int32_t leastDrift = INT32_MAX;
     std::int32_t mostDrift = INT32_MIN;
-    for (std::int32_t i = 0; i < memory.frames; ++i) {
-        float p = memory.writePositions[i] - (moving ? path.times[i] : path.time) + path.lfoOffset[i];
+    for (std::int32_t i = 0; i < frames; ++i) {
+        float p = writePositions[i] - (moving ? times[i] : time) + lfoOffset[i];
         p = p < 0.0f ? p + kMemoryLength : p;
         const float low = p > 0.0f ? p : 0.0f;
         const std::int32_t whole = static_cast<std::int32_t>(low < kMemoryLength ? low : kMemoryLength);
+        const std::int32_t drift = whole - i;
         positions.fraction[i] = p - static_cast<float>(whole);
-        positions.drift[i] = whole - i;
-        leastDrift = least(leastDrift, whole - i);
-        mostDrift = most(mostDrift, whole - i);
+        positions.drift[i] = drift;
+        leastDrift = drift < leastDrift ? drift : leastDrift;
+        mostDrift = drift > mostDrift ? drift : mostDrift;
     }
     positions.leastDrift = leastDrift;
     positions.mostDrift = mostDrift;
 }
 
-void findPositions(const MemoryStretch& memory, const TapPath& path, Positions& positions) {
-    if (path.times)
-        findPositions<true>(memory, path, positions);
-    else
-        findPositions<false>(memory, path, positions);
+/// Nearly every sub-block is a full one: with its length known beforehand, loops have no ends to look after.
+template <std::int32_t length>
+struct Fixed {
+    constexpr operator std::int32_t() const { return length; }
+};
+
+template <std::int32_t length, class Loop>
+inline auto atItsLength(std::int32_t frames, Loop loop) {
+    return frames == length ? loop(Fixed<length>{}) : loop(frames);
 }
 
 /// Points of the memory around a read position, oldest first.
@@ -76,26 +82,53 @@ float linear(const Points& points, float f) {
 using Interpolation = float (*)(const Points&, float);
 
 /// Slots step by one: four shifted looks at one run.
-template <Interpolation interpolate>
-void readSteady(const float* run, const Positions& at, std::int32_t frames, float* __restrict row) {
+template <Interpolation interpolate, class Length>
+void readSteady(const float* run, const Positions& at, Length frames, float* __restrict row) {
     for (std::int32_t i = 0; i < frames; ++i)
         row[i] = interpolate({run[i], run[i + 1], run[i + 2], run[i + 3]}, at.fraction[i]);
 }
 
-/// The sweep makes the slots wait or hurry a little: each sample takes one of two neighbouring looks.
-template <Interpolation interpolate>
-void readSlipping(const float* run, const Positions& at, std::int32_t frames, float* __restrict row) {
+/// Samples whose slots have drifted by `base` or by one more: each takes one of two neighbouring looks at
+/// `run`, where the slots of base begin. Zero, or the row is undefined because some have drifted elsewhere.
+template <Interpolation interpolate, class Length>
+std::uint32_t readDrifting(const float* run, std::int32_t base, const std::int32_t* drift,
+                           const float* fraction, Length frames, float* __restrict row) {
+    std::uint32_t strays = 0;
     for (std::int32_t i = 0; i < frames; ++i) {
-        const bool later = at.drift[i] != at.leastDrift;
+        const std::uint32_t slip = static_cast<std::uint32_t>(drift[i] - base);
+        const bool later = slip != 0;
+        strays |= slip & ~1u;
         const float m0 = run[i], m1 = run[i + 1], m2 = run[i + 2], m3 = run[i + 3], m4 = run[i + 4];
         row[i] =
-            interpolate({later ? m1 : m0, later ? m2 : m1, later ? m3 : m2, later ? m4 : m3}, at.fraction[i]);
+            interpolate({later ? m1 : m0, later ? m2 : m1, later ? m3 : m2, later ? m4 : m3}, fraction[i]);
     }
+    return strays;
+}
+
+/// The sweep makes the slots wait or hurry a little. `run` begins where the slots of the least drift do.
+/// False where that is too much for two looks a section.
+template <Interpolation interpolate, class Length>
+bool readSlipping(const float* run, const Positions& at, Length frames, float* row) {
+    if (at.mostDrift - at.leastDrift == 1)
+        return readDrifting<interpolate>(run, at.leastDrift, at.drift, at.fraction, frames, row) == 0;
+    if (at.mostDrift - at.leastDrift > kMostSlips)
+        return false;
+    std::uint32_t strays = 0;
+    for (std::int32_t begin = 0; begin < frames; begin += kSection) {
+        const std::int32_t left = frames - begin;
+        strays |= atItsLength<kSection>(left < kSection ? left : kSection, [&](auto length) {
+            const std::int32_t* const drift = at.drift + begin;
+            const std::int32_t base = drift[0] < drift[length - 1] ? drift[0] : drift[length - 1];
+            return readDrifting<interpolate>(run + begin + (base - at.leastDrift), base, drift,
+                                             at.fraction + begin, length, row + begin);
+        });
+    }
+    return strays == 0;
 }
 
 /// Slots go anywhere, as in a fast glide.
-template <Interpolation interpolate>
-void readScattered(const float* samples, const Positions& at, std::int32_t frames, float* __restrict row) {
+template <Interpolation interpolate, class Length>
+void readScattered(const float* samples, const Positions& at, Length frames, float* __restrict row) {
     for (std::int32_t i = 0; i < frames; ++i) {
         const std::int32_t slot = at.drift[i] + i;
         row[i] = interpolate({samples[slot - 1], samples[slot], samples[slot + 1], samples[slot + 2]},
@@ -103,12 +136,13 @@ void readScattered(const float* samples, const Positions& at, std::int32_t frame
     }
 }
 
-template <Interpolation interpolate>
-TapRead read(const MemoryStretch& memory, const TapPath& path, float* row) {
+template <Interpolation interpolate, class Length>
+TapRead read(const MemoryStretch& memory, const TapPath& path, Length frames, float* row) {
     Positions at;
-    findPositions(memory, path, at);
-    const std::int32_t frames = memory.frames;
-    const std::int32_t slips = at.mostDrift - at.leastDrift;
+    if (path.times)
+        findPositions<true>(memory, path, frames, at);
+    else
+        findPositions<false>(memory, path, frames, at);
     const std::int32_t first = at.leastDrift - 1;
     const std::int32_t newest = at.mostDrift + 2;
     const std::int32_t last = newest + frames - 1;
@@ -117,26 +151,28 @@ TapRead read(const MemoryStretch& memory, const TapPath& path, float* row) {
     const float* const run = runOf(memory, first, last, newest);
     if (!run)
         return TapRead::refused;
-    if (slips == 0)
+    if (at.leastDrift == at.mostDrift)
         readSteady<interpolate>(run, at, frames, row);
-    else if (slips == 1)
-        readSlipping<interpolate>(run, at, frames, row);
-    else
+    else if (!readSlipping<interpolate>(run, at, frames, row))
         readScattered<interpolate>(run - first, at, frames, row);
     return TapRead::done;
 }
 
 TapRead readCubic(const MemoryStretch& memory, const TapPath& path, float* row) {
-    return read<cubic>(memory, path, row);
+    return atItsLength<kSubBlockFrames>(memory.frames,
+                                        [&](auto frames) { return read<cubic>(memory, path, frames, row); });
 }
 
 TapRead readLinear(const MemoryStretch& memory, const TapPath& path, float* row) {
-    return read<linear>(memory, path, row);
+    return atItsLength<kSubBlockFrames>(memory.frames,
+                                        [&](auto frames) { return read<linear>(memory, path, frames, row); });
 }
 
 void addTap(float* __restrict sum, const float* __restrict tap, float gain, std::int32_t frames) {
-    for (std::int32_t i = 0; i < frames; ++i)
-        sum[i] += tap[i] * gain;
+    atItsLength<kSubBlockFrames>(frames, [=](auto length) {
+        for (std::int32_t i = 0; i < length; ++i)
+            sum[i] += tap[i] * gain;
+    });
 }
 
 void glide(const float* step, float a, float* z, float* const* rows, std::int32_t frames) {

@@ -41,16 +41,17 @@ struct MemoryStretch {
 /// The whole sub-block may be written first, and all taps read after, when a tap's slots are all behind the
 /// write position as both move on, or all outside the sub-block, or all ahead of the write position, where
 /// the old samples are kept. `newest` is the last slot that the first sample reads.
+/// One slot behind the last may be looked at too, as long as nothing is made of it.
 static inline const float* runOf(const MemoryStretch& memory, std::int32_t first, std::int32_t last,
                                  std::int32_t newest) {
     const std::int32_t start = memory.start;
-    if (first < 0 || last >= kMemorySlots)
+    if (first < 0 || last >= kMemorySlots - 1)
         return nullptr;
     const bool outside = last < start || first >= start + memory.frames;
     const bool behind = newest <= start && !memory.ahead;
     if (last < memory.written && (outside || behind))
         return memory.samples + first;
-    if (first > start && last < start + kOvertakenSlots)
+    if (first > start && last < start + kOvertakenSlots - 1)
         return memory.overtaken + (first - start);
     return nullptr;
 }
