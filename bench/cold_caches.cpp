@@ -1,0 +1,22 @@
+#include "bench/cold_caches.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace bench {
+
+namespace {
+
+constexpr std::size_t kMoreThanAnyCache = 96u << 20;
+constexpr std::size_t kLine = 64;
+
+} // namespace
+
+void evictCaches() {
+    static std::vector<std::uint8_t> stranger(kMoreThanAnyCache, 1);
+    for (std::size_t i = 0; i < stranger.size(); i += kLine)
+        stranger[i] = static_cast<std::uint8_t>(stranger[i] + 1);
+}
+
+} // namespace bench

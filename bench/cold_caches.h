@@ -1,0 +1,9 @@
+// Makes the caches forget.
+#pragma once
+
+namespace bench {
+
+/// Sends more data through the processor's caches than they hold.
+void evictCaches();
+
+} // namespace bench

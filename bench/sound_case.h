@@ -1,0 +1,41 @@
+// One situation in which the effect is timed: how many taps, read how, lying where, moving or not, in blocks
+// of which length, with warm caches or cold ones.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace bench {
+
+enum class Read { cubic, linear, whole };
+
+/// Where the taps lie.
+enum class Place {
+    spread, ///< as far over the memory as two seconds of base length at 48 kHz go
+    close,  ///< 100 samples from tap to tap
+    minimum ///< all on the shortest time, three samples
+};
+
+enum class Motion {
+    rest,   ///< every glide has arrived
+    gliding ///< the pattern moves all the time
+};
+
+enum class Caches {
+    warm,
+    cold ///< other data has gone through them before each block, as between the calls of a busy host
+};
+
+struct SoundCase {
+    std::int32_t taps = 128;
+    Read read = Read::cubic;
+    Place place = Place::spread;
+    Motion motion = Motion::rest;
+    std::int32_t blockFrames = 512;
+    Caches caches = Caches::warm;
+
+    /// In words, unique: "128 taps, cubic, spread, at rest, blocks of 512".
+    std::string name() const;
+};
+
+} // namespace bench
