@@ -85,11 +85,11 @@ bool allZero(const std::vector<float>& signal) {
 /// An instance at 44100 Hz, set to one plain echo: the left input alone, one tap of full gain at 2756
 /// samples, read at whole samples, no sweep, no feedback worth the name, the wet signal alone, even taps left
 /// and odd taps right.
-class Session {
+class Take {
   public:
     static constexpr std::int32_t kTapTime = 2756; ///< half a base length of 5513, cut
 
-    Session() : plugin(libraryUnderTest(), quietHost()) {
+    Take() : plugin(libraryUnderTest(), quietHost()) {
         plugin.start(44100.0f, 512);
         set(kSet, 0.0f);
         set(kBaseLength, 0.25f);
@@ -133,10 +133,10 @@ class Session {
 // --- Silence and the dry way ---
 
 TEST(Silence, ComesOutExactlyUntilTheFirstEchoIsDue) {
-    Session session;
-    session.plugin.resume();
-    const Stereo out = session.play(silence(3 * Session::kTapTime));
-    for (std::int32_t i = 0; i < Session::kTapTime - 1; ++i) {
+    Take take;
+    take.plugin.resume();
+    const Stereo out = take.play(silence(3 * Take::kTapTime));
+    for (std::int32_t i = 0; i < Take::kTapTime - 1; ++i) {
         ASSERT_EQ(out.left[static_cast<std::size_t>(i)], 0.0f) << "sample " << i;
         ASSERT_EQ(out.right[static_cast<std::size_t>(i)], 0.0f) << "sample " << i;
     }
@@ -145,38 +145,38 @@ TEST(Silence, ComesOutExactlyUntilTheFirstEchoIsDue) {
 
 TEST(DryWet, ShutsTheWetSignalOffAtOnce) {
     for (float shut : {0.0f, 1e-6f, 1e-5f, -1.0f}) {
-        Session session;
-        session.settle();
-        session.play(tone(20000, 1000.0));
-        session.set(kDryWet, shut);
+        Take take;
+        take.settle();
+        take.play(tone(20000, 1000.0));
+        take.set(kDryWet, shut);
         const std::vector<float> left = tone(3000, 700.0), right = tone(3000, 300.0);
-        const Stereo out = session.play(left, right);
+        const Stereo out = take.play(left, right);
         EXPECT_TRUE(sameBits(out.left, left)) << "Dry Wet " << shut;
         EXPECT_TRUE(sameBits(out.right, right)) << "Dry Wet " << shut;
     }
 }
 
 TEST(DryWet, OpensJustAboveTheGateFromWhereItStood) {
-    Session session;
-    session.settle();
-    session.set(kDryWet, 0.0f);
-    session.play(silence(100));
-    session.set(kDryWet, 0.5f);
-    const Stereo out = session.play(impulse(Session::kTapTime + 10));
+    Take take;
+    take.settle();
+    take.set(kDryWet, 0.0f);
+    take.play(silence(100));
+    take.set(kDryWet, 0.5f);
+    const Stereo out = take.play(impulse(Take::kTapTime + 10));
     EXPECT_LT(std::fabs(out.left[0]), 0.01f); // the glide starts from the full mix, not from none
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
 }
 
 TEST(DrySignal, IsTouchedByNothingButTheMix) {
-    Session session;
-    session.set(kDryWet, 0.0f);
-    session.settle();
+    Take take;
+    take.set(kDryWet, 0.0f);
+    take.settle();
     for (std::int32_t id :
          {kPrePan, kPreLowPass, kPreHighPass, kPreGain, kOutPan, kOutGain, kStereo, kFeedback})
         for (float value : {0.0f, 1.0f}) {
-            session.set(id, value);
+            take.set(id, value);
             const std::vector<float> input = tone(1000, 440.0);
-            const Stereo out = session.play(input);
+            const Stereo out = take.play(input);
             EXPECT_TRUE(sameBits(out.left, input)) << "id " << id;
             EXPECT_TRUE(sameBits(out.right, input)) << "id " << id;
         }
@@ -184,7 +184,7 @@ TEST(DrySignal, IsTouchedByNothingButTheMix) {
 
 TEST(Gains, DoNothingToTheSound) {
     for (std::int32_t id : {kPreGain, kOutGain}) {
-        Session plain, changed;
+        Take plain, changed;
         changed.set(id, 0.0f);
         const std::vector<float> input = tone(8000, 440.0);
         EXPECT_TRUE(sameBits(plain.play(input).left, changed.play(input).left)) << "id " << id;
@@ -192,74 +192,74 @@ TEST(Gains, DoNothingToTheSound) {
 }
 
 TEST(PreGain, OfNothingIsOverwrittenAndNoSilenceFollows) {
-    Session session;
-    session.settle();
-    session.set(kPreGain, 0.0f);
-    EXPECT_EQ(session.plugin.getParameter(kPreGain), 0.0f);
-    const Stereo out = session.play(impulse(Session::kTapTime + 100));
-    EXPECT_EQ(session.plugin.getParameter(kPreGain), 1.0f);
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
+    Take take;
+    take.settle();
+    take.set(kPreGain, 0.0f);
+    EXPECT_EQ(take.plugin.getParameter(kPreGain), 0.0f);
+    const Stereo out = take.play(impulse(Take::kTapTime + 100));
+    EXPECT_EQ(take.plugin.getParameter(kPreGain), 1.0f);
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
 }
 
 // --- Where the echoes fall ---
 
 TEST(Echoes, FallAtTheTimesOfTheirTapsEvenOnesLeftOddOnesRight) {
-    Session session;
-    session.set(kTaps, valueOfTaps(4));
-    session.settle();
-    const Stereo out = session.play(impulse(5 * Session::kTapTime));
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
-    EXPECT_EQ(onset(out.left, Session::kTapTime + 300), 3 * Session::kTapTime - 1);
-    EXPECT_EQ(onset(out.left, 3 * Session::kTapTime + 300), -1);
-    EXPECT_EQ(onset(out.right), 2 * Session::kTapTime - 1);
-    EXPECT_EQ(onset(out.right, 2 * Session::kTapTime + 300), 4 * Session::kTapTime - 1);
+    Take take;
+    take.set(kTaps, valueOfTaps(4));
+    take.settle();
+    const Stereo out = take.play(impulse(5 * Take::kTapTime));
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
+    EXPECT_EQ(onset(out.left, Take::kTapTime + 300), 3 * Take::kTapTime - 1);
+    EXPECT_EQ(onset(out.left, 3 * Take::kTapTime + 300), -1);
+    EXPECT_EQ(onset(out.right), 2 * Take::kTapTime - 1);
+    EXPECT_EQ(onset(out.right, 2 * Take::kTapTime + 300), 4 * Take::kTapTime - 1);
 }
 
 TEST(Echoes, FallAtTheSameTimesInTheGlidingModesOnceTheyHaveSettled) {
     for (float set : {0.5f, 1.0f}) {
-        Session session;
-        session.set(kSet, set);
-        session.settle();
-        const Stereo out = session.play(impulse(2 * Session::kTapTime));
-        EXPECT_NEAR(static_cast<double>(onset(out.left)), Session::kTapTime - 1, 2.0) << "Set " << set;
+        Take take;
+        take.set(kSet, set);
+        take.settle();
+        const Stereo out = take.play(impulse(2 * Take::kTapTime));
+        EXPECT_NEAR(static_cast<double>(onset(out.left)), Take::kTapTime - 1, 2.0) << "Set " << set;
     }
 }
 
 TEST(Echoes, ChangeSidesWithStereo) {
-    Session session;
-    session.set(kTaps, valueOfTaps(2));
-    session.set(kStereo, 1.0f);
-    session.settle();
-    const Stereo out = session.play(impulse(3 * Session::kTapTime));
-    EXPECT_EQ(onset(out.right), Session::kTapTime - 1);
-    EXPECT_EQ(onset(out.left), 2 * Session::kTapTime - 1);
+    Take take;
+    take.set(kTaps, valueOfTaps(2));
+    take.set(kStereo, 1.0f);
+    take.settle();
+    const Stereo out = take.play(impulse(3 * Take::kTapTime));
+    EXPECT_EQ(onset(out.right), Take::kTapTime - 1);
+    EXPECT_EQ(onset(out.left), 2 * Take::kTapTime - 1);
 }
 
 TEST(Echoes, AreTheSameOnBothSidesInTheMiddleOfStereo) {
-    Session session;
-    session.set(kTaps, valueOfTaps(2));
-    session.set(kStereo, 0.5f);
-    session.settle();
-    const Stereo out = session.play(impulse(3 * Session::kTapTime));
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
+    Take take;
+    take.set(kTaps, valueOfTaps(2));
+    take.set(kStereo, 0.5f);
+    take.settle();
+    const Stereo out = take.play(impulse(3 * Take::kTapTime));
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
     for (std::size_t i = 0; i < out.left.size(); ++i)
         ASSERT_NEAR(out.left[i], out.right[i], 1e-3f); // the pan rests a hair short of the middle
 }
 
 TEST(Echoes, OfOneTapLeaveTheRightSideSilent) {
-    Session session;
-    session.settle();
-    const Stereo out = session.play(impulse(3 * Session::kTapTime), silence(3 * Session::kTapTime));
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
+    Take take;
+    take.settle();
+    const Stereo out = take.play(impulse(3 * Take::kTapTime), silence(3 * Take::kTapTime));
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
     EXPECT_TRUE(allZero(out.right));
 }
 
 TEST(Echoes, OfAllTapsAreAHundredAndTwentyEight) {
-    Session session;
-    session.set(kTaps, kAllTaps);
-    session.set(kBaseLength, valueOfLength(201.0));
-    session.settle();
-    const Stereo out = session.play(impulse(14000));
+    Take take;
+    take.set(kTaps, kAllTaps);
+    take.set(kBaseLength, valueOfLength(201.0));
+    take.settle();
+    const Stereo out = take.play(impulse(14000));
     for (std::int32_t tap = 0; tap < 128; ++tap) {
         const auto& channel = tap % 2 ? out.right : out.left;
         const auto at = static_cast<std::size_t>(100 * (tap + 1) - 1);
@@ -271,69 +271,69 @@ TEST(Echoes, OfAllTapsAreAHundredAndTwentyEight) {
 }
 
 TEST(Echoes, CoincideAtThreeSamplesWithNoLength) {
-    Session session;
-    session.set(kTaps, kAllTaps);
-    session.set(kBaseLength, 0.0f);
-    session.settle();
-    const Stereo out = session.play(impulse(3000));
+    Take take;
+    take.set(kTaps, kAllTaps);
+    take.set(kBaseLength, 0.0f);
+    take.settle();
+    const Stereo out = take.play(impulse(3000));
     EXPECT_EQ(onset(out.left), 2);
     EXPECT_EQ(onset(out.right), 2);
     EXPECT_GT(std::fabs(out.left[2]), 30.0f); // 64 taps at once
 }
 
 TEST(Echoes, OfTapsThatWereTakenAwayAreNotHeard) {
-    Session session;
-    session.set(kTaps, valueOfTaps(9));
-    session.settle();
-    session.set(kTaps, valueOfTaps(2));
-    session.settle();
-    const Stereo out = session.play(impulse(11 * Session::kTapTime));
-    EXPECT_EQ(onset(out.left), Session::kTapTime - 1);
-    EXPECT_EQ(onset(out.left, Session::kTapTime + 300), -1);
-    EXPECT_EQ(onset(out.right, 2 * Session::kTapTime + 300), -1);
+    Take take;
+    take.set(kTaps, valueOfTaps(9));
+    take.settle();
+    take.set(kTaps, valueOfTaps(2));
+    take.settle();
+    const Stereo out = take.play(impulse(11 * Take::kTapTime));
+    EXPECT_EQ(onset(out.left), Take::kTapTime - 1);
+    EXPECT_EQ(onset(out.left, Take::kTapTime + 300), -1);
+    EXPECT_EQ(onset(out.right, 2 * Take::kTapTime + 300), -1);
 }
 
 TEST(Echoes, KeepTheirLevelInTheMiddleOfAmpDecay) {
-    Session session;
-    session.set(kTaps, valueOfTaps(16));
-    session.settle();
-    const Stereo out = session.play(impulse(17 * Session::kTapTime));
-    const float first = out.left[Session::kTapTime - 1];
+    Take take;
+    take.set(kTaps, valueOfTaps(16));
+    take.settle();
+    const Stereo out = take.play(impulse(17 * Take::kTapTime));
+    const float first = out.left[Take::kTapTime - 1];
     for (std::size_t tap = 2; tap < 16; tap += 2)
-        EXPECT_NEAR(out.left[(tap + 1) * Session::kTapTime - 1], first, 0.001f) << "tap " << tap;
+        EXPECT_NEAR(out.left[(tap + 1) * Take::kTapTime - 1], first, 0.001f) << "tap " << tap;
 }
 
 TEST(Echoes, FallBelowTheMiddleOfAmpDecayAndSwellAboveIt) {
     for (float decay : {0.1f, 0.9f}) {
-        Session session;
-        session.set(kTaps, valueOfTaps(16));
-        session.set(kAmpDecay, decay);
-        session.settle();
-        const Stereo out = session.play(impulse(17 * Session::kTapTime));
+        Take take;
+        take.set(kTaps, valueOfTaps(16));
+        take.set(kAmpDecay, decay);
+        take.settle();
+        const Stereo out = take.play(impulse(17 * Take::kTapTime));
         for (std::size_t tap = 2; tap < 16; tap += 2) {
-            const float before = std::fabs(out.left[(tap - 1) * Session::kTapTime - 1]);
-            const float now = std::fabs(out.left[(tap + 1) * Session::kTapTime - 1]);
+            const float before = std::fabs(out.left[(tap - 1) * Take::kTapTime - 1]);
+            const float now = std::fabs(out.left[(tap + 1) * Take::kTapTime - 1]);
             EXPECT_EQ(now > before, decay > 0.5f) << "tap " << tap << ", Amp Decay " << decay;
         }
     }
 }
 
 TEST(Echoes, OfAFullAmpDecayStartAlmostButNotQuiteSilent) {
-    Session session;
-    session.set(kTaps, valueOfTaps(16));
-    session.set(kAmpDecay, 1.0f);
-    session.settle();
-    const Stereo out = session.play(impulse(2 * Session::kTapTime));
-    const float first = loudest(out.left, Session::kTapTime - 1, Session::kTapTime + 50);
+    Take take;
+    take.set(kTaps, valueOfTaps(16));
+    take.set(kAmpDecay, 1.0f);
+    take.settle();
+    const Stereo out = take.play(impulse(2 * Take::kTapTime));
+    const float first = loudest(out.left, Take::kTapTime - 1, Take::kTapTime + 50);
     EXPECT_GT(first, 1e-7f);
     EXPECT_LT(first, 1e-4f);
 }
 
 TEST(AmpDecay, AtTheTopSoundsLikeJustBelowAndReadsBackThatWay) {
-    Session top, below;
-    for (Session* session : {&top, &below}) {
-        session->set(kTaps, valueOfTaps(16));
-        session->set(kAmpDecay, session == &top ? 1.0f : 0.99999f);
+    Take top, below;
+    for (Take* take : {&top, &below}) {
+        take->set(kTaps, valueOfTaps(16));
+        take->set(kAmpDecay, take == &top ? 1.0f : 0.99999f);
     }
     const std::vector<float> input = tone(50000, 440.0);
     EXPECT_TRUE(sameBits(top.play(input).left, below.play(input).left));
@@ -341,43 +341,43 @@ TEST(AmpDecay, AtTheTopSoundsLikeJustBelowAndReadsBackThatWay) {
 }
 
 TEST(AmpDecay, StaysInTheProgramAsItWasSet) {
-    Session session;
-    session.set(kAmpDecay, 1.0f);
-    session.play(impulse(100));
-    const std::vector<std::uint8_t> chunk = session.plugin.getChunk(true);
+    Take take;
+    take.set(kAmpDecay, 1.0f);
+    take.play(impulse(100));
+    const std::vector<std::uint8_t> chunk = take.plugin.getChunk(true);
     float stored;
     std::memcpy(&stored, chunk.data() + kAmpDecay * sizeof stored, sizeof stored);
     EXPECT_EQ(stored, 1.0f);
 }
 
 TEST(AmpDecay, ThatIsNotANumberPassesWithoutHarm) {
-    Session session;
-    session.set(kAmpDecay, kNotANumber);
-    const float kept = session.plugin.getParameter(kAmpDecay);
+    Take take;
+    take.set(kAmpDecay, kNotANumber);
+    const float kept = take.plugin.getParameter(kAmpDecay);
     EXPECT_TRUE(std::isnan(kept) || kept == 0.99999f) << kept;
-    session.play(silence(1000));
+    take.play(silence(1000));
 }
 
 // --- The end of the memory ---
 
 TEST(MemoryLimit, SilencesTheTapsThatDoNotFitAndStillCountsThem) {
-    Session session;
-    session.set(kTaps, kAllTaps);
-    session.set(kBaseLength, 1.0f); // gaps of 44100 samples: tap 94 fits at 4189500, tap 95 does not
-    session.settle();
-    const std::vector<float> start = session.play(impulse(50000)).left;
+    Take take;
+    take.set(kTaps, kAllTaps);
+    take.set(kBaseLength, 1.0f); // gaps of 44100 samples: tap 94 fits at 4189500, tap 95 does not
+    take.settle();
+    const std::vector<float> start = take.play(impulse(50000)).left;
     EXPECT_EQ(onset(start), 44100 - 1);
-    session.set(kTaps, kOneTap); // the long way with one tap, which costs less
-    session.play(silence(4170000 - 50000), 4096);
-    session.set(kTaps, kAllTaps);
-    const Stereo end = session.play(silence(80000));
+    take.set(kTaps, kOneTap); // the long way with one tap, which costs less
+    take.play(silence(4170000 - 50000), 4096);
+    take.set(kTaps, kAllTaps);
+    const Stereo end = take.play(silence(80000));
     EXPECT_EQ(onset(end.left), 95 * 44100 - 1 - 4170000);
     EXPECT_EQ(onset(end.left, 95 * 44100 - 4170000 + 300, 0.01f), -1);
     EXPECT_EQ(onset(end.right, 0, 0.01f), -1);
 
-    Session alone; // one tap of gain 1 is played at factor 1
+    Take alone; // one tap of gain 1 is played at factor 1
     alone.settle();
-    const float one = alone.play(impulse(Session::kTapTime)).left[Session::kTapTime - 1];
+    const float one = alone.play(impulse(Take::kTapTime)).left[Take::kTapTime - 1];
     EXPECT_NEAR(start[44100 - 1] / one, 2.0 - 95.0 / 128.0, 1e-3);
 }
 
@@ -391,14 +391,14 @@ struct AroundTheWrap {
 
 AroundTheWrap loudestAroundTheWrap(float set) {
     constexpr std::int32_t taps = 126; // as many jump to their times, and do not glide
-    Session session;
-    session.set(kLfoDepth, 1.0f);
-    session.set(kBaseLength, valueOfLength(2.0 * 4194288.0 / taps + 1.0));
-    session.play(silence(4194304 - 4000), 4096); // the long way with one tap, which costs less
-    session.set(kSet, set);
-    session.set(kTaps, valueOfTaps(taps));
-    session.play(silence(2500));
-    const Stereo before = session.play(tone(1500, 3000.0), 64), after = session.play(silence(200), 64);
+    Take take;
+    take.set(kLfoDepth, 1.0f);
+    take.set(kBaseLength, valueOfLength(2.0 * 4194288.0 / taps + 1.0));
+    take.play(silence(4194304 - 4000), 4096); // the long way with one tap, which costs less
+    take.set(kSet, set);
+    take.set(kTaps, valueOfTaps(taps));
+    take.play(silence(2500));
+    const Stereo before = take.play(tone(1500, 3000.0), 64), after = take.play(silence(200), 64);
     // The very last sample of the tone is written with the wrap.
     return {std::max(loudest(before.left, 0, 1499), loudest(before.right, 0, 1499)),
             std::max(loudest(after.left), loudest(after.right))};
@@ -422,14 +422,14 @@ TEST(MemoryLimit, LeavesTheCubicAndTheWholeReadCalm) {
 
 /// Level of the repeat over that of the echo before it, for one tap.
 float repeatOverEcho(float feedback, std::int32_t repeat) {
-    Session session;
-    session.set(kFeedback, feedback);
-    session.settle();
-    const Stereo out = session.play(impulse(5 * Session::kTapTime));
+    Take take;
+    take.set(kFeedback, feedback);
+    take.settle();
+    const Stereo out = take.play(impulse(5 * Take::kTapTime));
     // A tap time of t sounds t - 1 samples after its input, and what it feeds back goes in with the next
     // sample.
-    const auto first = static_cast<std::size_t>(repeat * Session::kTapTime - 1);
-    return out.left[first + Session::kTapTime] / out.left[first];
+    const auto first = static_cast<std::size_t>(repeat * Take::kTapTime - 1);
+    return out.left[first + Take::kTapTime] / out.left[first];
 }
 
 TEST(Feedback, InTheMiddleRepeatsNothingAudible) {
@@ -450,27 +450,27 @@ TEST(Feedback, AboveTheMiddleKeepsTheSign) {
 
 TEST(Sweep, ThatStandsStillMovesTheEchoByAHundredSamples) {
     for (float set : {0.5f, 1.0f}) {
-        Session session;
-        session.set(kSet, set);
-        session.set(kLfoDepth, 1.0f);
-        session.settle();
-        const Stereo out = session.play(impulse(2 * Session::kTapTime));
-        EXPECT_NEAR(static_cast<double>(onset(out.left)), Session::kTapTime - 1 + 100, 3.0) << "Set " << set;
+        Take take;
+        take.set(kSet, set);
+        take.set(kLfoDepth, 1.0f);
+        take.settle();
+        const Stereo out = take.play(impulse(2 * Take::kTapTime));
+        EXPECT_NEAR(static_cast<double>(onset(out.left)), Take::kTapTime - 1 + 100, 3.0) << "Set " << set;
     }
 }
 
 TEST(Sweep, OfNoDepthLetsTheEchoGoAtOnce) {
-    Session session;
-    session.set(kSet, 0.5f);
-    session.set(kLfoDepth, 1.0f);
-    session.settle();
-    session.set(kLfoDepth, 0.0f);
-    const Stereo out = session.play(impulse(2 * Session::kTapTime));
-    EXPECT_NEAR(static_cast<double>(onset(out.left)), Session::kTapTime - 1, 2.0);
+    Take take;
+    take.set(kSet, 0.5f);
+    take.set(kLfoDepth, 1.0f);
+    take.settle();
+    take.set(kLfoDepth, 0.0f);
+    const Stereo out = take.play(impulse(2 * Take::kTapTime));
+    EXPECT_NEAR(static_cast<double>(onset(out.left)), Take::kTapTime - 1, 2.0);
 }
 
 TEST(Sweep, RunsUnheardWithWholeSamples) {
-    Session still, swept;
+    Take still, swept;
     swept.set(kLfoDepth, 1.0f);
     swept.set(kLfoRate, 1.0f);
     const std::vector<float> input = tone(20000, 440.0);
@@ -479,20 +479,20 @@ TEST(Sweep, RunsUnheardWithWholeSamples) {
 
 TEST(ShortestTap, StaysBehindTheWritePositionInEveryMode) {
     for (float set : {0.0f, 0.5f, 1.0f}) {
-        Session session;
-        session.set(kSet, set);
-        session.set(kBaseLength, 0.0f);
-        session.settle();
-        const Stereo out = session.play(impulse(2000));
+        Take take;
+        take.set(kSet, set);
+        take.set(kBaseLength, 0.0f);
+        take.settle();
+        const Stereo out = take.play(impulse(2000));
         EXPECT_EQ(onset(out.left), 2) << "Set " << set;
     }
 }
 
 TEST(Glide, FromAFreshInstanceReadsNothingWild) {
     for (float set : {0.5f, 1.0f}) {
-        Session session;
-        session.set(kSet, set);
-        const Stereo out = session.play(tone(44100, 440.0));
+        Take take;
+        take.set(kSet, set);
+        const Stereo out = take.play(tone(44100, 440.0));
         EXPECT_LT(loudest(out.left), 2.0f) << "Set " << set;
         EXPECT_TRUE(std::isfinite(loudest(out.left))) << "Set " << set;
     }
@@ -500,16 +500,16 @@ TEST(Glide, FromAFreshInstanceReadsNothingWild) {
 
 TEST(Glide, EndsAtOneHundredAndTwoTaps) {
     for (std::int32_t taps : {101, 102}) {
-        Session session;
-        session.set(kSet, 0.5f);
-        session.set(kTaps, valueOfTaps(taps));
-        session.play(silence(600)); // the mix has opened a little way
-        const Stereo out = session.play(impulse(Session::kTapTime + 100));
+        Take take;
+        take.set(kSet, 0.5f);
+        take.set(kTaps, valueOfTaps(taps));
+        take.play(silence(600)); // the mix has opened a little way
+        const Stereo out = take.play(impulse(Take::kTapTime + 100));
         const std::int64_t heard = onset(out.left, 1, 0.001f);
         if (taps == 102) {
-            EXPECT_EQ(heard, Session::kTapTime - 1);
+            EXPECT_EQ(heard, Take::kTapTime - 1);
         } else {
-            EXPECT_LT(heard, Session::kTapTime - 1); // the taps are still on their way out
+            EXPECT_LT(heard, Take::kTapTime - 1); // the taps are still on their way out
         }
     }
 }
@@ -518,14 +518,14 @@ TEST(Glide, EndsAtOneHundredAndTwoTaps) {
 
 constexpr double kHighTone = 5000.0; ///< far above what the DC removal touches
 
-/// Two sessions in the middle of the same tone; `change` is then done to the second one. Gives what both play
+/// Two takes in the middle of the same tone; `change` is then done to the second one. Gives what both play
 /// next.
 template <typename Change>
 std::pair<Stereo, Stereo> beside(Change change, std::int32_t frames, std::int32_t block) {
-    Session plain, changed;
-    for (Session* session : {&plain, &changed}) {
-        session->settle();
-        session->play(tone(20000, kHighTone));
+    Take plain, changed;
+    for (Take* take : {&plain, &changed}) {
+        take->settle();
+        take->play(tone(20000, kHighTone));
     }
     change(changed);
     const std::vector<float> input = tone(frames, kHighTone);
@@ -533,8 +533,8 @@ std::pair<Stereo, Stereo> beside(Change change, std::int32_t frames, std::int32_
 }
 
 /// Touches the length without moving it: the pattern stays, the fade comes.
-void touchLength(Session& session) {
-    session.set(kBaseLength, 0.25f);
+void touchLength(Take& take) {
+    take.set(kBaseLength, 0.25f);
 }
 
 TEST(Fade, PlaysFourTrapezoidsAndThenInFull) {
@@ -582,20 +582,20 @@ TEST(Fade, ComesWithLengthTapsAndStretchAlone) {
     for (std::int32_t id = -1; id < 22; ++id) {
         if (id == kSet)
             continue;
-        const auto [plain, changed] = beside(
-            [id](Session& session) { session.set(id, session.plugin.getParameter(id)); }, 3 * 512, 512);
+        const auto [plain, changed] =
+            beside([id](Take& take) { take.set(id, take.plugin.getParameter(id)); }, 3 * 512, 512);
         const bool fades = id == kBaseLength || id == kTaps || id == kStretch;
         EXPECT_EQ(sameBits(plain.left, changed.left), !fades) << "id " << id;
     }
 }
 
 TEST(Fade, IsNotLengthenedByFurtherChanges) {
-    Session plain, changed;
-    for (Session* session : {&plain, &changed}) {
-        session->settle();
-        session->play(tone(20000, kHighTone));
-        touchLength(*session);
-        session->play(tone(1024, kHighTone));
+    Take plain, changed;
+    for (Take* take : {&plain, &changed}) {
+        take->settle();
+        take->play(tone(20000, kHighTone));
+        touchLength(*take);
+        take->play(tone(1024, kHighTone));
     }
     touchLength(changed);
     const std::vector<float> input = tone(4096, kHighTone);
@@ -603,12 +603,12 @@ TEST(Fade, IsNotLengthenedByFurtherChanges) {
 }
 
 TEST(Fade, IsUsedUpByBlocksWithoutFrames) {
-    const auto emptyBlocks = [](Session& session) {
-        touchLength(session);
+    const auto emptyBlocks = [](Take& take) {
+        touchLength(take);
         float nothing = 0;
         float* channels[] = {&nothing, &nothing};
         for (int block = 0; block < 4; ++block)
-            session.plugin.process(channels, channels, 0);
+            take.plugin.process(channels, channels, 0);
     };
     const auto [plain, changed] = beside(emptyBlocks, 4096, 512);
     EXPECT_TRUE(sameBits(plain.left, changed.left));
@@ -616,10 +616,10 @@ TEST(Fade, IsUsedUpByBlocksWithoutFrames) {
 
 TEST(Fade, IsNotHeardInTheGlidingModes) {
     for (float set : {0.5f, 1.0f}) {
-        Session plain, changed;
-        for (Session* session : {&plain, &changed}) {
-            session->set(kSet, set);
-            session->play(tone(20000, kHighTone));
+        Take plain, changed;
+        for (Take* take : {&plain, &changed}) {
+            take->set(kSet, set);
+            take->play(tone(20000, kHighTone));
         }
         touchLength(changed);
         const std::vector<float> input = tone(4096, kHighTone);
@@ -628,10 +628,10 @@ TEST(Fade, IsNotHeardInTheGlidingModes) {
 }
 
 TEST(Fade, ArmedInAGlidingModeIsHeardAfterTheSwitchToWholeSamples) {
-    const auto armElsewhere = [](Session& session) {
-        session.set(kSet, 1.0f);
-        touchLength(session);
-        session.set(kSet, 0.0f);
+    const auto armElsewhere = [](Take& take) {
+        take.set(kSet, 1.0f);
+        touchLength(take);
+        take.set(kSet, 0.0f);
     };
     const auto [plain, faded] = beside(armElsewhere, 1024, 512);
     EXPECT_LT(loudest(faded.left, 510, 513), 0.05f);
@@ -642,14 +642,14 @@ TEST(Fade, ArmedInAGlidingModeIsHeardAfterTheSwitchToWholeSamples) {
 
 TEST(OffAndOn, ClearsTheMemory) {
     for (float feedback : {0.9f, 0.1f, 0.5f}) {
-        Session session;
-        session.set(kBaseLength, 1.0f); // one tap at a second
-        session.set(kFeedback, feedback);
-        session.settle();
-        session.play(tone(100000, 440.0));
-        session.plugin.suspend();
-        session.plugin.resume();
-        const Stereo out = session.play(silence(80000));
+        Take take;
+        take.set(kBaseLength, 1.0f); // one tap at a second
+        take.set(kFeedback, feedback);
+        take.settle();
+        take.play(tone(100000, 440.0));
+        take.plugin.suspend();
+        take.plugin.resume();
+        const Stereo out = take.play(silence(80000));
         // What stood in the DC removal is gone in a fifth of a second. The last feedback is held and goes
         // into the memory, so the silence ends with the first tap, unless there is no feedback to speak of.
         EXPECT_LT(loudest(out.left, 9000, 44099), 1e-6f) << "Feedback " << feedback;
@@ -660,30 +660,30 @@ TEST(OffAndOn, ClearsTheMemory) {
 }
 
 TEST(OffAndOn, GivesTheEchoesBack) {
-    Session session;
-    session.settle();
-    session.plugin.suspend();
-    session.plugin.resume();
-    EXPECT_EQ(onset(session.play(impulse(Session::kTapTime + 10)).left), Session::kTapTime - 1);
+    Take take;
+    take.settle();
+    take.plugin.suspend();
+    take.plugin.resume();
+    EXPECT_EQ(onset(take.play(impulse(Take::kTapTime + 10)).left), Take::kTapTime - 1);
 }
 
 TEST(OffAndOn, OpensTheFiltersWider) {
     // Another law, and a wider one: the high-pass moves from 702 to 810 Hz and the low-pass from 5522 to 5000
     // Hz.
-    Session touched, resumed;
-    for (Session* session : {&touched, &resumed}) {
-        session->set(kPreLowPass, 0.5f);
-        session->set(kPreHighPass, 0.5f);
+    Take touched, resumed;
+    for (Take* take : {&touched, &resumed}) {
+        take->set(kPreLowPass, 0.5f);
+        take->set(kPreHighPass, 0.5f);
     }
     resumed.plugin.resume();
-    for (Session* session : {&touched, &resumed})
-        session->settle();
-    const std::vector<float> input = impulse(Session::kTapTime + 100);
+    for (Take* take : {&touched, &resumed})
+        take->settle();
+    const std::vector<float> input = impulse(Take::kTapTime + 100);
     EXPECT_FALSE(sameBits(touched.play(input).left, resumed.play(input).left));
-    for (Session* session : {&touched, &resumed}) {
-        session->set(kPreLowPass, 0.5f);
-        session->set(kPreHighPass, 0.5f);
-        session->settle();
+    for (Take* take : {&touched, &resumed}) {
+        take->set(kPreLowPass, 0.5f);
+        take->set(kPreHighPass, 0.5f);
+        take->settle();
     }
     const Stereo a = touched.play(input), b = resumed.play(input);
     for (std::size_t i = 0; i < input.size(); ++i)
@@ -691,140 +691,139 @@ TEST(OffAndOn, OpensTheFiltersWider) {
 }
 
 TEST(Suspend, KeepsTheEchoes) {
-    Session session;
-    session.settle();
-    session.play(impulse(100));
-    session.plugin.suspend();
-    session.plugin.setBlockSize(64);
-    EXPECT_EQ(onset(session.play(silence(Session::kTapTime)).left), Session::kTapTime - 1 - 100);
+    Take take;
+    take.settle();
+    take.play(impulse(100));
+    take.plugin.suspend();
+    take.plugin.setBlockSize(64);
+    EXPECT_EQ(onset(take.play(silence(Take::kTapTime)).left), Take::kTapTime - 1 - 100);
 }
 
 TEST(SampleRate, WithoutResumeCollapsesTheTapsUntilAnyParameterIsTouched) {
     for (std::int32_t id : {-1, 7, 17, 20, 99}) {
-        Session session;
-        session.settle();
-        session.plugin.setSampleRate(44100.0f);
-        const Stereo collapsed = session.play(impulse(3 * Session::kTapTime));
+        Take take;
+        take.settle();
+        take.plugin.setSampleRate(44100.0f);
+        const Stereo collapsed = take.play(impulse(3 * Take::kTapTime));
         EXPECT_EQ(onset(collapsed.left, 0, 0.01f), -1);
-        session.plugin.setSampleRate(44100.0f);
-        session.set(id, 0.0f);
-        EXPECT_EQ(onset(session.play(impulse(2 * Session::kTapTime)).left), Session::kTapTime - 1)
-            << "id " << id;
+        take.plugin.setSampleRate(44100.0f);
+        take.set(id, 0.0f);
+        EXPECT_EQ(onset(take.play(impulse(2 * Take::kTapTime)).left), Take::kTapTime - 1) << "id " << id;
     }
 }
 
 TEST(SampleRate, WithoutResumeLeavesTheSweepAloneInTheGlidingModes) {
     for (float set : {0.5f, 1.0f}) {
-        Session session;
-        session.set(kSet, set);
-        session.set(kLfoDepth, 1.0f);
-        session.settle();
-        session.plugin.setSampleRate(44100.0f);
-        session.play(silence(1000));
-        const Stereo out = session.play(impulse(3 * Session::kTapTime));
+        Take take;
+        take.set(kSet, set);
+        take.set(kLfoDepth, 1.0f);
+        take.settle();
+        take.plugin.setSampleRate(44100.0f);
+        take.play(silence(1000));
+        const Stereo out = take.play(impulse(3 * Take::kTapTime));
         EXPECT_NEAR(static_cast<double>(onset(out.left)), 99.0, 2.0) << "Set " << set;
         EXPECT_EQ(onset(out.left, 400), -1) << "Set " << set;
     }
 }
 
 TEST(SampleRate, KeepsThePatternInSeconds) {
-    Session session;
-    session.set(kBaseLength, 0.5f);
-    session.plugin.setSampleRate(88200.0f);
-    session.plugin.resume();
-    session.settle();
-    EXPECT_EQ(onset(session.play(impulse(30000)).left), 22050 - 1); // a quarter of a second
+    Take take;
+    take.set(kBaseLength, 0.5f);
+    take.plugin.setSampleRate(88200.0f);
+    take.plugin.resume();
+    take.settle();
+    EXPECT_EQ(onset(take.play(impulse(30000)).left), 22050 - 1); // a quarter of a second
 }
 
 TEST(UnusedParameters, StoreNothing) {
-    Session session;
-    const std::vector<std::uint8_t> before = session.plugin.getChunk(false);
+    Take take;
+    const std::vector<std::uint8_t> before = take.plugin.getChunk(false);
     for (std::int32_t id : {17, 18, 19, 20, 21, -1}) {
-        session.set(id, 0.7f);
-        EXPECT_EQ(session.plugin.getParameter(id), 0.0f) << "id " << id;
+        take.set(id, 0.7f);
+        EXPECT_EQ(take.plugin.getParameter(id), 0.0f) << "id " << id;
     }
-    EXPECT_EQ(session.plugin.getChunk(false), before);
+    EXPECT_EQ(take.plugin.getChunk(false), before);
 }
 
 /// Whether an echo on its way survives what is done.
 template <typename Change>
 bool echoSurvives(Change change) {
-    Session session;
+    Take take;
     // A program of the same values, so that only the clearing makes a difference.
-    const std::vector<std::uint8_t> values = session.plugin.getChunk(true);
-    session.plugin.setProgram(1);
-    session.plugin.setChunk(values, true);
-    session.settle();
-    session.play(impulse(100));
-    change(session);
-    return onset(session.play(silence(2 * Session::kTapTime)).left) >= 0;
+    const std::vector<std::uint8_t> values = take.plugin.getChunk(true);
+    take.plugin.setProgram(1);
+    take.plugin.setChunk(values, true);
+    take.settle();
+    take.play(impulse(100));
+    change(take);
+    return onset(take.play(silence(2 * Take::kTapTime)).left) >= 0;
 }
 
 TEST(ProgramChange, WipesAllEchoes) {
-    EXPECT_TRUE(echoSurvives([](Session&) {}));
-    EXPECT_FALSE(echoSurvives([](Session& session) { session.plugin.setProgram(0); }));
-    EXPECT_FALSE(echoSurvives([](Session& session) { session.plugin.setProgram(1); }));
+    EXPECT_TRUE(echoSurvives([](Take&) {}));
+    EXPECT_FALSE(echoSurvives([](Take& take) { take.plugin.setProgram(0); }));
+    EXPECT_FALSE(echoSurvives([](Take& take) { take.plugin.setProgram(1); }));
 }
 
 TEST(ProgramChange, BelowNothingClearsTheMemoryAndNothingElse) {
-    EXPECT_FALSE(echoSurvives([](Session& session) {
-        session.plugin.setProgram(-1);
-        EXPECT_EQ(session.plugin.getProgram(), 1);
+    EXPECT_FALSE(echoSurvives([](Take& take) {
+        take.plugin.setProgram(-1);
+        EXPECT_EQ(take.plugin.getProgram(), 1);
     }));
 }
 
 TEST(ProgramChange, BeyondTheLastIsRefusedFromTheHost) {
-    EXPECT_TRUE(echoSurvives([](Session& session) {
-        session.plugin.setProgram(128);
-        EXPECT_EQ(session.plugin.getProgram(), 1);
+    EXPECT_TRUE(echoSurvives([](Take& take) {
+        take.plugin.setProgram(128);
+        EXPECT_EQ(take.plugin.getProgram(), 1);
     }));
 }
 
 TEST(ProgramChange, BeyondTheLastByMidiClearsTheMemoryAndNothingElse) {
-    EXPECT_FALSE(echoSurvives([](Session& session) {
-        const std::vector<std::uint8_t> before = session.plugin.getChunk(false);
-        session.sendMidi(0xC0, 0x80);
-        EXPECT_EQ(session.plugin.getProgram(), 1);
-        EXPECT_EQ(session.plugin.getChunk(false), before);
-        EXPECT_EQ(session.plugin.getParameter(kBaseLength), 0.25f);
+    EXPECT_FALSE(echoSurvives([](Take& take) {
+        const std::vector<std::uint8_t> before = take.plugin.getChunk(false);
+        take.sendMidi(0xC0, 0x80);
+        EXPECT_EQ(take.plugin.getProgram(), 1);
+        EXPECT_EQ(take.plugin.getChunk(false), before);
+        EXPECT_EQ(take.plugin.getParameter(kBaseLength), 0.25f);
     }));
 }
 
 TEST(ProgramChange, IsSilentForAsLongAsTheFirstTap) {
-    Session session;
-    session.settle();
-    session.play(tone(10000, kHighTone));
-    session.plugin.setProgram(0);
-    const Stereo out = session.play(tone(2 * Session::kTapTime, kHighTone));
-    EXPECT_LT(loudest(out.left, 1500, Session::kTapTime - 1), 0.01f); // the DC removal has come to rest
-    EXPECT_GT(loudest(out.left, Session::kTapTime - 1, 2 * Session::kTapTime), 0.2f);
+    Take take;
+    take.settle();
+    take.play(tone(10000, kHighTone));
+    take.plugin.setProgram(0);
+    const Stereo out = take.play(tone(2 * Take::kTapTime, kHighTone));
+    EXPECT_LT(loudest(out.left, 1500, Take::kTapTime - 1), 0.01f); // the DC removal has come to rest
+    EXPECT_GT(loudest(out.left, Take::kTapTime - 1, 2 * Take::kTapTime), 0.2f);
 }
 
 TEST(ProgramChange, TurnsTheNarrowFilterLawsOn) {
-    Session touched, selected;
-    for (Session* session : {&touched, &selected}) {
-        session->set(kPreLowPass, 0.5f);
-        session->set(kPreHighPass, 0.5f);
-        session->plugin.resume();
+    Take touched, selected;
+    for (Take* take : {&touched, &selected}) {
+        take->set(kPreLowPass, 0.5f);
+        take->set(kPreHighPass, 0.5f);
+        take->plugin.resume();
     }
     touched.set(kPreLowPass, 0.5f);
     touched.set(kPreHighPass, 0.5f);
     selected.plugin.setProgram(0);
-    const std::vector<float> input = impulse(Session::kTapTime + 400);
+    const std::vector<float> input = impulse(Take::kTapTime + 400);
     const Stereo a = touched.play(input), b = selected.play(input);
     for (std::size_t i = 0; i < input.size(); ++i)
         ASSERT_EQ(a.left[i], b.left[i]) << "sample " << i;
 }
 
 TEST(Chunk, OfTheWrongSizeStillWipesAllEchoes) {
-    EXPECT_FALSE(echoSurvives([](Session& session) {
-        const std::vector<std::uint8_t> before = session.plugin.getChunk(false);
-        EXPECT_EQ(session.plugin.setChunk(std::vector<std::uint8_t>(113), true), 1);
-        EXPECT_EQ(session.plugin.getChunk(false), before);
+    EXPECT_FALSE(echoSurvives([](Take& take) {
+        const std::vector<std::uint8_t> before = take.plugin.getChunk(false);
+        EXPECT_EQ(take.plugin.setChunk(std::vector<std::uint8_t>(113), true), 1);
+        EXPECT_EQ(take.plugin.getChunk(false), before);
     }));
-    EXPECT_FALSE(echoSurvives([](Session& session) { session.plugin.setChunk({}, true); }));
-    EXPECT_FALSE(echoSurvives(
-        [](Session& session) { session.plugin.setChunk(std::vector<std::uint8_t>(14335), false); }));
+    EXPECT_FALSE(echoSurvives([](Take& take) { take.plugin.setChunk({}, true); }));
+    EXPECT_FALSE(
+        echoSurvives([](Take& take) { take.plugin.setChunk(std::vector<std::uint8_t>(14335), false); }));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// What a host might do to the effect in one session, drawn from a seed: parameters, programs, chunks, rates
+// What a host might do to the effect in one evening, drawn from a seed: parameters, programs, chunks, rates
 // and blocks of audio in any order. The same seed gives the same scenario on every machine, and a scenario
 // can tell what it does in words, so that a failure is repeated by its number and understood from its text.
 #pragma once

@@ -695,12 +695,12 @@ TEST_F(Editor, DrawsAHintOnlyWhenItChanges) {
 TEST_F(Editor, HintsAtTheParameterOfAModalView) {
     auto& editor = openWith(R"(<anydisp x="0" y="0" w="9" h="9" halign="2"/>)");
     auto* const modal = new VSTGUI::CKickButton({0, 0, 5, 5}, nullptr, 0x100000 + 6, nullptr);
-    const auto session = editor.frame->beginModalViewSession(modal);
-    ASSERT_TRUE(session);
+    const auto modality = editor.frame->beginModalViewSession(modal);
+    ASSERT_TRUE(modality);
     editor.idle();
     EXPECT_STREQ(editor.anyDisplay->getText(), "name 6: display 6 label 6");
     EXPECT_EQ(editor.anyDisplay->getHoriAlign(), VSTGUI::kLeftText);
-    editor.frame->endModalViewSession(*session);
+    editor.frame->endModalViewSession(*modality);
     editor.idle();
     EXPECT_STREQ(editor.anyDisplay->getText(), "Parameter Value");
 }
@@ -709,10 +709,10 @@ TEST_F(Editor, HintsAtNothingForAModalViewThatIsNoParameters) {
     auto& editor = openWith(R"(<anydisp x="0" y="0" w="9" h="9"/>)");
     for (const std::int32_t tag : {21, 300, -1}) {
         auto* const modal = new VSTGUI::CKickButton({0, 0, 5, 5}, nullptr, tag, nullptr);
-        const auto session = editor.frame->beginModalViewSession(modal);
+        const auto modality = editor.frame->beginModalViewSession(modal);
         editor.idle();
         EXPECT_STREQ(editor.anyDisplay->getText(), "Parameter Value") << tag;
-        editor.frame->endModalViewSession(*session);
+        editor.frame->endModalViewSession(*modality);
     }
 }
 
