@@ -3,6 +3,7 @@
 #include "parameters/truncation.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace dsp {
 
@@ -19,7 +20,9 @@ constexpr double kResonanceOnPrepare = 0.3;
 
 void DelayEngine::startUp() {
     params.fill(0.0f);
+    static_cast<void>(patternRecord.begin());
     pattern = TapPattern{};
+    patternRecord.endOther();
     delay.clearDelayMemory();
     lfo.setSampleRate(44100.0f);
     parameters::storeShared(lfo.rate, 2.0f);
@@ -43,10 +46,21 @@ void DelayEngine::computeTapPattern(float sampleRate) {
                             mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
     const float ampDecay = std::min(parameterValue(kAmpDecay), 0.99999f);
     setParameterValue(kAmpDecay, ampDecay);
-    computeTaps(pattern,
-                {parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
-                 parameterValue(kCurve)},
-                sampleRate);
+    renewPattern({parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
+                  parameterValue(kCurve)},
+                 sampleRate);
+}
+
+void DelayEngine::renewPattern(const PatternParameters& values, float sampleRate) {
+    const PatternRecord::Key key = {
+        std::bit_cast<std::uint32_t>(values.baseLength), std::bit_cast<std::uint32_t>(values.taps),
+        std::bit_cast<std::uint32_t>(values.stretch),    std::bit_cast<std::uint32_t>(values.ampDecay),
+        std::bit_cast<std::uint32_t>(values.curve),      std::bit_cast<std::uint32_t>(sampleRate)};
+    if (patternRecord.holds(key))
+        return;
+    const PatternRecord::Rewrite rewrite = patternRecord.begin();
+    computeTaps(pattern, values, sampleRate);
+    patternRecord.endComputed(rewrite, key);
 }
 
 void DelayEngine::prepare(float sampleRate) {
@@ -61,8 +75,10 @@ void DelayEngine::prepare(float sampleRate) {
     dcBlockLeft.setSampleRate(sampleRate);
     dcBlockRight.setSampleRate(sampleRate);
     computeTapPattern(sampleRate);
+    static_cast<void>(patternRecord.begin());
     for (float& time : pattern.tapTimeTarget)
         parameters::storeShared(time, 0.0f);
+    patternRecord.endOther();
     parameters::storeShared(fadeBlockCount, 0);
     clearDelayMemory();
 }

@@ -11,6 +11,7 @@
 #include "dsp/module_delay.h"
 #include "dsp/module_fm_op.h"
 #include "dsp/one_pole.h"
+#include "dsp/pattern_record.h"
 #include "dsp/smoother.h"
 #include "dsp/tap_pattern.h"
 #include "parameters/parameter_table.h"
@@ -35,7 +36,8 @@ class DelayEngine {
         parameters::storeShared(params[static_cast<std::size_t>(id)], value);
     }
 
-    /// Renews tap times and gains, the read mode and the sweep's rate from the parameters. Limits the live
+    /// Renews tap times and gains, the read mode and the sweep's rate from the parameters, as far as they are
+    /// not up to date. Limits the live
     /// "Amp Decay" to just under 1. `sampleRate` in Hz. Any thread.
     void computeTapPattern(float sampleRate);
 
@@ -101,6 +103,7 @@ class DelayEngine {
         alignas(64) Row wetLeft, wetRight;
     };
 
+    void renewPattern(const PatternParameters& values, float sampleRate);
     Fade beginBlock(std::int32_t sampleFrames);
     void readControls();
     void smoothParameters(std::int32_t frames);
@@ -126,6 +129,7 @@ class DelayEngine {
     const TapKernels* kernels = &chosenKernels();               ///< the loops for this processor
     std::array<float, parameters::kNumLiveParameters> params{}; ///< normalised, by id; shared
     TapPattern pattern;                                         ///< shared
+    PatternRecord patternRecord;                                ///< what it was computed from; shared
     ModuleDelay delay;
     double fbLowpass = 0.0; ///< low end of the feedback signal; audio thread
     float fbSample = 0.0f;  ///< what feeds back into the next sample; audio thread

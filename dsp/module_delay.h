@@ -34,8 +34,16 @@ struct ModuleDelay {
     std::uint32_t clearRequested = 0;     ///< shared
     alignas(64) Row writePositions{};     ///< of the sub-block; audio thread
     alignas(64) std::array<float, kOvertakenSlots> overtaken{}; ///< what it overwrites; audio thread
-    /// Touched whole by construction, so that the audio thread never waits for a page of it.
-    alignas(64) std::array<float, kDelaySize> samples{};
+    /// Holds anything until it is written, since nothing is read before.
+    alignas(64) std::array<float, kDelaySize> samples;
+
+    /// Touches each page of the memory once, so that the audio thread never waits for one.
+    ModuleDelay() {
+        constexpr std::size_t samplesPerPage = 4096 / sizeof(float);
+        for (std::size_t i = 0; i < kDelaySize; i += samplesPerPage)
+            samples[i] = 0.0f;
+        samples.back() = 0.0f;
+    }
 
     /// Forgets every echo and starts at the first slot again, from the next sample on. Any thread.
     void clearDelayMemory() { parameters::storeShared(clearRequested, std::uint32_t{1}); }

@@ -28,6 +28,8 @@ constexpr std::int32_t kFirstCountWithoutGlide = 102;
 /// So many taps are on their way from far memory while one is read.
 constexpr std::size_t kTapsFetchedAhead = 8;
 constexpr std::int32_t kSamplesPerCacheLine = 16;
+/// A tap that is read between samples looks so many slots around each.
+constexpr std::int32_t kReadAround = 4;
 
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
@@ -277,6 +279,23 @@ void DelayEngine::captureFeedback(float first, float last) {
         fbSample = 0.0f;
 }
 
+/// Asks the processor to bring a tap's part of the memory near. A hundred taps all over 16 MiB are more
+/// streams than it finds out about by itself. Always inlined: a compiler sees no effect in it and drops its
+/// calls.
+[[gnu::always_inline]] inline void DelayEngine::fetchTap(const MemoryStretch& stretch,
+                                                         std::size_t tap) const {
+    // Whole samples are read without waiting for anything: the loop itself is ahead of the memory.
+    if (controls.interpMode == kWholeSamples)
+        return;
+    const TapPath& path = block.tapPath[tap];
+    const float delayed = timeAt(path, 0) - path.lfoOffset[0];
+    const auto slot = static_cast<std::uint32_t>(stretch.start - trunc(delayed)) & kDelayMask;
+    const float* const first = stretch.samples + slot;
+    for (std::int32_t ahead = 0; ahead < stretch.frames; ahead += kSamplesPerCacheLine)
+        __builtin_prefetch(first + ahead);
+    __builtin_prefetch(first + stretch.frames + kReadAround);
+}
+
 /// Adds up all taps in their order; even taps sound left, odd taps right.
 void DelayEngine::sumTaps(const MemoryStretch& stretch) {
     block.sumLeft.fill(0.0f);
@@ -306,17 +325,6 @@ void DelayEngine::sumTaps(const MemoryStretch& stretch) {
         for (float& sum : block.sumRight)
             sum += stray;
     }
-}
-
-/// Asks the processor to bring a tap's part of the memory near. A hundred taps all over 16 MiB are more streams
-/// than it finds out about by itself.
-void DelayEngine::fetchTap(const MemoryStretch& stretch, std::size_t tap) const {
-    const TapPath& path = block.tapPath[tap];
-    const float delayed = timeAt(path, 0) - path.lfoOffset[0];
-    const auto slot = static_cast<std::uint32_t>(stretch.start - trunc(delayed)) & kDelayMask;
-    const float* const first = stretch.samples + slot;
-    for (std::int32_t ahead = 0; ahead <= stretch.frames; ahead += kSamplesPerCacheLine)
-        __builtin_prefetch(first + ahead);
 }
 
 /// A tap's samples for the whole stretch, in `row` or wherever they stand already.

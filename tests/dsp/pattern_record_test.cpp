@@ -1,0 +1,60 @@
+// What the record of the tap tables says after rewrites that come one after the other, or at once.
+
+#include "dsp/pattern_record.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using dsp::PatternRecord;
+
+constexpr PatternRecord::Key kLong = {1, 2, 3, 4, 5, 6};
+constexpr PatternRecord::Key kShort = {1, 2, 3, 4, 5, 7};
+
+TEST(PatternRecord, HoldsNothingAtFirst) {
+    const PatternRecord record;
+    EXPECT_FALSE(record.holds({}));
+}
+
+TEST(PatternRecord, HoldsWhatWasComputedLast) {
+    PatternRecord record;
+    record.endComputed(record.begin(), kLong);
+    EXPECT_TRUE(record.holds(kLong));
+    EXPECT_FALSE(record.holds(kShort));
+    record.endComputed(record.begin(), kShort);
+    EXPECT_TRUE(record.holds(kShort));
+    EXPECT_FALSE(record.holds(kLong));
+}
+
+TEST(PatternRecord, HoldsNothingWhileATableIsRewritten) {
+    PatternRecord record;
+    record.endComputed(record.begin(), kLong);
+    const auto rewrite = record.begin();
+    EXPECT_FALSE(record.holds(kLong));
+    record.endComputed(rewrite, kLong);
+    EXPECT_TRUE(record.holds(kLong));
+}
+
+TEST(PatternRecord, HoldsNothingAfterTheTimesWereTakenAway) {
+    PatternRecord record;
+    record.endComputed(record.begin(), kLong);
+    static_cast<void>(record.begin());
+    record.endOther();
+    EXPECT_FALSE(record.holds(kLong));
+}
+
+TEST(PatternRecord, HoldsNothingAfterTwoRewritesAtOnceWhicheverEndsFirst) {
+    for (const bool firstEndsFirst : {true, false}) {
+        PatternRecord record;
+        const auto first = record.begin();
+        const auto second = record.begin();
+        record.endComputed(firstEndsFirst ? first : second, firstEndsFirst ? kLong : kShort);
+        EXPECT_FALSE(record.holds(kLong) || record.holds(kShort));
+        record.endComputed(firstEndsFirst ? second : first, firstEndsFirst ? kShort : kLong);
+        EXPECT_FALSE(record.holds(kLong) || record.holds(kShort));
+        record.endComputed(record.begin(), kLong);
+        EXPECT_TRUE(record.holds(kLong));
+    }
+}
+
+} // namespace
