@@ -330,7 +330,7 @@ TEST_F(ToolkitWindows, CloseOneByOne) {
     EXPECT_EQ(childrenOf(secondParent).size(), 1U);
     secondFrame->setBackgroundColor(VSTGUI::kBlueCColor);
     secondFrame->invalid();
-    EXPECT_TRUE(serveUntil([this] { return screen().pixel(405, 305) == blue; }));
+    EXPECT_TRUE(serveUntil([] { return screen().pixel(405, 305) == blue; }));
     second.close();
     EXPECT_EQ(childrenOf(secondParent).size(), 0U);
     XDestroyWindow(display(), secondParent);
