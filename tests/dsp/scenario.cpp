@@ -530,6 +530,15 @@ void writeFullMemory(Author& author) {
             author.play(4096 - author.random.between(60, 400));
         playAllShortBlocks(author);
     }
+    // Loud feedback within a sub-block, where every slot around the write position holds something.
+    author.set(kFeedback, 1.0f);
+    author.set(kTaps, valueOfTaps(author.random.between(102, 128)));
+    for (std::int32_t round = 0; round < 4; ++round) {
+        const double gap = author.random.below(round % 2 == 0 ? 4 : 80);
+        author.set(kBaseLength, valueOfLength(2.0 * gap, static_cast<double>(author.rate)));
+        for (std::int32_t block = 0; block < 5; ++block)
+            author.play(author.random.between(1, 200));
+    }
     author.add(SetSampleRate{96000.0f});
     author.play(author.random.between(1, 300));
     author.set(17, 0.0f);
