@@ -2,8 +2,9 @@
 //
 // The block is cut into sub-blocks of at most 64 samples. Each stage takes a whole sub-block and leaves rows
 // of samples to the next: what is smoothed and swept, the filtered input, the delay, the wet signal, the
-// output. Only the delay itself has to step sample by sample, since each sample that it writes may come back
-// through a tap.
+// output. Only what feeds back has to step sample by sample: the first and the last tap, whose samples go
+// into the memory again. All taps are then read one after the other, each for the whole sub-block at once
+// (dsp/tap_kernels.h says when that is right), and the few that cannot be are looked up sample by sample.
 #include "dsp/delay_engine.h"
 
 #include "dsp/tap_reader.h"

@@ -1,4 +1,5 @@
-// The three ways to read a tap from the delay memory.
+// The three ways to read a tap from the delay memory, for one sample and any position. The loops of
+// dsp/tap_kernels.cpp do the same for many samples where nothing can go wrong.
 //
 // Each reader is a small function object, so that the loop over the taps is compiled once for each way and
 // asks nothing inside. The wraps of the linear and the whole-sample reader skip slot 0 at the end of the
