@@ -24,25 +24,11 @@
 
 #include <map>
 #include <memory>
-#include <ostream>
 
 namespace VSTGUI {
 
 /// The toolkit's own, which its headers do not show.
 void setPlatformFactory(PlatformFactoryPtr&& factory);
-
-void PrintTo(const CColor& colour, std::ostream* out) {
-    *out << '(' << int{colour.red} << ' ' << int{colour.green} << ' ' << int{colour.blue} << ' '
-         << int{colour.alpha} << ')';
-}
-
-void PrintTo(const CPoint& point, std::ostream* out) {
-    *out << '(' << point.x << ' ' << point.y << ')';
-}
-
-void PrintTo(const CRect& rect, std::ostream* out) {
-    *out << '(' << rect.left << ' ' << rect.top << ' ' << rect.right << ' ' << rect.bottom << ')';
-}
 
 } // namespace VSTGUI
 

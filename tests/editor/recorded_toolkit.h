@@ -3,6 +3,8 @@
 // gets its events from the test.
 #pragma once
 
+#include "../toolkit/printed.h"
+
 #include "vstgui/lib/ccolor.h"
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/ccontrol.h"
@@ -122,12 +124,3 @@ class Listener final : public VSTGUI::IControlListener {
 };
 
 } // namespace test
-
-namespace VSTGUI {
-
-/// So that a failed comparison can be read.
-void PrintTo(const CColor& colour, std::ostream* out);
-void PrintTo(const CPoint& point, std::ostream* out);
-void PrintTo(const CRect& rect, std::ostream* out);
-
-} // namespace VSTGUI

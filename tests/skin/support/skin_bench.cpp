@@ -14,24 +14,6 @@
 #include <iterator>
 #include <stdexcept>
 
-namespace VSTGUI {
-
-void PrintTo(const CColor& colour, std::ostream* out) {
-    *out << "red " << +colour.red << " green " << +colour.green << " blue " << +colour.blue << " alpha "
-         << +colour.alpha;
-}
-
-void PrintTo(const CRect& rect, std::ostream* out) {
-    *out << "left " << rect.left << " top " << rect.top << " right " << rect.right << " bottom "
-         << rect.bottom;
-}
-
-void PrintTo(const CPoint& point, std::ostream* out) {
-    *out << "x " << point.x << " y " << point.y;
-}
-
-} // namespace VSTGUI
-
 namespace test {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "plugin/audio_effect_x.h"
 #include "skin/xml_gui_editor.h"
 
+#include "../../toolkit/printed.h"
+
 #include "vstgui/lib/ccolor.h"
 #include "vstgui/lib/controls/ccontrol.h"
 
@@ -22,14 +24,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-namespace VSTGUI {
-
-void PrintTo(const CColor& colour, std::ostream* out);
-void PrintTo(const CRect& rect, std::ostream* out);
-void PrintTo(const CPoint& point, std::ostream* out);
-
-} // namespace VSTGUI
 
 namespace test {
 
