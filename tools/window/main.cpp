@@ -3,7 +3,7 @@
 #include "platform/own_output.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
-#include "tools/window/session.h"
+#include "tools/window/showing.h"
 
 #include <exception>
 

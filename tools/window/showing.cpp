@@ -1,4 +1,4 @@
-#include "tools/window/session.h"
+#include "tools/window/showing.h"
 
 #include "host/editor_window.h"
 #include "platform/clock.h"
@@ -59,10 +59,10 @@ struct EffectState {
 };
 
 /// One instance after the other in one window.
-class Session {
+class Showing {
   public:
     /// `skin` is the folder that the person knows, empty for none.
-    Session(const Options& options, const files::path& library, const files::path& skin)
+    Showing(const Options& options, const files::path& library, const files::path& skin)
         : options_(options), library_(library), skin_(skin) {}
 
     void run() {
@@ -251,7 +251,7 @@ void openEditor(const Options& options) {
             say(printable(message.caption) + ": " + printable(message.text));
         },
         [isUnattended] { return isUnattended || isInterrupted(); });
-    Session(options, library, skin).run();
+    Showing(options, library, skin).run();
 }
 
 bool checkSkinFor(const Options& options, std::FILE* output) {
