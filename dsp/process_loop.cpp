@@ -290,7 +290,9 @@ void DelayEngine::captureFeedback(float first, float last) {
         return;
     const TapPath& path = block.tapPath[tap];
     const float delayed = timeAt(path, 0) - path.lfoOffset[0];
-    const auto slot = static_cast<std::uint32_t>(stretch.start - trunc(delayed)) & kDelayMask;
+    // Without a sign, so that a wild time only leads to the wrong place.
+    const std::uint32_t back = static_cast<std::uint32_t>(trunc(delayed));
+    const std::uint32_t slot = (static_cast<std::uint32_t>(stretch.start) - back) & kDelayMask;
     const float* const first = stretch.samples + slot;
     for (std::int32_t ahead = 0; ahead < stretch.frames; ahead += kSamplesPerCacheLine)
         __builtin_prefetch(first + ahead);
