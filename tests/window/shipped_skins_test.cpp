@@ -87,6 +87,11 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
         setenv("DISPLAY", screen().name().c_str(), 1);
     }
 
+    ~ShippedSkin() override {
+        shown.reset();
+        lookForLeaks();
+    }
+
     static VirtualScreen& screen() {
         static VirtualScreen theScreen("1100x800x24");
         return theScreen;

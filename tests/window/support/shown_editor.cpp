@@ -9,9 +9,16 @@
 #include <cstdlib>
 #include <filesystem>
 
+extern "C" __attribute__((weak)) void __lsan_do_leak_check();
+
 namespace test {
 
 using namespace vst2;
+
+void lookForLeaks() {
+    if (__lsan_do_leak_check)
+        __lsan_do_leak_check();
+}
 
 ShownEditor::ShownEditor(host::Library& library, VirtualScreen& screen, int x, int y)
     : screen_(screen), x_(x), y_(y), plugin_(std::make_unique<host::Plugin>(library)) {
@@ -142,6 +149,11 @@ VirtualScreen& EditorOnScreen::screen() {
 EditorOnScreen::EditorOnScreen() {
     std::filesystem::copy(QUILLON_WINDOW_SKINS, module.folder(), std::filesystem::copy_options::recursive);
     setenv("DISPLAY", screen().name().c_str(), 1);
+}
+
+EditorOnScreen::~EditorOnScreen() {
+    shown_.reset();
+    lookForLeaks();
 }
 
 ShownEditor& EditorOnScreen::show() {

@@ -78,11 +78,16 @@ class ShownEditor {
     Window window_ = None;
 };
 
+/// Under the leak sanitizer, looks for leaks now. At the end of the process the copy of the library would be
+/// gone, and with it the names by which leaks of the toolkit are told from ours.
+void lookForLeaks();
+
 /// A test with a copy of the library, a bank that needs no message, and two skins: one with every kind of
 /// control on grey ground, and a plain blue one. It has a screen, and settings of its own.
 class EditorOnScreen : public conversation::QuietPlugin {
   protected:
     EditorOnScreen();
+    ~EditorOnScreen() override;
 
     /// One for the process, as the toolkit stays with the first it has met.
     static VirtualScreen& screen();
