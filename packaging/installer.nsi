@@ -1,0 +1,161 @@
+; The installer for Windows. Whoever runs makensis passes
+;   VERSION   as the library says it, like 1.0.0
+;   STAGE     the folder with everything that is delivered
+;   INSTALL   a file of instructions that put each delivered file in its place
+;   REMOVE    one that takes them away again (both by list_files.cmake)
+;   OUTPUT    the installer to be written
+;
+; Nothing that a person added or changed is lost, neither by installing over it nor by uninstalling: only the very files
+; that are delivered are replaced and removed, and folders go when they are empty. The factory bank is the one
+; delivered file that people replace by their own; theirs is set aside or left where it is.
+
+; A 64-bit program, like what it installs; so it needs nothing of the 32-bit side of Windows.
+Target amd64-unicode
+!include "LogicLib.nsh"
+!include "MUI2.nsh"
+!include "x64.nsh"
+
+!define PRODUCT "Quillon Multitap Delay"
+!define VENDOR "Quillon Software"
+!define BANK "default.fxb"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${PRODUCT}"
+; Where hosts and installers of other makers keep the place of the VST folder.
+!define VST_KEY "Software\VST"
+!define VST_VALUE "VSTPluginsPath"
+
+Name "${PRODUCT}"
+OutFile "${OUTPUT}"
+BrandingText "${PRODUCT} ${VERSION}"
+RequestExecutionLevel admin
+SetCompressor /SOLID lzma
+SetDateSave on
+
+VIProductVersion "${VERSION}.0"
+VIAddVersionKey "ProductName" "${PRODUCT}"
+VIAddVersionKey "CompanyName" "${VENDOR}"
+VIAddVersionKey "LegalCopyright" "${VENDOR}"
+VIAddVersionKey "FileDescription" "${PRODUCT} installer"
+VIAddVersionKey "FileVersion" "${VERSION}"
+VIAddVersionKey "ProductVersion" "${VERSION}"
+
+!define MUI_ABORTWARNING
+!define MUI_DIRECTORYPAGE_TEXT_TOP "Choose the folder for the effect, inside one in which your music software looks for \
+64-bit VST plug-ins. Skins of your own that are already there stay."
+!insertmacro MUI_PAGE_LICENSE "${STAGE}/LICENSE"
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE "English"
+
+; For the installer and the uninstaller, which may share no function.
+!macro DefineBankQuestion prefix
+; Is the bank in the folder the one that comes with this version? "yes", "no" or "none" in $0. Uses $1 to $4.
+Function ${prefix}IsBankOurs
+  StrCpy $0 "none"
+  IfFileExists "$INSTDIR\${BANK}" 0 answered
+  InitPluginsDir
+  File "/oname=$PLUGINSDIR\${BANK}" "${STAGE}/${BANK}"
+  FileOpen $1 "$INSTDIR\${BANK}" r
+  FileOpen $2 "$PLUGINSDIR\${BANK}" r
+  ${Do}
+    ClearErrors
+    FileReadByte $1 $3
+    ${If} ${Errors}
+      StrCpy $3 "end"
+    ${EndIf}
+    ClearErrors
+    FileReadByte $2 $4
+    ${If} ${Errors}
+      StrCpy $4 "end"
+    ${EndIf}
+    ${If} $3 != $4
+      StrCpy $0 "no"
+      ${ExitDo}
+    ${ElseIf} $3 == "end"
+      StrCpy $0 "yes"
+      ${ExitDo}
+    ${EndIf}
+  ${Loop}
+  FileClose $1
+  FileClose $2
+  answered:
+FunctionEnd
+!macroend
+!insertmacro DefineBankQuestion ""
+!insertmacro DefineBankQuestion "un."
+
+Function .onInit
+  ${IfNot} ${RunningX64}
+    MessageBox MB_ICONSTOP|MB_OK "${PRODUCT} is for 64-bit Windows." /SD IDOK
+    Abort
+  ${EndIf}
+  SetRegView 64
+  ; A folder given on the command line goes first, then the last installation's, then the VST folder.
+  ${If} $INSTDIR == ""
+    ReadRegStr $INSTDIR HKLM "${UNINSTALL_KEY}" "InstallLocation"
+  ${EndIf}
+  ${If} $INSTDIR == ""
+    ReadRegStr $0 HKLM "${VST_KEY}" "${VST_VALUE}"
+    ${If} $0 == ""
+      StrCpy $0 "$PROGRAMFILES64\VSTPlugins"
+    ${EndIf}
+    StrCpy $INSTDIR "$0\${PRODUCT}"
+  ${EndIf}
+FunctionEnd
+
+Function un.onInit
+  SetRegView 64
+FunctionEnd
+
+Section "Effect"
+  SetOverwrite on
+  Call IsBankOurs
+  ${If} $0 == "no"
+    ; One that was set aside before stays, too: the next free number is taken.
+    StrCpy $1 1
+    ${While} ${FileExists} "$INSTDIR\default before ${VERSION} ($1).fxb"
+      IntOp $1 $1 + 1
+    ${EndWhile}
+    Rename "$INSTDIR\${BANK}" "$INSTDIR\default before ${VERSION} ($1).fxb"
+  ${EndIf}
+  ClearErrors
+  !include "${INSTALL}"
+  WriteUninstaller "$INSTDIR\Uninstall.exe"
+  ${If} ${Errors}
+    MessageBox MB_ICONSTOP|MB_OK "Not everything could be written to $INSTDIR. Is the effect in use? Close your music \
+software and run this again." /SD IDOK
+    SetErrorLevel 2
+    Abort
+  ${EndIf}
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "Publisher" "${VENDOR}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\Uninstall.exe"'
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\Uninstall.exe" /S'
+  WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoModify" 1
+  WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoRepair" 1
+SectionEnd
+
+Section "Uninstall"
+  ; The library first: while it is in use nothing else may go.
+  ClearErrors
+  Delete "$INSTDIR\QuillonMultitapDelay.dll"
+  ${If} ${Errors}
+    MessageBox MB_ICONSTOP|MB_OK "The effect is in use. Close your music software and run this again." /SD IDOK
+    SetErrorLevel 2
+    Abort
+  ${EndIf}
+  Call un.IsBankOurs
+  ${If} $0 == "yes"
+    Delete "$INSTDIR\${BANK}"
+  ${EndIf}
+  !include "${REMOVE}"
+  Delete "$INSTDIR\Uninstall.exe"
+  RMDir "$INSTDIR"
+  DeleteRegKey HKLM "${UNINSTALL_KEY}"
+  ; The choice of a skin.
+  DeleteRegKey HKCU "Software\${VENDOR}\${PRODUCT}"
+  DeleteRegKey /ifempty HKCU "Software\${VENDOR}"
+SectionEnd
