@@ -11,6 +11,16 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(quillon_compile_options INTERFACE -fno-gnu-unique)
 endif()
+if(WIN32)
+  # The oldest Windows that is aimed at is 8: its DirectComposition is what the toolkit draws its windows with.
+  target_compile_definitions(quillon_compile_options INTERFACE _WIN32_WINNT=0x0602 WINVER=0x0602 NOMINMAX)
+  # Everything comes along: no compiler's library to be installed beside a plug-in.
+  target_link_options(quillon_compile_options INTERFACE
+    -static LINKER:--major-subsystem-version=6,--minor-subsystem-version=2,--no-insert-timestamp)
+  # On this system the compiler does not align the stack for vectors wider than 16 bytes, yet stores them there with
+  # moves that want it: the assembler is told to write the moves that do not.
+  target_compile_options(quillon_compile_options INTERFACE -Wa,-muse-unaligned-vector-move)
+endif()
 if(QUILLON_SANITIZE)
   target_compile_options(quillon_compile_options INTERFACE
     -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

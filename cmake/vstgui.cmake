@@ -13,18 +13,29 @@ if(NOT vstgui_sources)
     message(FATAL_ERROR "The sources of VSTGUI could not be had; the lines above say why.")
   endif()
 endif()
-if(NOT EXISTS ${vstgui_sources}/vstgui/vstgui_linux.cpp)
-  message(FATAL_ERROR "There is no VSTGUI in ${vstgui_sources}: vstgui/vstgui_linux.cpp is missing.")
+set(vstgui_unity ${vstgui_sources}/vstgui/vstgui_${QUILLON_SYSTEM}.cpp)
+if(NOT EXISTS ${vstgui_unity})
+  message(FATAL_ERROR "There is no VSTGUI in ${vstgui_sources}: ${vstgui_unity} is missing.")
 endif()
 
-pkg_check_modules(
-  VSTGUI_NEEDS REQUIRED IMPORTED_TARGET x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
-  cairo pangocairo pangoft2 fontconfig freetype2 glib-2.0)
-
-add_library(vstgui STATIC ${vstgui_sources}/vstgui/vstgui_linux.cpp)
+add_library(vstgui STATIC ${vstgui_unity})
+if(WIN32)
+  set(vstgui_needs
+      d2d1 dwrite windowscodecs ole32 oleaut32 uuid gdi32 shlwapi comdlg32 imm32 d3d11 dxgi dxguid dcomp opengl32 dwmapi)
+  # Its own mark of the system, and the wide forms of Windows' functions. Fonts from files need a newer header than
+  # mingw-w64 has; a skin names the fonts of the system.
+  target_compile_definitions(
+    vstgui PUBLIC WIN32=1 WINDOWS=1 VSTGUI_WIN32_CUSTOMFONT_SUPPORT=0 PRIVATE UNICODE _UNICODE)
+  target_compile_options(vstgui PRIVATE -include ${CMAKE_CURRENT_LIST_DIR}/mingw_direct_composition.h)
+else()
+  pkg_check_modules(
+    VSTGUI_NEEDS REQUIRED IMPORTED_TARGET x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
+    cairo pangocairo pangoft2 fontconfig freetype2 glib-2.0)
+  set(vstgui_needs PkgConfig::VSTGUI_NEEDS ${CMAKE_DL_LIBS})
+endif()
 # Headers are reached as "vstgui/lib/...".
 target_include_directories(vstgui SYSTEM PUBLIC ${vstgui_sources})
-target_link_libraries(vstgui PUBLIC PkgConfig::VSTGUI_NEEDS ${CMAKE_DL_LIBS})
+target_link_libraries(vstgui PUBLIC ${vstgui_needs})
 target_compile_features(vstgui PRIVATE cxx_std_17)
 # VSTGUI's classes have other members under DEBUG, so everybody who includes its headers says the same: release.
 target_compile_definitions(vstgui PUBLIC VSTGUI_ENABLE_DEPRECATED_METHODS=1 PRIVATE NDEBUG RELEASE)

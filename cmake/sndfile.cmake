@@ -1,0 +1,1 @@
+add_library(quillon_sndfile INTERFACE)
