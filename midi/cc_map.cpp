@@ -32,7 +32,7 @@ void bindController(std::int32_t id, std::int32_t controller) {
 
 void readCcMap(const std::string& moduleFolder) {
     const std::string path = platform::fileExists(kFileName) ? kFileName : moduleFolder + kFileName;
-    const auto content = platform::readWholeFile(path, sizeof(Entries));
+    const auto content = platform::readWholeFile(path, sizeof(Entries), platform::Sharing::nobody);
     Entries entries = allEntries(content ? 0 : kNoController);
     if (content)
         std::copy(content->begin(), content->end(), reinterpret_cast<unsigned char*>(entries.data()));

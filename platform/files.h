@@ -11,12 +11,17 @@ namespace platform {
 /// Whether something of this name exists, readable or not. A relative path counts from the current directory.
 bool fileExists(const std::string& path);
 
+/// Who else may have a file open while it is read. A system that keeps nobody out takes no notice.
+enum class Sharing { everybody, nobody };
+
 /// The content of a file; nothing if it cannot be opened. A file that cannot be read to its end gives what
 /// was read. `limit` bytes at most.
 std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
-                                                        std::size_t limit = static_cast<std::size_t>(-1));
+                                                        std::size_t limit = static_cast<std::size_t>(-1),
+                                                        Sharing sharing = Sharing::everybody);
 
-/// Makes the file hold exactly these bytes, whatever it held before. False if that failed.
+/// Makes the file hold exactly these bytes, whatever it held before; meanwhile, where a system can do that,
+/// nobody else can open it. False if that failed.
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size);
 
 } // namespace platform

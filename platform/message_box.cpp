@@ -14,12 +14,12 @@ void* replacementContext = nullptr;
 
 } // namespace
 
-void showMessage(const char* text, const char* caption) {
+void showMessage(const char* text, const char* caption, const MessageLook& look) {
     if (replacement) {
-        replacement(replacementContext, text, caption);
+        replacement(replacementContext, text, caption, look);
         return;
     }
-    if (showMessageWindow(text, caption))
+    if (showMessageWindow(text, caption, look))
         return;
     // In one piece, so that lines of several threads or processes stay whole.
     const std::string line = std::string(caption) + ": " + text + "\n";

@@ -6,11 +6,23 @@
 
 namespace platform {
 
-/// Shows `text` under the title `caption` and returns when the person has acknowledged it. Blocks the calling
-/// thread; never called on the audio thread. Both texts are UTF-8 and may not be null.
-void showMessage(const char* text, const char* caption);
+enum class MessageIcon { none, error };
 
-using MessageHandler = void (*)(void* context, const char* text, const char* caption);
+/// How a box looks and whose it is, on systems whose boxes have an icon and an owner.
+struct MessageLook {
+    MessageIcon icon = MessageIcon::none;
+    void* owner = nullptr; ///< the system's handle of the window that rests meanwhile; null for none
+
+    bool operator==(const MessageLook&) const = default;
+};
+
+/// Shows `text` under the title `caption` and returns when the person has acknowledged it. Blocks the calling
+/// thread; never called on the audio thread. Both texts are in the system's own encoding (UTF-8 on Linux) and
+/// may not be null.
+void showMessage(const char* text, const char* caption, const MessageLook& look = {});
+
+using MessageHandler = void (*)(void* context, const char* text, const char* caption,
+                                const MessageLook& look);
 
 /// Sends every following message to `handler` in place of the box, so that a test can read it; null brings
 /// the box back. Process-wide; set it before other threads run.

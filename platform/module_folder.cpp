@@ -13,10 +13,6 @@ std::string& folder() {
     return found;
 }
 
-/// The loader may know the library by a relative name only, which means something just now, while it is
-/// loaded.
-[[maybe_unused]] const std::string& foundAtLoad = folder();
-
 } // namespace
 
 const std::string& moduleFolder() {

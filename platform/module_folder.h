@@ -6,9 +6,9 @@
 
 namespace platform {
 
-/// The folder of the module, absolute and ending in a separator; empty if the system would not say. Found
-/// once, when the library is loaded, so that a host that changes its current directory later changes nothing.
-/// Any thread but the audio thread.
+/// The folder of the module, absolute and ending in a separator; empty if the system would not say. The
+/// same for the library's whole life: a host that changes its current directory changes nothing. Any thread
+/// but the audio thread.
 const std::string& moduleFolder();
 
 /// Puts another folder, ending in a separator, in its place, so that a test or a tool can deliver other files

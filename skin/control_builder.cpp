@@ -46,7 +46,7 @@ constexpr char kButtonPictureMissing[] = "ZKSKIN: Bitmap not found";
 void showTagError(const char* format, const char* tag, const char* object) {
     char text[256];
     std::snprintf(text, sizeof text, format, tag, object);
-    platform::showMessage(text, kSkinError);
+    platform::showMessage(text, kSkinError, {.icon = platform::MessageIcon::error});
 }
 
 /// What stands between two constants.
@@ -306,7 +306,8 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
     const std::int32_t link = object.integer("link");
     if (!object.isLost() && link > numParams())
-        object.lose("Error attempting to link a display to an invalid parameter id", kSkinError);
+        object.lose("Error attempting to link a display to an invalid parameter id", kSkinError,
+                    platform::MessageIcon::error);
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;

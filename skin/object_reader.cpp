@@ -1,7 +1,6 @@
 #include "skin/object_reader.h"
 
 #include "parameters/truncation.h"
-#include "platform/message_box.h"
 
 namespace skin {
 
@@ -61,9 +60,10 @@ CBitmap* xmlGuiEditor::ObjectReader::picture(const char* tag, CBitmap* fallback)
     return !isLost_ && has(tag) ? picture(tag) : fallback;
 }
 
-void xmlGuiEditor::ObjectReader::lose(const std::string& text, const char* caption) {
+void xmlGuiEditor::ObjectReader::lose(const std::string& text, const char* caption,
+                                      platform::MessageIcon icon) {
     isLost_ = true;
-    platform::showMessage(text.c_str(), caption);
+    platform::showMessage(text.c_str(), caption, {.icon = icon});
 }
 
 VSTGUI::CRect placeOf(double x, double y, double width, double height) {

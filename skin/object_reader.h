@@ -2,6 +2,7 @@
 // language: a tag may define a constant that a later one uses.
 #pragma once
 
+#include "platform/message_box.h"
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
 #include "skin/xml_gui_editor.h"
@@ -51,7 +52,8 @@ class xmlGuiEditor::ObjectReader {
     bool has(const char* tag) const { return findTag(*object_, tag) != nullptr; }
 
     /// The object is lost for a reason of the builder's.
-    void lose(const std::string& text, const char* caption);
+    void lose(const std::string& text, const char* caption,
+              platform::MessageIcon icon = platform::MessageIcon::none);
 
   private:
     const char* kind_;

@@ -18,12 +18,13 @@ namespace {
 constexpr char kSetting[] = "SkinName";
 constexpr char kFirstSkin[] = "Quillon Skin";
 constexpr char kFallbackSkin[] = "skin";
-constexpr char kSkinFile[] = "/skin.xml";
+constexpr char kSkinFile[] = "skin.xml";
 
 /// The file of the skin that is called so, in any letter case; nothing if there is none, and where a folder
 /// that has no path would mean the current one.
 std::optional<std::string> skinFile(const std::string& folder, const std::string& name) {
-    return folder.empty() ? std::nullopt : platform::findPath(folder, name + kSkinFile);
+    return folder.empty() ? std::nullopt
+                          : platform::findPath(folder, name + platform::folderSeparator + kSkinFile);
 }
 
 /// For the operations that are given room for a path.
@@ -38,7 +39,8 @@ std::string skinFolder(const std::string& folder, const std::string& name) {
     if (folder.empty())
         return "";
     const auto file = skinFile(folder, name);
-    return file ? file->substr(0, file->find_last_of('/') + 1) : folder + name + '/';
+    return file ? file->substr(0, file->find_last_of(platform::folderSeparator) + 1)
+                : folder + name + platform::folderSeparator;
 }
 
 } // namespace
@@ -64,7 +66,8 @@ void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
         return;
     for (const std::string& entry : platform::listFolder(folder)) {
         // In the very folder, not in one that differs from it in letter case.
-        const bool holdsSkin = platform::findPath(folder + ('/' + entry), "skin.xml").has_value();
+        const bool holdsSkin =
+            platform::findPath(folder + (platform::folderSeparator + entry), kSkinFile).has_value();
         SkinName name;
         if (holdsSkin && copyWholeText(name.text, entry.c_str()))
             editor->skinNames.append(name);

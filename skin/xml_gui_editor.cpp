@@ -11,6 +11,7 @@
 #include "skin/skin_object.h"
 
 #include "vstgui/lib/controls/cbuttons.h"
+#include "vstgui/lib/platform/iplatformframe.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -39,6 +40,12 @@ static_assert(parameters::kNumParameters <= 30);
 constexpr char kRestingHint[] = "Parameter Value";
 
 using XmlTree = std::unique_ptr<XmlNode, decltype(&xmlFreeNode)>;
+
+/// The system's window of a frame; null while it is unseen.
+void* windowOf(const VSTGUI::CFrame* frame) {
+    const auto* const onScreen = frame ? frame->getPlatformFrame() : nullptr;
+    return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
+}
 
 } // namespace
 
@@ -343,7 +350,7 @@ void xmlGuiEditor::selectSkin(CControl& control) {
                               "Please close and open this window.\n"
                               "If nothing changes it's probably because your host only hides\n"
                               "the editor windows, so you may have to reopen the plug-in",
-                              "SKIN SELECTED!");
+                              "SKIN SELECTED!", {.owner = windowOf(frame)});
     if (auto* const menu = dynamic_cast<SkinMenu*>(&control))
         menu->showValue(count);
     else

@@ -39,7 +39,7 @@ bool fileExists(const std::string& path) {
     return access(path.c_str(), F_OK) == 0;
 }
 
-std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, std::size_t limit) {
+std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, std::size_t limit, Sharing) {
     // Non-blocking, so that a pipe of that name cannot hold up the host.
     const Descriptor file(path, O_RDONLY | O_NONBLOCK);
     if (!file || !isRegularFile(file))

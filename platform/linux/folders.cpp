@@ -69,6 +69,8 @@ std::optional<std::string> find(const std::string& folder, Part part, Part end) 
 
 } // namespace
 
+const char folderSeparator = '/';
+
 std::vector<std::string> listFolder(const std::string& folder) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, CloseFolder> stream(opendir(folder.empty() ? "." : folder.c_str()));

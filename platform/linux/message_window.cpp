@@ -365,7 +365,7 @@ void MessageWindow::draw() {
 
 } // namespace
 
-bool showMessageWindow(const char* text, const char* caption) {
+bool showMessageWindow(const char* text, const char* caption, const MessageLook&) {
     int screenNumber = 0;
     const Connection connection(xcb_connect(nullptr, &screenNumber));
     if (xcb_connection_has_error(connection.get()))

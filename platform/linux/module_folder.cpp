@@ -1,3 +1,4 @@
+#include "platform/module_folder.h"
 #include "../own_module_folder.h"
 
 #include <cstdlib>
@@ -24,5 +25,13 @@ std::string findModuleFolder() {
     folder.erase(folder.rfind('/') + 1);
     return folder;
 }
+
+namespace {
+
+/// The loader may know the library by a relative name only, which means something just now, while it is
+/// loaded.
+[[maybe_unused]] const std::string& foundAtLoad = moduleFolder();
+
+} // namespace
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "settings_file.h"
 
 #include "../own_settings.h"
+#include "../product_names.h"
 #include "platform/files.h"
 
 #include <cerrno>
@@ -20,9 +21,6 @@ namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::string_view vendor = "Quillon Software";
-constexpr std::string_view product = "Quillon Multitap Delay";
 
 /// A folder's name may hold a line end on this system; a line of the file may not.
 std::string escaped(const std::string& value) {
@@ -180,7 +178,7 @@ std::string ownSettingsPath() {
         folder = home + "/.config";
     else
         return {};
-    return folder.append("/").append(vendor).append("/").append(product).append(".conf");
+    return folder.append("/").append(vendorName).append("/").append(productName).append(".conf");
 }
 
 SettingsStore& ownSettings() {

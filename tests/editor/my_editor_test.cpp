@@ -156,16 +156,17 @@ TEST_F(MyEditor, TakesPatternsWithoutATapViewOrAWindow) {
 
 TEST_F(MyEditor, SaysWhatATapViewLacksAndOpensWithoutIt) {
     auto& editor = openWith(R"(<ViewTaps x="1" y="2" w="3"/>)");
-    EXPECT_EQ(bench.messages,
-              (std::vector<test::Message>{{"Missing tag h for object ViewTaps", "Skin Error"}}));
+    EXPECT_EQ(bench.messages, (std::vector<test::Message>{{"Missing tag h for object ViewTaps", "Skin Error",
+                                                           platform::MessageIcon::error}}));
     EXPECT_TRUE(editor.all<ViewTaps>().empty());
     EXPECT_NE(editor.frame, nullptr);
 }
 
 TEST_F(MyEditor, SaysWhichNumberCannotBeCalculated) {
     openWith(R"(<ViewTaps x="1" y="nowhere" w="3" h="4"/>)");
-    EXPECT_EQ(bench.messages, (std::vector<test::Message>{
-                                  {"Error calculating value of tag y for object ViewTaps", "Skin Error"}}));
+    EXPECT_EQ(bench.messages,
+              (std::vector<test::Message>{{"Error calculating value of tag y for object ViewTaps",
+                                           "Skin Error", platform::MessageIcon::error}}));
 }
 
 TEST_F(MyEditor, BuildsANoteDisplayInColoursThatCannotBeSeen) {
@@ -183,12 +184,12 @@ TEST_F(MyEditor, BuildsANoteDisplayInColoursThatCannotBeSeen) {
 
 TEST_F(MyEditor, SaysThatTheLettersColourIsMissingBeforeTheGrounds) {
     openWith(note(R"(x="1" y="2" w="30" h="10" id="300")"));
-    EXPECT_EQ(bench.messages,
-              (std::vector<test::Message>{{"Missing tag fontcolor for object NoteDisplay", "Skin Error"}}));
+    EXPECT_EQ(bench.messages, (std::vector<test::Message>{{"Missing tag fontcolor for object NoteDisplay",
+                                                           "Skin Error", platform::MessageIcon::error}}));
     bench.messages.clear();
     openWith(note(R"(x="1" y="2" w="30" h="10" id="300" fontcolor="0")"));
-    EXPECT_EQ(bench.messages,
-              (std::vector<test::Message>{{"Missing tag backcolor for object NoteDisplay", "Skin Error"}}));
+    EXPECT_EQ(bench.messages, (std::vector<test::Message>{{"Missing tag backcolor for object NoteDisplay",
+                                                           "Skin Error", platform::MessageIcon::error}}));
 }
 
 TEST_F(MyEditor, MakesNothingOfAPresetsDisplay) {
@@ -199,8 +200,8 @@ TEST_F(MyEditor, MakesNothingOfAPresetsDisplay) {
 
 TEST_F(MyEditor, CallsAPresetsDisplayByItsSistersName) {
     openWith(R"(<PresetsDisplay x="1" y="2" w="3" h="4"/>)");
-    EXPECT_EQ(bench.messages,
-              (std::vector<test::Message>{{"Missing tag fontcolor for object NoteDisplay", "Skin Error"}}));
+    EXPECT_EQ(bench.messages, (std::vector<test::Message>{{"Missing tag fontcolor for object NoteDisplay",
+                                                           "Skin Error", platform::MessageIcon::error}}));
 }
 
 TEST_F(MyEditor, PassesOverWhatItDoesNotKnowWithoutAWord) {

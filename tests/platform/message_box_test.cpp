@@ -12,13 +12,15 @@ struct Heard {
     int times = 0;
     std::string text;
     std::string caption;
+    platform::MessageLook look;
 };
 
-void hear(void* context, const char* text, const char* caption) {
+void hear(void* context, const char* text, const char* caption, const platform::MessageLook& look) {
     auto* heard = static_cast<Heard*>(context);
     ++heard->times;
     heard->text = text;
     heard->caption = caption;
+    heard->look = look;
 }
 
 std::string printedWithDisplay(const std::string& display, const std::string& text,
@@ -38,6 +40,19 @@ TEST(MessageBox, GoesToTheHandlerThatReplacesIt) {
     EXPECT_EQ(heard.times, 1);
     EXPECT_EQ(heard.text, "Default bank error: file not found");
     EXPECT_EQ(heard.caption, "Preset loader");
+}
+
+TEST(MessageBox, IsPlainAndNobodysUnlessItIsSaid) {
+    Heard heard;
+    platform::replaceMessageBox(hear, &heard);
+    platform::showMessage("text", "caption");
+    EXPECT_EQ(heard.look, platform::MessageLook());
+    EXPECT_EQ(heard.look.icon, platform::MessageIcon::none);
+    EXPECT_EQ(heard.look.owner, nullptr);
+    const platform::MessageLook fault{.icon = platform::MessageIcon::error, .owner = &heard};
+    platform::showMessage("text", "caption", fault);
+    EXPECT_EQ(heard.look, fault);
+    platform::replaceMessageBox(nullptr, nullptr);
 }
 
 TEST(MessageBox, ComesBackWhenTheHandlerIsTakenAway) {

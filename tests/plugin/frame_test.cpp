@@ -40,7 +40,7 @@ class Frame : public testing::Test {
   protected:
     Frame() {
         platform::replaceMessageBox(
-            [](void* context, const char* text, const char* caption) {
+            [](void* context, const char* text, const char* caption, const platform::MessageLook&) {
                 static_cast<Frame*>(context)->messages.push_back(std::string(caption) + ": " + text);
             },
             this);

@@ -293,7 +293,7 @@ TEST_F(Skins, RefuseADisplayOfAParameterFarBehindTheLast) {
     for (const char* link : {"22", "5000"}) {
         open(std::string(R"(<autodisp x="0" y="0" w="9" h="9" id="1" link=")") + link + "\"/>");
         EXPECT_EQ(takeMessages(), (Messages{{"Error attempting to link a display to an invalid parameter id",
-                                             "Skin Error"}}));
+                                             "Skin Error", platform::MessageIcon::error}}));
         EXPECT_TRUE(editor->controls().empty());
         EXPECT_EQ(editor->displayLinks.count, 0);
     }

@@ -1,6 +1,5 @@
 #include "skin_bench.h"
 
-#include "platform/message_box.h"
 #include "platform/module_folder.h"
 
 #include "vstgui/lib/cbitmap.h"
@@ -40,8 +39,8 @@ void paint(VSTGUI::CBitmap& bitmap, const std::vector<VSTGUI::CColor>& bands) {
         }
 }
 
-void keepMessage(void* bench, const char* text, const char* caption) {
-    static_cast<SkinBench*>(bench)->messages.push_back({text, caption});
+void keepMessage(void* bench, const char* text, const char* caption, const platform::MessageLook& look) {
+    static_cast<SkinBench*>(bench)->messages.push_back({text, caption, look.icon});
 }
 
 } // namespace
@@ -56,7 +55,8 @@ void PrintTo(const HostCall& call, std::ostream* out) {
 }
 
 void PrintTo(const Message& message, std::ostream* out) {
-    *out << '"' << message.text << "\" titled \"" << message.caption << '"';
+    *out << '"' << message.text << "\" titled \"" << message.caption << '"'
+         << (message.icon == platform::MessageIcon::error ? " with the icon of an error" : "");
 }
 
 // The effect

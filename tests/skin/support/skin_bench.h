@@ -3,6 +3,7 @@
 // opened with open(nullptr) has a frame with all its controls, which is unseen but real.
 #pragma once
 
+#include "platform/message_box.h"
 #include "platform/private_folder.h"
 #include "platform/settings.h"
 #include "platform/toolkit.h"
@@ -138,6 +139,7 @@ class ExposedEditor : public Editor {
 struct Message {
     std::string text;
     std::string caption;
+    platform::MessageIcon icon = platform::MessageIcon::none;
 
     bool operator==(const Message&) const = default;
 };

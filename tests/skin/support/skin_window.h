@@ -40,10 +40,11 @@ class SkinWindow : public testing::Test {
 
 /// What a skin's fault looks like.
 inline Message missingTag(const std::string& tag, const std::string& object) {
-    return {"Missing tag " + tag + " for object " + object, "Skin Error"};
+    return {"Missing tag " + tag + " for object " + object, "Skin Error", platform::MessageIcon::error};
 }
 inline Message wrongTag(const std::string& tag, const std::string& object) {
-    return {"Error calculating value of tag " + tag + " for object " + object, "Skin Error"};
+    return {"Error calculating value of tag " + tag + " for object " + object, "Skin Error",
+            platform::MessageIcon::error};
 }
 
 } // namespace test

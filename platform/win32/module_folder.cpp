@@ -1,0 +1,38 @@
+// The loader tells a library its own handle once, in DllMain. A program has no DllMain and needs none: for
+// the loader, a null handle means the program.
+
+#include "../own_module_folder.h"
+
+#include "module_handle.h"
+
+namespace platform {
+
+namespace {
+
+/// Written once, before any other code of the library runs on behalf of a host.
+HMODULE libraryHandle = nullptr;
+
+} // namespace
+
+HMODULE moduleHandle() {
+    return libraryHandle ? libraryHandle : GetModuleHandleA(nullptr);
+}
+
+std::string findModuleFolder() {
+    char path[MAX_PATH] = {};
+    // A path that does not fit is cut without its NUL, and half a path leads somewhere else.
+    const DWORD length = GetModuleFileNameA(libraryHandle, path, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH)
+        return {};
+    std::string folder(path, length);
+    folder.erase(folder.rfind('\\') + 1);
+    return folder;
+}
+
+} // namespace platform
+
+/// Nothing else is done here, as the loader holds its lock.
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD, LPVOID) {
+    platform::libraryHandle = module;
+    return TRUE;
+}

@@ -1,0 +1,12 @@
+// Which module of the process this code lies in. Only the platform rooms see it.
+#pragma once
+
+#include <windows.h>
+
+namespace platform {
+
+/// The library that holds this code, as the loader gave it to DllMain; the program itself where this code is
+/// part of no library.
+HMODULE moduleHandle();
+
+} // namespace platform
