@@ -9,6 +9,7 @@
 #include "skin/object_reader.h"
 
 #include <cstdio>
+#include <mutex>
 
 namespace editor {
 

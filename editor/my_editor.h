@@ -6,11 +6,11 @@
 #include "editor/note_display.h"
 #include "midi/learn_machine.h"
 #include "parameters/pattern_laws.h"
+#include "platform/lock.h"
 #include "skin/xml_gui_editor.h"
 
 #include <array>
 #include <cstdint>
-#include <mutex>
 #include <span>
 
 namespace editor {
@@ -64,7 +64,7 @@ class myEditor : public skin::xmlGuiEditor {
 
     ViewTaps* viewTaps = nullptr;        ///< not owned
     CNoteDisplay* noteDisplay = nullptr; ///< not owned
-    std::mutex lock;                     ///< for whoever would write notes while the window closes
+    platform::Lock lock;                 ///< for whoever would write notes while the window closes
     std::int8_t note = 0;
     std::int32_t noteMode = kNoNote;
     bool opened = false;

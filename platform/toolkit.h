@@ -21,6 +21,7 @@
 
 #include "vstgui/lib/vstguifwd.h"
 
+#include <memory>
 #include <string>
 
 namespace platform {
@@ -33,6 +34,10 @@ class Toolkit {
     ~Toolkit();
     Toolkit(const Toolkit&) = delete;
     Toolkit& operator=(const Toolkit&) = delete;
+
+  private:
+    class System;
+    std::unique_ptr<System> system_;
 };
 
 /// Reads a picture in PNG, BMP, JPEG or GIF (of which the first picture counts), whatever the file is called.
