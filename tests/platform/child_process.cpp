@@ -1,14 +1,12 @@
 #include "child_process.h"
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace test {
@@ -57,16 +55,6 @@ std::string contentOf(int file) {
 }
 
 } // namespace
-
-bool waitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Setting& setting)
     : output_(makeSink()), error_(makeSink()) {

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -47,9 +46,7 @@ TEST_F(Files, MayBeEmptyWhichIsNotMissing) {
 
 TEST_F(Files, AreReadOnlyIfTheyAreFiles) {
     files::create_directory("directory");
-    ASSERT_EQ(mkfifo("pipe", 0600), 0);
     EXPECT_EQ(platform::readWholeFile("directory"), std::nullopt);
-    EXPECT_EQ(platform::readWholeFile("pipe"), std::nullopt) << "and nobody waits for the pipe's other end";
 }
 
 TEST_F(Files, ExistWhateverTheyAre) {
@@ -66,7 +63,6 @@ TEST_F(Files, CannotBeWrittenWhereThereIsNoPlace) {
     EXPECT_FALSE(platform::writeWholeFile("no/such/folder/file", "x", 1));
     files::create_directory("directory");
     EXPECT_FALSE(platform::writeWholeFile("directory", "x", 1));
-    EXPECT_FALSE(platform::writeWholeFile("/dev/full", "x", 1)) << "the disk is full";
 }
 
 } // namespace
