@@ -7,7 +7,7 @@ set(VSTGUI_SOURCE_DIR "" CACHE PATH "A checkout of VSTGUI 4.13.3; empty to fetch
 set(vstgui_sources ${VSTGUI_SOURCE_DIR})
 if(NOT vstgui_sources)
   execute_process(
-    COMMAND ${CMAKE_CURRENT_LIST_DIR}/fetch_vstgui.sh
+    COMMAND ${CMAKE_CURRENT_LIST_DIR}/fetch_source.sh vstgui
     OUTPUT_VARIABLE vstgui_sources OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE vstgui_result)
   if(NOT vstgui_result EQUAL 0)
     message(FATAL_ERROR "The sources of VSTGUI could not be had; the lines above say why.")

@@ -2,22 +2,13 @@
 // editor asks for, and with nothing in it but that. What is to be seen in it can be read back as a picture.
 #pragma once
 
-#include <cstdint>
+#include "platform/picture.h"
+
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace platform {
-
-/// Red, green and blue from 0 to 255, pixel by pixel, row after row from the top, with nothing between rows.
-struct Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint8_t> rgb; ///< width x height x 3
-
-    bool operator==(const Picture&) const = default;
-};
 
 /// On one thread. When the display goes away the window counts as closed, and nothing worse happens.
 class HostWindow {

@@ -1,12 +1,21 @@
 #include "tools/render/plot.h"
 
+#include "platform/canvas.h"
+#include "tools/common/tool_error.h"
 #include "tools/render/axis.h"
-#include "tools/render/canvas.h"
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 namespace tools::render {
+
+using platform::Align;
+using platform::Area;
+using platform::Canvas;
+using platform::Colour;
+using platform::Point;
+using platform::TextStyle;
 
 namespace {
 
@@ -296,7 +305,11 @@ class PictureDrawing {
 void drawPicture(const Picture& picture, const std::filesystem::path& path,
                  const std::filesystem::path& target) {
     PictureDrawing drawing(picture);
-    drawing.draw().writePng(path, target);
+    try {
+        drawing.draw().writePng(path);
+    } catch (const std::runtime_error& error) {
+        throw ToolError(target.string() + " cannot be written: " + error.what());
+    }
 }
 
 } // namespace tools::render

@@ -1,7 +1,7 @@
 // A picture as a file.
 #pragma once
 
-#include "platform/host_window.h"
+#include "platform/picture.h"
 
 #include <filesystem>
 

@@ -1,14 +1,17 @@
-// A sheet of paper with the few strokes that the picture needs, over cairo.
+// A sheet of paper with the few strokes that a tool's pictures need, drawn by the system's own means and
+// written as a PNG. The origin is the top left corner, a unit is a pixel, angles and curves come out smooth.
 #pragma once
 
-#include <cairo.h>
+#include "platform/picture.h"
+
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace tools::render {
+namespace platform {
 
+/// Parts from 0 to 1.
 struct Colour {
     double red, green, blue;
 };
@@ -28,15 +31,19 @@ struct Area {
 enum class Align { left, centre, right };
 
 struct TextStyle {
-    double size;
+    double size; ///< of the typeface, in pixels
     Colour colour;
     bool isBold = false;
     Align align = Align::left;
 };
 
+/// On one thread. Texts are UTF-8.
 class Canvas {
   public:
+    /// Throws std::runtime_error if there is no memory for a sheet of this size.
     Canvas(int width, int height, Colour paper);
+    ~Canvas();
+    Canvas(Canvas&&) noexcept;
 
     /// A line one pixel wide, sharp where it is upright or level.
     void hairline(Point from, Point to, Colour colour);
@@ -53,19 +60,23 @@ class Canvas {
     /// Cut with an ellipsis to what fits into `width`.
     std::string fitted(const std::string& words, const TextStyle& style, double width);
 
-    /// Throws ToolError, naming `target`.
-    void writePng(const std::filesystem::path& path, const std::filesystem::path& target);
+    /// Throws std::runtime_error with the reason alone.
+    void writePng(const std::filesystem::path& file);
 
   private:
-    void use(Colour colour);
-    void use(const TextStyle& style);
+    enum class Stroke { whole, dashed };
+    void stroke(Point from, Point to, Colour colour, double width, Stroke kind);
+    enum class Direction { right, upwards };
+    /// `offset` pixels along the line from `at`.
+    void write(const std::string& words, Point at, double offset, const TextStyle& style,
+               Direction direction);
+    double offset(const std::string& words, const TextStyle& style);
 
-    struct Destroy {
-        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-        void operator()(cairo_t* context) const { cairo_destroy(context); }
-    };
-    std::unique_ptr<cairo_surface_t, Destroy> surface_;
-    std::unique_ptr<cairo_t, Destroy> context_;
+    class System;
+    std::unique_ptr<System> system_;
 };
 
-} // namespace tools::render
+/// Writes a picture as a PNG. Throws std::runtime_error with the reason alone.
+void writePng(const Picture& picture, const std::filesystem::path& file);
+
+} // namespace platform

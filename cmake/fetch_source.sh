@@ -1,26 +1,47 @@
 #!/bin/sh
-# Fetches the source archive of VSTGUI 4.13.3 into a cache and unpacks it there. Prints the source folder.
+# Fetches the source archive of somebody else's library into a cache and unpacks it there. Prints the source folder.
 #
-#   fetch_vstgui.sh [CACHE_FOLDER]
+#   fetch_source.sh vstgui | sndfile [CACHE_FOLDER]
 #
-# Debian carries that archive as a part of a source package of its next release. The script asks the mirror that
+# Debian carries these archives as parts of source packages of its next release. The script asks the mirror that
 # this machine uses anyway, through apt's own tools and with private lists, so nothing of the system's set-up is
-# touched and no administrator is needed. The archive is checked against the sum below; several builds share it.
+# touched and no administrator is needed. An archive is checked against its sum below; several builds share it.
 set -eu
 
-ARCHIVE_SHA256=5a7673c7b22a66086a6749a0c7ff447fcfc4a10d2c2013d58ff1320be4e8456f
-SOURCE_PACKAGE=vst3sdk
 SUITE=trixie
 KEYRING=/usr/share/keyrings/debian-archive-keyring.gpg
 DOWNLOADER=/usr/lib/apt/apt-helper
 
-cache=${1:-${XDG_CACHE_HOME:-$HOME/.cache}/quillon}
-archive=$cache/vstgui-4.13.3.tar.gz
-sources=$cache/vstgui-4.13.3
+case ${1:-} in
+  vstgui)
+    NAME=VSTGUI
+    VERSION=4.13.3
+    SOURCE_PACKAGE=vst3sdk
+    PART=orig-vstgui4
+    ARCHIVE_SHA256=5a7673c7b22a66086a6749a0c7ff447fcfc4a10d2c2013d58ff1320be4e8456f
+    ADVICE='with a checkout of version 4.13.3 at hand, configure with -DVSTGUI_SOURCE_DIR=FOLDER'
+    ;;
+  sndfile)
+    NAME=libsndfile
+    VERSION=1.2.2
+    SOURCE_PACKAGE=libsndfile
+    PART=orig
+    ARCHIVE_SHA256=ffe12ef8add3eaca876f04087734e6e8e029350082f3251f565fa9da55b52121
+    ADVICE='with the sources of version 1.2.2 at hand, configure with -DSNDFILE_SOURCE_DIR=FOLDER'
+    ;;
+  *)
+    echo "Usage: fetch_source.sh vstgui | sndfile [CACHE_FOLDER]" >&2
+    exit 1
+    ;;
+esac
+
+cache=${2:-${XDG_CACHE_HOME:-$HOME/.cache}/quillon}
+archive=$cache/$1-$VERSION.tar.gz
+sources=$cache/$1-$VERSION
 
 fail() {
-  printf 'VSTGUI: %s\n' "$*" >&2
-  printf 'VSTGUI: with a checkout of version 4.13.3 at hand, configure with -DVSTGUI_SOURCE_DIR=FOLDER\n' >&2
+  printf '%s: %s\n' "$NAME" "$*" >&2
+  printf '%s: %s\n' "$NAME" "$ADVICE" >&2
   exit 1
 }
 
@@ -56,7 +77,7 @@ fetch() {
   }
   # Lines of: 'URI' file size checksum. Only the one file is needed.
   uri=$(private_apt apt-get source --print-uris "$SOURCE_PACKAGE" 2>/dev/null |
-    sed -n "s/^'\([^']*\.orig-vstgui4\.[^']*\)'.*/\1/p" | head -n 1)
+    sed -n "s/^'\([^']*\.$PART\.tar\.[^'.]*\)'.*/\1/p" | head -n 1)
   [ -n "$uri" ] || fail "the mirror does not list the archive"
   private_apt "$DOWNLOADER" download-file "$uri" "$private/archive" "SHA256:$ARCHIVE_SHA256" \
     >"$private/log" 2>&1 || {
