@@ -1,0 +1,405 @@
+// The editor as a person meets it on Windows: in a host's window, under mouse and keys, with the system's own
+// menus and boxes.
+#include "platform/message_watch.h"
+#include "support/shown_editor.h"
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+
+namespace {
+
+using namespace test;
+using namespace vst2;
+
+// The parameters of the controls in the skin, and of the picture.
+constexpr std::int32_t kTaps = 1, kKnob = 6, kHorizontal = 14, kLamp = 16, kMenu = 5;
+
+class WindowedEditor : public EditorOnScreen {
+  protected:
+    /// A click on the lamp, whose effect tells that all before it has been worked off.
+    static void serveAll(ShownEditor& editor) {
+        const float next = editor.value(kLamp) > 0.5f ? 0.0f : 1.0f;
+        editor.postClick(218, 18);
+        ASSERT_TRUE(editor.becomes(kLamp, next));
+    }
+
+    /// Opens the menu at a place and types keys into it. Gives what the menu offered.
+    static std::vector<std::string> useMenu(ShownEditor& editor, int x, int y, Button button,
+                                            std::vector<WPARAM> keys) {
+        const MenuHand hand(editor.own(), std::move(keys));
+        editor.postClick(x, y, button);
+        EXPECT_TRUE(editor.serveUntil([&] { return hand.isDone(); })) << "no menu";
+        serveAll(editor);
+        return hand.entries();
+    }
+
+    /// Binds controllers by the file that the library reads when it is loaded.
+    void bindKnobTo(std::int32_t controller) {
+        std::vector<std::int32_t> map(21, -1);
+        map[kKnob] = controller;
+        std::ofstream(beside("Pluginccmap.bin"), std::ios::binary)
+            .write(reinterpret_cast<const char*>(map.data()), static_cast<std::streamsize>(map.size() * 4));
+    }
+};
+
+/// begin, automate any number of times, end.
+void expectGesture(const std::vector<std::int32_t>& told) {
+    ASSERT_GE(told.size(), 3u);
+    EXPECT_EQ(told.front(), audioMasterBeginEdit);
+    EXPECT_EQ(told.back(), audioMasterEndEdit);
+    for (std::size_t i = 1; i + 1 < told.size(); ++i)
+        EXPECT_EQ(told[i], audioMasterAutomate);
+}
+
+using Entries = std::vector<std::string>;
+
+TEST_F(WindowedEditor, LiesInTheHostsWindowInTheSizeThatTheHostWasTold) {
+    auto& editor = show();
+    EXPECT_EQ(editor.width(), kSkinWidth);
+    EXPECT_EQ(editor.height(), kSkinHeight);
+    ASSERT_EQ(childrenOf(editor.window()).size(), 1u);
+    RECT place = {};
+    GetWindowRect(editor.own(), &place);
+    EXPECT_EQ(place.right - place.left, kSkinWidth);
+    EXPECT_EQ(place.bottom - place.top, kSkinHeight);
+    EXPECT_TRUE(IsWindowVisible(editor.own()));
+}
+
+TEST_F(WindowedEditor, IsOfTheLibraryAndNotOfTheHostsProgram) {
+    auto& editor = show();
+    const auto module = reinterpret_cast<HMODULE>(GetClassLongPtrW(editor.own(), GCLP_HMODULE));
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(module, path, sizeof path);
+    EXPECT_EQ(std::string(path), beside("QuillonMultitapDelay.dll"));
+}
+
+TEST_F(WindowedEditor, LetsAKnobBeDraggedAndTellsTheHostOfTheGesture) {
+    auto& editor = show();
+    const float before = editor.value(kKnob);
+    editor.plugin().clearCalls();
+    editor.postDrag(30, 30, 30, 5);
+    ASSERT_TRUE(editor.serveUntil([&] {
+        const auto told = editor.toldOf(kKnob);
+        return !told.empty() && told.back() == audioMasterEndEdit;
+    }));
+    EXPECT_GT(editor.value(kKnob), before + 0.05f);
+    expectGesture(editor.toldOf(kKnob));
+}
+
+TEST_F(WindowedEditor, GoesOnWithADragThatLeavesTheWindow) {
+    auto& editor = show();
+    editor.plugin().setParameter(kHorizontal, 0.0f);
+    serveAll(editor);
+    editor.postDrag(65, 18, 400, -25);
+    EXPECT_TRUE(editor.becomes(kHorizontal, 1.0f));
+}
+
+TEST_F(WindowedEditor, TurnsThePlaceOfARealPointer) {
+    auto& editor = show();
+    const float before = editor.value(kKnob);
+    editor.point(30, 30);
+    editor.press(Button::left);
+    EXPECT_TRUE(editor.serveUntil([&] { return !editor.toldOf(kKnob).empty(); }));
+    for (int y = 30; y > 4; --y)
+        editor.point(30, y);
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.value(kKnob) > before + 0.05f; }));
+    editor.release(Button::left);
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.toldOf(kKnob).back() == audioMasterEndEdit; }));
+}
+
+// Menus, which keep the thread until they are over
+
+TEST_F(WindowedEditor, OffersToLearnAtARightClickOnAnUnboundKnob) {
+    auto& editor = show();
+    editor.plugin().setParameter(kKnob, 0.25f);
+    EXPECT_EQ(useMenu(editor, 30, 30, Button::right, {VK_ESCAPE}), Entries{"MidiLearn"});
+    EXPECT_EQ(editor.value(kKnob), 0.25f) << "dismissing it changes nothing";
+}
+
+TEST_F(WindowedEditor, SetsTheParameterToItsMaximumByLearning) {
+    auto& editor = show();
+    editor.plugin().setParameter(kKnob, 0.25f);
+    editor.plugin().clearCalls();
+    useMenu(editor, 30, 30, Button::right, {VK_DOWN, VK_RETURN});
+    EXPECT_EQ(editor.value(kKnob), 1.0f);
+    EXPECT_EQ(editor.toldOf(kKnob), (std::vector<std::int32_t>{audioMasterAutomate}));
+}
+
+TEST_F(WindowedEditor, ForgetsAControllerFromTheSecondEntry) {
+    for (const std::int32_t controller : {7, 0}) {
+        SCOPED_TRACE(controller);
+        bindKnobTo(controller);
+        shown_.reset();
+        std::remove("Pluginccmap.bin");
+        auto& editor = show();
+        const Entries offered = useMenu(editor, 30, 30, Button::right, {VK_DOWN, VK_DOWN, VK_RETURN});
+        EXPECT_EQ(offered, (Entries{"MidiLearn", "Forget CC " + std::to_string(controller)}));
+        EXPECT_EQ(editor.value(kKnob), -1.0f);
+        EXPECT_EQ(useMenu(editor, 30, 30, Button::right, {VK_ESCAPE}), Entries{"MidiLearn"});
+    }
+}
+
+TEST_F(WindowedEditor, SetsAParameterFromAMenuOfTheSkin) {
+    auto& editor = show();
+    editor.plugin().clearCalls();
+    const Entries offered = useMenu(editor, 50, 80, Button::left, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN});
+    EXPECT_EQ(offered, (Entries{"low", "middle", "high"}));
+    EXPECT_EQ(editor.value(kMenu), 1.0f);
+    expectGesture(editor.toldOf(kMenu));
+}
+
+TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.3f);
+    editor.plugin().clearCalls();
+    useMenu(editor, 50, 80, Button::left, {VK_ESCAPE});
+    EXPECT_EQ(editor.value(kMenu), 0.3f);
+    EXPECT_EQ(std::ranges::count(editor.toldOf(kMenu), audioMasterAutomate), 0);
+}
+
+TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
+    auto& editor = show();
+    std::vector<platform::ShownMessage> messages;
+    {
+        const platform::MessageWatch watch(
+            [&](const platform::ShownMessage& message) { messages.push_back(message); }, [] { return true; });
+        // Names come in the order of the file system.
+        const Entries offered = useMenu(editor, 135, 80, Button::left, {VK_ESCAPE});
+        const auto blue = std::ranges::find(offered, "blue");
+        ASSERT_NE(blue, offered.end());
+        std::vector<WPARAM> keys(static_cast<std::size_t>(blue - offered.begin()) + 1, VK_DOWN);
+        keys.push_back(VK_RETURN);
+        useMenu(editor, 135, 80, Button::left, keys);
+    }
+    EXPECT_EQ(chosenSkin(), "blue");
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].caption, "SKIN SELECTED!");
+    EXPECT_EQ(messages[0].text, "The new skin has been selected.\n"
+                                "Please close and open this window.\n"
+                                "If nothing changes it's probably because your host only hides\n"
+                                "the editor windows, so you may have to reopen the plug-in");
+    editor.close();
+    ASSERT_TRUE(editor.open());
+    RECT place = {};
+    GetWindowRect(editor.own(), &place);
+    EXPECT_EQ(place.right - place.left, 160) << "the blue skin's background";
+    EXPECT_EQ(ShownEditor(library()).width(), 160);
+}
+
+// What is to be seen
+
+TEST_F(WindowedEditor, IsDrawn) {
+    auto& editor = showLifted();
+    EXPECT_EQ(editor.pixel(kSkinWidth - 1, kSkinHeight - 1), kGrey);
+    editor.plugin().setParameter(kHorizontal, 1.0f);
+    EXPECT_TRUE(editor.showsPixel(165, 18, 0xFF8000));
+    editor.plugin().setParameter(kHorizontal, 0.0f);
+    EXPECT_TRUE(editor.showsPixel(65, 18, 0xFF8000));
+}
+
+TEST_F(WindowedEditor, ShowsInTheHintLineWhatIsDragged) {
+    auto& editor = showLifted();
+    const auto hint = [&] { return editor.part(10, 215, 200, 18); };
+    ASSERT_TRUE(editor.serveUntil([&] {
+        return std::ranges::any_of(hint(), [](Pixel pixel) { return pixel != kGrey; });
+    })) << "the resting text";
+    serveAll(editor);
+    const auto resting = hint();
+    editor.point(30, 30);
+    editor.press(Button::left);
+    EXPECT_TRUE(editor.changes(resting, 10, 215, 200, 18));
+    editor.release(Button::left);
+    EXPECT_TRUE(editor.serveUntil([&] { return hint() == resting; }));
+}
+
+TEST_F(WindowedEditor, TurnsThePagesOfHelpByRightClicks) {
+    auto& editor = showLifted();
+    serveAll(editor);
+    const auto page = [&] { return editor.part(10, 110, 200, 60); };
+    const auto picture = page();
+    editor.postClick(100, 140, Button::right);
+    ASSERT_TRUE(editor.changes(picture, 10, 110, 200, 60));
+    serveAll(editor);
+    const auto firstPage = page();
+    editor.postClick(100, 140, Button::right);
+    ASSERT_TRUE(editor.changes(firstPage, 10, 110, 200, 60));
+    editor.postClick(100, 140);
+    EXPECT_TRUE(editor.serveUntil([&] { return page() == picture; }));
+}
+
+TEST_F(WindowedEditor, DrawsTheEchoesAnewWhenThePatternChanges) {
+    auto& editor = showLifted();
+    editor.plugin().setParameter(kTaps, 0.05f);
+    serveAll(editor);
+    const auto before = editor.part(10, 110, 200, 60);
+    editor.plugin().setParameter(kTaps, 0.2f);
+    EXPECT_TRUE(editor.changes(before, 10, 110, 200, 60));
+}
+
+TEST_F(WindowedEditor, OpensTheAboutBoxByAClickAndClosesItByAnother) {
+    auto& editor = showLifted();
+    const int x = kSkinWidth / 2 - 48, y = kSkinHeight / 2 + 28;
+    const Pixel before = editor.pixel(x, y);
+    editor.postClick(270, 180, Button::right);
+    serveAll(editor);
+    EXPECT_EQ(editor.pixel(x, y), before) << "a right click does not open it";
+    editor.postClick(270, 180);
+    EXPECT_TRUE(editor.showsPixel(x, y, kAboutBlue));
+    editor.postClick(x, y);
+    EXPECT_TRUE(editor.showsPixel(x, y, before));
+}
+
+// Windows come and go
+
+TEST_F(WindowedEditor, OpensAndClosesTwentyTimes) {
+    auto& editor = show();
+    DWORD objects = 0;
+    for (int round = 0; round < 20; ++round) {
+        editor.serve();
+        editor.close();
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u) << round;
+        ASSERT_TRUE(editor.open()) << round;
+        EXPECT_EQ(childrenOf(editor.window()).size(), 1u) << round;
+        serveAll(editor);
+        if (round == 4)
+            objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    }
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), objects);
+}
+
+TEST_F(WindowedEditor, StandsBesideTheWindowOfAnotherInstance) {
+    auto& first = show();
+    ShownEditor second(library(), 500, 400);
+    ASSERT_TRUE(second.open());
+    const float untouched = first.value(kLamp);
+    serveAll(second);
+    EXPECT_EQ(first.value(kLamp), untouched);
+    second.close();
+    serveAll(first);
+}
+
+TEST_F(WindowedEditor, OutlivesTheHostsWindow) {
+    auto& editor = show();
+    editor.destroyWindow();
+    for (int i = 0; i < 20; ++i)
+        editor.serve();
+    editor.plugin().setParameter(kKnob, 0.75f);
+    editor.serve();
+    editor.close();
+    editor.serve();
+    EXPECT_EQ(editor.value(kKnob), 0.75f);
+}
+
+TEST_F(WindowedEditor, OpensNowhereWithoutHarm) {
+    auto& editor = show();
+    editor.close();
+    PlainWindow gone(0, 0, 10, 10);
+    const HWND late = gone.handle();
+    gone.destroy();
+    for (void* const parent : {static_cast<void*>(nullptr), static_cast<void*>(late)}) {
+        EXPECT_EQ(editor.plugin().dispatch(effEditOpen, 0, 0, parent), 1);
+        for (int i = 0; i < 5; ++i)
+            editor.serve();
+        editor.plugin().setParameter(kKnob, 0.75f);
+        editor.close();
+    }
+    ASSERT_TRUE(editor.open());
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesInTheMiddleOfADrag) {
+    auto& editor = show();
+    editor.post(WM_LBUTTONDOWN, 30, 30, MK_LBUTTON);
+    editor.post(WM_MOUSEMOVE, 30, 20, MK_LBUTTON);
+    ASSERT_TRUE(editor.serveUntil([&] { return !editor.toldOf(kKnob).empty(); }));
+    editor.close();
+    EXPECT_EQ(GetCapture(), nullptr);
+    ASSERT_TRUE(editor.open());
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
+    auto& editor = show();
+    bool closed = false;
+    editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                             void*) -> std::optional<std::intptr_t> {
+        if (call.opcode == audioMasterAutomate && !closed) {
+            closed = true;
+            const HWND own = editor.own();
+            editor.close();
+            EXPECT_FALSE(IsWindowVisible(own)) << "the host may take its own window away now";
+        }
+        return std::nullopt;
+    };
+    editor.postDrag(30, 30, 30, 10);
+    ASSERT_TRUE(editor.serveUntil([&] { return closed; }));
+    EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+    EXPECT_EQ(GetCapture(), nullptr);
+    editor.plugin().behaviour().answer = nullptr;
+    ASSERT_TRUE(editor.open());
+    serveAll(editor);
+}
+
+/// What a host's own timer does while a menu keeps the thread.
+std::function<void()> onTimer;
+
+void CALLBACK ring(HWND, UINT, UINT_PTR id, DWORD) {
+    KillTimer(nullptr, id);
+    if (onTimer)
+        std::exchange(onTimer, nullptr)();
+}
+
+TEST_F(WindowedEditor, ClosesWithAMenuOpen) {
+    for (const Button button : {Button::left, Button::right})
+        for (const bool wholeInstance : {false, true}) {
+            auto& editor = show();
+            bool wasOpen = false;
+            onTimer = [&] {
+                wasOpen = FindWindowW(L"#32768", nullptr) != nullptr;
+                editor.plugin().clearCalls();
+                editor.close();
+                if (wholeInstance)
+                    editor.destroyInstance();
+                editor.destroyWindow();
+            };
+            editor.postClick(50, 80, button);
+            SetTimer(nullptr, 0, 300, ring);
+            ASSERT_TRUE(editor.serveUntil([] { return !onTimer; }));
+            EXPECT_TRUE(wasOpen);
+            EXPECT_EQ(FindWindowW(L"#32768", nullptr), nullptr);
+        }
+    serveAll(show());
+}
+
+TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
+    auto& editor = show();
+    editor.destroyInstance();
+    EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+    serveAll(show());
+}
+
+TEST_F(WindowedEditor, FollowsAutomationFromAnotherThread) {
+    auto& editor = show();
+    std::atomic<bool> goesOn = true;
+    std::thread automation([&] {
+        std::vector<float> left(64), right(64);
+        float* buffers[] = {left.data(), right.data()};
+        for (int step = 0; goesOn; step = (step + 1) % 100) {
+            for (const std::int32_t id : {0, 1, kKnob, kHorizontal, kMenu})
+                editor.plugin().setParameter(id, static_cast<float>(step) / 100.0f);
+            editor.plugin().process(buffers, buffers, 64);
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        for (int i = 0; i < 20; ++i)
+            editor.serve();
+        editor.close();
+        EXPECT_TRUE(editor.open());
+    }
+    goesOn = false;
+    automation.join();
+    serveAll(editor);
+}
+
+} // namespace
