@@ -10,12 +10,13 @@ namespace platform {
 
 namespace {
 
-/// Windows that only ever receive messages are not seen on any screen, and the system's own libraries need
+/// Refuses every window that would stand on the desktop, and so all that could stand in one. Windows that
+/// only receive messages have a parent of their own, which is on no screen; the system's own libraries need
 /// them.
 LRESULT CALLBACK refuseWindows(int code, WPARAM window, LPARAM details) {
     if (code == HCBT_CREATEWND) {
-        const auto* creation = reinterpret_cast<const CBT_CREATEWNDW*>(details)->lpcs;
-        if (creation->hwndParent != HWND_MESSAGE)
+        const HWND parent = reinterpret_cast<const CBT_CREATEWNDW*>(details)->lpcs->hwndParent;
+        if (!parent || parent == GetDesktopWindow())
             return 1;
     }
     return CallNextHookEx(nullptr, code, window, details);
@@ -24,9 +25,11 @@ LRESULT CALLBACK refuseWindows(int code, WPARAM window, LPARAM details) {
 } // namespace
 
 void leaveDisplay() {
-    const HWINSTA unseen = CreateWindowStationA(nullptr, 0, GENERIC_READ | WINSTA_CREATEDESKTOP, nullptr);
-    if (unseen)
-        SetProcessWindowStation(unseen);
+    // Both live as long as the process.
+    const HWINSTA unseen = CreateWindowStationA(nullptr, 0, GENERIC_ALL, nullptr);
+    // A program that is started where there is no desktop would not get up.
+    if (unseen && SetProcessWindowStation(unseen))
+        CreateDesktopA("Default", nullptr, nullptr, 0, GENERIC_ALL, nullptr);
     SetWindowsHookExA(WH_CBT, refuseWindows, nullptr, GetCurrentThreadId());
 }
 

@@ -15,21 +15,26 @@ namespace {
 constexpr int standardOutput = 1;
 constexpr int standardError = 2;
 
-[[noreturn]] void fail() {
+[[noreturn]] void fail(int error) {
     throw std::runtime_error("standard output cannot be kept apart: " +
-                             std::generic_category().message(errno));
+                             std::generic_category().message(error));
 }
 
 HANDLE handleOf(int descriptor) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
 }
 
+/// The runtime keeps a descriptor also for a stream that the program was started without.
+bool isOpen(int descriptor) {
+    return GetFileType(handleOf(descriptor)) != FILE_TYPE_UNKNOWN;
+}
+
 /// Sends descriptor 1 to standard error, or away where that is closed.
 void divertStandardOutput() {
-    if (_dup2(standardError, standardOutput) != 0) {
+    if (!isOpen(standardError) || _dup2(standardError, standardOutput) != 0) {
         const int nowhere = _open("NUL", _O_WRONLY);
         if (nowhere < 0 || _dup2(nowhere, standardOutput) != 0)
-            fail();
+            fail(errno);
         _close(nowhere);
     }
     // A library with a C runtime of its own asks the system and not our descriptors.
@@ -38,16 +43,18 @@ void divertStandardOutput() {
 
 std::FILE* splitOutput() {
     std::fflush(stdout);
+    if (!isOpen(standardOutput))
+        fail(EBADF);
     const int own = _dup(standardOutput);
     if (own < 0)
-        fail();
+        fail(errno);
     SetHandleInformation(handleOf(own), HANDLE_FLAG_INHERIT, 0);
     divertStandardOutput();
     // The same bytes as on every other system.
     _setmode(own, _O_BINARY);
     std::FILE* stream = _fdopen(own, "wb");
     if (!stream)
-        fail();
+        fail(errno);
     return stream;
 }
 

@@ -1,0 +1,110 @@
+// Who else may have a file open, and what the system forbids.
+
+#include "platform/files.h"
+
+#include "platform/private_folder.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using platform::Sharing;
+
+constexpr DWORD everySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// A file that somebody else has open.
+class OpenElsewhere {
+  public:
+    OpenElsewhere(const char* path, DWORD access, DWORD sharing)
+        : handle_(CreateFileA(path, access, sharing, nullptr, OPEN_EXISTING, 0, nullptr)) {
+        EXPECT_NE(handle_, INVALID_HANDLE_VALUE);
+    }
+    ~OpenElsewhere() { CloseHandle(handle_); }
+    OpenElsewhere(const OpenElsewhere&) = delete;
+    OpenElsewhere& operator=(const OpenElsewhere&) = delete;
+
+  private:
+    HANDLE handle_;
+};
+
+/// A folder that holds one file of three bytes.
+class SharedFiles : public testing::Test {
+  protected:
+    void SetUp() override { std::ofstream("file", std::ios::binary) << "old"; }
+
+    platform::PrivateFolder folder;
+    const Bytes old = {'o', 'l', 'd'};
+    const std::size_t whole = static_cast<std::size_t>(-1);
+};
+
+TEST_F(SharedFiles, AreReadAlongWithOthersWhoReadAndWrite) {
+    const OpenElsewhere reader("file", GENERIC_READ, everySharing);
+    const OpenElsewhere writer("file", GENERIC_WRITE, everySharing);
+    EXPECT_EQ(platform::readWholeFile("file"), old);
+}
+
+TEST_F(SharedFiles, AreReadAlongWithOneWhoLetsOthersOnlyRead) {
+    const OpenElsewhere reader("file", GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_EQ(platform::readWholeFile("file"), old) << "nothing but reading is asked for";
+}
+
+TEST_F(SharedFiles, AreNotReadForOneselfWhileAnybodyHasThemOpen) {
+    {
+        const OpenElsewhere reader("file", GENERIC_READ, everySharing);
+        EXPECT_EQ(platform::readWholeFile("file", whole, Sharing::nobody), std::nullopt);
+    }
+    EXPECT_EQ(platform::readWholeFile("file", whole, Sharing::nobody), old);
+}
+
+TEST_F(SharedFiles, AreNotReadWhereTheirOwnerSharesThemWithNobody) {
+    const OpenElsewhere owner("file", GENERIC_READ, 0);
+    EXPECT_EQ(platform::readWholeFile("file"), std::nullopt);
+    EXPECT_EQ(platform::readWholeFile("file", whole, Sharing::nobody), std::nullopt);
+    EXPECT_TRUE(platform::fileExists("file"));
+}
+
+TEST_F(SharedFiles, AreNotWrittenAndStayAsTheyAreWhileAnybodyHasThemOpen) {
+    {
+        const OpenElsewhere reader("file", GENERIC_READ, everySharing);
+        EXPECT_FALSE(platform::writeWholeFile("file", "new", 3));
+    }
+    EXPECT_EQ(platform::readWholeFile("file"), old);
+    EXPECT_TRUE(platform::writeWholeFile("file", "new", 3));
+}
+
+TEST_F(SharedFiles, AreLetGoOfAfterwards) {
+    platform::readWholeFile("file");
+    platform::readWholeFile("file", whole, Sharing::nobody);
+    platform::writeWholeFile("file", "new", 3);
+    const OpenElsewhere owner("file", GENERIC_READ | GENERIC_WRITE, 0);
+}
+
+TEST_F(SharedFiles, AreReadThoughTheyAreWriteProtected) {
+    ASSERT_TRUE(SetFileAttributesA("file", FILE_ATTRIBUTE_READONLY));
+    EXPECT_EQ(platform::readWholeFile("file"), old);
+    EXPECT_EQ(platform::readWholeFile("file", whole, Sharing::nobody), old);
+}
+
+TEST_F(SharedFiles, AreNotMadeByReading) {
+    EXPECT_EQ(platform::readWholeFile("missing", whole, Sharing::nobody), std::nullopt);
+    EXPECT_FALSE(platform::fileExists("missing"));
+}
+
+TEST_F(SharedFiles, AreFoundByEitherSlashAndInAnyLetterCase) {
+    ASSERT_TRUE(CreateDirectoryA("Folder", nullptr));
+    ASSERT_TRUE(platform::writeWholeFile("Folder/Map.bin", "x", 1));
+    EXPECT_TRUE(platform::fileExists("folder\\MAP.BIN"));
+    EXPECT_EQ(platform::readWholeFile("FOLDER\\map.bin"), Bytes{'x'});
+}
+
+TEST_F(SharedFiles, OfTooLongAPathAreNotThere) {
+    const std::string path = folder.path() + '\\' + std::string(300, 'x');
+    EXPECT_FALSE(platform::fileExists(path));
+    EXPECT_EQ(platform::readWholeFile(path), std::nullopt);
+    EXPECT_FALSE(platform::writeWholeFile(path, "x", 1));
+}
+
+} // namespace
