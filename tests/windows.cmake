@@ -1,4 +1,13 @@
-# The tests of the Windows build. What a room does is held by the same files as on Linux; what is not here is about
-# Linux alone: its displays, its loader, its sanitizers.
+# The tests of the Windows build. What a room does is held by the same files as on Linux. Not here is what is about Linux
+# alone (its displays, its loader, its traps for system calls) and what is the same whatever the system: the factory
+# bank's sound, the fuzzers' corpus, the pages in docs/, who may include whom.
+add_subdirectory(vst2)
+add_subdirectory(platform/win32)
 add_subdirectory(parameters)
+add_subdirectory(dsp)
 add_subdirectory(midi)
+add_subdirectory(plugin)
+add_subdirectory(host)
+add_subdirectory(host_library)
+add_subdirectory(skin)
+add_subdirectory(window/win32)

@@ -1,10 +1,10 @@
 #include "library_under_test.h"
 
 #include "platform/private_folder.h"
+#include "support/own_process.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -18,7 +18,7 @@ std::vector<NamedLibrary> loadAll() {
     std::vector<NamedLibrary> all;
     all.push_back({"the library", host::Library(QUILLON_LIBRARY)});
     for (const std::string set : {"sse2", "avx2", "avx512"}) {
-        host::Library held(QUILLON_HELD_LIBRARIES "/" + set + ".so");
+        host::Library held(QUILLON_HELD_LIBRARIES "/" + set + QUILLON_LIBRARY_ENDING);
         const auto isUsed = reinterpret_cast<bool (*)()>(held.symbol("usesItsInstructionSet"));
         if (isUsed && isUsed())
             all.push_back({"the library held to " + set, std::move(held)});
@@ -30,9 +30,7 @@ class Surroundings : public testing::Environment {
   public:
     void SetUp() override {
         folder_ = std::make_unique<platform::PrivateFolder>();
-        setenv("HOME", folder_->path().c_str(), 1);
-        setenv("XDG_CONFIG_HOME", folder_->path().c_str(), 1);
-        unsetenv("DISPLAY");
+        conversation::leaveThePersonsSettingsAlone(folder_->path());
         libraries = new std::vector<NamedLibrary>(loadAll());
     }
 

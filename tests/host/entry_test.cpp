@@ -4,17 +4,10 @@
 #include "support/own_process.h"
 #include "support/plugin_folder.h"
 
-#include <sys/inotify.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <set>
-#include <sstream>
+#include <ios>
+#include <ostream>
 
 namespace conversation {
 namespace {
@@ -23,18 +16,6 @@ using namespace vst2;
 
 constexpr std::int32_t kFreshID = fourCharacterCode("NoEf");
 constexpr std::int32_t kUniqueID = fourCharacterCode("qlvd");
-
-std::string outputOf(const std::string& command) {
-    std::FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return "";
-    std::string text;
-    std::array<char, 4096> piece;
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe))
-        text.append(piece.data(), count);
-    EXPECT_EQ(pclose(pipe), 0) << command;
-    return text;
-}
 
 /// One call to the host, in the form that the order of start-up is told in here.
 struct Said {
@@ -69,43 +50,7 @@ std::intptr_t hostOfVersionZero(AEffect*, std::int32_t, std::int32_t, std::intpt
     return 0;
 }
 
-/// Sees every file of a folder that is opened from now on.
-class OpenedFiles {
-  public:
-    explicit OpenedFiles(const std::string& folder) : descriptor_(inotify_init1(IN_NONBLOCK)) {
-        if (inotify_add_watch(descriptor_, folder.c_str(), IN_OPEN) < 0)
-            throw std::runtime_error("cannot watch " + folder);
-    }
-    ~OpenedFiles() { close(descriptor_); }
-    OpenedFiles(const OpenedFiles&) = delete;
-    OpenedFiles& operator=(const OpenedFiles&) = delete;
-
-    std::set<std::string> names() {
-        std::set<std::string> names;
-        alignas(inotify_event) std::array<char, 8192> events;
-        const ssize_t size = read(descriptor_, events.data(), events.size());
-        for (ssize_t at = 0; at < size;) {
-            const auto* event = reinterpret_cast<const inotify_event*>(events.data() + at);
-            if (event->len > 0)
-                names.insert(event->name);
-            at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
-        }
-        return names;
-    }
-
-  private:
-    int descriptor_;
-};
-
 class Exports : public QuietPlugin {};
-
-TEST_F(Exports, AreThreeNamesAndNothingElse) {
-    std::istringstream listing(outputOf(std::string(NM) + " -D --defined-only '" + module.path() + "'"));
-    std::set<std::string> names;
-    for (std::string address, kind, name; listing >> address >> kind >> name;)
-        names.insert(name);
-    EXPECT_EQ(names, (std::set<std::string>{"MAIN", "VSTPluginMain", "main"}));
-}
 
 TEST_F(Exports, EachGiveAWorkingInstance) {
     for (const char* name : {"VSTPluginMain", "main", "MAIN"}) {
@@ -117,12 +62,6 @@ TEST_F(Exports, EachGiveAWorkingInstance) {
         choosePlainEchoes(plugin);
         expectEchoesKept(plugin, [] {});
     }
-}
-
-TEST_F(Exports, AreFoundByAPlainCHostThatWantsEverySymbolAtOnce) {
-    const int status = std::system((std::string(PLAIN_LOADER) + " '" + module.path() + "'").c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 class EntryPoint : public QuietPlugin {};
@@ -158,22 +97,6 @@ TEST_F(EntryPoint, AsksForTheVersionOnceAndFirstOfAllWithoutARecord) {
     EXPECT_EQ(first.opt, 0.0f);
     EXPECT_EQ(pointers.front(), nullptr);
     EXPECT_EQ(plugin.callsOf(audioMasterVersion), 1);
-}
-
-TEST_F(EntryPoint, ReadsNoFileForAHostOfVersionZero) {
-    const Bytes map(84);
-    writeFile(module.beside(kMapFile), map);
-    writeFile(here(kMapFile), map);
-    const host::Library& loaded = library();
-    OpenedFiles beside(module.folder()), current(here(""));
-
-    EXPECT_EQ(loaded.entryPoint()(hostOfVersionZero), nullptr);
-    EXPECT_EQ(beside.names(), std::set<std::string>());
-    EXPECT_EQ(current.names(), std::set<std::string>());
-
-    const host::Plugin plugin(loaded);
-    EXPECT_TRUE(beside.names().contains(kBankFile));
-    EXPECT_TRUE(current.names().contains(kMapFile));
 }
 
 TEST_F(EntryPoint, PrintsNothingForAHostOfVersionZero) {

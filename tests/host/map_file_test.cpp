@@ -1,10 +1,7 @@
 // The controller map and its file "Pluginccmap.bin": two places to read from, one to write to, one map for
 // all instances.
 #include "support/plugin_folder.h"
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include "support/unopenable_file.h"
 
 #include <array>
 #include <cstring>
@@ -50,17 +47,6 @@ bool moves(host::Plugin& plugin, std::int32_t controller, std::int32_t id) {
     const host::MidiMessage message = {0, {0xB0, static_cast<unsigned char>(controller), 64}};
     plugin.sendMidi({&message, 1});
     return plugin.getParameter(id) != 0.3f;
-}
-
-/// A file of this name exists from now on and cannot be opened by anybody, not even by an administrator.
-void makeUnopenable(const std::string& name) {
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, name.c_str(), sizeof address.sun_path - 1);
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_GE(descriptor, 0);
-    ASSERT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    close(descriptor);
 }
 
 class MapFixture : public QuietPlugin {
@@ -251,14 +237,18 @@ TEST_F(MapWriting, ThatIsNotPossibleIsNobodysConcern) {
     host::Plugin plugin(library());
     makeUnopenable(kMapFile);
     EXPECT_EQ(plugin.close(), 1);
-    EXPECT_TRUE(files::is_socket(kMapFile));
+    EXPECT_TRUE(isUnopenable(kMapFile));
 }
 
 TEST_F(MapWriting, WhereTheCurrentDirectoryIsGoneIsNobodysConcern) {
     files::create_directory(here("gone"));
     host::Plugin plugin(library());
     files::current_path(here("gone"));
-    files::remove(here("gone"));
+    std::error_code kept;
+    if (!files::remove(here("gone"), kept)) {
+        files::current_path(here(""));
+        GTEST_SKIP() << "this system does not let a current directory go";
+    }
     EXPECT_EQ(plugin.close(), 1);
     files::current_path(here(""));
 }

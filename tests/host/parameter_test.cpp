@@ -1,5 +1,6 @@
 // The parameters as a host sees them: names, defaults, values, and what is written below each knob.
 #include "support/echoes.h"
+#include "support/german_locale.h"
 #include "support/host_buffer.h"
 #include "support/own_process.h"
 #include "support/plugin_folder.h"
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <locale>
 #include <random>
 
 namespace conversation {
@@ -403,13 +403,10 @@ TEST_F(ParameterDisplays, FollowAChangeOfProgram) {
 }
 
 TEST_F(ParameterDisplays, HaveAPointWhateverTheHostsLocale) {
-    const std::string command = "localedef -i de_DE -f UTF-8 '" + here("de_DE.UTF-8") + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0)
+    if (!makeGermanLocale(here("")))
         GTEST_SKIP() << "no German locale can be made here; Debian's package \"locales\" has what it takes";
-    setenv("LOCPATH", here("").c_str(), 1);
     errorsOf([this] {
-        // Reaches printf and streams alike, as in a host that was started in German.
-        std::locale::global(std::locale("de_DE.UTF-8"));
+        becomeGerman();
         ASSERT_STREQ(std::localeconv()->decimal_point, ",");
         EXPECT_EQ(plugin.parameterDisplay(kLfoRate), "3.500");
         EXPECT_EQ(plugin.parameterDisplay(kDryWet), "0.500 / 0.500");
