@@ -1,16 +1,25 @@
-// What the effect costs, against the literal reference loop in the same rounds: nanoseconds a sample of the
-// whole processReplacing, on the terminal, as JSON, or as the page docs/performance.md.
+// quillon-bench: what the effect costs, against the literal reference loop and, if wanted, against what else
+// a person might use; on the terminal, as JSON, or as the page docs/performance.md.
 #include "bench/performance_page.h"
 #include "bench/player.h"
+#include "bench/runs_file.h"
+#include "bench/suite.h"
 #include "dsp/instruction_set.h"
+#include "platform/display.h"
+#include "platform/measuring.h"
+#include "platform/own_output.h"
 #include "platform/private_folder.h"
+#include "tools/common/command_line.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 
 #include <CLI/CLI.hpp>
-#include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <ctime>
+#include <exception>
 #include <filesystem>
-#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,113 +27,155 @@ namespace {
 
 using namespace bench;
 
-/// Takes the medians of a pair of benchmarks and says nothing.
-class Medians final : public benchmark::BenchmarkReporter {
-  public:
-    bool ReportContext(const Context&) override { return true; }
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.aggregate_name == "median")
-                seconds[run.run_name.function_name] =
-                    run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    std::map<std::string, double> seconds;
+constexpr int exitFailure = 2;
+
+struct Options {
+    bool json = false, peers = false, redraw = false;
+    std::string only, page;
+    std::vector<std::string> sets;
 };
 
-void registerPlayer(const char* name, Player& player, double minimumSeconds) {
-    benchmark::RegisterBenchmark(name,
-                                 [&player](benchmark::State& state) {
-                                     for (auto round : state) {
-                                         static_cast<void>(round);
-                                         state.SetIterationTime(player.playBatch());
-                                     }
-                                 })
-        ->UseManualTime()
-        ->MinTime(minimumSeconds)
-        ->Repetitions(9)
-        ->ReportAggregatesOnly();
+struct HeldLibrary {
+    std::string instructionSet, path;
+};
+
+std::optional<std::string> readOptions(Options& options, int argumentCount, const char* const* arguments) {
+    CLI::App app("Times the effect against the literal reference loop.", "quillon-bench");
+    app.add_flag("--json", options.json, "Print the figures as JSON");
+    app.add_option("--only", options.only, "Only the situations whose names contain this text");
+    app.add_option("--instruction-set", options.sets,
+                   "sse2, avx2 or avx512; may be given again (default: the best one)");
+    app.add_flag("--peers", options.peers, "Compare with Faust, ffmpeg and Csound too");
+    app.add_option("--page", options.page,
+                   "Keep the figures in this folder and write the page with the plots there");
+    app.add_flag("--redraw", options.redraw, "Time nothing, write the page from the figures kept");
+    if (auto help = tools::parseOrHelp(app, argumentCount, arguments))
+        return help;
+    tools::checkNothingIsEmpty(app);
+    if (!options.page.empty() && !options.only.empty())
+        throw tools::ToolError("--page shows every situation, so it does not go with --only");
+    if (options.redraw && options.page.empty())
+        throw tools::ToolError("--redraw: no --page was given");
+    options.page = tools::settled(options.page).string();
+    if (!options.page.empty() && !std::filesystem::is_directory(options.page))
+        throw tools::ToolError("--page: there is no folder " + options.page);
+    return std::nullopt;
 }
 
-Measurement measure(const SoundCase& situation) {
-    Player built(builtEffect(), situation);
-    Player reference(literalReference(), situation);
-    const double minimum = situation.caches == Caches::cold ? 0.0005 : 0.02;
-    registerPlayer("built", built, minimum);
-    registerPlayer("reference", reference, minimum);
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians, "all");
-    benchmark::ClearRegisteredBenchmarks();
-    const double nanoseconds = 1e9 / static_cast<double>(built.frames());
-    return {situation, medians.seconds["built"] * nanoseconds, medians.seconds["reference"] * nanoseconds};
+void checkUsable(const std::string& set) {
+    for (const dsp::TapKernels* kernels : dsp::usableKernels())
+        if (set == kernels->instructionSet)
+            return;
+    throw tools::ToolError("--instruction-set: this processor has no \"" + set + "\"");
 }
 
-std::vector<SoundCase> allCases() {
-    constexpr Read reads[] = {Read::whole, Read::linear, Read::cubic};
-    std::vector<SoundCase> cases;
-    for (const std::int32_t taps : {1, 8, 32, 101, 102, 128})
-        for (const Read read : reads)
-            cases.push_back({taps, read});
-    for (const Place place : {Place::close, Place::minimum})
-        for (const Read read : reads)
-            cases.push_back({128, read, place});
-    for (const Read read : {Read::linear, Read::cubic})
-        cases.push_back({101, read, Place::spread, Motion::gliding});
-    for (const std::int32_t frames : {16, 64})
-        for (const Read read : reads)
-            cases.push_back({128, read, Place::spread, Motion::rest, frames});
-    cases.push_back({128, Read::cubic, Place::spread, Motion::rest, 64, Caches::cold});
-    return cases;
+/// The effect held to an instruction set, with all that is delivered beside it, as a copy in the folder.
+HeldLibrary heldLibrary(const std::string& set, const std::filesystem::path& folder) {
+    const std::filesystem::path library = folder / set / (set + ".so");
+    std::filesystem::copy(QUILLON_STAGE, folder / set, std::filesystem::copy_options::recursive);
+    std::filesystem::copy(QUILLON_HELD_LIBRARIES "/" + set + ".so", library);
+    return {set, library.string()};
 }
 
-void printRow(const Measurement& row) {
-    std::printf("%-52s %9.1f %11.1f %8.1f\n", row.situation.name().c_str(), row.built, row.reference,
-                row.reference / row.built);
-    std::fflush(stdout);
+/// The effect as it is delivered, or held to the instruction sets that were asked for.
+std::vector<HeldLibrary> librariesFor(const std::vector<std::string>& sets,
+                                      const std::filesystem::path& folder) {
+    if (sets.empty())
+        return {{dsp::chosenKernels().instructionSet, QUILLON_LIBRARY}};
+    std::vector<HeldLibrary> libraries;
+    for (const std::string& set : sets)
+        libraries.push_back(heldLibrary(set, folder));
+    return libraries;
 }
 
-void printJson(const std::vector<Measurement>& rows) {
-    std::printf("{\"instructionSet\": \"%s\", \"unit\": \"ns per sample\", \"rows\": [",
-                dsp::chosenKernels().instructionSet);
-    const char* separator = "\n";
-    for (const Measurement& row : rows) {
-        std::printf("%s  {\"case\": \"%s\", \"built\": %.2f, \"reference\": %.2f}", separator,
-                    row.situation.name().c_str(), row.built, row.reference);
-        separator = ",\n";
+std::string now() {
+    const std::time_t time = std::time(nullptr);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", std::gmtime(&time));
+    return text;
+}
+
+void printRow(std::FILE* output, const Result& row) {
+    std::fprintf(output, "%-62s %10s %10s %8.2f  %s\n", row.situation.c_str(), timeText(row.built).c_str(),
+                 timeText(row.other).c_str(), row.times(), row.against.c_str());
+    std::fflush(output);
+}
+
+Run measure(const HeldLibrary& held, const Options& options, std::FILE* output) {
+    Run run{now(), platform::processorName(), held.instructionSet, {}};
+    if (!options.json)
+        std::fprintf(output, "%-62s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
+                     "other", "times", "which is");
+    runSuite({held.path, held.instructionSet, options.only, options.peers, QUILLON_FAUST_PROGRAMS},
+             [&](const Result& row) {
+                 run.results.push_back(row);
+                 if (!options.json)
+                     printRow(output, row);
+             });
+    return run;
+}
+
+void printJson(std::FILE* output, const std::vector<Run>& runs) {
+    const char* betweenRuns = "";
+    std::fprintf(output, "[");
+    for (const Run& run : runs) {
+        std::fprintf(output,
+                     "%s\n{\"when\": \"%s\", \"processor\": \"%s\", \"instructionSet\": \"%s\", "
+                     "\"unit\": \"ns\", \"rows\": [",
+                     betweenRuns, run.when.c_str(), run.processor.c_str(), run.instructionSet.c_str());
+        const char* betweenRows = "";
+        for (const Result& row : run.results) {
+            std::fprintf(output,
+                         "%s\n  {\"section\": \"%s\", \"case\": \"%s\", \"against\": \"%s\", \"effect\": "
+                         "%.2f, \"other\": %.2f}",
+                         betweenRows, row.section.c_str(), row.situation.c_str(), row.against.c_str(),
+                         row.built, row.other);
+            betweenRows = ",";
+        }
+        std::fprintf(output, "\n]}");
+        betweenRuns = ",";
     }
-    std::printf("\n]}\n");
+    std::fprintf(output, "\n]\n");
+}
+
+void run(const Options& options) {
+    for (const std::string& set : options.sets)
+        checkUsable(set);
+    std::FILE* const output = platform::takeOwnOutput();
+    const std::string kept = options.page + "/performance_runs.tsv";
+    // A file that is spoilt is noticed now and not when all is measured.
+    if (!options.page.empty())
+        static_cast<void>(readRuns(kept));
+    if (!options.redraw) {
+        platform::stayOnThisProcessor();
+        platform::takeLargeBlocksFresh();
+        const platform::PrivateFolder privateFolder;
+        std::vector<Run> runs;
+        for (const HeldLibrary& held : librariesFor(options.sets, privateFolder.path())) {
+            runs.push_back(measure(held, options, output));
+            if (!options.page.empty())
+                appendRun(kept, runs.back());
+        }
+        if (options.json)
+            printJson(output, runs);
+    }
+    if (!options.page.empty())
+        writePerformancePage(options.page, readRuns(kept));
 }
 
 } // namespace
 
-int main(int argc, char** argv) {
-    bool json = false;
-    std::string only, page;
-    CLI::App app("Times the effect against the literal reference loop.", "quillon-bench");
-    app.add_flag("--json", json, "Print the figures as JSON");
-    app.add_option("--only", only, "Only the cases whose name contains this text");
-    app.add_option("--page", page, "Write the page with the plots to this folder");
-    CLI11_PARSE(app, argc, argv);
-
-    // Rounds of the two come in a random order, so that a busy moment of the machine hits both.
-    std::string name = "quillon-bench", interleave = "--benchmark_enable_random_interleaving=true";
-    char* arguments[] = {name.data(), interleave.data()};
-    int count = 2;
-    benchmark::Initialize(&count, arguments);
-
-    const std::string folder = page.empty() ? "" : std::filesystem::absolute(page).string();
-    const platform::PrivateFolder privateFolder;
-    if (!json)
-        std::printf("%-52s %9s %11s %8s\n", "ns per sample", "built", "reference", "times");
-    std::vector<Measurement> rows;
-    for (const SoundCase& situation : allCases()) {
-        if (situation.name().find(only) == std::string::npos)
-            continue;
-        rows.push_back(measure(situation));
-        if (!json)
-            printRow(rows.back());
+int main(int argumentCount, char** arguments) {
+    platform::leaveDisplay();
+    try {
+        Options options;
+        if (const auto help = readOptions(options, argumentCount, arguments))
+            std::fputs(help->c_str(), stdout);
+        else
+            run(options);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "quillon-bench: %s\n", tools::printable(error.what()).c_str());
+        return exitFailure;
     }
-    if (json)
-        printJson(rows);
-    if (!folder.empty())
-        writePerformancePage(folder, dsp::chosenKernels().instructionSet, rows);
 }

@@ -1,67 +1,313 @@
 #include "bench/performance_page.h"
 
+#include "bench/plot.h"
+#include "bench/sound_case.h"
+
 #include <algorithm>
-#include <filesystem>
+#include <cmath>
 #include <fstream>
+#include <functional>
 #include <iomanip>
+#include <map>
+#include <sstream>
 #include <stdexcept>
 
 namespace bench {
 
 namespace {
 
-constexpr int kRowHeight = 18;
-constexpr int kNames = 330;
-constexpr int kBars = 480;
+constexpr std::size_t kShownRuns = 3;
+constexpr Read kReads[] = {Read::whole, Read::linear, Read::cubic};
+constexpr const char* kReadNames[] = {"cubic", "linear", "whole samples"};
+constexpr const char* kSets[] = {"avx512", "avx2", "sse2"};
+constexpr const char* kSetNames[] = {"AVX-512", "AVX2", "SSE2"};
 
-std::ofstream open(const std::filesystem::path& path) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream file(path);
-    if (!file)
-        throw std::runtime_error("cannot write " + path.string());
-    file << std::fixed << std::setprecision(1);
-    return file;
+const char* nameOf(Read read) {
+    return kReadNames[static_cast<int>(read)];
 }
 
-/// One bar a row: how many times the reference's speed.
-void writePlot(const std::filesystem::path& path, const std::vector<Measurement>& rows) {
-    double best = 1.0;
-    for (const Measurement& row : rows)
-        best = std::max(best, row.reference / row.built);
-    std::ofstream file = open(path);
-    const auto height = static_cast<int>(rows.size()) * kRowHeight + 10;
-    file << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << kNames + kBars + 60 << "\" height=\""
-         << height << "\" font-family=\"sans-serif\" font-size=\"12\">\n"
-         << "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
-    int y = 5;
-    for (const Measurement& row : rows) {
-        const double times = row.reference / row.built;
-        const double width = times / best * kBars;
-        file << "<text x=\"" << kNames - 8 << "\" y=\"" << y + 13 << "\" text-anchor=\"end\">"
-             << row.situation.name() << "</text><rect x=\"" << kNames << "\" y=\"" << y + 2 << "\" width=\""
-             << width << "\" height=\"" << kRowHeight - 4 << "\" fill=\"#3b6ea5\"/><text x=\""
-             << kNames + width + 5 << "\" y=\"" << y + 13 << "\">" << times << "</text>\n";
-        y += kRowHeight;
+std::string fixed(double number, int digits) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(digits) << number;
+    return text.str();
+}
+
+/// The last runs with one instruction set, the newest last.
+struct SetRuns {
+    std::string name;
+    std::vector<const Run*> runs;
+    const Run& newest() const { return *runs.back(); }
+};
+
+std::vector<SetRuns> runsBySet(const std::vector<Run>& all) {
+    std::vector<SetRuns> sets;
+    for (std::size_t i = 0; i < std::size(kSets); ++i) {
+        SetRuns set{kSetNames[i], {}};
+        for (const Run& run : all)
+            if (run.instructionSet == kSets[i])
+                set.runs.push_back(&run);
+        if (set.runs.size() > kShownRuns)
+            set.runs.erase(set.runs.begin(), set.runs.end() - kShownRuns);
+        if (!set.runs.empty())
+            sets.push_back(set);
     }
-    file << "</svg>\n";
+    return sets;
 }
+
+std::string timesText(const Result* result) {
+    return result ? fixed(result->times(), 1) : "";
+}
+
+void writeTableHead(std::ostream& page, const std::vector<std::string>& columns) {
+    for (const std::string& column : columns)
+        page << "| " << column << " ";
+    page << "|\n| --- ";
+    for (std::size_t i = 1; i < columns.size(); ++i)
+        page << "| --: ";
+    page << "|\n";
+}
+
+/// Situations down, runs across, ratios in the fields.
+void writeRatios(std::ostream& page, const SetRuns& set, const std::string& section,
+                 const std::vector<std::string>& situations) {
+    std::vector<std::string> columns = {set.name};
+    for (const Run* run : set.runs)
+        columns.push_back(run->when);
+    writeTableHead(page, columns);
+    for (const std::string& situation : situations) {
+        page << "| " << situation << " ";
+        for (const Run* run : set.runs)
+            page << "| " << timesText(run->find(section, situation)) << " ";
+        page << "|\n";
+    }
+    page << "\n";
+}
+
+std::vector<std::string> namesOf(const std::vector<SoundCase>& cases) {
+    std::vector<std::string> names;
+    for (const SoundCase& situation : cases)
+        names.push_back(situation.name());
+    return names;
+}
+
+void writeChosen(std::ostream& page, const std::vector<SetRuns>& sets) {
+    for (const SetRuns& set : sets)
+        writeRatios(page, set, section::kSound, namesOf(chosenCases()));
+}
+
+/// Every result of a section of the newest runs, all sets side by side.
+void writeSection(std::ostream& page, const std::vector<SetRuns>& sets, const std::string& section) {
+    std::vector<std::string> columns = {"Situation"};
+    for (const SetRuns& set : sets)
+        columns.insert(columns.end(), {set.name, "reference", "times"});
+    writeTableHead(page, columns);
+    for (const Result& row : sets.front().newest().results) {
+        if (row.section != section)
+            continue;
+        page << "| " << row.situation << " ";
+        for (const SetRuns& set : sets) {
+            const Result* const result = set.newest().find(section, row.situation);
+            page << "| " << (result ? timeText(result->built) : "") << " | "
+                 << (result ? timeText(result->other) : "") << " | " << timesText(result) << " ";
+        }
+        page << "|\n";
+    }
+}
+
+void writeSound(std::ostream& page, const std::vector<SetRuns>& sets) {
+    writeSection(page, sets, section::kSound);
+}
+
+void writeCalls(std::ostream& page, const std::vector<SetRuns>& sets) {
+    writeSection(page, sets, section::kCalls);
+}
+
+SoundCase spreadCase(Read read) {
+    return {.read = read};
+}
+
+void writeFaust(std::ostream& page, const std::vector<SetRuns>& sets) {
+    for (const SetRuns& set : sets) {
+        std::vector<std::string> situations;
+        for (const Read read : kReads)
+            situations.push_back(spreadCase(read).name());
+        writeRatios(page, set, section::kFaust, situations);
+    }
+    for (const SetRuns& set : sets) {
+        writeTableHead(page, {set.name + ", newest run", "effect", "Faust", "times"});
+        for (const Result& row : set.newest().results)
+            if (row.section == section::kFaust)
+                page << "| " << row.situation.substr(0, row.situation.find(", spread")) << "; `"
+                     << row.against << "` | " << timeText(row.built) << " | " << timeText(row.other) << " | "
+                     << fixed(row.times(), 1) << " |\n";
+        page << "\n";
+    }
+}
+
+void writePrograms(std::ostream& page, const std::vector<SetRuns>& sets) {
+    for (const SetRuns& set : sets) {
+        writeTableHead(page, {set.name + ", newest run", "effect", "program", "times"});
+        for (const Result& row : set.newest().results)
+            if (row.section == section::kPrograms)
+                page << "| " << row.situation.substr(0, row.situation.find(", spread")) << "; " << row.against
+                     << " | " << timeText(row.built) << " | " << timeText(row.other) << " | "
+                     << fixed(row.times(), 1) << " |\n";
+        page << "\n";
+    }
+}
+
+/// Where the time of 128 taps all over the memory goes. The parts add up to what was measured.
+struct Breakdown {
+    double withoutTaps, taps, memory;
+    double whole() const { return withoutTaps + taps + memory; }
+};
+
+/// Of a run that has all the rows that it is derived from.
+Breakdown breakdownOf(const Run& run, Read read) {
+    const auto built = [&](const SoundCase& situation) {
+        const Result* const result = run.find(section::kSound, situation.name());
+        if (!result)
+            throw std::runtime_error("the run of " + run.when + " lacks " + situation.name());
+        return result->built;
+    };
+    const double one = built({.taps = 1, .read = read, .place = Place::close});
+    const double all = built({.read = read, .place = Place::close});
+    const double tap = (all - one) / 127.0;
+    return {one - tap, 128.0 * tap, built(spreadCase(read)) - all};
+}
+
+void writeBreakdown(std::ostream& page, const std::vector<SetRuns>& sets) {
+    for (const SetRuns& set : sets) {
+        std::map<Read, Breakdown> parts;
+        std::vector<std::string> columns = {set.name + ", nanoseconds a sample"};
+        for (const Read read : kReads) {
+            parts[read] = breakdownOf(set.newest(), read);
+            columns.push_back(nameOf(read));
+        }
+        writeTableHead(page, columns);
+        const auto row = [&](const char* name, const std::function<double(const Breakdown&)>& part) {
+            page << "| " << name << " ";
+            for (const Read read : kReads)
+                page << "| " << fixed(part(parts[read]), 1) << " ";
+            page << "|\n";
+        };
+        row("what does not depend on the taps", [](const Breakdown& b) { return b.withoutTaps; });
+        row("128 taps near together: finding, reading, interpolating, adding",
+            [](const Breakdown& b) { return b.taps; });
+        row("having them all over the memory", [](const Breakdown& b) { return b.memory; });
+        row("**together, as measured**", [](const Breakdown& b) { return b.whole(); });
+        row("one tap, near", [](const Breakdown& b) { return b.taps / 128.0; });
+        page << "\n";
+    }
+}
+
+void writeLimits(std::ostream& page, const std::vector<SetRuns>& sets) {
+    std::vector<std::string> columns = {"Nanoseconds a sample, done alone"};
+    for (const SetRuns& set : sets)
+        columns.push_back("in the run with " + set.name);
+    writeTableHead(page, columns);
+    for (const Result& row : sets.front().newest().results) {
+        if (row.section != section::kLimits)
+            continue;
+        page << "| " << row.against << " ";
+        for (const SetRuns& set : sets)
+            for (const Result& own : set.newest().results)
+                if (own.section == row.section && own.against == row.against)
+                    page << "| " << fixed(own.other, 1) << " ";
+        page << "|\n";
+    }
+}
+
+void plotTimes(const std::string& path, const std::vector<SetRuns>& sets) {
+    Plot plot{"How many times as fast as the reference", {}, {}};
+    for (const SetRuns& set : sets)
+        plot.legend.push_back(set.name);
+    for (const Result& row : sets.front().newest().results) {
+        if (row.section != section::kSound)
+            continue;
+        for (std::size_t i = 0; i < sets.size(); ++i)
+            if (const Result* const result = sets[i].newest().find(row.section, row.situation))
+                plot.bars.push_back({i == 0 ? row.situation : "",
+                                     {{result->times(), static_cast<int>(i)}},
+                                     fixed(result->times(), 1)});
+    }
+    writePlot(path, plot);
+}
+
+void plotBreakdown(const std::string& path, const std::vector<SetRuns>& sets) {
+    Plot plot{"Where the nanoseconds of a sample go, 128 taps all over the memory",
+              {"what needs no tap", "the taps, near", "the memory"},
+              {}};
+    for (const SetRuns& set : sets)
+        for (const Read read : kReads) {
+            const Breakdown parts = breakdownOf(set.newest(), read);
+            plot.bars.push_back({std::string(nameOf(read)) + ", " + set.name,
+                                 {{parts.withoutTaps, 0}, {parts.taps, 1}, {parts.memory, 2}},
+                                 fixed(parts.whole(), 0) + " ns"});
+        }
+    writePlot(path, plot);
+}
+
+void plotPeers(const std::string& path, const std::vector<SetRuns>& sets) {
+    Plot plot{"Nanoseconds a sample with 128 taps all over the memory, " + sets.front().name,
+              {"the effect", "Faust, at its best", "other programs", "the reference"},
+              {}};
+    const Run& run = sets.front().newest();
+    const auto add = [&](const std::string& name, double time, int colour) {
+        plot.bars.push_back({name, {{time, colour}}, fixed(time, 0) + " ns"});
+    };
+    for (const Read read : kReads) {
+        const std::string situation = spreadCase(read).name();
+        if (const Result* const sound = run.find(section::kSound, situation)) {
+            add(std::string(nameOf(read)) + ": the effect", sound->built, 0);
+            add("reference", sound->other, 3);
+        }
+        if (const Result* const faust = run.find(section::kFaust, situation))
+            add("Faust", faust->other, 1);
+        for (const Result& row : run.results)
+            if (row.section == section::kPrograms && row.situation == situation)
+                add(row.against, row.other, 2);
+    }
+    writePlot(path, plot);
+}
+
+using Writer = void (*)(std::ostream&, const std::vector<SetRuns>&);
+
+/// By the line of the words that each takes the place of.
+const std::map<std::string, Writer> kWriters = {
+    {"<!-- chosen -->", writeChosen},     {"<!-- sound -->", writeSound},
+    {"<!-- calls -->", writeCalls},       {"<!-- faust -->", writeFaust},
+    {"<!-- programs -->", writePrograms}, {"<!-- breakdown -->", writeBreakdown},
+    {"<!-- limits -->", writeLimits}};
 
 } // namespace
 
-void writePerformancePage(const std::string& folder, const std::string& instructionSet,
-                          const std::vector<Measurement>& rows) {
-    const std::filesystem::path root = folder;
-    writePlot(root / "images" / "performance.svg", rows);
+std::string timeText(double nanoseconds) {
+    constexpr const char* units[] = {" ns", " µs", " ms", " s"};
+    std::size_t unit = 0;
+    while (std::fabs(nanoseconds) >= 9999.5 && unit + 1 < std::size(units)) {
+        nanoseconds /= 1000.0;
+        ++unit;
+    }
+    return fixed(nanoseconds, nanoseconds < 99.95 ? 1 : 0) + units[unit];
+}
+
+void writePerformancePage(const std::string& folder, const std::vector<Run>& runs) {
+    const std::vector<SetRuns> sets = runsBySet(runs);
+    if (sets.empty())
+        throw std::runtime_error("there are no runs to show");
+    plotTimes(folder + "/images/performance.svg", sets);
+    plotBreakdown(folder + "/images/performance_cost.svg", sets);
+    plotPeers(folder + "/images/performance_peers.svg", sets);
     std::ifstream words(QUILLON_PERFORMANCE_WORDS);
-    std::ofstream page = open(root / "performance.md");
-    page << words.rdbuf() << "\n## Measured\n\nNanoseconds a sample, medians, with the loops for "
-         << instructionSet
-         << "; made by `./quillon bench --page`.\n\n![How many times as fast as the "
-            "reference](images/performance.svg)\n"
-         << "\n| Situation | built | reference | times |\n| --- | --: | --: | --: |\n";
-    for (const Measurement& row : rows)
-        page << "| " << row.situation.name() << " | " << row.built << " | " << row.reference << " | "
-             << row.reference / row.built << " |\n";
+    std::ofstream page(folder + "/performance.md");
+    for (std::string line; std::getline(words, line);)
+        if (const auto writer = kWriters.find(line); writer != kWriters.end())
+            writer->second(page, sets);
+        else
+            page << line << "\n";
+    if (!page.flush())
+        throw std::runtime_error(folder + "/performance.md cannot be written");
 }
 
 } // namespace bench

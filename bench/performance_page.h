@@ -1,22 +1,19 @@
-// The page docs/performance.md: its table and its plot come from measurements, its words stand in
-// bench/performance_words.md.
+// The page docs/performance.md with its plots. Its words stand in bench/performance_words.md; the tables come
+// from the runs that have been kept.
 #pragma once
 
-#include "bench/sound_case.h"
+#include "bench/runs_file.h"
 
 #include <string>
 #include <vector>
 
 namespace bench {
 
-/// Medians in nanoseconds a sample.
-struct Measurement {
-    SoundCase situation;
-    double built, reference;
-};
+/// Writes performance.md and images/performance*.svg into the folder. Of each instruction set the last three
+/// runs are shown, and the last one in full. Throws std::runtime_error if it cannot.
+void writePerformancePage(const std::string& folder, const std::vector<Run>& runs);
 
-/// Writes performance.md and images/performance.svg into the folder. Throws std::runtime_error if it cannot.
-void writePerformancePage(const std::string& folder, const std::string& instructionSet,
-                          const std::vector<Measurement>& rows);
+/// A time as a person reads it: "45.2 ns", "3.10 µs", "12.4 ms".
+std::string timeText(double nanoseconds);
 
 } // namespace bench

@@ -1,12 +1,12 @@
 #include "bench/player.h"
 
 #include "bench/cold_caches.h"
-#include "host/plugin.h"
 #include "reference_engine.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <ctime>
+#include <map>
 
 namespace bench {
 
@@ -16,13 +16,17 @@ constexpr float kRate = 48000.0f;
 /// As many frames as fit in a batch are timed in one go, so that reading the clock costs nothing.
 constexpr std::int32_t kBatchFrames = 4096;
 constexpr std::int32_t kColdBlocks = 1;
+constexpr double kSecondsOfRound = 0.02;
+constexpr double kSecondsOfColdRound = 0.0005;
 constexpr std::int32_t kMemoryFrames = 4194304;
 /// After so many frames every glide has arrived.
 constexpr std::int32_t kSettlingFrames = 250000;
 
 class BuiltEffect final : public Subject {
   public:
-    BuiltEffect() : plugin_(library(), quiet()) { plugin_.open(); }
+    explicit BuiltEffect(const std::string& library) : plugin_(loadedLibrary(library), quietHost()) {
+        plugin_.open();
+    }
     void setSampleRate(float rate) override {
         plugin_.setSampleRate(rate);
         plugin_.resume();
@@ -33,15 +37,6 @@ class BuiltEffect final : public Subject {
     }
 
   private:
-    static const host::Library& library() {
-        static const auto* const loaded = new host::Library(QUILLON_LIBRARY);
-        return *loaded;
-    }
-    static host::HostBehaviour quiet() {
-        host::HostBehaviour behaviour;
-        behaviour.record = false;
-        return behaviour;
-    }
     host::Plugin plugin_;
 };
 
@@ -76,8 +71,20 @@ float setValue(Read read) {
 
 } // namespace
 
-std::unique_ptr<Subject> builtEffect() {
-    return std::make_unique<BuiltEffect>();
+const host::Library& loadedLibrary(const std::string& path) {
+    static std::map<std::string, host::Library> loaded;
+    const auto known = loaded.find(path);
+    return known != loaded.end() ? known->second : loaded.emplace(path, host::Library(path)).first->second;
+}
+
+host::HostBehaviour quietHost() {
+    host::HostBehaviour behaviour;
+    behaviour.record = false;
+    return behaviour;
+}
+
+std::unique_ptr<Subject> builtEffect(const std::string& library) {
+    return std::make_unique<BuiltEffect>(library);
 }
 
 std::unique_ptr<Subject> literalReference() {
@@ -111,7 +118,8 @@ Player::Player(std::unique_ptr<Subject> subject, const SoundCase& situation)
         subject_->setParameter(static_cast<std::int32_t>(id), value);
     subject_->setParameter(kTaps, tapsValue(1));
     subject_->setParameter(kSet, setValue(Read::whole));
-    play(kBatchFrames, kMemoryFrames / kBatchFrames);
+    if (subject_->wantsFullMemory())
+        play(kBatchFrames, kMemoryFrames / kBatchFrames);
     subject_->setParameter(kTaps, tapsValue(situation.taps));
     subject_->setParameter(kSet, setValue(situation.read));
     setPattern();
@@ -142,10 +150,14 @@ double Player::playBatch() {
     }
     if (situation_.caches == Caches::cold)
         evictCaches();
-    // The processor's time, so that what else runs on the machine doesn't count.
-    const std::clock_t start = std::clock();
+    const double start = processorSeconds();
     play(situation_.blockFrames, batchBlocks_);
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    return processorSeconds() - start;
+}
+
+Contestant Player::contestant() {
+    return {[this] { return playBatch(); }, static_cast<double>(batchBlocks_ * situation_.blockFrames),
+            situation_.caches == Caches::cold ? kSecondsOfColdRound : kSecondsOfRound};
 }
 
 } // namespace bench

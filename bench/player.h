@@ -2,7 +2,10 @@
 // played through the same few operations, so that both do the same work on the same signal.
 #pragma once
 
+#include "bench/contest.h"
 #include "bench/sound_case.h"
+#include "bench/subject.h"
+#include "host/plugin.h"
 
 #include <cstdint>
 #include <memory>
@@ -11,19 +14,15 @@
 
 namespace bench {
 
-/// What can be played. Times include nothing but processReplacing.
-class Subject {
-  public:
-    virtual ~Subject() = default;
-    virtual void setSampleRate(float rate) = 0; ///< Hz; ends in a resume
-    virtual void setParameter(std::int32_t id, float value) = 0;
-    virtual void process(float** inputs, float** outputs, std::int32_t frames) = 0;
-};
-
-/// An instance of the built library.
-std::unique_ptr<Subject> builtEffect();
+/// An instance of the effect from the library of this path, which stays loaded.
+std::unique_ptr<Subject> builtEffect(const std::string& library);
 /// The literal loop of the tests, compiled with the same options.
 std::unique_ptr<Subject> literalReference();
+
+/// The library of this path, loaded once. Throws host::HostError if it is none.
+const host::Library& loadedLibrary(const std::string& path);
+/// A host that keeps no record of what it is told.
+host::HostBehaviour quietHost();
 
 class Player {
   public:
@@ -32,8 +31,8 @@ class Player {
     /// Plays a batch of blocks and gives the seconds that they took. What a gliding pattern needs is done
     /// before the clock starts.
     double playBatch();
-    /// Of one batch.
-    std::int64_t frames() const { return static_cast<std::int64_t>(batchBlocks_) * situation_.blockFrames; }
+    /// This player in a contest, a sample being the unit. Stays in use.
+    Contestant contestant();
 
   private:
     void setPattern();

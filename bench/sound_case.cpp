@@ -2,6 +2,19 @@
 
 namespace bench {
 
+namespace {
+
+constexpr Read kReads[] = {Read::whole, Read::linear, Read::cubic};
+
+void addEachRead(std::vector<SoundCase>& cases, SoundCase situation) {
+    for (const Read read : kReads) {
+        situation.read = read;
+        cases.push_back(situation);
+    }
+}
+
+} // namespace
+
 std::string SoundCase::name() const {
     constexpr const char* reads[] = {"cubic", "linear", "whole"};
     constexpr const char* places[] = {"spread", "close", "minimum"};
@@ -13,6 +26,37 @@ std::string SoundCase::name() const {
     if (caches == Caches::cold)
         text += ", cold";
     return text;
+}
+
+std::vector<SoundCase> soundCases() {
+    std::vector<SoundCase> cases;
+    for (const std::int32_t taps : {1, 8, 32, 101, 102, 128})
+        addEachRead(cases, {.taps = taps});
+    addEachRead(cases, {.taps = 1, .place = Place::close});
+    addEachRead(cases, {.place = Place::close});
+    addEachRead(cases, {.place = Place::minimum});
+    for (const Read read : {Read::linear, Read::cubic})
+        cases.push_back({.taps = 101, .read = read, .motion = Motion::gliding});
+    cases.push_back({.taps = 32, .motion = Motion::gliding});
+    for (const std::int32_t frames : {16, 64})
+        addEachRead(cases, {.blockFrames = frames});
+    addEachRead(cases, {.blockFrames = 64, .caches = Caches::cold});
+    cases.push_back({.caches = Caches::cold});
+    return cases;
+}
+
+std::vector<SoundCase> chosenCases() {
+    std::vector<SoundCase> cases;
+    addEachRead(cases, {});
+    cases.push_back({.blockFrames = 64});
+    addEachRead(cases, {.taps = 101});
+    cases.push_back({.taps = 101, .read = Read::linear, .motion = Motion::gliding});
+    cases.push_back({.taps = 101, .motion = Motion::gliding});
+    cases.push_back({.taps = 32});
+    addEachRead(cases, {.taps = 8});
+    addEachRead(cases, {.taps = 1});
+    cases.push_back({.blockFrames = 64, .caches = Caches::cold});
+    return cases;
 }
 
 } // namespace bench

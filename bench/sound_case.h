@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -37,5 +38,10 @@ struct SoundCase {
     /// In words, unique: "128 taps, cubic, spread, at rest, blocks of 512".
     std::string name() const;
 };
+
+/// All that are timed.
+std::vector<SoundCase> soundCases();
+/// Those that the effect is built for: few taps and many, at rest and gliding, long blocks and short, cold.
+std::vector<SoundCase> chosenCases();
 
 } // namespace bench

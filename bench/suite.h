@@ -1,0 +1,23 @@
+// Everything that is timed, in the order of the tables.
+#pragma once
+
+#include "bench/result.h"
+
+#include <functional>
+#include <string>
+
+namespace bench {
+
+struct SuiteOptions {
+    std::string library;        ///< path of the effect
+    std::string instructionSet; ///< that it uses: "sse2", "avx2", "avx512"
+    std::string only;           ///< the situations whose names contain this; all if empty
+    bool peers = false;         ///< whether other people's programs are timed too
+    std::string faustPrograms;  ///< path of the module with them
+};
+
+/// Times what the options ask for and hands over each result as soon as it is there. Throws
+/// std::runtime_error if something cannot be run.
+void runSuite(const SuiteOptions& options, const std::function<void(const Result&)>& take);
+
+} // namespace bench

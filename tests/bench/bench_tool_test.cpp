@@ -1,0 +1,71 @@
+// What the command line of quillon-bench takes: whatever is wrong is said in one line before anything is
+// timed.
+#include "support/tool_run.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+class BenchErrors : public testing::Test {
+  protected:
+    void expectError(const std::vector<std::string>& arguments, const std::string& words) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const ToolResult result = runTool(folder, arguments, ErrorEnd::file, QUILLON_BENCH);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.out, "");
+        const auto lines = result.errorLines();
+        ASSERT_EQ(lines.size(), 1u) << result.err;
+        EXPECT_TRUE(lines[0].starts_with("quillon-bench: ")) << lines[0];
+        EXPECT_NE(lines[0].find(words), std::string::npos) << lines[0];
+    }
+
+    ScratchFolder folder;
+};
+
+TEST_F(BenchErrors, NameAnUnknownOption) {
+    expectError({"--shout"}, "--shout");
+}
+
+TEST_F(BenchErrors, NameAnInstructionSetThatTheProcessorLacks) {
+    expectError({"--instruction-set", "abacus"}, "this processor has no \"abacus\"");
+}
+
+TEST_F(BenchErrors, NameAFolderForThePageThatIsNotThere) {
+    expectError({"--page", "nowhere"}, "nowhere");
+}
+
+TEST_F(BenchErrors, RefuseAPageOfSomeSituationsOnly) {
+    expectError({"--page", ".", "--only", "cubic"}, "--only");
+}
+
+TEST_F(BenchErrors, RefuseToRedrawWithoutAPage) {
+    expectError({"--redraw"}, "--page");
+}
+
+TEST_F(BenchErrors, NameAFileOfRunsThatIsNone) {
+    folder.writeText("performance_runs.tsv", "these are only words\n");
+    expectError({"--page", ".", "--redraw"}, "performance_runs.tsv does not hold runs");
+}
+
+TEST_F(BenchErrors, SayThatThereAreNoRunsToShow) {
+    expectError({"--page", ".", "--redraw"}, "there are no runs to show");
+}
+
+TEST(Bench, TimesTheSituationsThatAreAskedForAndGivesThemAsJson) {
+    const ScratchFolder folder;
+    const ToolResult result =
+        runTool(folder, {"--json", "--only", "8 taps, whole, spread, at rest, blocks of 512"}, ErrorEnd::file,
+                QUILLON_BENCH);
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const auto runs = nlohmann::json::parse(result.out);
+    ASSERT_EQ(runs.size(), 1u);
+    // The name is a part of "128 taps, whole, ..." too.
+    ASSERT_EQ(runs[0]["rows"].size(), 2u);
+    for (const auto& row : runs[0]["rows"]) {
+        EXPECT_GT(row["effect"].get<double>(), 0.0);
+        EXPECT_GT(row["other"].get<double>(), 0.0);
+    }
+}
+
+} // namespace
