@@ -20,6 +20,9 @@ if(WIN32)
   # On this system the compiler does not align the stack for vectors wider than 16 bytes, yet stores them there with
   # moves that want it: the assembler is told to write the moves that do not.
   target_compile_options(quillon_compile_options INTERFACE -Wa,-muse-unaligned-vector-move)
+  # The same bytes wherever it is built.
+  target_compile_options(quillon_compile_options INTERFACE
+    -ffile-prefix-map=${CMAKE_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
 if(QUILLON_SANITIZE)
   target_compile_options(quillon_compile_options INTERFACE

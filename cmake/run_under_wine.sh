@@ -5,7 +5,7 @@
 #
 # PREFIX is the folder that holds that Windows: registry, system files, settings. Nobody's ~/.wine is touched. There is
 # no display: a window of the program exists, but is on no screen. With PREFIX ending in "-screen" the program gets a
-# screen of its own, which lives as long as the call.
+# screen of its own, which lives as long as the call; such programs run one after the other.
 set -eu
 
 prefix=$1
@@ -14,49 +14,70 @@ shift
 export WINEPREFIX="$prefix"
 # Silent, and without asking for parts that nobody here needs.
 export WINEDEBUG="${WINEDEBUG:--all}"
-export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
+export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
 unset DISPLAY WAYLAND_DISPLAY
 
 # The loader itself: the wrapper around it says on every call that 32-bit programs would not run.
 wine=/usr/lib/wine/wine64
 [ -x "$wine" ] || wine=wine
 
+# A Windows as wine makes it, never run after that. What it is copied for differs in nothing but the screen.
+template=${prefix%-screen}.template
+
+make_template() {
+  rm -rf "$template.unfinished"
+  mkdir -p "$template.unfinished"
+  WINEPREFIX="$template.unfinished" "$wine" wineboot --init >"$template.log" 2>&1 9>&- || {
+    cat "$template.log" >&2
+    exit 1
+  }
+  WINEPREFIX="$template.unfinished" wineserver -w
+  mv "$template.unfinished" "$template"
+}
+
+# System files are never changed in place, so copies may share them; the registry is.
+make_windows() {
+  rm -rf "$prefix"
+  cp -al "$template" "$prefix"
+  for registry in "$template"/*.reg; do
+    rm "$prefix/${registry##*/}"
+    cp "$registry" "$prefix"
+  done
+  : >"$prefix/ready"
+}
+
+# Two callers at once make one Windows.
+mkdir -p "$(dirname "$prefix")"
 if [ ! -f "$prefix/ready" ]; then
-  mkdir -p "$prefix"
-  # Two callers at once make one Windows.
-  exec 9>"$prefix/lock"
+  exec 9>"$template.lock"
   flock 9
-  if [ ! -f "$prefix/ready" ]; then
-    "$wine" wineboot --init >"$prefix/log" 2>&1 9>&- || {
-      cat "$prefix/log" >&2
-      exit 1
-    }
-    wineserver -w
-    : >"$prefix/ready"
-  fi
-  flock -u 9
+  [ -d "$template" ] || make_template
+  [ -f "$prefix/ready" ] || make_windows
+  exec 9>&-
 fi
 
 case $prefix in
-  *-screen)
-    numbers=$(mktemp)
-    Xvfb -displayfd 8 -screen 0 1280x1024x24 -nolisten tcp 8>"$numbers" >/dev/null 2>&1 &
-    screen=$!
-    trap 'kill "$screen" 2>/dev/null; rm -f "$numbers"' EXIT
-    while [ ! -s "$numbers" ]; do
-      kill -0 "$screen" 2>/dev/null || {
-        echo 'Xvfb does not start' >&2
-        exit 1
-      }
-      sleep 0.05
-    done
-    DISPLAY=:$(cat "$numbers")
-    export DISPLAY
-    result=0
-    "$wine" "$@" || result=$?
-    # The Windows goes before its screen does.
-    wineserver -k || true
-    exit "$result"
-    ;;
+  *-screen) ;;
   *) exec "$wine" "$@" ;;
 esac
+
+exec 9>"$prefix/lock"
+flock 9
+number=$(mktemp)
+Xvfb -displayfd 8 -screen 0 1280x1024x24 -nolisten tcp 8>"$number" 9>&- >/dev/null 2>&1 &
+screen=$!
+trap 'kill "$screen" 2>/dev/null; rm -f "$number"' EXIT
+while [ ! -s "$number" ]; do
+  kill -0 "$screen" 2>/dev/null || {
+    echo 'Xvfb does not start' >&2
+    exit 1
+  }
+  sleep 0.05
+done
+DISPLAY=:$(cat "$number")
+export DISPLAY
+result=0
+"$wine" "$@" 9>&- || result=$?
+# The Windows goes before its screen does.
+wineserver -k 9>&- || true
+exit "$result"

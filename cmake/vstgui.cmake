@@ -26,7 +26,8 @@ if(WIN32)
   # mingw-w64 has; a skin names the fonts of the system.
   target_compile_definitions(
     vstgui PUBLIC WIN32=1 WINDOWS=1 VSTGUI_WIN32_CUSTOMFONT_SUPPORT=0 PRIVATE UNICODE _UNICODE)
-  target_compile_options(vstgui PRIVATE -include ${CMAKE_CURRENT_LIST_DIR}/mingw_direct_composition.h)
+  target_compile_options(
+    vstgui PRIVATE -ffile-prefix-map=${vstgui_sources}=. -include ${CMAKE_CURRENT_LIST_DIR}/mingw_direct_composition.h)
 else()
   pkg_check_modules(
     VSTGUI_NEEDS REQUIRED IMPORTED_TARGET x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11

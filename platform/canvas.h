@@ -40,7 +40,7 @@ struct TextStyle {
 /// On one thread. Texts are UTF-8.
 class Canvas {
   public:
-    /// Throws std::runtime_error if there is no memory for a sheet of this size.
+    /// Throws std::runtime_error if there is no memory for a sheet of this size, or no typeface.
     Canvas(int width, int height, Colour paper);
     ~Canvas();
     Canvas(Canvas&&) noexcept;

@@ -2,6 +2,7 @@
 # alone (its displays, its loader, its traps for system calls) and what is the same whatever the system: the factory
 # bank's sound, the fuzzers' corpus, the pages in docs/, who may include whom.
 add_subdirectory(vst2)
+add_subdirectory(module)
 add_subdirectory(platform/win32)
 add_subdirectory(parameters)
 add_subdirectory(dsp)

@@ -7,15 +7,15 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 
 namespace platform {
 
 namespace {
 
-/// Of the same widths as the typeface on the other system, so that both lay out alike.
-constexpr const wchar_t* typeface = L"Arial";
+/// The first of these that there is. They have the same widths as the typeface on the other system, so that
+/// both lay out alike; systems that stand in for Windows may have the second alone.
+constexpr const wchar_t* typefaces[] = {L"Arial", L"Liberation Sans"};
 
 /// The kind of file, by Windows' own name for it.
 constexpr CLSID pngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
@@ -79,26 +79,32 @@ void copyRows(const Picture& picture, const Gdiplus::BitmapData& sheet) {
     }
 }
 
-/// A typeface in one size, and where its base line lies.
+std::unique_ptr<Gdiplus::FontFamily> findTypeface() {
+    for (const wchar_t* name : typefaces)
+        if (auto family = std::make_unique<Gdiplus::FontFamily>(name); family->IsAvailable())
+            return family;
+    const Gdiplus::InstalledFontCollection all;
+    auto family = std::make_unique<Gdiplus::FontFamily>();
+    INT found = 0;
+    if (all.GetFamilies(1, family.get(), &found) != Gdiplus::Ok || found < 1)
+        throw std::runtime_error("this system has no typeface to write with");
+    return family;
+}
+
+/// The typeface in one size, and where its base line lies.
 class Letters {
   public:
-    explicit Letters(const TextStyle& style)
-        : style_(style.isBold ? Gdiplus::FontStyleBold : Gdiplus::FontStyleRegular), family_(typeface),
-          font_(usable(), static_cast<float>(style.size), style_, Gdiplus::UnitPixel),
-          ascent_(style.size * usable()->GetCellAscent(style_) / usable()->GetEmHeight(style_)) {}
+    Letters(const Gdiplus::FontFamily& family, const TextStyle& style)
+        : style_(style.isBold ? Gdiplus::FontStyleBold : Gdiplus::FontStyleRegular),
+          font_(&family, static_cast<float>(style.size), style_, Gdiplus::UnitPixel),
+          ascent_(style.size * family.GetCellAscent(style_) / family.GetEmHeight(style_)) {}
 
     const Gdiplus::Font& font() const { return font_; }
     /// From the top of a line of text to its base line, in pixels.
     double ascent() const { return ascent_; }
 
   private:
-    /// A system without that typeface has some other one.
-    const Gdiplus::FontFamily* usable() const {
-        return family_.IsAvailable() ? &family_ : Gdiplus::FontFamily::GenericSansSerif();
-    }
-
     INT style_;
-    Gdiplus::FontFamily family_;
     Gdiplus::Font font_;
     double ascent_;
 };
@@ -116,7 +122,8 @@ class Layout : public Gdiplus::StringFormat {
 
 class Canvas::System {
   public:
-    System(int width, int height) : sheet(width, height, PixelFormat32bppRGB), pen(&sheet) {
+    System(int width, int height)
+        : sheet(width, height, PixelFormat32bppRGB), pen(&sheet), typeface(findTypeface()) {
         demand(sheet.GetLastStatus());
         demand(pen.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias));
         // Coordinates count from a pixel's corner, not from its middle.
@@ -126,6 +133,7 @@ class Canvas::System {
 
     Gdiplus::Bitmap sheet;
     Gdiplus::Graphics pen;
+    std::unique_ptr<Gdiplus::FontFamily> typeface;
 };
 
 Canvas::Canvas(int width, int height, Colour paper) {
@@ -170,7 +178,7 @@ void Canvas::fill(const std::vector<Point>& outline, Colour colour) {
 
 void Canvas::write(const std::string& words, Point at, double offset, const TextStyle& style,
                    Direction direction) {
-    const Letters letters(style);
+    const Letters letters(*system_->typeface, style);
     const Layout layout;
     const Gdiplus::SolidBrush ink(coloured(style.colour));
     const std::wstring text = wide(words);
@@ -184,7 +192,7 @@ void Canvas::write(const std::string& words, Point at, double offset, const Text
 }
 
 double Canvas::textWidth(const std::string& words, const TextStyle& style) {
-    const Letters letters(style);
+    const Letters letters(*system_->typeface, style);
     const Layout layout;
     const std::wstring text = wide(words);
     Gdiplus::RectF bounds;

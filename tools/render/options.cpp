@@ -203,6 +203,7 @@ Options optionsFrom(const Words& words) {
 
 std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments) {
     CLI::App app(description, "quillon-render");
+    app.allow_windows_style_options(false); // A file may be called /this, on every system.
     Words words;
     app.add_option("IN", words.input, "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo");
     app.add_option("OUT", words.output,
