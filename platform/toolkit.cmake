@@ -1,7 +1,7 @@
 # What the rooms with a window in them need of the system. Apart from `platform`, so that the rooms without one
 # do not get to see the toolkit. On the window's side of the house only.
 if(WIN32)
-  set(system_sources win32/bitmap_file.cpp win32/toolkit.cpp win32/toolkit_window.cpp)
+  set(system_sources win32/bitmap_file.cpp win32/picture_size.cpp win32/toolkit.cpp win32/toolkit_window.cpp)
   set(system_libraries ole32 user32 windowscodecs)
 else()
   pkg_check_modules(PLATFORM_TOOLKIT REQUIRED IMPORTED_TARGET xcb cairo-xcb gdk-pixbuf-2.0)

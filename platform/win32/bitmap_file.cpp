@@ -3,6 +3,8 @@
 #include "platform/files.h"
 #include "platform/toolkit.h"
 
+#include "picture_size.h"
+
 #include "vstgui/lib/cpoint.h"
 #include "vstgui/lib/platform/iplatformbitmap.h"
 #include "vstgui/lib/platform/platform_win32.h"
@@ -12,6 +14,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <vector>
 #include <wincodec.h>
 
@@ -19,12 +22,16 @@ namespace platform {
 
 namespace {
 
-constexpr double longestSide = 32767;
-constexpr double mostPixels = std::int64_t{1} << 26;
+constexpr std::int64_t longestSide = 32767;
+constexpr std::int64_t mostPixels = std::int64_t{1} << 26;
 
-bool isDrawable(const VSTGUI::CPoint& size) {
-    return size.x > 0 && size.y > 0 && size.x <= longestSide && size.y <= longestSide &&
-           size.x * size.y <= mostPixels;
+bool isDrawable(const std::optional<PictureSize>& size) {
+    return size && size->width > 0 && size->height > 0 && size->width <= longestSide &&
+           size->height <= longestSide && size->width * size->height <= mostPixels;
+}
+
+PictureSize sizeOf(const VSTGUI::IPlatformBitmap& bitmap) {
+    return {static_cast<std::int64_t>(bitmap.getSize().x), static_cast<std::int64_t>(bitmap.getSize().y)};
 }
 
 /// Whether every row can be decoded. The toolkit decodes when it draws, and a file that turns out to be torn
@@ -50,12 +57,13 @@ bool isWhole(const VSTGUI::PlatformBitmapPtr& bitmap) {
 
 VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path) {
     const auto* const factory = VSTGUI::getPlatformFactory().asWin32Factory();
-    const auto file = readWholeFile(path);
-    if (!factory->getWICImagingFactory() || !file || file->empty() ||
-        file->size() > std::numeric_limits<std::uint32_t>::max())
+    // No drawable picture is larger, whatever it is kept in.
+    constexpr std::size_t largestFile = std::numeric_limits<std::uint32_t>::max();
+    const auto file = readWholeFile(path, largestFile);
+    if (!factory->getWICImagingFactory() || !file || !isDrawable(promisedSize(*file)))
         return nullptr;
     auto bitmap = factory->createBitmapFromMemory(file->data(), static_cast<std::uint32_t>(file->size()));
-    return bitmap && isDrawable(bitmap->getSize()) && isWhole(bitmap) ? bitmap : nullptr;
+    return bitmap && isDrawable(sizeOf(*bitmap)) && isWhole(bitmap) ? bitmap : nullptr;
 }
 
 } // namespace platform
