@@ -4,6 +4,7 @@
 
 #include "host/plugin.h"
 #include "platform/private_folder.h"
+#include "support/plain_window.h"
 
 #include <atomic>
 #include <cstdint>
@@ -21,28 +22,6 @@ namespace test {
 using Pixel = std::uint32_t;
 
 enum class Button { left, right };
-
-/// Takes and dispatches what has come for the windows of this thread.
-void serveMessages();
-
-/// A top-level window that is plain and empty. Destroyed with the object.
-class PlainWindow {
-  public:
-    PlainWindow(int x, int y, int width, int height, HWND parent = nullptr,
-                const wchar_t* className = nullptr);
-    ~PlainWindow() { destroy(); }
-    PlainWindow(const PlainWindow&) = delete;
-    PlainWindow& operator=(const PlainWindow&) = delete;
-
-    HWND handle() const { return handle_; }
-    void destroy();
-
-  private:
-    HWND handle_;
-};
-
-/// The windows directly inside another one.
-std::vector<HWND> childrenOf(HWND window);
 
 /// A host's window with the editor of one instance in it.
 class ShownEditor {
