@@ -8,17 +8,11 @@ struct BiquadCoefficients {
     float b0 = 0.0f, b1 = 0.0f, b2 = 0.0f, a1 = 0.0f, a2 = 0.0f;
 };
 
-/// A second-order filter in direct form I.
-struct Biquad {
-    BiquadCoefficients coefficients;                  ///< shared
-    float y1 = 0.0f, y2 = 0.0f, x1 = 0.0f, x2 = 0.0f; ///< last outputs and inputs; audio thread
+/// The last outputs and inputs of a second-order filter in direct form I. Audio thread.
+struct BiquadState {
+    float y1 = 0.0f, y2 = 0.0f, x1 = 0.0f, x2 = 0.0f;
 
-    /// Puts new coefficients in place while audio may run. The states go on. Any thread.
-    void setCoefficients(const BiquadCoefficients& designed);
-    /// The coefficients at this moment. Any thread.
-    BiquadCoefficients loadCoefficients() const;
-
-    /// One sample through `c`. Audio thread.
+    /// One sample through `c`.
     float process(float x, const BiquadCoefficients& c) {
         const float y = (x1 * c.b1 + x * c.b0) + x2 * c.b2 - y1 * c.a1 - y2 * c.a2;
         x2 = x1;
@@ -27,6 +21,17 @@ struct Biquad {
         y1 = y;
         return y;
     }
+};
+
+/// A second-order filter.
+struct Biquad {
+    BiquadCoefficients coefficients; ///< shared
+    BiquadState state;               ///< audio thread
+
+    /// Puts new coefficients in place while audio may run. The state goes on. Any thread.
+    void setCoefficients(const BiquadCoefficients& designed);
+    /// The coefficients at this moment. Any thread.
+    BiquadCoefficients loadCoefficients() const;
 };
 
 enum class BiquadType { lowPass = 0, highPass = 1 };

@@ -34,7 +34,7 @@ void DelayEngine::startUp() {
     dcBlockRight.setSampleRate(44100.0f);
     parameters::storeShared(fadeBlockCount, 0);
     parameters::storeShared(fadeArmed, std::uint8_t{0});
-    fbSample = 0.0f;
+    feedbackPath.fbSample = 0.0f;
 }
 
 void DelayEngine::computeTapPattern(float sampleRate) {

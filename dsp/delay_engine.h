@@ -7,6 +7,7 @@
 #pragma once
 
 #include "dsp/biquad.h"
+#include "dsp/feedback_path.h"
 #include "dsp/instruction_set.h"
 #include "dsp/module_delay.h"
 #include "dsp/module_fm_op.h"
@@ -69,6 +70,7 @@ class DelayEngine {
     /// What the loop needs to know for one sub-block, read once so that the kernels work on values that stand
     /// still.
     struct Controls {
+        std::uint32_t patternEdition = PatternRecord::kNone; ///< of the tables below
         std::int32_t numTaps;
         std::int32_t interpMode;
         float stereo, mix, pan, depth, prePan;
@@ -95,20 +97,28 @@ class DelayEngine {
         alignas(64) Row dryLeft, dryRight;
         alignas(64) Row stereo, mix, pan, depth;
         alignas(64) std::array<float, kSubBlockFrames + 1> lfoOffset; ///< one more, for the sub-block after
-        alignas(64) Row filtered;
+        Sweep sweep;                                                  ///< these
+        alignas(64) Row mono;
         std::array<TapPath, kMaxTaps> tapPath;
         alignas(64) std::array<Row, kMaxTaps> tapTimeNow; ///< of the taps that glide
-        alignas(64) Row firstTap, lastTap;
+        const float *firstTap, *lastTap; ///< the two that feed back, wherever their samples stand
+        alignas(64) Row firstRow, lastRow;
         alignas(64) Row sumLeft, sumRight;
         alignas(64) Row wetLeft, wetRight;
+    };
+
+    /// What the first and the last tap read in one sample.
+    struct FedTaps {
+        float first, last;
     };
 
     void renewPattern(const PatternParameters& values, float sampleRate);
     Fade beginBlock(std::int32_t sampleFrames);
     void readControls();
+    void readPattern();
     void smoothParameters(std::int32_t frames);
     void sweep(std::int32_t frames);
-    void filterInput(std::int32_t frames);
+    void mixInput(std::int32_t frames);
     void moveTaps(std::int32_t frames);
     void glideTaps(std::span<const std::size_t> gliding, std::int32_t frames);
     void runDelay(std::int32_t frames);
@@ -116,8 +126,8 @@ class DelayEngine {
     bool readAhead(const MemoryStretch& stretch);
     template <class Reader>
     void recirculateWith(const MemoryStretch& stretch);
-    float memoryInput(float filtered);
-    void captureFeedback(float first, float last);
+    template <class ReadFedTaps>
+    void writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps);
     void sumTaps(const MemoryStretch& stretch);
     void fetchTap(const MemoryStretch& stretch, std::size_t tap) const;
     const float* readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
@@ -131,13 +141,13 @@ class DelayEngine {
     TapPattern pattern;                                         ///< shared
     PatternRecord patternRecord;                                ///< what it was computed from; shared
     ModuleDelay delay;
-    double fbLowpass = 0.0; ///< low end of the feedback signal; audio thread
-    float fbSample = 0.0f;  ///< what feeds back into the next sample; audio thread
+    FeedbackPath feedbackPath; ///< audio thread
     ModuleFMop lfo;
     Biquad preLowPass, preHighPass;
     Smoother dcBlockLeft, dcBlockRight;
     OnePole stereoSmoother, mixSmoother, panSmoother, depthSmoother; ///< audio thread
     std::array<OnePole, kMaxTaps> tapSmoother;                       ///< audio thread
+    bool tapsRest = false;           ///< no tap moves until the pattern or the mode changes; audio thread
     std::int32_t fadeBlockCount = 0; ///< blocks since the fade was armed; shared
     std::uint8_t fadeArmed = 0;      ///< a jump waits to be masked; shared
     Controls controls;               ///< audio thread

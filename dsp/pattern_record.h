@@ -52,9 +52,17 @@ class PatternRecord {
     /// The tables hold something else now. Any thread.
     void endOther() { ended.fetch_add(1); }
 
-  private:
+    /// No edition of the tables.
     static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
 
+    /// A number for the tables as they stand, or kNone while somebody rewrites them. Who copies the tables
+    /// after asking may keep the copy for as long as the number stays the same. Any thread.
+    std::uint32_t edition() const {
+        const std::uint32_t finished = ended.load();
+        return begun.load() == finished ? finished : kNone;
+    }
+
+  private:
     std::atomic<std::uint32_t> begun = 0;     ///< rewrites so far
     std::atomic<std::uint32_t> ended = 0;     ///< of these
     std::atomic<std::uint32_t> valid = kNone; ///< the last rewrite that nobody disturbed

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
 
 namespace dsp {
 
@@ -19,18 +21,18 @@ using namespace parameters;
 
 namespace {
 
-/// Added to everything that enters the memory: keeps decaying echoes out of the range where arithmetic gets
-/// slow.
-constexpr float kAntiDenormal = 1e-11f;
-
 /// From this many taps on, tap times jump: gliding all of them would cost more than it gives.
 constexpr std::int32_t kFirstCountWithoutGlide = 102;
 
 /// So many taps are on their way from far memory while one is read.
 constexpr std::size_t kTapsFetchedAhead = 8;
 constexpr std::int32_t kSamplesPerCacheLine = 16;
-/// A tap that is read between samples looks so many slots around each.
-constexpr std::int32_t kReadAround = 4;
+/// The hint to bring them into the second cache, which has room for all of them.
+constexpr int kIntoSecondCache = 2;
+/// A tap that is read between samples looks so many slots around, and the steps from line to line round off
+/// one or two.
+constexpr std::uint32_t kReadBefore = 1;
+constexpr std::uint32_t kReadBehind = 4;
 
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
@@ -59,6 +61,19 @@ const float* wholeSamples(const MemoryStretch& stretch, float time) {
     return isSilent(stretch, first, last) ? kSilence.data() : runOf(stretch, first, last, first);
 }
 
+Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
+    float least = 0.0f;
+    float most = -std::numeric_limits<float>::infinity();
+    std::int32_t strays = 0;
+    for (std::int32_t i = 0; i < frames; ++i) {
+        least = lfoOffset[i] < least ? lfoOffset[i] : least;
+        most = lfoOffset[i] > most ? lfoOffset[i] : most;
+        strays |= lfoOffset[i] <= 0.0f ? 0 : 1;
+    }
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    return strays != 0 ? Sweep{lfoOffset, none, none} : Sweep{lfoOffset, least, most};
+}
+
 float timeAt(const TapPath& path, std::int32_t frame) {
     return path.times ? path.times[frame] : path.time;
 }
@@ -79,7 +94,7 @@ void DelayEngine::processReplacing(const float* const* inputs, float* const* out
         readControls();
         smoothParameters(frames);
         sweep(frames);
-        filterInput(frames);
+        mixInput(frames);
         moveTaps(frames);
         runDelay(frames);
         shapeWet(frames, first, fade);
@@ -113,15 +128,27 @@ float DelayEngine::Fade::next(std::int32_t i) {
     return level;
 }
 
-void DelayEngine::readControls() {
+/// The tables are copied only where they are new: they are long and change seldom.
+void DelayEngine::readPattern() {
+    const std::int32_t interpMode = parameters::loadShared(delay.interpMode);
+    const std::uint32_t edition = patternRecord.edition();
+    const bool sameTables = edition == controls.patternEdition && edition != PatternRecord::kNone;
+    tapsRest = tapsRest && sameTables && interpMode == controls.interpMode;
+    controls.interpMode = interpMode;
+    if (sameTables)
+        return;
+    controls.patternEdition = edition;
     controls.numTaps = parameters::loadShared(pattern.numTaps);
-    controls.interpMode = parameters::loadShared(delay.interpMode);
     // One more than are heard: with an odd count the last pair takes in the entry behind the last tap.
     for (std::size_t tap = 0; tap < at((controls.numTaps + 1) / 2 * 2); ++tap) {
         controls.gain[tap] = parameters::loadShared(pattern.tapGain[tap]);
         controls.target[tap] = parameters::loadShared(pattern.tapTimeTarget[tap]);
     }
     controls.wetLevel = wetLevelOf(controls.gain, controls.numTaps);
+}
+
+void DelayEngine::readControls() {
+    readPattern();
     controls.stereo = parameterValue(kStereo);
     controls.mix = parameterValue(kDryWet);
     controls.pan = parameterValue(kOutPan);
@@ -153,26 +180,26 @@ void DelayEngine::sweep(std::int32_t frames) {
     for (std::int32_t i = 0; i < frames; ++i)
         block.lfoOffset[at(i + 1)] = -std::fabs((lfo.sine(phase[at(i)]) + 100.0f) * block.depth[at(i)]);
     delay.lfoOffset = block.lfoOffset[at(frames)];
+    block.sweep = sweepOf(block.lfoOffset.data(), frames);
 }
 
-void DelayEngine::filterInput(std::int32_t frames) {
-    for (std::int32_t i = 0; i < frames; ++i) {
-        const float mono =
+void DelayEngine::mixInput(std::int32_t frames) {
+    for (std::int32_t i = 0; i < frames; ++i)
+        block.mono[at(i)] =
             (1.0f - controls.prePan) * block.dryLeft[at(i)] + controls.prePan * block.dryRight[at(i)];
-        block.filtered[at(i)] =
-            preHighPass.process(preLowPass.process(mono, controls.lowPass), controls.highPass);
-    }
 }
 
 /// A tap at rest has one time for the whole sub-block; only those on their way need a row.
 void DelayEngine::moveTaps(std::int32_t frames) {
+    if (tapsRest)
+        return;
     const bool glides = controls.interpMode != kWholeSamples && controls.numTaps < kFirstCountWithoutGlide;
     std::array<std::size_t, kMaxTaps> gliding;
     std::size_t count = 0;
     for (std::size_t tap = 0; tap < at(controls.numTaps); ++tap) {
         const float target = controls.target[tap];
         TapPath& path = block.tapPath[tap];
-        path = {nullptr, target, block.lfoOffset.data()};
+        path = {nullptr, target};
         if (!glides)
             continue;
         if (!OnePole::opens(target))
@@ -184,6 +211,7 @@ void DelayEngine::moveTaps(std::int32_t frames) {
     }
     for (std::size_t first = 0; first < count; first += kGlideLanes)
         glideTaps({gliding.data() + first, std::min<std::size_t>(kGlideLanes, count - first)}, frames);
+    tapsRest = count == 0;
 }
 
 /// Up to kGlideLanes taps at once: each sample of a glide waits for the one before, so glides go side by
@@ -215,88 +243,79 @@ void DelayEngine::runDelay(std::int32_t frames) {
 /// Writes the input and what the first and the last tap feed back. Where these two read nothing that the
 /// sub-block itself writes, they are read before; else each sample has to wait for the one before it.
 void DelayEngine::recirculate(const MemoryStretch& stretch) {
-    if (!readAhead(stretch)) {
-        if (controls.interpMode == kWholeSamples)
-            recirculateWith<WholeSampleReader>(stretch);
-        else if (controls.interpMode == kLinear)
-            recirculateWith<LinearReader>(stretch);
-        else
-            recirculateWith<CubicReader>(stretch);
-        return;
-    }
-    float* const slots = delay.samples.data() + stretch.start;
-    for (std::int32_t i = 0; i < stretch.frames; ++i) {
-        slots[i] = memoryInput(block.filtered[at(i)]);
-        captureFeedback(block.firstTap[at(i)], block.lastTap[at(i)]);
-    }
+    if (readAhead(stretch))
+        writeMemory(stretch, [&](std::int32_t i) { return FedTaps{block.firstTap[i], block.lastTap[i]}; });
+    else if (controls.interpMode == kWholeSamples)
+        recirculateWith<WholeSampleReader>(stretch);
+    else if (controls.interpMode == kLinear)
+        recirculateWith<LinearReader>(stretch);
+    else
+        recirculateWith<CubicReader>(stretch);
 }
 
 bool DelayEngine::readAhead(const MemoryStretch& stretch) {
     const std::size_t last = at(controls.numTaps - 1);
-    const float* const firstTap = readTapAtOnce(stretch, 0, block.firstTap);
-    const float* const lastTap =
-        last > 0 && firstTap ? readTapAtOnce(stretch, last, block.lastTap) : firstTap;
-    if (!firstTap || !lastTap)
-        return false;
-    if (firstTap != block.firstTap.data())
-        std::copy_n(firstTap, stretch.frames, block.firstTap.begin());
-    if (lastTap != block.lastTap.data())
-        std::copy_n(lastTap, stretch.frames, block.lastTap.begin());
-    return true;
+    block.firstTap = readTapAtOnce(stretch, 0, block.firstRow);
+    block.lastTap = last > 0 && block.firstTap ? readTapAtOnce(stretch, last, block.lastRow) : block.firstTap;
+    return block.lastTap;
 }
 
 template <class Reader>
 void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
-    float* const slots = delay.samples.data() + stretch.start;
     const TapPath& first = block.tapPath[0];
     const TapPath& last = block.tapPath[at(controls.numTaps - 1)];
-    for (std::int32_t i = 0; i < stretch.frames; ++i) {
-        slots[i] = memoryInput(block.filtered[at(i)]);
+    writeMemory(stretch, [&](std::int32_t i) {
         const MemoryMoment moment{stretch, i};
-        block.firstTap[at(i)] = Reader::read(moment, timeAt(first, i), first.lfoOffset[i]);
-        block.lastTap[at(i)] = Reader::read(moment, timeAt(last, i), last.lfoOffset[i]);
-        captureFeedback(block.firstTap[at(i)], block.lastTap[at(i)]);
+        block.firstRow[at(i)] = Reader::read(moment, timeAt(first, i), block.lfoOffset[at(i)]);
+        block.lastRow[at(i)] = Reader::read(moment, timeAt(last, i), block.lfoOffset[at(i)]);
+        return FedTaps{block.firstRow[at(i)], block.lastRow[at(i)]};
+    });
+    block.firstTap = block.firstRow.data();
+    block.lastTap = block.lastRow.data();
+}
+
+/// Filters the input and writes it with the feedback. Each of the two filters and the feedback needs its own
+/// last result for the next; in one loop they do not wait for each other. They work on copies of their
+/// states, which no store into the memory can reach.
+template <class ReadFedTaps>
+void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps) {
+    float* const slots = delay.samples.data() + stretch.start;
+    BiquadState lowPass = preLowPass.state;
+    BiquadState highPass = preHighPass.state;
+    FeedbackPath feedback = feedbackPath;
+    for (std::int32_t i = 0; i < stretch.frames; ++i) {
+        const float low = lowPass.process(block.mono[at(i)], controls.lowPass);
+        const float filtered = highPass.process(low, controls.highPass);
+        slots[i] = feedback.memoryInput(filtered, controls.feedback);
+        const FedTaps fed = readFedTaps(i);
+        feedback.capture(fed.first, fed.last);
     }
+    preLowPass.state = lowPass;
+    preHighPass.state = highPass;
+    feedbackPath = feedback;
 }
 
-/// What goes into the memory: the input and the feedback less its low end.
-float DelayEngine::memoryInput(float filtered) {
-    const double fed = static_cast<double>(controls.feedback * fbSample);
-    fbLowpass = fbLowpass * 0.997 + fed * 0.003;
-    // Flushed by a look at the lower half of the number: the state drops to zero now and then even under a
-    // live signal, and every project that feeds back has that in its sound.
-    if ((std::bit_cast<std::uint64_t>(fbLowpass) & 0x7F800000u) == 0)
-        fbLowpass = 0.0;
-    return static_cast<float>((fed - fbLowpass) + static_cast<double>(filtered) +
-                              static_cast<double>(kAntiDenormal));
-}
-
-/// The first and the last tap feed back, as they were read. While the first is silent, the last value is
-/// held.
-void DelayEngine::captureFeedback(float first, float last) {
-    if (std::fabs(first) > kAntiDenormal)
-        fbSample = first + last - kAntiDenormal;
-    if ((std::bit_cast<std::uint32_t>(fbSample) & 0x7F800000u) == 0)
-        fbSample = 0.0f;
-}
-
-/// Asks the processor to bring a tap's part of the memory near. A hundred taps all over 16 MiB are more
-/// streams than it finds out about by itself. Always inlined: a compiler sees no effect in it and drops its
-/// calls.
+/// Asks the processor to bring near what a tap will read. A hundred taps all over 16 MiB are more streams
+/// than it finds out about by itself. Always inlined: a compiler sees no effect in it and drops its calls.
 [[gnu::always_inline]] inline void DelayEngine::fetchTap(const MemoryStretch& stretch,
                                                          std::size_t tap) const {
     // Whole samples are read without waiting for anything: the loop itself is ahead of the memory.
     if (controls.interpMode == kWholeSamples)
         return;
-    const TapPath& path = block.tapPath[tap];
-    const float delayed = timeAt(path, 0) - path.lfoOffset[0];
     // Without a sign, so that a wild time only leads to the wrong place.
-    const std::uint32_t back = static_cast<std::uint32_t>(trunc(delayed));
-    const std::uint32_t slot = (static_cast<std::uint32_t>(stretch.start) - back) & kDelayMask;
-    const float* const first = stretch.samples + slot;
-    for (std::int32_t ahead = 0; ahead < stretch.frames; ahead += kSamplesPerCacheLine)
-        __builtin_prefetch(first + ahead);
-    __builtin_prefetch(first + stretch.frames + kReadAround);
+    const auto slotAt = [&](std::int32_t i) {
+        const float delayed = timeAt(block.tapPath[tap], i) - block.lfoOffset[at(i)];
+        return static_cast<std::uint32_t>(stretch.start + i) - static_cast<std::uint32_t>(trunc(delayed));
+    };
+    // Within a sub-block a glide is as good as straight.
+    const std::uint32_t first = slotAt(0) - kReadBefore;
+    const std::uint32_t last = slotAt(stretch.frames - 1) + kReadBehind;
+    const auto way = static_cast<std::int32_t>(last - first);
+    const std::int32_t steps = std::min(stretch.frames, std::abs(way / kSamplesPerCacheLine) + 1);
+    for (std::int32_t step = 0; step <= steps; ++step) {
+        const std::uint32_t slot = first + static_cast<std::uint32_t>(way / steps * step);
+        __builtin_prefetch(stretch.samples + (slot & kDelayMask), 0, kIntoSecondCache);
+    }
 }
 
 /// Adds up all taps in their order; even taps sound left, odd taps right.
@@ -312,9 +331,9 @@ void DelayEngine::sumTaps(const MemoryStretch& stretch) {
             fetchTap(stretch, tap + kTapsFetchedAhead);
         const float* echo;
         if (tap == 0)
-            echo = block.firstTap.data();
+            echo = block.firstTap;
         else if (tap == last)
-            echo = block.lastTap.data();
+            echo = block.lastTap;
         else
             echo = readTap(stretch, tap, row);
         Row& sum = tap % 2 == 0 ? block.sumLeft : block.sumRight;
@@ -344,7 +363,7 @@ const float* DelayEngine::readTapAtOnce(const MemoryStretch& stretch, std::size_
     if (controls.interpMode == kWholeSamples)
         return wholeSamples(stretch, path.time);
     const auto read = controls.interpMode == kLinear ? kernels->readLinear : kernels->readCubic;
-    switch (read(stretch, path, row.data())) {
+    switch (read(stretch, block.sweep, path, row.data())) {
     case TapRead::done:
         return row.data();
     case TapRead::silence:
@@ -358,7 +377,7 @@ void DelayEngine::readTapCarefully(const MemoryStretch& stretch, std::size_t tap
     const TapPath& path = block.tapPath[tap];
     const auto readWith = [&](auto reader) {
         for (std::int32_t i = 0; i < stretch.frames; ++i)
-            row[at(i)] = reader.read(MemoryMoment{stretch, i}, timeAt(path, i), path.lfoOffset[i]);
+            row[at(i)] = reader.read(MemoryMoment{stretch, i}, timeAt(path, i), block.lfoOffset[at(i)]);
     };
     if (controls.interpMode == kWholeSamples)
         readWith(WholeSampleReader{});
@@ -368,12 +387,21 @@ void DelayEngine::readTapCarefully(const MemoryStretch& stretch, std::size_t tap
         readWith(CubicReader{});
 }
 
+/// Lifts thin patterns, fades where the taps have jumped, and takes the DC out, left and right side by side.
 void DelayEngine::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade) {
+    Row norm;
+    for (std::int32_t i = 0; i < frames; ++i)
+        norm[at(i)] = controls.wetLevel * fade.next(firstFrame + i);
+    float left = dcBlockLeft.state;
+    float right = dcBlockRight.state;
     for (std::int32_t i = 0; i < frames; ++i) {
-        const float norm = controls.wetLevel * fade.next(firstFrame + i);
-        block.wetLeft[at(i)] = dcBlockLeft.process(block.sumLeft[at(i)] * norm, controls.dcRadiansLeft);
-        block.wetRight[at(i)] = dcBlockRight.process(norm * block.sumRight[at(i)], controls.dcRadiansRight);
+        const float wetLeft = block.sumLeft[at(i)] * norm[at(i)];
+        const float wetRight = norm[at(i)] * block.sumRight[at(i)];
+        block.wetLeft[at(i)] = Smoother::process(left, wetLeft, controls.dcRadiansLeft);
+        block.wetRight[at(i)] = Smoother::process(right, wetRight, controls.dcRadiansRight);
     }
+    dcBlockLeft.state = left;
+    dcBlockRight.state = right;
 }
 
 /// "Stereo" crosses the wet pair over, "Out Pan" weighs it, "Dry Wet" blends it with the untouched input.

@@ -13,8 +13,9 @@ struct Smoother {
     /// Any thread. `sampleRate` in Hz.
     void setSampleRate(float sampleRate) { parameters::storeShared(radiansPerSample, 6.28319f / sampleRate); }
 
-    /// One sample. `radians` is radiansPerSample as it stood at the start of the sub-block. Audio thread.
-    float process(float w, float radians) {
+    /// One sample of a signal whose low-passed self is `state`. `radians` is radiansPerSample as it stood at
+    /// the start of the sub-block. Audio thread.
+    static float process(float& state, float w, float radians) {
         state = (w - state) * radians * 32.0f + state;
         return w - state;
     }

@@ -3,6 +3,8 @@
 // richer one's form and stop a plainer processor.
 #include "dsp/tap_kernels.h"
 
+#include <cstring>
+
 namespace dsp::INSTRUCTION_SET {
 
 namespace {
@@ -24,22 +26,36 @@ struct Positions {
     std::int32_t leastDrift, mostDrift;
 };
 
-/// The formula of readPosition. A position outside the memory, or none at all, gives a slot below the first
-/// or behind the last, which nobody reads as a run.
+/// Whether the tap stays within the memory for the whole sub-block. If so, `turn` is what brings its
+/// positions there: nothing, or once around.
+bool staysInside(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float& turn) {
+    const std::int32_t end = memory.frames - 1;
+    const float begin = path.times ? path.times[0] : path.time;
+    const float arrival = path.times ? path.times[end] : path.time;
+    const float shortest = begin < arrival ? begin : arrival;
+    const float longest = begin < arrival ? arrival : begin;
+    // Rounding keeps the order, so these bound each position however it is rounded.
+    float earliest = memory.writePositions[0] - longest + sweep.least;
+    float latest = memory.writePositions[end] - shortest + sweep.most;
+    turn = latest < 0.0f ? kMemoryLength : 0.0f;
+    earliest += turn;
+    latest += turn;
+    return memory.writePositions[end] > 0.0f && earliest >= 0.0f && latest < kMemoryLength;
+}
+
+/// The formula of readPosition, where staysInside has found the turn.
 template <bool moving, class Length>
-void findPositions(const MemoryStretch& memory, const TapPath& path, Length frames,
-                   Positions& __restrict positions) {
+void findPositions(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float turn,
+                   Length frames, Positions& __restrict positions) {
     const float* const writePositions = memory.writePositions;
     const float* const times = path.times;
-    const float* const lfoOffset = path.lfoOffset;
+    const float* const lfoOffset = sweep.lfoOffset;
     const float time = path.time;
     std::int32_t leastDrift = INT32_MAX;
     std::int32_t mostDrift = INT32_MIN;
     for (std::int32_t i = 0; i < frames; ++i) {
-        float p = writePositions[i] - (moving ? times[i] : time) + lfoOffset[i];
-        p = p < 0.0f ? p + kMemoryLength : p;
-        const float low = p > 0.0f ? p : 0.0f;
-        const std::int32_t whole = static_cast<std::int32_t>(low < kMemoryLength ? low : kMemoryLength);
+        const float p = writePositions[i] - (moving ? times[i] : time) + lfoOffset[i] + turn;
+        const std::int32_t whole = static_cast<std::int32_t>(p);
         const std::int32_t drift = whole - i;
         positions.fraction[i] = p - static_cast<float>(whole);
         positions.drift[i] = drift;
@@ -126,23 +142,28 @@ bool readSlipping(const float* run, const Positions& at, Length frames, float* r
     return strays == 0;
 }
 
-/// Slots go anywhere, as in a fast glide.
+/// Slots go anywhere, as in a fast glide. What is around each is brought together first: that waits for many
+/// far parts of the memory at a time.
 template <Interpolation interpolate, class Length>
 void readScattered(const float* samples, const Positions& at, Length frames, float* __restrict row) {
-    for (std::int32_t i = 0; i < frames; ++i) {
-        const std::int32_t slot = at.drift[i] + i;
-        row[i] = interpolate({samples[slot - 1], samples[slot], samples[slot + 1], samples[slot + 2]},
-                             at.fraction[i]);
-    }
+    alignas(64) Points points[kSubBlockFrames];
+    for (std::int32_t i = 0; i < frames; ++i)
+        std::memcpy(&points[i], samples + (at.drift[i] + i - 1), sizeof(Points));
+    for (std::int32_t i = 0; i < frames; ++i)
+        row[i] = interpolate(points[i], at.fraction[i]);
 }
 
 template <Interpolation interpolate, class Length>
-TapRead read(const MemoryStretch& memory, const TapPath& path, Length frames, float* row) {
+TapRead read(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, Length frames,
+             float* row) {
+    float turn;
+    if (!staysInside(memory, sweep, path, turn))
+        return TapRead::refused;
     Positions at;
     if (path.times)
-        findPositions<true>(memory, path, frames, at);
+        findPositions<true>(memory, sweep, path, turn, frames, at);
     else
-        findPositions<false>(memory, path, frames, at);
+        findPositions<false>(memory, sweep, path, turn, frames, at);
     const std::int32_t first = at.leastDrift - 1;
     const std::int32_t newest = at.mostDrift + 2;
     const std::int32_t last = newest + frames - 1;
@@ -158,14 +179,14 @@ TapRead read(const MemoryStretch& memory, const TapPath& path, Length frames, fl
     return TapRead::done;
 }
 
-TapRead readCubic(const MemoryStretch& memory, const TapPath& path, float* row) {
-    return atItsLength<kSubBlockFrames>(memory.frames,
-                                        [&](auto frames) { return read<cubic>(memory, path, frames, row); });
+TapRead readCubic(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float* row) {
+    return atItsLength<kSubBlockFrames>(
+        memory.frames, [&](auto frames) { return read<cubic>(memory, sweep, path, frames, row); });
 }
 
-TapRead readLinear(const MemoryStretch& memory, const TapPath& path, float* row) {
-    return atItsLength<kSubBlockFrames>(memory.frames,
-                                        [&](auto frames) { return read<linear>(memory, path, frames, row); });
+TapRead readLinear(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float* row) {
+    return atItsLength<kSubBlockFrames>(
+        memory.frames, [&](auto frames) { return read<linear>(memory, sweep, path, frames, row); });
 }
 
 void addTap(float* __restrict sum, const float* __restrict tap, float gain, std::int32_t frames) {

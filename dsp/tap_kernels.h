@@ -61,11 +61,16 @@ static inline bool isSilent(const MemoryStretch& memory, std::int32_t first, std
     return first >= memory.written && first > memory.start && last < kMemorySlots;
 }
 
+/// Where the sweep moves all taps in each sample of a sub-block.
+struct Sweep {
+    const float* lfoOffset; ///< a row, in samples
+    float least, most;      ///< of the row; not numbers where one of it is none
+};
+
 /// Where a tap is in each sample of a sub-block.
 struct TapPath {
-    const float* times; ///< a row, or null where the tap stands still
+    const float* times; ///< a row that rises or falls, or null where the tap stands still
     float time;         ///< in samples, where it does
-    const float* lfoOffset;
 };
 
 /// What became of an attempt to read a tap over a whole sub-block.
@@ -78,8 +83,8 @@ enum class TapRead {
 /// The loops of one instruction set. Rows are kSubBlockFrames long, 64-byte aligned and not the same.
 struct TapKernels {
     const char* instructionSet;
-    TapRead (*readCubic)(const MemoryStretch&, const TapPath&, float* row);
-    TapRead (*readLinear)(const MemoryStretch&, const TapPath&, float* row);
+    TapRead (*readCubic)(const MemoryStretch&, const Sweep&, const TapPath&, float* row);
+    TapRead (*readLinear)(const MemoryStretch&, const Sweep&, const TapPath&, float* row);
     /// sum += tap * gain. `tap` may lie anywhere.
     void (*addTap)(float* sum, const float* tap, float gain, std::int32_t frames);
     /// kGlideLanes glides side by side: z = step + a * z for each of `frames` samples, into a row for each.

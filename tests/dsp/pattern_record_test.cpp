@@ -57,4 +57,37 @@ TEST(PatternRecord, HoldsNothingAfterTwoRewritesAtOnceWhicheverEndsFirst) {
     }
 }
 
+TEST(PatternRecord, KeepsItsEditionForAsLongAsNobodyRewritesTheTables) {
+    PatternRecord record;
+    EXPECT_EQ(record.edition(), record.edition());
+    EXPECT_NE(record.edition(), PatternRecord::kNone);
+    const std::uint32_t before = record.edition();
+    record.endComputed(record.begin(), kLong);
+    EXPECT_NE(record.edition(), before);
+    EXPECT_EQ(record.edition(), record.edition());
+}
+
+TEST(PatternRecord, TakesAnotherEditionAlsoForTheSameTables) {
+    PatternRecord record;
+    record.endComputed(record.begin(), kLong);
+    const std::uint32_t before = record.edition();
+    record.endComputed(record.begin(), kLong);
+    EXPECT_NE(record.edition(), before);
+    const std::uint32_t computed = record.edition();
+    static_cast<void>(record.begin());
+    record.endOther();
+    EXPECT_NE(record.edition(), computed);
+}
+
+TEST(PatternRecord, HasNoEditionWhileAnybodyRewritesTheTables) {
+    PatternRecord record;
+    const auto first = record.begin();
+    EXPECT_EQ(record.edition(), PatternRecord::kNone);
+    const auto second = record.begin();
+    record.endComputed(first, kLong);
+    EXPECT_EQ(record.edition(), PatternRecord::kNone);
+    record.endComputed(second, kShort);
+    EXPECT_NE(record.edition(), PatternRecord::kNone);
+}
+
 } // namespace
