@@ -4,9 +4,11 @@
 #include "midi/cc_map.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_table.h"
+#include "platform/large_pages.h"
 #include "platform/module_folder.h"
 
 #include <cstring>
+#include <new>
 #include <string_view>
 
 namespace plugin {
@@ -52,6 +54,16 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
     startUp();
     if (programs.size() > 0)
         setProgram(0);
+}
+
+void* velmo_delay::operator new(std::size_t size) {
+    void* const memory = ::operator new (size, std::align_val_t{platform::kLargePage});
+    platform::preferLargePages(memory, size);
+    return memory;
+}
+
+void velmo_delay::operator delete(void* memory) {
+    ::operator delete (memory, std::align_val_t{platform::kLargePage});
 }
 
 velmo_delay::~velmo_delay() {

@@ -42,6 +42,10 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     /// Writes the controller map to the current directory.
     ~velmo_delay() override;
 
+    /// In large pages, where the system grants them: the taps read all over the delay memory.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory);
+
     void resume() override;
     void setSampleRate(float rate) override;
     void setBlockSize(std::int32_t frames) override { blockSize = frames; }
