@@ -1,7 +1,6 @@
 #include "support/scratch_folder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -11,10 +10,10 @@
 namespace files = std::filesystem;
 
 ScratchFolder::ScratchFolder() {
-    std::string name = (files::temp_directory_path() / "quillon-test-XXXXXX").string();
-    if (!mkdtemp(name.data()))
+    std::random_device random;
+    path_ = files::temp_directory_path() / ("quillon-test-" + std::to_string(random()));
+    if (!files::create_directory(path_))
         throw std::runtime_error("no scratch folder can be made");
-    path_ = name;
 }
 
 ScratchFolder::~ScratchFolder() {

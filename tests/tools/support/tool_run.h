@@ -3,11 +3,12 @@
 
 #include "support/scratch_folder.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 struct ToolResult {
-    int exitCode = -1; ///< -1 if a signal ended it
+    int exitCode = -1; ///< -1 if a signal, or on Windows an exception of the system, ended it
     std::string out;
     std::string err;
 
@@ -15,7 +16,7 @@ struct ToolResult {
     std::vector<std::string> errorLines() const;
 };
 
-/// Where the child's standard error goes.
+/// Where the child's standard error goes. There are terminals and signals on Linux alone.
 enum class ErrorEnd { file, terminal };
 
 /// Runs the tool in `folder` with these arguments and waits for it.
@@ -38,6 +39,6 @@ class RunningTool {
     std::string readTerminal();
 
     ScratchFolder own_;
-    int process_ = -1;
+    std::intptr_t process_ = -1; ///< the system's name for it
     int terminal_ = -1;
 };

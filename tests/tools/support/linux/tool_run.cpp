@@ -72,15 +72,15 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
 
 RunningTool::~RunningTool() {
     if (process_ > 0) {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
+        kill(static_cast<pid_t>(process_), SIGKILL);
+        waitpid(static_cast<pid_t>(process_), nullptr, 0);
     }
     if (terminal_ >= 0)
         close(terminal_);
 }
 
 void RunningTool::send(int signal) {
-    kill(process_, signal);
+    kill(static_cast<pid_t>(process_), signal);
 }
 
 ToolResult RunningTool::wait() {
@@ -88,7 +88,7 @@ ToolResult RunningTool::wait() {
     if (terminal_ >= 0)
         result.err = readTerminal();
     int status = 0;
-    waitpid(process_, &status, 0);
+    waitpid(static_cast<pid_t>(process_), &status, 0);
     process_ = -1;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = textOf(own_.file("out"));
