@@ -1,8 +1,9 @@
-// The message box as the system shows it, looked at and pressed from another thread, since it keeps its own.
+// The message box as the system shows it.
 
 #include "platform/message_box.h"
 
 #include "../child_process.h"
+#include "shown_box.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -15,75 +16,13 @@ namespace {
 
 using platform::MessageIcon;
 using platform::MessageLook;
+using test::textOf;
 
-std::string textOf(HWND window) {
-    char text[1024] = "";
-    GetWindowTextA(window, text, sizeof text);
-    return text;
-}
-
-std::string classOf(HWND window) {
-    char name[64] = "";
-    GetClassNameA(window, name, sizeof name);
-    return name;
-}
-
-bool isIcon(HWND window) {
-    return classOf(window) == "Static" && (GetWindowLongA(window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
-}
-
-/// A message that another thread shows, and its box. The box is acknowledged at the latest with the end.
-class ShownMessage {
+/// The box of a message.
+class ShownMessage : public test::ShownBox {
   public:
     ShownMessage(const char* text, const char* caption, const MessageLook& look = {})
-        : shower_([=, this] {
-              platform::showMessage(text, caption, look);
-              isOver_ = true;
-          }) {
-        const bool found = test::waitUntil([&] {
-            box_ = FindWindowA("#32770", caption);
-            return box_ && IsWindowVisible(box_) && !children("Button").empty();
-        });
-        EXPECT_TRUE(found) << "no box titled " << caption;
-    }
-    ~ShownMessage() {
-        press();
-        shower_.join();
-    }
-    ShownMessage(const ShownMessage&) = delete;
-    ShownMessage& operator=(const ShownMessage&) = delete;
-
-    HWND box() const { return box_; }
-    bool isOver() const { return isOver_; }
-
-    /// What is to be seen in it, of one class.
-    std::vector<HWND> children(const std::string& className) const {
-        std::vector<HWND> found;
-        for (HWND child = GetWindow(box_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
-            if (classOf(child) == className && IsWindowVisible(child))
-                found.push_back(child);
-        return found;
-    }
-    /// The icon that it shows; null for none.
-    HICON icon() const {
-        for (HWND child : children("Static"))
-            if (isIcon(child))
-                return reinterpret_cast<HICON>(SendMessageA(child, STM_GETICON, 0, 0));
-        return nullptr;
-    }
-    std::vector<std::string> texts() const {
-        std::vector<std::string> found;
-        for (HWND child : children("Static"))
-            if (!isIcon(child))
-                found.push_back(textOf(child));
-        return found;
-    }
-    void press() const { PostMessageA(box_, WM_COMMAND, IDOK, 0); }
-
-  private:
-    HWND box_ = nullptr;
-    std::atomic<bool> isOver_ = false;
-    std::thread shower_;
+        : ShownBox([=] { platform::showMessage(text, caption, look); }, caption) {}
 };
 
 /// A window with a child, as a host's and an editor's, made and served by a thread of their own.
@@ -122,10 +61,10 @@ class HostAndEditor {
 
 TEST(MessageWindow, HasTheTextTheCaptionAndOneButton) {
     const ShownMessage message("Default bank error: file not found", "Preset loader");
-    EXPECT_EQ(textOf(message.box()), "Preset loader");
+    EXPECT_EQ(textOf(message.window()), "Preset loader");
     EXPECT_EQ(message.texts(), std::vector<std::string>{"Default bank error: file not found"});
-    ASSERT_EQ(message.children("Button").size(), 1u);
-    EXPECT_EQ(GetDlgCtrlID(message.children("Button")[0]), IDOK);
+    ASSERT_EQ(message.buttons().size(), 1u);
+    EXPECT_EQ(GetDlgCtrlID(message.buttons()[0]), IDOK);
 }
 
 TEST(MessageWindow, KeepsTheLinesOfItsText) {
@@ -139,14 +78,14 @@ TEST(MessageWindow, KeepsTheLinesOfItsText) {
 
 TEST(MessageWindow, BelongsToNobodyAndHasNoIcon) {
     const ShownMessage message("text", "caption");
-    EXPECT_EQ(GetWindow(message.box(), GW_OWNER), nullptr);
+    EXPECT_EQ(message.owner(), nullptr);
     EXPECT_EQ(message.icon(), nullptr);
 }
 
 TEST(MessageWindow, ShowsTheIconOfAnError) {
     const ShownMessage message("Missing tag x for object knob", "Skin Error", {.icon = MessageIcon::error});
     EXPECT_EQ(message.icon(), LoadIconA(nullptr, IDI_HAND));
-    EXPECT_EQ(GetWindow(message.box(), GW_OWNER), nullptr);
+    EXPECT_EQ(message.owner(), nullptr);
     EXPECT_EQ(message.texts(), std::vector<std::string>{"Missing tag x for object knob"});
 }
 
@@ -154,9 +93,9 @@ TEST(MessageWindow, BelongsToTheWindowAroundTheOneThatItIsGiven) {
     const HostAndEditor windows;
     {
         const ShownMessage message("text", "owned", {.owner = windows.editor()});
-        EXPECT_EQ(GetAncestor(GetWindow(message.box(), GW_OWNER), GA_ROOT), windows.host());
+        EXPECT_EQ(GetAncestor(message.owner(), GA_ROOT), windows.host());
         EXPECT_EQ(message.icon(), nullptr);
-        EXPECT_FALSE(IsWindowEnabled(GetWindow(message.box(), GW_OWNER))) << "the owner rests meanwhile";
+        EXPECT_FALSE(IsWindowEnabled(message.owner())) << "the owner rests meanwhile";
     }
     EXPECT_TRUE(IsWindowEnabled(windows.host()));
     EXPECT_TRUE(IsWindowEnabled(windows.editor()));
@@ -165,22 +104,21 @@ TEST(MessageWindow, BelongsToTheWindowAroundTheOneThatItIsGiven) {
 TEST(MessageWindow, HoldsItsCallerUntilItIsAcknowledged) {
     const ShownMessage message("text", "waiting");
     EXPECT_FALSE(message.isOver());
-    EXPECT_EQ(SendMessageA(message.box(), WM_NULL, 0, 0), 0);
+    EXPECT_EQ(SendMessageA(message.window(), WM_NULL, 0, 0), 0);
     EXPECT_FALSE(message.isOver()) << "although it is being served";
-    message.press();
-    EXPECT_TRUE(test::waitUntil([&] { return message.isOver(); }));
-    EXPECT_FALSE(IsWindow(message.box()));
+    EXPECT_TRUE(message.acknowledge());
+    EXPECT_FALSE(IsWindow(message.window()));
 }
 
 TEST(MessageWindow, GoesByItsButtonAndByTheKeysOfADialog) {
     {
         const ShownMessage message("text", "button");
-        PostMessageA(message.children("Button")[0], BM_CLICK, 0, 0);
+        PostMessageA(message.buttons()[0], BM_CLICK, 0, 0);
         EXPECT_TRUE(test::waitUntil([&] { return message.isOver(); }));
     }
     for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
         const ShownMessage message("text", "key");
-        PostMessageA(message.children("Button")[0], WM_KEYDOWN, key, 0);
+        PostMessageA(message.buttons()[0], WM_KEYDOWN, key, 0);
         EXPECT_TRUE(test::waitUntil([&] { return message.isOver(); })) << key;
     }
 }

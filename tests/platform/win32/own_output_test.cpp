@@ -3,7 +3,6 @@
 #include "../child_process.h"
 
 #include <gtest/gtest.h>
-#include <windows.h>
 
 namespace {
 
@@ -40,17 +39,6 @@ TEST(OwnOutput, KnowsATerminalFromAFileAndFromNowhere) {
     ASSERT_NE(nowhere, nullptr);
     EXPECT_FALSE(platform::isTerminal(nowhere)) << "nobody reads there";
     std::fclose(nowhere);
-}
-
-TEST(OwnOutput, KnowsAConsole) {
-    const bool hadConsole = !AllocConsole();
-    std::FILE* console = std::fopen("CONOUT$", "w");
-    if (!console)
-        GTEST_SKIP() << "there is no console here";
-    EXPECT_TRUE(platform::isTerminal(console));
-    std::fclose(console);
-    if (!hadConsole)
-        FreeConsole();
 }
 
 } // namespace

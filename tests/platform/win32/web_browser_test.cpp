@@ -32,9 +32,10 @@ class WebBrowser : public testing::Test {
 
     /// What the browser has written down, once it has.
     std::string note() const {
-        const bool written = test::waitUntil([this] { return platform::fileExists(notePath); });
-        const auto content = platform::readWholeFile(notePath);
-        return written && content ? std::string(content->begin(), content->end()) : "nothing";
+        std::optional<std::vector<unsigned char>> content;
+        // There, it may still be held for a moment by the program that has put it there.
+        test::waitUntil([&] { return (content = platform::readWholeFile(notePath)).has_value(); });
+        return content ? std::string(content->begin(), content->end()) : "nothing";
     }
 
     std::string expectedNote() const {
@@ -69,7 +70,7 @@ TEST_F(WebBrowser, IsNotStartedTwice) {
     makeBrowserKnownAs('"' + browser + '"');
     platform::openInBrowser(argument);
     EXPECT_EQ(note(), expectedNote());
-    ASSERT_TRUE(DeleteFileA(notePath.c_str()));
+    ASSERT_TRUE(test::waitUntil([this] { return DeleteFileA(notePath.c_str()) != 0; }));
     platform::openInBrowser("\"second\"");
     EXPECT_EQ(note().substr(0, 8), "[second]");
 }
