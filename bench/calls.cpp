@@ -2,6 +2,7 @@
 
 #include "bench/contest.h"
 #include "bench/player.h"
+#include "dsp/delay_engine.h"
 #include "platform/measuring.h"
 #include "reference_engine.h"
 
@@ -51,6 +52,19 @@ class BuiltInstance {
     host::Plugin plugin_;
 };
 
+/// The effect's engine without what surrounds it: neither skin nor bank.
+class BuiltEngine {
+  public:
+    BuiltEngine(const std::string&, const std::vector<std::uint8_t>&)
+        : engine_(std::make_unique<dsp::DelayEngine>()) {
+        engine_->startUp();
+        engine_->computeTapPattern(44100.0f);
+    }
+
+  private:
+    std::unique_ptr<dsp::DelayEngine> engine_;
+};
+
 class ReferenceInstance {
   public:
     ReferenceInstance(const std::string&, const std::vector<std::uint8_t>& bank)
@@ -71,10 +85,10 @@ class ReferenceInstance {
 };
 
 /// Makes the measured thing for the built effect and for the reference, and lets the two compete.
-template <template <class> class Work>
+template <template <class> class Work, class Built = BuiltInstance>
 Result compete(const CallCase& call, const std::string& library) {
     const std::vector<std::uint8_t> bank = factoryBank(library);
-    Work<BuiltInstance> built(library, bank, call.argument);
+    Work<Built> built(library, bank, call.argument);
     Work<ReferenceInstance> other(library, bank, call.argument);
     const std::vector<double> medians = medianNanoseconds({built.contestant(), other.contestant()});
     return {section::kCalls, call.name, kReference, medians[0], medians[1]};
@@ -178,6 +192,8 @@ class Setting {
 std::vector<CallCase> callCases() {
     return {{"one new instance", compete<Construction>, 1},
             {"one of fifty new instances", compete<Construction>, 50},
+            {"one new engine, without skin and bank", compete<Construction, BuiltEngine>, 1},
+            {"one of fifty new engines, without skin and bank", compete<Construction, BuiltEngine>, 50},
             {"change of program and a block of 64, little written", compete<ProgramChange>, kBlock},
             {"change of program and a block of 64, all written", compete<ProgramChange>, kMemoryFrames},
             {"resume and a block of 64, little written", compete<Resume>, kBlock},

@@ -101,12 +101,13 @@ void printRow(std::FILE* output, const Result& row) {
     std::fflush(output);
 }
 
-Run measure(const HeldLibrary& held, const Options& options, std::FILE* output) {
+/// With other programs too, or without: what they cost does not depend on the effect's instruction set.
+Run measure(const HeldLibrary& held, const Options& options, bool programs, std::FILE* output) {
     Run run{now(), platform::processorName(), held.instructionSet, {}};
     if (!options.json)
         std::fprintf(output, "%-62s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
                      "other", "times", "which is");
-    runSuite({held.path, held.instructionSet, options.only, options.peers, QUILLON_FAUST_PROGRAMS},
+    runSuite({held.path, held.instructionSet, options.only, options.peers, programs, QUILLON_FAUST_PROGRAMS},
              [&](const Result& row) {
                  run.results.push_back(row);
                  if (!options.json)
@@ -152,7 +153,7 @@ void run(const Options& options) {
         const platform::PrivateFolder privateFolder;
         std::vector<Run> runs;
         for (const HeldLibrary& held : librariesFor(options.sets, privateFolder.path())) {
-            runs.push_back(measure(held, options, output));
+            runs.push_back(measure(held, options, options.peers && runs.empty(), output));
             if (!options.page.empty())
                 appendRun(kept, runs.back());
         }

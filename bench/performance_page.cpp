@@ -126,6 +126,11 @@ SoundCase spreadCase(Read read) {
     return {.read = read};
 }
 
+void writeOpponent(std::ostream& page, const Result& row, const std::string& name) {
+    page << "| " << row.situation.substr(0, row.situation.find(", spread")) << "; " << name << " | "
+         << timeText(row.built) << " | " << timeText(row.other) << " | " << fixed(row.times(), 1) << " |\n";
+}
+
 void writeFaust(std::ostream& page, const std::vector<SetRuns>& sets) {
     for (const SetRuns& set : sets) {
         std::vector<std::string> situations;
@@ -137,23 +142,25 @@ void writeFaust(std::ostream& page, const std::vector<SetRuns>& sets) {
         writeTableHead(page, {set.name + ", newest run", "effect", "Faust", "times"});
         for (const Result& row : set.newest().results)
             if (row.section == section::kFaust)
-                page << "| " << row.situation.substr(0, row.situation.find(", spread")) << "; `"
-                     << row.against << "` | " << timeText(row.built) << " | " << timeText(row.other) << " | "
-                     << fixed(row.times(), 1) << " |\n";
+                writeOpponent(page, row, "`" + row.against + "`");
         page << "\n";
     }
 }
 
+/// Of the newest run that has them.
 void writePrograms(std::ostream& page, const std::vector<SetRuns>& sets) {
-    for (const SetRuns& set : sets) {
-        writeTableHead(page, {set.name + ", newest run", "effect", "program", "times"});
-        for (const Result& row : set.newest().results)
-            if (row.section == section::kPrograms)
-                page << "| " << row.situation.substr(0, row.situation.find(", spread")) << "; " << row.against
-                     << " | " << timeText(row.built) << " | " << timeText(row.other) << " | "
-                     << fixed(row.times(), 1) << " |\n";
-        page << "\n";
-    }
+    for (const SetRuns& set : sets)
+        for (auto run = set.runs.rbegin(); run != set.runs.rend(); ++run) {
+            const auto isProgram = [](const Result& row) { return row.section == section::kPrograms; };
+            if (std::none_of((*run)->results.begin(), (*run)->results.end(), isProgram))
+                continue;
+            writeTableHead(page, {set.name + ", " + (*run)->when, "effect", "program", "times"});
+            for (const Result& row : (*run)->results)
+                if (isProgram(row))
+                    writeOpponent(page, row, row.against);
+            page << "\n";
+            return;
+        }
 }
 
 /// Where the time of 128 taps all over the memory goes. The parts add up to what was measured.

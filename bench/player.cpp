@@ -21,6 +21,13 @@ constexpr double kSecondsOfColdRound = 0.0005;
 constexpr std::int32_t kMemoryFrames = 4194304;
 /// After so many frames every glide has arrived.
 constexpr std::int32_t kSettlingFrames = 250000;
+/// So many blocks hide the jump of a pattern that does not glide.
+constexpr std::int32_t kFadingBlocks = 5;
+constexpr std::int32_t kFirstCountWithoutGlide = 102;
+
+bool glides(const SoundCase& situation) {
+    return situation.read != Read::whole && situation.taps < kFirstCountWithoutGlide;
+}
 
 class BuiltEffect final : public Subject {
   public:
@@ -124,7 +131,7 @@ Player::Player(std::unique_ptr<Subject> subject, const SoundCase& situation)
     subject_->setParameter(kSet, setValue(situation.read));
     setPattern();
     if (situation.motion == Motion::rest)
-        play(kBatchFrames, kSettlingFrames / kBatchFrames);
+        play(kBatchFrames, glides(situation) ? kSettlingFrames / kBatchFrames : kFadingBlocks);
 }
 
 void Player::setPattern() {

@@ -45,12 +45,15 @@ void timeLimit(const SuiteOptions& options, const Take& take, const SoundCase& s
     take({section::kLimits, situation.name(), name, medians[0], medians[1]});
 }
 
-void timePeers(const SuiteOptions& options, const Take& take) {
+void timeFaust(const SuiteOptions& options, const Take& take) {
     for (const Read read : {Read::whole, Read::linear, Read::cubic})
         if (wants(options, peerCase(read).name()))
             for (const Result& result :
                  contestWithFaust(options.faustPrograms, options.library, options.instructionSet, read))
                 take(result);
+}
+
+void timePrograms(const SuiteOptions& options, const Take& take) {
     for (const OutsideProgram& program : outsidePrograms())
         if (wants(options, program.name))
             take(contestWithProgram(program, options.library));
@@ -65,8 +68,10 @@ void runSuite(const SuiteOptions& options, const Take& take) {
                           "what waits for its own last result");
     timeLimit<LineFetching>(options, take, {.read = Read::whole},
                             "fetching each cache line that 128 taps all over the memory read");
-    if (options.peers)
-        timePeers(options, take);
+    if (options.faust)
+        timeFaust(options, take);
+    if (options.programs)
+        timePrograms(options, take);
 }
 
 } // namespace bench

@@ -12,8 +12,9 @@ struct SuiteOptions {
     std::string library;        ///< path of the effect
     std::string instructionSet; ///< that it uses: "sse2", "avx2", "avx512"
     std::string only;           ///< the situations whose names contain this; all if empty
-    bool peers = false;         ///< whether other people's programs are timed too
-    std::string faustPrograms;  ///< path of the module with them
+    bool faust = false;         ///< whether the Faust programs are timed too
+    bool programs = false;      ///< whether ffmpeg and Csound are
+    std::string faustPrograms;  ///< path of the module with the Faust programs
 };
 
 /// Times what the options ask for and hands over each result as soon as it is there. Throws

@@ -32,7 +32,7 @@ Run wholeRun(const std::string& when, const std::string& set, double times) {
 
 class PerformancePage : public testing::Test {
   protected:
-    std::string page(const std::vector<Run>& runs) {
+    std::string page(const std::vector<bench::Run>& runs) {
         bench::writePerformancePage(folder.file("."), runs);
         return textOf(folder.file("performance.md"));
     }
@@ -60,7 +60,7 @@ TEST_F(PerformancePage, PutsATableInThePlaceOfEveryMark) {
 }
 
 TEST_F(PerformancePage, BreaksTheCostDownIntoPartsThatAddUp) {
-    Run run = wholeRun("monday", "avx2", 2.0);
+    bench::Run run = wholeRun("monday", "avx2", 2.0);
     const auto set = [&](const bench::SoundCase& situation, double built) {
         for (bench::Result& result : run.results)
             if (result.situation == situation.name())

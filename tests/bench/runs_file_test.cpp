@@ -7,14 +7,12 @@
 
 namespace {
 
-using bench::Run;
-
 std::string textOf(const std::string& path) {
     const auto bytes = readFile(path);
     return {bytes.begin(), bytes.end()};
 }
 
-Run sampleRun(const std::string& when) {
+bench::Run sampleRun(const std::string& when) {
     return {when,
             "A processor @ 2.50GHz",
             "avx2",
@@ -57,7 +55,7 @@ TEST(RunsFile, IsRefusedWhenItHoldsSomethingElse) {
 }
 
 TEST(RunsFile, FindsTheStrongestOpponent) {
-    const Run run = sampleRun("2026-01-01 10:00");
+    const bench::Run run = sampleRun("2026-01-01 10:00");
     ASSERT_NE(run.find("faust", "8 taps, cubic"), nullptr);
     EXPECT_EQ(run.find("faust", "8 taps, cubic")->against, "faust");
     EXPECT_EQ(run.find("faust", "9 taps, cubic"), nullptr);
