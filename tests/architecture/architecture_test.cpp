@@ -33,6 +33,7 @@ const std::map<std::string, Names> allowed = {
     {"plugin",
      {"dsp", "editor", "editor_displays", "editor_views", "midi", "parameters", "platform",
       "platform_toolkit", "plugin_frame", "presets", "skin", "skin_language", "vst2"}},
+    {"platform_canvas", {"platform"}},
     {"platform_toolkit", {"platform"}},
     {"skin_language", {}},
     {"skin_images", {"platform", "platform_toolkit"}},
@@ -48,11 +49,13 @@ const std::map<std::string, Names> allowed = {
     {"host", {"platform", "vst2"}},
     {"host_editor", {"host", "platform", "platform_host", "vst2"}},
     {"tool_common", {"host", "platform", "vst2"}},
-    {"render", {"host", "platform", "tool_common", "vst2"}},
+    {"render", {"host", "platform", "platform_canvas", "tool_common", "vst2"}},
     {"skin_check",
      {"editor", "editor_displays", "editor_views", "host", "midi", "parameters", "platform",
       "platform_toolkit", "plugin_frame", "skin", "skin_language", "tool_common", "vst2"}},
-    {"window", {"host", "host_editor", "platform", "platform_host", "skin_check", "tool_common", "vst2"}},
+    {"window",
+     {"host", "host_editor", "platform", "platform_canvas", "platform_host", "skin_check", "tool_common",
+      "vst2"}},
 };
 
 /// Each room's include folders, as its own files are compiled.
