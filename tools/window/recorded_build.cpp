@@ -66,7 +66,7 @@ class Arrangement {
     std::vector<Message> takeMessages() { return std::exchange(messages_, {}); }
 
   private:
-    static void note(void* context, const char* text, const char* caption) {
+    static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
         static_cast<Arrangement*>(context)->messages_.push_back({text, caption});
     }
 
