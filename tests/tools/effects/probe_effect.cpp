@@ -93,9 +93,11 @@ void allocateMemory(Probe& probe) {
 }
 
 std::intptr_t takeEvents(Probe& probe, const VstEvents& events) {
+    // Declared with room for two, sent with as many as there are.
+    VstEvent* const* const list = events.events;
     for (std::int32_t i = 0; i < events.numEvents; ++i)
-        if (events.events[i]->type == kVstMidiType)
-            probe.events.push_back(*reinterpret_cast<const VstMidiEvent*>(events.events[i]));
+        if (list[i]->type == kVstMidiType)
+            probe.events.push_back(*reinterpret_cast<const VstMidiEvent*>(list[i]));
     return 1;
 }
 
