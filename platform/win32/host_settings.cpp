@@ -10,7 +10,9 @@ namespace platform {
 
 namespace {
 
-/// Lives as long as the process, and in no case longer than the person's session.
+/// Lives as long as the process. It is a key like any other: below one that vanishes with the session, a
+/// library could not keep a setting, nor could the person's own library if that key happened to be the first
+/// of this house.
 class PrivateRoot {
   public:
     explicit PrivateRoot(const std::string& folder)
@@ -18,8 +20,8 @@ class PrivateRoot {
                 folder.substr(folder.find_last_of("\\/") + 1)) {
         // What a process of this number has left here is nobody's.
         RegDeleteTreeA(HKEY_CURRENT_USER, name_.c_str());
-        if (RegCreateKeyExA(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
-                            nullptr, &root_, nullptr) != ERROR_SUCCESS ||
+        if (RegCreateKeyExA(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                            KEY_ALL_ACCESS, nullptr, &root_, nullptr) != ERROR_SUCCESS ||
             RegOverridePredefKey(HKEY_CURRENT_USER, root_) != ERROR_SUCCESS)
             throw std::runtime_error("the registry has no room for settings of this program's own");
     }

@@ -1,5 +1,6 @@
 #include "platform/settings.h"
 
+#include "../child_process.h"
 #include "registry_key.h"
 
 #include <gtest/gtest.h>
@@ -105,6 +106,19 @@ TEST(SettingsThatCannotBeKept, SayWhenTheirKeyCannotBeMade) {
     const test::PrivateRegistry registry(HKEY_CURRENT_USER, true);
     EXPECT_FALSE(platform::writeSetting("SkinName", "Blue"));
     EXPECT_EQ(platform::readSetting("SkinName"), std::nullopt);
+}
+
+TEST(PrivateSettings, AreKeptApartFromThePersonsAndGoWithTheProgram) {
+    const RegistryKey own(HKEY_CURRENT_USER, keyPath),
+        others(HKEY_CURRENT_USER, "Software\\Quillon Software\\Private");
+    const std::optional<RegistryValue> before = own.value("SkinName");
+    test::ChildProcess program({QUILLON_PRIVATE_SETTINGS}, {});
+    EXPECT_EQ(program.wait(), 0) << program.standardError();
+    EXPECT_EQ(own.value("SkinName"), before);
+    DWORD left = 0;
+    RegQueryInfoKeyA(others.handle(), nullptr, nullptr, nullptr, &left, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, nullptr);
+    EXPECT_EQ(left, 0u) << "keys of programs that have ended";
 }
 
 class MemoryStore final : public platform::SettingsStore {
