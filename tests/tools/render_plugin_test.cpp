@@ -105,18 +105,19 @@ TEST_F(RenderPlugin, IsFoundInTheStageBesideTheTool) {
 TEST_F(RenderPlugin, IsFoundBesideTheTool) {
     namespace files = std::filesystem;
     const ScratchFolder installed;
-    files::copy(QUILLON_RENDER, installed.path() / "quillon-render");
+    const std::string tool = installed.file(files::path(QUILLON_RENDER).filename().string());
+    files::copy(QUILLON_RENDER, tool);
     files::copy(QUILLON_STAGE, installed.path(), files::copy_options::recursive);
-    const ToolResult result =
-        runTool(folder, {"--list", "--json"}, ErrorEnd::file, installed.file("quillon-render"));
+    const ToolResult result = runTool(folder, {"--list", "--json"}, ErrorEnd::file, tool);
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(json::parse(result.out)["library"], installed.file(files::path(QUILLON_LIBRARY).filename()));
 }
 
 TEST_F(RenderPlugin, IsAskedForIfItIsNowhere) {
     const ScratchFolder alone;
-    std::filesystem::copy(QUILLON_RENDER, alone.path() / "quillon-render");
-    const ToolResult result = runTool(folder, {"--list"}, ErrorEnd::file, alone.file("quillon-render"));
+    const std::string tool = alone.file(std::filesystem::path(QUILLON_RENDER).filename().string());
+    std::filesystem::copy(QUILLON_RENDER, tool);
+    const ToolResult result = runTool(folder, {"--list"}, ErrorEnd::file, tool);
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_NE(result.err.find("name the library with --library"), std::string::npos) << result.err;
 }
