@@ -1,8 +1,11 @@
 #include "bench/limits.h"
 
-#include <benchmark/benchmark.h>
+#include "platform/large_pages.h"
 
+#include <algorithm>
+#include <benchmark/benchmark.h>
 #include <cstddef>
+#include <new>
 
 namespace bench {
 
@@ -64,7 +67,16 @@ Contestant SerialWork::contestant() {
     return {[this] { return playBatch(); }, static_cast<double>(kBatchFrames)};
 }
 
-LineFetching::LineFetching() : memory_(kMemorySlots, 0.25f) {}
+LineFetching::LineFetching()
+    : memory_(static_cast<float*>(
+          ::operator new (kMemorySlots * sizeof(float), std::align_val_t{platform::kLargePage}))) {
+    platform::preferLargePages(memory_, kMemorySlots * sizeof(float));
+    std::fill_n(memory_, kMemorySlots, 0.25f);
+}
+
+LineFetching::~LineFetching() {
+    ::operator delete (memory_, std::align_val_t{platform::kLargePage});
+}
 
 /// The lines of a sub-block, tap by tap; a sub-block that begins within a line shares it with the one before.
 double LineFetching::playBatch() {

@@ -33,16 +33,20 @@ class SerialWork {
     std::vector<float> samples_;
 };
 
-/// Touches each cache line that 128 taps over 16 MiB read, once, and does nothing with it.
+/// Touches each cache line that 128 taps over 16 MiB read, once, and does nothing with it. The memory is kept
+/// as the effect keeps its own.
 class LineFetching {
   public:
     LineFetching();
+    ~LineFetching();
+    LineFetching(const LineFetching&) = delete;
+    LineFetching& operator=(const LineFetching&) = delete;
     Contestant contestant();
 
   private:
     double playBatch();
 
-    std::vector<float> memory_;
+    float* memory_;
     std::uint32_t writeIndex_ = 0;
     std::array<float, 4> sums_{};
 };
