@@ -1,58 +1,67 @@
 #include "platform/private_folder.h"
 
-#include <filesystem>
+#include "platform/folders.h"
+
 #include <stdexcept>
 #include <system_error>
 #include <windows.h>
 
 namespace platform {
 
-namespace files = std::filesystem;
-
 namespace {
 
+[[noreturn]] void fail(const char* what) {
+    throw std::runtime_error(std::string(what) + ": " +
+                             std::system_category().message(static_cast<int>(GetLastError())));
+}
+
 /// Makes a new folder among the person's own temporary files, which others cannot read.
-files::path makeFolder() {
-    const files::path place = files::temp_directory_path();
+std::string makeFolder() {
+    char place[MAX_PATH + 1] = "";
+    GetTempPathA(sizeof place, place);
     const std::string process = std::to_string(GetCurrentProcessId());
     for (unsigned number = 0;; ++number) {
-        const files::path folder = place / ("quillon-" + process + '-' + std::to_string(number));
-        if (files::create_directory(folder))
+        std::string folder = std::string(place) + "quillon-" + process + '-' + std::to_string(number);
+        if (CreateDirectoryA(folder.c_str(), nullptr))
             return folder;
+        if (GetLastError() != ERROR_ALREADY_EXISTS)
+            fail("no private folder can be made");
     }
 }
 
 /// A link to a folder goes, and what it leads to stays; what is write-protected goes too.
-void removeFolder(const files::path& folder) {
-    std::error_code ignored;
-    for (const files::directory_entry& entry : files::directory_iterator(folder, ignored)) {
-        const wchar_t* const path = entry.path().c_str();
-        const DWORD attributes = GetFileAttributesW(path);
-        SetFileAttributesW(path, FILE_ATTRIBUTE_NORMAL);
+void removeFolder(const std::string& folder) {
+    for (const std::string& name : listFolder(folder)) {
+        const std::string path = folder + '\\' + name;
+        const DWORD attributes = GetFileAttributesA(path.c_str());
+        SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         if (!(attributes & FILE_ATTRIBUTE_DIRECTORY))
-            DeleteFileW(path);
+            DeleteFileA(path.c_str());
         else if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
-            RemoveDirectoryW(path);
+            RemoveDirectoryA(path.c_str());
         else
-            removeFolder(entry.path());
+            removeFolder(path);
     }
-    RemoveDirectoryW(folder.c_str());
+    RemoveDirectoryA(folder.c_str());
 }
 
 } // namespace
 
-PrivateFolder::PrivateFolder() try {
-    previous_ = files::current_path().string();
-    const files::path folder = makeFolder();
-    path_ = folder.string();
-    files::current_path(folder);
-} catch (const files::filesystem_error& error) {
-    throw std::runtime_error("no private folder can be made: " + error.code().message());
+PrivateFolder::PrivateFolder() {
+    char current[MAX_PATH] = "";
+    const DWORD length = GetCurrentDirectoryA(sizeof current, current);
+    if (length == 0 || length >= sizeof current)
+        fail("the current folder cannot be named");
+    previous_ = current;
+    path_ = makeFolder();
+    if (!SetCurrentDirectoryA(path_.c_str())) {
+        RemoveDirectoryA(path_.c_str());
+        fail("the private folder cannot be entered");
+    }
 }
 
 PrivateFolder::~PrivateFolder() {
-    std::error_code ignored;
-    files::current_path(previous_, ignored);
+    SetCurrentDirectoryA(previous_.c_str());
     removeFolder(path_);
 }
 

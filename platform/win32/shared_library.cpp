@@ -10,10 +10,22 @@ namespace platform {
 
 namespace {
 
+/// The standard library gives paths out in UTF-8, the system's other calls in the code page of the machine.
+std::filesystem::path filePath(const std::string& path) {
+    const int length = static_cast<int>(path.size());
+    const bool isUtf8 =
+        MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.data(), length, nullptr, 0) > 0;
+    const UINT codePage = isUtf8 ? CP_UTF8 : CP_ACP;
+    std::wstring wide(path.size(), L'\0');
+    const int wideLength = MultiByteToWideChar(codePage, 0, path.data(), length, wide.data(), length);
+    wide.resize(static_cast<std::size_t>(wideLength));
+    return wide;
+}
+
 /// Loads by the full path, so that what the library needs is found beside it, and without a box that asks a
 /// person for a missing disk or file.
 HMODULE load(const std::string& path) {
-    const std::filesystem::path full = std::filesystem::absolute(path).make_preferred();
+    const std::filesystem::path full = std::filesystem::absolute(filePath(path)).make_preferred();
     DWORD before = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &before);
     const HMODULE module = LoadLibraryExW(full.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);

@@ -76,6 +76,16 @@ TEST(LibraryLoader, FindsWhatALibraryNeedsBesideIt) {
     EXPECT_EQ(folderOfSample(), folder.path() + "\\plug-ins\\");
 }
 
+TEST(LibraryLoader, KnowsALetterWithAnAccentInBothEncodings) {
+    const PrivateFolder folder;
+    files::create_directory(L"Bl\u00E5");
+    files::copy_file(sample, files::path(L"Bl\u00E5") / "sample.dll");
+    EXPECT_NO_THROW(SharedLibrary("Bl\xC3\xA5\\sample.dll")) << "as the standard library writes it";
+    char name[8] = "";
+    WideCharToMultiByte(CP_ACP, 0, L"Bl\u00E5", -1, name, sizeof name, nullptr, nullptr);
+    EXPECT_NO_THROW(SharedLibrary(std::string(name) + "\\sample.dll")) << "as the system writes it";
+}
+
 TEST(LibraryLoader, UnloadsTheLibraryWithTheObject) {
     const PrivateFolder folder;
     files::copy_file(sample, "one.dll");

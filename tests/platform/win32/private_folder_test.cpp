@@ -28,18 +28,46 @@ TEST(PrivateFolderHere, GoesWithWhatIsWriteProtectedOrHidden) {
     EXPECT_FALSE(files::exists(path));
 }
 
+/// Where temporary files lie, for the length of a test.
+class TemporaryFiles {
+  public:
+    explicit TemporaryFiles(const std::string& folder) {
+        GetEnvironmentVariableA("TMP", before_, sizeof before_);
+        SetEnvironmentVariableA("TMP", folder.c_str());
+    }
+    ~TemporaryFiles() { SetEnvironmentVariableA("TMP", before_); }
+    TemporaryFiles(const TemporaryFiles&) = delete;
+    TemporaryFiles& operator=(const TemporaryFiles&) = delete;
+
+  private:
+    char before_[MAX_PATH] = "";
+};
+
 TEST(PrivateFolderHere, LiesAmongTheTemporaryFiles) {
+    const PrivateFolder outer;
+    const TemporaryFiles place(outer.path());
     const PrivateFolder folder;
-    EXPECT_EQ(folder.path().find(files::temp_directory_path().string() + "quillon-"), 0u) << folder.path();
+    EXPECT_EQ(folder.path().find(outer.path() + "\\quillon-"), 0u) << folder.path();
+}
+
+TEST(PrivateFolderHere, ComesAndGoesForSomebodyWithAnAccentInTheirName) {
+    const PrivateFolder outer;
+    files::create_directory(L"J\u00F6rg");
+    char name[16] = "";
+    WideCharToMultiByte(CP_ACP, 0, L"J\u00F6rg", -1, name, sizeof name, nullptr, nullptr);
+    const TemporaryFiles place(outer.path() + '\\' + name);
+    {
+        const PrivateFolder folder;
+        std::ofstream("Pluginccmap.bin") << "left over";
+        EXPECT_FALSE(files::is_empty(L"."));
+    }
+    EXPECT_TRUE(files::is_empty(L"J\u00F6rg"));
 }
 
 TEST(PrivateFolderHere, ThrowsIfNoneCanBeMade) {
-    char temporary[MAX_PATH] = "";
-    GetEnvironmentVariableA("TMP", temporary, MAX_PATH);
     const files::path before = files::current_path();
-    SetEnvironmentVariableA("TMP", "C:\\no\\such\\folder");
+    const TemporaryFiles place("C:\\no\\such\\folder");
     EXPECT_THROW(PrivateFolder(), std::runtime_error);
-    SetEnvironmentVariableA("TMP", temporary);
     EXPECT_EQ(files::current_path(), before);
 }
 
