@@ -29,11 +29,6 @@ constexpr std::size_t kTapsFetchedAhead = 8;
 constexpr std::int32_t kSamplesPerCacheLine = 16;
 /// The hint to bring them into the second cache, which has room for all of them.
 constexpr int kIntoSecondCache = 2;
-/// A tap that is read between samples looks so many slots around, and the steps from line to line round off
-/// one or two.
-constexpr std::uint32_t kReadBefore = 1;
-constexpr std::uint32_t kReadBehind = 4;
-
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
 }
@@ -296,26 +291,30 @@ void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedT
 }
 
 /// Asks the processor to bring near what a tap will read. A hundred taps all over 16 MiB are more streams
-/// than it finds out about by itself. Always inlined: a compiler sees no effect in it and drops its calls.
+/// than it finds out about by itself. Always inlined, and its asking in no function of its own: a compiler
+/// sees no effect in either and drops their calls.
 [[gnu::always_inline]] inline void DelayEngine::fetchTap(const MemoryStretch& stretch,
                                                          std::size_t tap) const {
-    // Whole samples are read without waiting for anything: the loop itself is ahead of the memory.
-    if (controls.interpMode == kWholeSamples)
-        return;
+    const TapPath& path = block.tapPath[tap];
+    const float swept = controls.interpMode == kWholeSamples ? 0.0f : block.lfoOffset[0];
     // Without a sign, so that a wild time only leads to the wrong place.
-    const auto slotAt = [&](std::int32_t i) {
-        const float delayed = timeAt(block.tapPath[tap], i) - block.lfoOffset[at(i)];
-        return static_cast<std::uint32_t>(stretch.start + i) - static_cast<std::uint32_t>(trunc(delayed));
+    const auto slotAt = [&](std::int32_t frame) {
+        return static_cast<std::uint32_t>(stretch.start + frame) -
+               static_cast<std::uint32_t>(trunc(timeAt(path, frame) - swept));
     };
-    // Within a sub-block a glide is as good as straight.
-    const std::uint32_t first = slotAt(0) - kReadBefore;
-    const std::uint32_t last = slotAt(stretch.frames - 1) + kReadBehind;
-    const auto way = static_cast<std::int32_t>(last - first);
-    const std::int32_t steps = std::min(stretch.frames, std::abs(way / kSamplesPerCacheLine) + 1);
-    for (std::int32_t step = 0; step <= steps; ++step) {
-        const std::uint32_t slot = first + static_cast<std::uint32_t>(way / steps * step);
-        __builtin_prefetch(stretch.samples + (slot & kDelayMask), 0, kIntoSecondCache);
+    std::uint32_t slot = slotAt(0);
+    std::uint32_t step = kSamplesPerCacheLine;
+    std::int32_t lines = stretch.frames / kSamplesPerCacheLine + 1;
+    if (path.times) {
+        // Within a sub-block a glide is as good as straight.
+        const auto way = static_cast<std::int32_t>(slotAt(stretch.frames - 1) - slot);
+        lines = std::min(stretch.frames, std::abs(way / kSamplesPerCacheLine) + 2);
+        step = static_cast<std::uint32_t>(way / lines);
+    } else {
+        slot += step; // The first line came with the sub-block before.
     }
+    for (std::int32_t line = 0; line < lines; ++line, slot += step)
+        __builtin_prefetch(stretch.samples + (slot & kDelayMask), 0, kIntoSecondCache);
 }
 
 /// Adds up all taps in their order; even taps sound left, odd taps right.
