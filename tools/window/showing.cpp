@@ -61,9 +61,9 @@ struct EffectState {
 /// One instance after the other in one window.
 class Showing {
   public:
-    /// `skin` is the folder that the person knows, empty for none.
-    Showing(const Options& options, const files::path& library, const files::path& skin)
-        : options_(options), library_(library), skin_(skin) {}
+    /// `skin` is the folder that the person knows, empty for none; then `stage` is null too.
+    Showing(const Options& options, const files::path& library, const files::path& skin, Stage* stage)
+        : options_(options), library_(library), skin_(skin), stage_(stage) {}
 
     void run() {
         FolderWatch folder(skin_);
@@ -115,6 +115,8 @@ class Showing {
         isSkinAtFault_ = false;
         if (!skin_.empty())
             checkText();
+        if (stage_)
+            stage_->bringUpToDate();
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
@@ -201,6 +203,7 @@ class Showing {
     const Options& options_;
     files::path library_;
     files::path skin_;
+    Stage* stage_;
     std::unique_ptr<host::Plugin> plugin_;
     std::unique_ptr<host::EditorWindow> window_;
     std::optional<EffectState> state_; ///< of the instance before
@@ -241,9 +244,9 @@ void openEditor(const Options& options) {
     const files::path skin = options.skin.empty() ? files::path() : skinFolderFor(options.skin, asked);
     checkPlaces(options, skin);
     const platform::PrivateFolder folder;
-    files::path library = asked;
+    std::optional<Stage> stage;
     if (!skin.empty())
-        library = Stage(folder.path(), asked, skin).library();
+        stage.emplace(folder.path(), asked, skin);
     const auto display = displayFor(options);
     const bool isUnattended = !options.screenshot.empty();
     const platform::MessageWatch messages(
@@ -251,7 +254,7 @@ void openEditor(const Options& options) {
             say(printable(message.caption) + ": " + printable(message.text));
         },
         [isUnattended] { return isUnattended || isInterrupted(); });
-    Showing(options, library, skin).run();
+    Showing(options, stage ? stage->library() : asked, skin, stage ? &*stage : nullptr).run();
 }
 
 bool checkSkinFor(const Options& options, std::FILE* output) {

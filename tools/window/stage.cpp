@@ -1,6 +1,7 @@
 #include "tools/window/stage.h"
 
 #include "platform/host_settings.h"
+#include "platform/links.h"
 #include "platform/settings.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -16,31 +17,39 @@ namespace {
 void linkEverythingBeside(const files::path& library, const files::path& stage) {
     for (const files::directory_entry& entry : files::directory_iterator(library.parent_path()))
         if (entry.path().filename() != library.filename())
-            files::create_symlink(entry.path(), stage / entry.path().filename());
+            platform::makeLink(entry.path(), stage / entry.path().filename());
 }
 
-/// In place of those that answer to the same name.
-void linkSkin(const files::path& skin, const files::path& stage) {
+/// In place of those that answer to the same name. Whether the skin is seen there as it changes.
+bool linkSkin(const files::path& skin, const files::path& stage) {
     for (const files::directory_entry& entry : files::directory_iterator(stage))
         if (sameName(entry.path().filename().string(), skin.filename().string()))
-            files::remove(entry.path());
-    files::create_directory_symlink(skin, stage / skin.filename());
+            platform::removeLink(entry.path());
+    return platform::makeLink(skin, stage / skin.filename());
 }
 
 } // namespace
 
-Stage::Stage(const files::path& folder, const files::path& library, const files::path& skin) try {
+Stage::Stage(const files::path& folder, const files::path& library, const files::path& skin) try
+    : original_(skin) {
     const files::path stage = folder / "stage";
     files::create_directory(stage);
     library_ = stage / library.filename();
     skin_ = stage / skin.filename();
     linkEverythingBeside(library, stage);
-    linkSkin(skin, stage);
+    isSkinLinked_ = linkSkin(skin, stage);
     // The library looks around where its own file really is, so it cannot be a link.
     files::copy_file(library, library_);
     platform::keepSettingsIn((folder / "settings").string());
     if (!platform::writeSetting("SkinName", skin.filename().string()))
         throw ToolError("the skin cannot be chosen in " + folder.string());
+} catch (const files::filesystem_error& error) {
+    throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
+}
+
+void Stage::bringUpToDate() try {
+    if (!isSkinLinked_)
+        isSkinLinked_ = linkSkin(original_, skin_.parent_path());
 } catch (const files::filesystem_error& error) {
     throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
 }

@@ -14,13 +14,19 @@ class Stage {
     Stage(const std::filesystem::path& folder, const std::filesystem::path& library,
           const std::filesystem::path& skin);
 
+    /// Lays out the skin as it is now. Where it had to be copied, a change of the original shows only after
+    /// this. Throws ToolError.
+    void bringUpToDate();
+
     const std::filesystem::path& library() const { return library_; }
     /// The skin as the library finds it.
     const std::filesystem::path& skin() const { return skin_; }
 
   private:
     std::filesystem::path library_;
+    std::filesystem::path original_; ///< the skin where its author has it
     std::filesystem::path skin_;
+    bool isSkinLinked_ = false;
 };
 
 } // namespace tools::window

@@ -2,6 +2,7 @@
 // menus and boxes.
 #include "platform/message_watch.h"
 #include "support/shown_editor.h"
+#include "support/wine.h"
 
 #include <algorithm>
 #include <fstream>
@@ -12,25 +13,21 @@ namespace {
 using namespace test;
 using namespace vst2;
 
-// The parameters of the controls in the skin, and of the picture.
-constexpr std::int32_t kTaps = 1, kKnob = 6, kHorizontal = 14, kLamp = 16, kMenu = 5;
+// The parameters of the controls in the skin.
+constexpr std::int32_t kKnob = 6, kHorizontal = 14, kLamp = 16, kMenu = 5;
+
+/// Nothing here looks at the screen.
+const bool isDrawingOut = leaveDrawingOutUnderWine();
 
 class WindowedEditor : public EditorOnScreen {
   protected:
-    /// A click on the lamp, whose effect tells that all before it has been worked off.
-    static void serveAll(ShownEditor& editor) {
-        const float next = editor.value(kLamp) > 0.5f ? 0.0f : 1.0f;
-        editor.postClick(218, 18);
-        ASSERT_TRUE(editor.becomes(kLamp, next));
-    }
-
     /// Opens the menu at a place and types keys into it. Gives what the menu offered.
     static std::vector<std::string> useMenu(ShownEditor& editor, int x, int y, Button button,
                                             std::vector<WPARAM> keys) {
         const MenuHand hand(editor.own(), std::move(keys));
         editor.postClick(x, y, button);
         EXPECT_TRUE(editor.serveUntil([&] { return hand.isDone(); })) << "no menu";
-        serveAll(editor);
+        editor.serveAll();
         return hand.entries();
     }
 
@@ -90,7 +87,7 @@ TEST_F(WindowedEditor, LetsAKnobBeDraggedAndTellsTheHostOfTheGesture) {
 TEST_F(WindowedEditor, GoesOnWithADragThatLeavesTheWindow) {
     auto& editor = show();
     editor.plugin().setParameter(kHorizontal, 0.0f);
-    serveAll(editor);
+    editor.serveAll();
     editor.postDrag(65, 18, 400, -25);
     EXPECT_TRUE(editor.becomes(kHorizontal, 1.0f));
 }
@@ -187,72 +184,6 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     EXPECT_EQ(ShownEditor(library()).width(), 160);
 }
 
-// What is to be seen
-
-TEST_F(WindowedEditor, IsDrawn) {
-    auto& editor = showLifted();
-    EXPECT_EQ(editor.pixel(kSkinWidth - 1, kSkinHeight - 1), kGrey);
-    // Under wine the first bitmap that is drawn into a part of a window comes out black.
-    editor.plugin().setParameter(kHorizontal, 0.0f);
-    ASSERT_TRUE(editor.showsPixel(115, 18, kGrey));
-    editor.plugin().setParameter(kHorizontal, 1.0f);
-    EXPECT_TRUE(editor.showsPixel(165, 18, 0xFF8000));
-    editor.plugin().setParameter(kHorizontal, 0.0f);
-    EXPECT_TRUE(editor.showsPixel(65, 18, 0xFF8000));
-}
-
-TEST_F(WindowedEditor, ShowsInTheHintLineWhatIsDragged) {
-    auto& editor = showLifted();
-    const auto hint = [&] { return editor.part(10, 215, 200, 18); };
-    ASSERT_TRUE(editor.serveUntil([&] {
-        return std::ranges::any_of(hint(), [](Pixel pixel) { return pixel != kGrey; });
-    })) << "the resting text";
-    serveAll(editor);
-    const auto resting = hint();
-    editor.point(30, 30);
-    editor.press(Button::left);
-    EXPECT_TRUE(editor.changes(resting, 10, 215, 200, 18));
-    editor.release(Button::left);
-    EXPECT_TRUE(editor.serveUntil([&] { return hint() == resting; }));
-}
-
-TEST_F(WindowedEditor, TurnsThePagesOfHelpByRightClicks) {
-    auto& editor = showLifted();
-    serveAll(editor);
-    const auto page = [&] { return editor.part(10, 110, 200, 60); };
-    const auto picture = page();
-    editor.postClick(100, 140, Button::right);
-    ASSERT_TRUE(editor.changes(picture, 10, 110, 200, 60));
-    serveAll(editor);
-    const auto firstPage = page();
-    editor.postClick(100, 140, Button::right);
-    ASSERT_TRUE(editor.changes(firstPage, 10, 110, 200, 60));
-    editor.postClick(100, 140);
-    EXPECT_TRUE(editor.serveUntil([&] { return page() == picture; }));
-}
-
-TEST_F(WindowedEditor, DrawsTheEchoesAnewWhenThePatternChanges) {
-    auto& editor = showLifted();
-    editor.plugin().setParameter(kTaps, 0.05f);
-    serveAll(editor);
-    const auto before = editor.part(10, 110, 200, 60);
-    editor.plugin().setParameter(kTaps, 0.2f);
-    EXPECT_TRUE(editor.changes(before, 10, 110, 200, 60));
-}
-
-TEST_F(WindowedEditor, OpensTheAboutBoxByAClickAndClosesItByAnother) {
-    auto& editor = showLifted();
-    const int x = kSkinWidth / 2 - 48, y = kSkinHeight / 2 + 28;
-    const Pixel before = editor.pixel(x, y);
-    editor.postClick(270, 180, Button::right);
-    serveAll(editor);
-    EXPECT_EQ(editor.pixel(x, y), before) << "a right click does not open it";
-    editor.postClick(270, 180);
-    EXPECT_TRUE(editor.showsPixel(x, y, kAboutBlue));
-    editor.postClick(x, y);
-    EXPECT_TRUE(editor.showsPixel(x, y, before));
-}
-
 // Windows come and go
 
 TEST_F(WindowedEditor, OpensAndClosesTwentyTimes) {
@@ -264,7 +195,7 @@ TEST_F(WindowedEditor, OpensAndClosesTwentyTimes) {
         EXPECT_EQ(childrenOf(editor.window()).size(), 0u) << round;
         ASSERT_TRUE(editor.open()) << round;
         EXPECT_EQ(childrenOf(editor.window()).size(), 1u) << round;
-        serveAll(editor);
+        editor.serveAll();
         if (round == 4)
             objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     }
@@ -276,10 +207,10 @@ TEST_F(WindowedEditor, StandsBesideTheWindowOfAnotherInstance) {
     ShownEditor second(library(), 500, 400);
     ASSERT_TRUE(second.open());
     const float untouched = first.value(kLamp);
-    serveAll(second);
+    second.serveAll();
     EXPECT_EQ(first.value(kLamp), untouched);
     second.close();
-    serveAll(first);
+    first.serveAll();
 }
 
 TEST_F(WindowedEditor, OutlivesTheHostsWindow) {
@@ -308,7 +239,7 @@ TEST_F(WindowedEditor, OpensNowhereWithoutHarm) {
         editor.close();
     }
     ASSERT_TRUE(editor.open());
-    serveAll(editor);
+    editor.serveAll();
 }
 
 TEST_F(WindowedEditor, ClosesInTheMiddleOfADrag) {
@@ -319,7 +250,7 @@ TEST_F(WindowedEditor, ClosesInTheMiddleOfADrag) {
     editor.close();
     EXPECT_EQ(GetCapture(), nullptr);
     ASSERT_TRUE(editor.open());
-    serveAll(editor);
+    editor.serveAll();
 }
 
 TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
@@ -341,7 +272,7 @@ TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
     EXPECT_EQ(GetCapture(), nullptr);
     editor.plugin().behaviour().answer = nullptr;
     ASSERT_TRUE(editor.open());
-    serveAll(editor);
+    editor.serveAll();
 }
 
 /// What a host's own timer does while a menu keeps the thread.
@@ -372,14 +303,14 @@ TEST_F(WindowedEditor, ClosesWithAMenuOpen) {
             EXPECT_TRUE(wasOpen);
             EXPECT_EQ(FindWindowW(L"#32768", nullptr), nullptr);
         }
-    serveAll(show());
+    show().serveAll();
 }
 
 TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
     auto& editor = show();
     editor.destroyInstance();
     EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
-    serveAll(show());
+    show().serveAll();
 }
 
 TEST_F(WindowedEditor, FollowsAutomationFromAnotherThread) {
@@ -402,7 +333,7 @@ TEST_F(WindowedEditor, FollowsAutomationFromAnotherThread) {
     }
     goesOn = false;
     automation.join();
-    serveAll(editor);
+    editor.serveAll();
 }
 
 } // namespace

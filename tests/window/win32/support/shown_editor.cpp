@@ -54,16 +54,6 @@ void copySkins() {
     }
 }
 
-/// The names of fonts that skins and views ask for, where this Windows is one without fonts of its own.
-void nameFonts() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, "Software\\Wine", 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS)
-        return;
-    constexpr char there[] = "Liberation Sans";
-    RegSetKeyValueA(key, "Fonts\\Replacements", "Arial", REG_SZ, there, sizeof there);
-    RegCloseKey(key);
-}
-
 } // namespace
 
 ShownEditor::ShownEditor(host::Library& library, int x, int y)
@@ -112,6 +102,13 @@ void ShownEditor::serve() {
 
 bool ShownEditor::serveUntil(const std::function<bool()>& condition) {
     return waitUntil(condition, [this] { serve(); });
+}
+
+void ShownEditor::serveAll() {
+    constexpr std::int32_t lamp = 16;
+    const float next = value(lamp) > 0.5f ? 0.0f : 1.0f;
+    postClick(218, 18);
+    ASSERT_TRUE(becomes(lamp, next));
 }
 
 void ShownEditor::post(UINT message, int x, int y, WPARAM held) {
@@ -239,8 +236,6 @@ void MenuHand::work() {
 }
 
 EditorOnScreen::EditorOnScreen() {
-    static const bool areFontsNamed = (nameFonts(), true);
-    (void)areFontsNamed;
     RegDeleteTreeA(HKEY_CURRENT_USER, settingsKey);
     files::create_directory("module");
     files::copy_file(QUILLON_LIBRARY, beside(files::path(QUILLON_LIBRARY).filename().string()));

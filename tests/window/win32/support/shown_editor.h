@@ -55,6 +55,8 @@ class ShownEditor {
     void serve();
     /// Serves as a host does until something holds; false if it never does.
     bool serveUntil(const std::function<bool()>& condition);
+    /// Clicks on the lamp, whose effect tells that all before it has been worked off.
+    void serveAll();
 
     // The hand, by messages of its own to the editor's window, whose places these are.
     void post(UINT message, int x, int y, WPARAM held);
