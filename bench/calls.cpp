@@ -3,13 +3,14 @@
 #include "bench/contest.h"
 #include "bench/player.h"
 #include "dsp/delay_engine.h"
-#include "platform/measuring.h"
+#include "platform/large_pages.h"
 #include "reference_engine.h"
 
 #include <array>
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <new>
 
 namespace bench {
 
@@ -52,17 +53,27 @@ class BuiltInstance {
     host::Plugin plugin_;
 };
 
-/// The effect's engine without what surrounds it: neither skin nor bank.
+/// The effect's engine without what surrounds it, neither skin nor bank, in the memory that it has there.
 class BuiltEngine {
   public:
     BuiltEngine(const std::string&, const std::vector<std::uint8_t>&)
-        : engine_(std::make_unique<dsp::DelayEngine>()) {
+        : memory_(::operator new(sizeof(dsp::DelayEngine), kAlignment)) {
+        platform::preferLargePages(memory_, sizeof(dsp::DelayEngine));
+        engine_ = new (memory_) dsp::DelayEngine;
         engine_->startUp();
         engine_->computeTapPattern(44100.0f);
     }
+    ~BuiltEngine() {
+        engine_->~DelayEngine();
+        ::operator delete(memory_, kAlignment);
+    }
+    BuiltEngine(const BuiltEngine&) = delete;
+    BuiltEngine& operator=(const BuiltEngine&) = delete;
 
   private:
-    std::unique_ptr<dsp::DelayEngine> engine_;
+    static constexpr std::align_val_t kAlignment{platform::kLargePage};
+    void* memory_;
+    dsp::DelayEngine* engine_;
 };
 
 class ReferenceInstance {

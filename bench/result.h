@@ -12,6 +12,7 @@ constexpr char kSound[] = "sound";       ///< processReplacing; nanoseconds a sa
 constexpr char kCalls[] = "calls";       ///< making instances and the host's other calls; nanoseconds a call
 constexpr char kFaust[] = "faust";       ///< a Faust program in this process; nanoseconds a sample
 constexpr char kPrograms[] = "programs"; ///< other programs; nanoseconds a sample
+constexpr char kCost[] = "cost";         ///< few taps and many, near and far; nanoseconds a sample
 constexpr char kLimits[] = "limits";     ///< what cannot be avoided, done alone; nanoseconds a sample
 } // namespace section
 

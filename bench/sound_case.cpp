@@ -32,7 +32,6 @@ std::vector<SoundCase> soundCases() {
     std::vector<SoundCase> cases;
     for (const std::int32_t taps : {1, 8, 32, 101, 102, 128})
         addEachRead(cases, {.taps = taps});
-    addEachRead(cases, {.taps = 1, .place = Place::close});
     addEachRead(cases, {.place = Place::close});
     addEachRead(cases, {.place = Place::minimum});
     for (const Read read : {Read::linear, Read::cubic})
@@ -57,6 +56,12 @@ std::vector<SoundCase> chosenCases() {
     addEachRead(cases, {.taps = 1});
     cases.push_back({.blockFrames = 64, .caches = Caches::cold});
     return cases;
+}
+
+std::array<SoundCase, 3> costCases(Read read) {
+    return {{{.taps = 1, .read = read, .place = Place::close},
+             {.taps = 128, .read = read, .place = Place::close},
+             {.taps = 128, .read = read, .place = Place::spread}}};
 }
 
 } // namespace bench

@@ -2,6 +2,7 @@
 // of which length, with warm caches or cold ones.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -43,5 +44,7 @@ struct SoundCase {
 std::vector<SoundCase> soundCases();
 /// Those that the effect is built for: few taps and many, at rest and gliding, long blocks and short, cold.
 std::vector<SoundCase> chosenCases();
+/// Where the time goes follows from these three: one tap near, 128 taps near, 128 taps all over the memory.
+std::array<SoundCase, 3> costCases(Read read);
 
 } // namespace bench

@@ -8,6 +8,8 @@
 #include "bench/player.h"
 #include "bench/sound_case.h"
 
+#include <memory>
+
 namespace bench {
 
 namespace {
@@ -35,14 +37,25 @@ void timeCalls(const SuiteOptions& options, const Take& take) {
             take(call.measure(call, options.library));
 }
 
-template <class Limit>
-void timeLimit(const SuiteOptions& options, const Take& take, const SoundCase& situation, const char* name) {
-    if (!wants(options, name))
-        return;
-    Player built(builtEffect(options.library), situation);
-    Limit limit;
-    const std::vector<double> medians = medianNanoseconds({built.contestant(), limit.contestant()});
-    take({section::kLimits, situation.name(), name, medians[0], medians[1]});
+/// Together in the same rounds, since their differences are of interest.
+void timeCost(const SuiteOptions& options, const Take& take, Read read) {
+    const auto cases = costCases(read);
+    std::vector<std::unique_ptr<Player>> players;
+    std::vector<Contestant> contestants;
+    for (const SoundCase& situation : cases) {
+        players.push_back(std::make_unique<Player>(builtEffect(options.library), situation));
+        contestants.push_back(players.back()->contestant());
+    }
+    SerialWork serialWork;
+    LineFetching lineFetching;
+    contestants.push_back(serialWork.contestant());
+    contestants.push_back(lineFetching.contestant());
+    const std::vector<double> medians = medianNanoseconds(contestants);
+    for (std::size_t i = 0; i < cases.size(); ++i)
+        take({section::kCost, cases[i].name(), "itself", medians[i], medians[i]});
+    take({section::kLimits, cases[0].name(), "what waits for its own last result", medians[0], medians[3]});
+    take({section::kLimits, cases[2].name(),
+          "fetching each cache line that 128 taps all over the memory read", medians[2], medians[4]});
 }
 
 void timeFaust(const SuiteOptions& options, const Take& take) {
@@ -64,10 +77,9 @@ void timePrograms(const SuiteOptions& options, const Take& take) {
 void runSuite(const SuiteOptions& options, const Take& take) {
     timeSound(options, take);
     timeCalls(options, take);
-    timeLimit<SerialWork>(options, take, {.taps = 1, .read = Read::whole, .place = Place::close},
-                          "what waits for its own last result");
-    timeLimit<LineFetching>(options, take, {.read = Read::whole},
-                            "fetching each cache line that 128 taps all over the memory read");
+    for (const Read read : {Read::whole, Read::linear, Read::cubic})
+        if (wants(options, costCases(read).back().name()))
+            timeCost(options, take, read);
     if (options.faust)
         timeFaust(options, take);
     if (options.programs)

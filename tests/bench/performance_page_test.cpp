@@ -5,10 +5,10 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace {
 
-using bench::Place;
 using bench::Read;
 using bench::Run;
 
@@ -26,6 +26,9 @@ Run wholeRun(const std::string& when, const std::string& set, double times) {
         run.results.push_back({"sound", situation.name(), "reference", built, built * times});
         built += 1.0;
     }
+    for (const Read read : {Read::whole, Read::linear, Read::cubic})
+        for (const bench::SoundCase& situation : bench::costCases(read))
+            run.results.push_back({"cost", situation.name(), "itself", built += 1.0, built});
     run.results.push_back({"calls", "one new instance", "reference", 2.0e6, 30.0e6});
     return run;
 }
@@ -63,17 +66,31 @@ TEST_F(PerformancePage, BreaksTheCostDownIntoPartsThatAddUp) {
     bench::Run run = wholeRun("monday", "avx2", 2.0);
     const auto set = [&](const bench::SoundCase& situation, double built) {
         for (bench::Result& result : run.results)
-            if (result.situation == situation.name())
+            if (result.section == "cost" && result.situation == situation.name())
                 result.built = built;
     };
-    set({.taps = 1, .read = Read::whole, .place = Place::close}, 31.0);
-    set({.read = Read::whole, .place = Place::close}, 31.0 + 127.0);
-    set({.read = Read::whole}, 200.0);
+    const auto cases = bench::costCases(Read::whole);
+    set(cases[0], 31.0);
+    set(cases[1], 31.0 + 127.0);
+    set(cases[2], 200.0);
     const std::string text = page({run});
     EXPECT_TRUE(has(text, "| what does not depend on the taps | 30.0 |"));
     EXPECT_TRUE(has(text, "| 128 taps near together: finding, reading, interpolating, adding | 128.0 |"));
     EXPECT_TRUE(has(text, "| having them all over the memory | 42.0 |"));
     EXPECT_TRUE(has(text, "| **together, as measured** | 200.0 |"));
+}
+
+TEST_F(PerformancePage, TakesTheLeastDisturbedMeasurementOfALimit) {
+    bench::Run run = wholeRun("monday", "avx512", 2.0);
+    for (const double time : {12.0, 11.0, 14.0})
+        run.results.push_back({"limits", "128 taps", "waiting", 100.0, time});
+    EXPECT_TRUE(has(page({run}), "| waiting | 11.0 |"));
+}
+
+TEST_F(PerformancePage, IsRefusedWithoutWhatItIsDerivedFrom) {
+    bench::Run run = wholeRun("monday", "avx512", 2.0);
+    std::erase_if(run.results, [](const bench::Result& row) { return row.section == "cost"; });
+    EXPECT_THROW(page({run}), std::runtime_error);
 }
 
 TEST_F(PerformancePage, DrawsItsPlots) {
