@@ -1,10 +1,11 @@
 // One block of audio, from the host's buffers to the host's buffers.
 //
 // The block is cut into sub-blocks of at most 64 samples. Each stage takes a whole sub-block and leaves rows
-// of samples to the next: what is smoothed and swept, the filtered input, the delay, the wet signal, the
-// output. Only what feeds back has to step sample by sample: the first and the last tap, whose samples go
-// into the memory again. All taps are then read one after the other, each for the whole sub-block at once
-// (dsp/tap_kernels.h says when that is right), and the few that cannot be are looked up sample by sample.
+// of samples to the next: what is smoothed and swept, the mono input, the delay, the wet signal, the output.
+// Only what feeds back has to step sample by sample: the filters, and the first and the last tap, whose
+// samples go into the memory again. All taps are then read one after the other, each for the whole sub-block
+// at once (dsp/tap_kernels.h says when that is right), and the few that cannot be are looked up sample by
+// sample.
 #include "dsp/delay_engine.h"
 
 #include "dsp/tap_reader.h"
@@ -56,6 +57,7 @@ const float* wholeSamples(const MemoryStretch& stretch, float time) {
     return isSilent(stretch, first, last) ? kSilence.data() : runOf(stretch, first, last, first);
 }
 
+/// Finds the bounds of a row of read offsets.
 Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
     float least = 0.0f;
     float most = -std::numeric_limits<float>::infinity();

@@ -64,7 +64,7 @@ static inline bool isSilent(const MemoryStretch& memory, std::int32_t first, std
 /// Where the sweep moves all taps in each sample of a sub-block.
 struct Sweep {
     const float* lfoOffset; ///< a row, in samples
-    float least, most;      ///< of the row; not numbers where one of it is none
+    float least, most;      ///< of the row; no numbers if one in the row is none
 };
 
 /// Where a tap is in each sample of a sub-block.
