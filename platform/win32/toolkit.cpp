@@ -5,7 +5,6 @@
 
 #include "vstgui/lib/vstguiinit.h"
 
-#include <mutex>
 #include <ole2.h>
 #include <optional>
 
@@ -13,14 +12,12 @@ namespace platform {
 
 namespace {
 
-/// Hosts look through their plug-ins on several threads.
-std::mutex useLock;
+/// Of the window thread, as all of the toolkit is.
 int uses = 0;
 
 } // namespace
 
 ToolkitUse::ToolkitUse() {
-    const std::lock_guard guard(useLock);
     // With the library's own handle: windows are made of a class that is found under it, and the host's
     // program may bring a toolkit of its own.
     if (uses++ == 0)
@@ -28,7 +25,6 @@ ToolkitUse::ToolkitUse() {
 }
 
 ToolkitUse::~ToolkitUse() {
-    const std::lock_guard guard(useLock);
     if (--uses == 0)
         VSTGUI::exit();
 }
