@@ -195,8 +195,8 @@ class Showing {
         stopIfInterrupted();
         if (!picture)
             throw ToolError(
-                "the window cannot be seen whole, so there is no picture of it; is it larger than the "
-                "screen?");
+                "there is no picture of the window to be had; is it larger than the screen, or does what is "
+                "drawn in it not get there?");
         writePng(*picture, options_.screenshot);
     }
 

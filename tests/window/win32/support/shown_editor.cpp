@@ -1,6 +1,6 @@
 #include "support/shown_editor.h"
 
-#include "../../host/support/program_bank.h"
+#include "support/program_bank.h"
 
 #include <chrono>
 #include <cmath>
