@@ -196,21 +196,27 @@ void addTap(float* __restrict sum, const float* __restrict tap, float gain, std:
     });
 }
 
+/// In short sections, so that what turns from a sample of each tap into a row of each stays at hand.
 void glide(const float* step, float a, float* z, float* const* rows, std::int32_t frames) {
-    float times[kSubBlockFrames][kGlideLanes];
     float now[kGlideLanes];
     for (std::int32_t lane = 0; lane < kGlideLanes; ++lane)
         now[lane] = z[lane];
-    for (std::int32_t i = 0; i < frames; ++i)
-        for (std::int32_t lane = 0; lane < kGlideLanes; ++lane) {
-            now[lane] = step[lane] + a * now[lane];
-            times[i][lane] = now[lane];
-        }
-    for (std::int32_t lane = 0; lane < kGlideLanes; ++lane) {
-        z[lane] = now[lane];
-        for (std::int32_t i = 0; i < frames; ++i)
-            rows[lane][i] = times[i][lane];
+    for (std::int32_t begin = 0; begin < frames; begin += kSection) {
+        const std::int32_t left = frames - begin;
+        atItsLength<kSection>(left < kSection ? left : kSection, [&](auto length) {
+            float times[kSection][kGlideLanes];
+            for (std::int32_t i = 0; i < length; ++i)
+                for (std::int32_t lane = 0; lane < kGlideLanes; ++lane) {
+                    now[lane] = step[lane] + a * now[lane];
+                    times[i][lane] = now[lane];
+                }
+            for (std::int32_t lane = 0; lane < kGlideLanes; ++lane)
+                for (std::int32_t i = 0; i < length; ++i)
+                    rows[lane][begin + i] = times[i][lane];
+        });
     }
+    for (std::int32_t lane = 0; lane < kGlideLanes; ++lane)
+        z[lane] = now[lane];
 }
 
 } // namespace
