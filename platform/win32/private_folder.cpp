@@ -2,6 +2,7 @@
 
 #include "platform/folders.h"
 
+#include <cstdio>
 #include <stdexcept>
 #include <system_error>
 #include <windows.h>
@@ -13,20 +14,6 @@ namespace {
 [[noreturn]] void fail(const char* what) {
     throw std::runtime_error(std::string(what) + ": " +
                              std::system_category().message(static_cast<int>(GetLastError())));
-}
-
-/// Makes a new folder among the person's own temporary files, which others cannot read.
-std::string makeFolder() {
-    char place[MAX_PATH + 1] = "";
-    GetTempPathA(sizeof place, place);
-    const std::string process = std::to_string(GetCurrentProcessId());
-    for (unsigned number = 0;; ++number) {
-        std::string folder = std::string(place) + "quillon-" + process + '-' + std::to_string(number);
-        if (CreateDirectoryA(folder.c_str(), nullptr))
-            return folder;
-        if (GetLastError() != ERROR_ALREADY_EXISTS)
-            fail("no private folder can be made");
-    }
 }
 
 /// A link to a folder goes, and what it leads to stays; what is write-protected goes too.
@@ -43,6 +30,42 @@ void removeFolder(const std::string& folder) {
             removeFolder(path);
     }
     RemoveDirectoryA(folder.c_str());
+}
+
+bool isRunning(DWORD process) {
+    const HANDLE handle = OpenProcess(SYNCHRONIZE, FALSE, process);
+    if (!handle)
+        return GetLastError() == ERROR_ACCESS_DENIED;
+    const bool isOver = WaitForSingleObject(handle, 0) == WAIT_OBJECT_0;
+    CloseHandle(handle);
+    return !isOver;
+}
+
+/// A library that is loaded for good keeps its file to the end of the process, and with it the folder.
+/// Whoever comes next takes that away.
+void removeLeftOvers(const std::string& place) {
+    for (const std::string& name : listFolder(place)) {
+        unsigned process = 0, number = 0;
+        int length = 0;
+        std::sscanf(name.c_str(), "quillon-%u-%u%n", &process, &number, &length);
+        if (length > 0 && static_cast<std::size_t>(length) == name.size() && !isRunning(process))
+            removeFolder(place + name);
+    }
+}
+
+/// Makes a new folder among the person's own temporary files, which others cannot read.
+std::string makeFolder() {
+    char place[MAX_PATH + 1] = "";
+    GetTempPathA(sizeof place, place);
+    removeLeftOvers(place);
+    const std::string process = std::to_string(GetCurrentProcessId());
+    for (unsigned number = 0;; ++number) {
+        std::string folder = std::string(place) + "quillon-" + process + '-' + std::to_string(number);
+        if (CreateDirectoryA(folder.c_str(), nullptr))
+            return folder;
+        if (GetLastError() != ERROR_ALREADY_EXISTS)
+            fail("no private folder can be made");
+    }
 }
 
 } // namespace

@@ -64,6 +64,22 @@ TEST(PrivateFolderHere, ComesAndGoesForSomebodyWithAnAccentInTheirName) {
     EXPECT_TRUE(files::is_empty(L"J\u00F6rg"));
 }
 
+TEST(PrivateFolderHere, TakesAwayWhatAProcessThatIsOverHasLeft) {
+    const PrivateFolder outer;
+    const TemporaryFiles place(outer.path());
+    const std::string ofNobody = "quillon-4294967288-0";
+    const std::string ofThisProcess = "quillon-" + std::to_string(GetCurrentProcessId()) + "-77";
+    for (const std::string& name : {ofNobody, ofThisProcess, ofNobody + "x", std::string("quillon-")}) {
+        files::create_directory(name);
+        std::ofstream(name + "\\library.dll") << "left over";
+    }
+    { const PrivateFolder folder; }
+    EXPECT_FALSE(files::exists(ofNobody));
+    EXPECT_TRUE(files::exists(ofThisProcess + "\\library.dll"));
+    EXPECT_TRUE(files::exists(ofNobody + "x\\library.dll"));
+    EXPECT_TRUE(files::exists("quillon-\\library.dll"));
+}
+
 TEST(PrivateFolderHere, ThrowsIfNoneCanBeMade) {
     const files::path before = files::current_path();
     const TemporaryFiles place("C:\\no\\such\\folder");
