@@ -110,7 +110,8 @@ TEST_F(RenderPlugin, IsFoundBesideTheTool) {
     files::copy(QUILLON_STAGE, installed.path(), files::copy_options::recursive);
     const ToolResult result = runTool(folder, {"--list", "--json"}, ErrorEnd::file, tool);
     ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(json::parse(result.out)["library"], installed.file(files::path(QUILLON_LIBRARY).filename()));
+    EXPECT_EQ(json::parse(result.out)["library"],
+              installed.file(files::path(QUILLON_LIBRARY).filename().string()));
 }
 
 TEST_F(RenderPlugin, IsAskedForIfItIsNowhere) {
