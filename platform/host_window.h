@@ -36,7 +36,8 @@ class HostWindow {
     bool isClosed() const;
 
     /// All that is to be seen in the window, the windows of plug-ins in it included. Nothing unless the
-    /// window is shown and wholly on the screen. What covers it is seen too.
+    /// window is shown and wholly on the screen; on Windows nothing either if all of it is black, as an
+    /// editor is whose drawing does not get to the screen. What covers it is seen too.
     std::optional<Picture> picture() const;
 
   private:

@@ -12,7 +12,8 @@
 //   VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A menu wants to lie
 //   inside the window, so one in a window that is too small is cut.
 // - CFrame::idle() turns dirty views into places to be drawn; they are drawn by serveToolkitWindows(), at the
-//   earliest 16 ms later. A test of what is dirty looks before idle().
+//   earliest 16 ms later, and on Windows by the host's message loop. A test of what is dirty looks before
+//   idle().
 // - Keyboard and wheel reach a frame from a host through CFrame::dispatchEvent() with a KeyboardEvent or
 //   MouseWheelEvent made for it, whose `consumed` is the answer.
 // - A font of size 0 draws nothing on Linux.
@@ -27,7 +28,7 @@
 namespace platform {
 
 /// While one of these lives, bitmaps, fonts, views and events may be made. An editor holds one for its whole
-/// life. On the window thread.
+/// life. On the window thread. On Windows it makes COM ready for that thread too, and gives it back there.
 class Toolkit {
   public:
     Toolkit();
@@ -47,7 +48,8 @@ VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path);
 
 /// Gives all open windows of this process their turn: what the hand did on them, timers, drawing. The host's
 /// idle call is the only time they have, as there is no thread and no timer of our own. Called again from
-/// inside such a turn it draws, and takes no input. On the window thread.
+/// inside such a turn it draws, and takes no input. On Windows it does nothing, as windows have their time
+/// from the host's message loop there. On the window thread.
 void serveToolkitWindows();
 
 /// Draws what is due, takes no input. For a pump inside a long gesture. On the window thread.
