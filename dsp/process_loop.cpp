@@ -11,7 +11,6 @@
 #include "dsp/tap_reader.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
