@@ -88,7 +88,7 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
     PROCESS_INFORMATION started = {};
     if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
                         folder.path().string().c_str(), &surroundings, &started))
-        throw std::runtime_error("cannot start " + tool);
+        throw std::runtime_error("cannot start " + tool + ": error " + std::to_string(GetLastError()));
     CloseHandle(started.hThread);
     process_ = reinterpret_cast<std::intptr_t>(started.hProcess);
 }
