@@ -30,7 +30,7 @@ class Unattended {
         setenv("HOME", folder_.path().c_str(), 1);
         setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
         platform::replaceMessageBox(
-            [](void* context, const char* text, const char* caption) {
+            [](void* context, const char* text, const char* caption, const platform::MessageLook&) {
                 static_cast<Unattended*>(context)->messages_.push_back(std::string(caption) + ": " + text);
             },
             this);

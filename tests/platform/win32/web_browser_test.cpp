@@ -1,7 +1,9 @@
 #include "platform/web_browser.h"
 
 #include "../child_process.h"
+#include "editor/help.h"
 #include "platform/files.h"
+#include "platform/module_folder.h"
 #include "platform/private_folder.h"
 #include "registry_key.h"
 
@@ -73,6 +75,14 @@ TEST_F(WebBrowser, IsNotStartedTwice) {
     ASSERT_TRUE(test::waitUntil([this] { return DeleteFileA(notePath.c_str()) != 0; }));
     platform::openInBrowser("\"second\"");
     EXPECT_EQ(note().substr(0, 8), "[second]");
+}
+
+TEST_F(WebBrowser, ShowsTheHelpThatLiesBesideTheLibrary) {
+    makeBrowserKnownAs('"' + browser + '"');
+    platform::replaceModuleFolder("C:\\a folder\\");
+    editor::openHelp();
+    platform::replaceModuleFolder("");
+    EXPECT_EQ(note(), expectedNote());
 }
 
 /// Whatever the registry holds, no program is started and nothing is shown.
