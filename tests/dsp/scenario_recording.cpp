@@ -29,7 +29,7 @@ constexpr std::uint64_t kRecordedPerFamily = 4;
 /// Plays a scenario and keeps all that comes out, both channels of a block after each other.
 class Player {
   public:
-    explicit Player(const host::Library& library) : plugin_(library, {.record = false}) { plugin_.open(); }
+    explicit Player(const host::Library& library) : plugin_(library, quietHost()) { plugin_.open(); }
 
     const std::vector<float>& play(const Scenario& scenario) {
         for (const Action& action : scenario.actions)
@@ -65,6 +65,11 @@ class Player {
     void operator()(const SetChunk& set) { plugin_.setChunk(set.bytes, set.isPreset); }
 
   private:
+    static host::HostBehaviour quietHost() {
+        host::HostBehaviour behaviour;
+        behaviour.record = false;
+        return behaviour;
+    }
     void send(const host::MidiMessage& message) { plugin_.sendMidi({&message, 1}); }
 
     host::Plugin plugin_;
