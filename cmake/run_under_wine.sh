@@ -15,6 +15,8 @@ export WINEPREFIX="$prefix"
 # Silent, and without asking for parts that nobody here needs.
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
+# Names of files with accents exist only where the letters of this system are said to be Unicode.
+export LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
 
 # The loader itself: the wrapper around it says on every call that 32-bit programs would not run.
