@@ -29,6 +29,7 @@ constexpr std::size_t kTapsFetchedAhead = 8;
 constexpr std::int32_t kSamplesPerCacheLine = 16;
 /// The hint to bring them into the second cache, which has room for all of them.
 constexpr int kIntoSecondCache = 2;
+
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
 }
