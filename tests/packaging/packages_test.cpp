@@ -209,7 +209,7 @@ TEST_F(Packages, AreInTheZipAsTheyAreDelivered) {
 }
 
 TEST_F(Packages, BringToolsThatRun) {
-    for (const std::string& tool : {"quillon-render.exe", "quillon-window.exe"})
+    for (const char* const tool : {"quillon-render.exe", "quillon-window.exe"})
         EXPECT_EQ(run(quoted(files::path(QUILLON_UNPACKED) / "Tools" / tool) + " --help >nul"), 0) << tool;
 }
 
