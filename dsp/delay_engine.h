@@ -99,6 +99,7 @@ class DelayEngine {
         alignas(64) std::array<float, kSubBlockFrames + 1> lfoOffset; ///< one more, for the sub-block after
         Sweep sweep;                                                  ///< these
         alignas(64) Row mono;
+        alignas(64) std::array<double, kSubBlockFrames> quietInput; ///< filtered, where it is next to silence
         std::array<TapPath, kMaxTaps> tapPath;
         alignas(64) std::array<Row, kMaxTaps> tapTimeNow; ///< of the taps that glide
         const float *firstTap, *lastTap; ///< the two that feed back, wherever their samples stand
@@ -128,6 +129,9 @@ class DelayEngine {
     void recirculateWith(const MemoryStretch& stretch);
     template <class ReadFedTaps>
     void writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps);
+    template <class ReadFiltered, class ReadFedTaps>
+    void feedBack(const MemoryStretch& stretch, ReadFiltered readFiltered, ReadFedTaps readFedTaps);
+    bool filterQuietly(std::int32_t frames);
     void sumTaps(const MemoryStretch& stretch);
     void fetchTap(const MemoryStretch& stretch, std::size_t tap) const;
     const float* readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const;

@@ -276,20 +276,55 @@ void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
 /// states, which no store into the memory can reach.
 template <class ReadFedTaps>
 void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps) {
-    float* const slots = delay.samples.data() + stretch.start;
+    if (filterQuietly(stretch.frames)) {
+        feedBack(
+            stretch, [&](std::int32_t i) { return block.quietInput[at(i)]; }, readFedTaps);
+        return;
+    }
     BiquadState lowPass = preLowPass.state;
     BiquadState highPass = preHighPass.state;
+    const auto filtered = [&](std::int32_t i) {
+        const float low = lowPass.process(block.mono[at(i)], controls.lowPass);
+        return static_cast<double>(highPass.process(low, controls.highPass));
+    };
+    feedBack(stretch, filtered, readFedTaps);
+    preLowPass.state = lowPass;
+    preHighPass.state = highPass;
+}
+
+template <class ReadFiltered, class ReadFedTaps>
+void DelayEngine::feedBack(const MemoryStretch& stretch, ReadFiltered readFiltered, ReadFedTaps readFedTaps) {
+    float* const slots = delay.samples.data() + stretch.start;
     FeedbackPath feedback = feedbackPath;
     for (std::int32_t i = 0; i < stretch.frames; ++i) {
-        const float low = lowPass.process(block.mono[at(i)], controls.lowPass);
-        const float filtered = highPass.process(low, controls.highPass);
-        slots[i] = feedback.memoryInput(filtered, controls.feedback);
+        slots[i] = feedback.memoryInput(readFiltered(i), controls.feedback);
         const FedTaps fed = readFedTaps(i);
         feedback.capture(fed.first, fed.last);
     }
-    preLowPass.state = lowPass;
-    preHighPass.state = highPass;
     feedbackPath = feedback;
+}
+
+/// Both filters over silence, or over what is next to it. False, with nothing done, if they are not that
+/// quiet, or do not stay so.
+bool DelayEngine::filterQuietly(std::int32_t frames) {
+    const auto isQuiet = [](float sample) { return QuietBiquad::isQuiet(sample); };
+    if (!QuietBiquad::isQuiet(preLowPass.state, controls.lowPass) ||
+        !QuietBiquad::isQuiet(preHighPass.state, controls.highPass) ||
+        !std::all_of(block.mono.begin(), block.mono.begin() + frames, isQuiet))
+        return false;
+    constexpr double kSmallestStep = std::numeric_limits<float>::denorm_min();
+    QuietBiquad lowPass(preLowPass.state);
+    QuietBiquad highPass(preHighPass.state);
+    for (std::int32_t i = 0; i < frames; ++i) {
+        const double low = lowPass.process(QuietBiquad::stepsOf(block.mono[at(i)]), controls.lowPass);
+        const double filtered = highPass.process(low, controls.highPass);
+        if (!QuietBiquad::isQuiet(low) || !QuietBiquad::isQuiet(filtered))
+            return false;
+        block.quietInput[at(i)] = filtered * kSmallestStep;
+    }
+    preLowPass.state = lowPass.state();
+    preHighPass.state = highPass.state();
+    return true;
 }
 
 /// Asks the processor to bring near what a tap will read. A hundred taps all over 16 MiB are more streams

@@ -103,6 +103,8 @@ INSTANTIATE_TEST_SUITE_P(CrossingGlides, BitExact, testing::ValuesIn(batches(Fam
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(Interruptions, BitExact, testing::ValuesIn(batches(Family::kInterruptions, 4, 24)),
                          nameOf);
+INSTANTIATE_TEST_SUITE_P(NearSilence, BitExact, testing::ValuesIn(batches(Family::kNearSilence, 3, 16)),
+                         nameOf);
 INSTANTIATE_TEST_SUITE_P(FullMemory, BitExact, testing::ValuesIn(longBatches(Family::kFullMemory, 4, 4)),
                          nameOf);
 

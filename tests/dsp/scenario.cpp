@@ -548,6 +548,28 @@ void writeFullMemory(Author& author) {
     author.play(2000);
 }
 
+/// Sound, and silence long enough for the filters to come as near to zero as they ever do, or next to it; and
+/// sound again.
+void writeNearSilence(Author& author) {
+    author.begin();
+    author.setAllSanely();
+    constexpr Signal quiet[] = {Signal::kSilence, Signal::kSilence, Signal::kNegativeZero, Signal::kDenormal,
+                                Signal::kNoise};
+    constexpr float levels[] = {1e-38f, 1e-39f, 1e-40f, 1e-42f, 1e-44f};
+    for (std::int32_t round = 0; round < 6; ++round) {
+        author.playAny();
+        author.play(1024, author.random.oneIn(3) ? 60 : 12);
+        auto& blocks = std::get<Blocks>(author.scenario.actions.back());
+        blocks.signal = author.random.oneOf(quiet);
+        blocks.level = author.random.oneOf(levels);
+        if (author.random.oneIn(2))
+            author.setSanely(author.random.below(kLiveParameters));
+        if (author.random.oneIn(2))
+            author.play(author.random.between(1, 65));
+    }
+    author.play(1024, 2);
+}
+
 const char* titleOf(Family family) {
     constexpr const char* titles[kFamilies] = {"whole samples",
                                                "linear read",
@@ -566,7 +588,8 @@ const char* titleOf(Family family) {
                                                "short feedback",
                                                "crossing glides",
                                                "interruptions",
-                                               "a full memory"};
+                                               "a full memory",
+                                               "near silence"};
     return titles[static_cast<std::size_t>(family)];
 }
 
@@ -630,6 +653,9 @@ Scenario make(std::uint64_t seed) {
         break;
     case Family::kFullMemory:
         writeFullMemory(author);
+        break;
+    case Family::kNearSilence:
+        writeNearSilence(author);
         break;
     }
     return std::move(author.scenario);

@@ -138,8 +138,9 @@ enum class Family : std::uint64_t {
     kCrossingGlides = 15,
     kInterruptions = 16,
     kFullMemory = 17,
+    kNearSilence = 18,
 };
-constexpr std::uint64_t kFamilies = 18;
+constexpr std::uint64_t kFamilies = 19;
 constexpr std::uint64_t kSeedsPerFamily = 1000000;
 
 constexpr std::uint64_t seedOf(Family family, std::uint64_t index) {
