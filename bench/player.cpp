@@ -24,6 +24,8 @@ constexpr std::int32_t kSettlingFrames = 250000;
 /// So many blocks hide the jump of a pattern that does not glide.
 constexpr std::int32_t kFadingBlocks = 5;
 constexpr std::int32_t kFirstCountWithoutGlide = 102;
+/// After so many samples of silence the filters are as near to zero as they come.
+constexpr std::int32_t kSilentFrames = 131072;
 
 bool glides(const SoundCase& situation) {
     return situation.read != Read::whole && situation.taps < kFirstCountWithoutGlide;
@@ -132,6 +134,10 @@ Player::Player(std::unique_ptr<Subject> subject, const SoundCase& situation)
     setPattern();
     if (situation.motion == Motion::rest)
         play(kBatchFrames, glides(situation) ? kSettlingFrames / kBatchFrames : kFadingBlocks);
+    if (situation.input == Input::silence) {
+        std::fill(samples_.begin(), samples_.end(), 0.0f);
+        play(kBatchFrames, kSilentFrames / kBatchFrames);
+    }
 }
 
 void Player::setPattern() {

@@ -25,6 +25,8 @@ std::string SoundCase::name() const {
     text += ", blocks of " + std::to_string(blockFrames);
     if (caches == Caches::cold)
         text += ", cold";
+    if (input == Input::silence)
+        text += ", silence";
     return text;
 }
 
@@ -41,6 +43,8 @@ std::vector<SoundCase> soundCases() {
         addEachRead(cases, {.blockFrames = frames});
     addEachRead(cases, {.blockFrames = 64, .caches = Caches::cold});
     cases.push_back({.caches = Caches::cold});
+    for (const std::int32_t taps : {1, 8, 128})
+        cases.push_back({.taps = taps, .input = Input::silence});
     return cases;
 }
 
@@ -55,6 +59,7 @@ std::vector<SoundCase> chosenCases() {
     addEachRead(cases, {.taps = 8});
     addEachRead(cases, {.taps = 1});
     cases.push_back({.blockFrames = 64, .caches = Caches::cold});
+    cases.push_back({.taps = 8, .input = Input::silence});
     return cases;
 }
 

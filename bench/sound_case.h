@@ -1,5 +1,5 @@
 // One situation in which the effect is timed: how many taps, read how, lying where, moving or not, in blocks
-// of which length, with warm caches or cold ones.
+// of which length, with warm caches or cold ones, hearing something or nothing.
 #pragma once
 
 #include <array>
@@ -28,6 +28,11 @@ enum class Caches {
     cold ///< other data has gone through them before each block, as between the calls of a busy host
 };
 
+enum class Input {
+    noise,
+    silence ///< some seconds after the last sound
+};
+
 struct SoundCase {
     std::int32_t taps = 128;
     Read read = Read::cubic;
@@ -35,6 +40,7 @@ struct SoundCase {
     Motion motion = Motion::rest;
     std::int32_t blockFrames = 512;
     Caches caches = Caches::warm;
+    Input input = Input::noise;
 
     /// In words, unique: "128 taps, cubic, spread, at rest, blocks of 512".
     std::string name() const;
@@ -42,7 +48,8 @@ struct SoundCase {
 
 /// All that are timed.
 std::vector<SoundCase> soundCases();
-/// Those that the effect is built for: few taps and many, at rest and gliding, long blocks and short, cold.
+/// Those that the effect is built for: few taps and many, at rest and gliding, long blocks and short, cold,
+/// in silence.
 std::vector<SoundCase> chosenCases();
 /// Where the time goes follows from these three: one tap near, 128 taps near, 128 taps all over the memory.
 std::array<SoundCase, 3> costCases(Read read);
