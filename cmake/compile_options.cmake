@@ -29,3 +29,11 @@ if(QUILLON_SANITIZE)
     -fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quillon_compile_options INTERFACE -fsanitize=${QUILLON_SANITIZE})
 endif()
+
+# Sources that read a command line are mostly the parser's templates, which take longer to optimise than the rest of a
+# tool and run once. On Windows they are optimised all the same, since what is packed should be small.
+function(quillon_command_line_sources)
+  if(NOT WIN32)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O0)
+  endif()
+endfunction()
