@@ -5,10 +5,14 @@
 #
 # PREFIX is the folder that holds that Windows: registry, system files, settings. Nobody's ~/.wine is touched. There is
 # no display: a window of the program exists, but is on no screen. With PREFIX ending in "-screen" the program gets a
-# screen of its own, which lives as long as the call; such programs run one after the other.
+# screen and a Windows that no other program has, so programs that wait for their windows can wait side by side.
 set -eu
 
-prefix=$1
+template=${1%-screen}.template
+case $1 in
+  *-screen) prefix=$1-$(basename "$2" .exe) has_screen=yes ;;
+  *) prefix=$1 has_screen=no ;;
+esac
 shift
 
 export WINEPREFIX="$prefix"
@@ -23,9 +27,7 @@ unset DISPLAY WAYLAND_DISPLAY
 wine=/usr/lib/wine/wine64
 [ -x "$wine" ] || wine=wine
 
-# A Windows as wine makes it, never run after that. What it is copied for differs in nothing but the screen.
-template=${prefix%-screen}.template
-
+# A Windows as wine makes it, never run after that, to be copied.
 make_template() {
   rm -rf "$template.unfinished"
   mkdir -p "$template.unfinished"
@@ -58,10 +60,14 @@ if [ ! -f "$prefix/ready" ]; then
   exec 9>&-
 fi
 
-case $prefix in
-  *-screen) ;;
-  *) exec "$wine" "$@" ;;
-esac
+# The first program of a Windows starts its services, which keep what the program's output goes to open until the last
+# program has ended. So the first is one whose output nobody waits for.
+wake() { "$wine" cmd.exe /c exit >/dev/null 2>&1 9>&-; }
+
+if [ $has_screen = no ]; then
+  wake
+  exec "$wine" "$@"
+fi
 
 exec 9>"$prefix/lock"
 flock 9

@@ -1,0 +1,2 @@
+// What the tests include is read while this is compiled.
+int main() {}
