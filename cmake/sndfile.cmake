@@ -4,15 +4,8 @@
 # With its sources at hand: -DSNDFILE_SOURCE_DIR=FOLDER.
 set(SNDFILE_SOURCE_DIR "" CACHE PATH "The sources of libsndfile 1.2.2; empty to fetch them")
 
-set(sndfile ${SNDFILE_SOURCE_DIR})
-if(NOT sndfile)
-  execute_process(
-    COMMAND ${CMAKE_CURRENT_LIST_DIR}/fetch_source.sh sndfile
-    OUTPUT_VARIABLE sndfile OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE sndfile_result)
-  if(NOT sndfile_result EQUAL 0)
-    message(FATAL_ERROR "The sources of libsndfile could not be had; the lines above say why.")
-  endif()
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/fetch_source.cmake)
+quillon_fetch_source(sndfile sndfile "${SNDFILE_SOURCE_DIR}")
 
 # Its own template, filled with what is known of this one compiler and system: asking takes longer than compiling.
 function(sndfile_configure)

@@ -1,32 +1,17 @@
 #include "platform/folders.h"
 
-#include "platform/files.h"
-#include "platform/private_folder.h"
+#include "../platform/folders_fixture.h"
 
 #include <algorithm>
 #include <dirent.h>
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace {
 
 using platform::findPath;
 
-/// Each test works in an empty folder of its own.
-class Folders : public testing::Test {
-  protected:
-    void make(const std::string& path) {
-        const auto above = std::filesystem::path(path).parent_path();
-        if (!above.empty())
-            std::filesystem::create_directories(above);
-        ASSERT_TRUE(platform::writeWholeFile(path, path.data(), path.size()));
-    }
-
-    platform::PrivateFolder folder;
-};
-
-using FolderListing = Folders;
-using PathSearch = Folders;
+using FolderListing = test::Folders;
+using PathSearch = test::Folders;
 
 TEST_F(FolderListing, NamesEverythingButTheFolderItselfAndTheOneAbove) {
     make("a file");

@@ -1,10 +1,9 @@
 #include "platform/folders.h"
 
+#include "../folders_fixture.h"
 #include "platform/files.h"
-#include "platform/private_folder.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -13,21 +12,8 @@ namespace {
 using platform::findPath;
 using platform::listFolder;
 
-/// Each test works in an empty folder of its own.
-class Folders : public testing::Test {
-  protected:
-    void make(const std::string& path) {
-        const auto above = std::filesystem::path(path).parent_path();
-        if (!above.empty())
-            std::filesystem::create_directories(above);
-        ASSERT_TRUE(platform::writeWholeFile(path, path.data(), path.size()));
-    }
-
-    platform::PrivateFolder folder;
-};
-
-using FolderListing = Folders;
-using PathSearch = Folders;
+using FolderListing = test::Folders;
+using PathSearch = test::Folders;
 
 TEST_F(FolderListing, NamesEverythingButTheFolderItselfAndTheOneAbove) {
     make("a file");
