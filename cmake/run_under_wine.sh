@@ -8,10 +8,14 @@
 # screen and a Windows that no other program has, so programs that wait for their windows can wait side by side.
 set -eu
 
-template=${1%-screen}.template
-case $1 in
-  *-screen) prefix=$1-$(basename "$2" .exe) has_screen=yes ;;
-  *) prefix=$1 has_screen=no ;;
+prefix=$(realpath -m -- "$1")
+template=${prefix%-screen}.template
+has_screen=no
+case $prefix in
+  *-screen)
+    has_screen=yes
+    prefix=$prefix-$(basename "$2" .exe)
+    ;;
 esac
 shift
 
