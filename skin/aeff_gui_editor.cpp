@@ -73,8 +73,12 @@ bool AEffGUIEditor::hasFrame() const {
     return std::atomic_ref<CFrame*>(const_cast<CFrame*&>(frame)).load(std::memory_order_relaxed) != nullptr;
 }
 
+void AEffGUIEditor::noteWindowThread() {
+    windowThread_.store(platform::currentThread(), std::memory_order_relaxed);
+}
+
 bool AEffGUIEditor::onWindowThread() const {
-    return windowThread_.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    return windowThread_.load(std::memory_order_relaxed) == platform::currentThread();
 }
 
 void AEffGUIEditor::idle() {

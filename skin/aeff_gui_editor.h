@@ -15,7 +15,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <thread>
 
 namespace skin {
 
@@ -69,14 +68,14 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     bool inIdleStuff = false; ///< while the host has its turn inside a gesture
 
   private:
-    void noteWindowThread() { windowThread_.store(std::this_thread::get_id(), std::memory_order_relaxed); }
+    void noteWindowThread();
     bool dispatchKey(const vst2::VstKeyCode& key, bool isDown);
     void setFrame(VSTGUI::CFrame* newFrame);
 
     platform::Toolkit toolkit_;
     platform::ToolkitWindow window_;
     plugin::AudioEffectX* effectX_;
-    std::atomic<std::thread::id> windowThread_;
+    std::atomic<std::uint64_t> windowThread_;
 
     static std::int32_t knobMode;
 };

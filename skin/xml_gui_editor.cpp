@@ -20,6 +20,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace skin {
 
@@ -64,7 +65,9 @@ xmlGuiEditor::~xmlGuiEditor() {
 bool xmlGuiEditor::loadSkin(void* parent, bool backgroundOnly) {
     SkinContext context;
     skinContextInit(&context, parent, backgroundOnly, this);
+    isReading_ = true;
     const bool loaded = readSkin(context);
+    isReading_ = false;
     skinContextRelease(&context);
     if (!frame)
         background = nullptr;
@@ -103,6 +106,8 @@ void xmlGuiEditor::resetLists() {
 }
 
 bool xmlGuiEditor::open(void* ptr) {
+    if (isReading_)
+        return false;
     // A host that opens twice gets its second window in place of the first.
     closeFrame();
     storeShared(systemWindow, ptr);
@@ -111,11 +116,20 @@ bool xmlGuiEditor::open(void* ptr) {
     const bool loaded = loadSkin(ptr, false);
     skinLoaded = 1;
     storeShared(queueRead, 0);
-    return loaded;
+    if (!std::exchange(isClosedWhileReading_, false))
+        return loaded;
+    close();
+    return false;
 }
 
 void xmlGuiEditor::close() {
     skinLoaded = 0;
+    if (isReading_) {
+        // A message about the skin stands open and lets the host go on. What the skin is being turned into is
+        // still in use behind it.
+        isClosedWhileReading_ = true;
+        return;
+    }
     closeFrame();
     background = nullptr;
 }
@@ -310,6 +324,8 @@ std::int32_t xmlGuiEditor::tagBeingTurned() const {
 // From the hand to the effect
 
 void xmlGuiEditor::valueChanged(CControl* control) {
+    const VSTGUI::SharedPointer<CControl> held(control);
+    const std::weak_ptr<bool> life = life_;
     const std::int32_t tag = control->getTag();
     if (isParameter(tag))
         applyParameterControl(*control, tag);
@@ -317,6 +333,11 @@ void xmlGuiEditor::valueChanged(CControl* control) {
         runMenuActions(*control, tag);
     else if (tag == kSkinSelectorTag)
         selectSkin(*control);
+    if (life.expired()) {
+        // While the message stood open, the host has ended the effect.
+        control->setListener(nullptr);
+        return;
+    }
     markUpdateLinks(tag);
     control->setDirty(true);
 }
@@ -343,7 +364,7 @@ void xmlGuiEditor::runMenuActions(CControl& control, std::int32_t tag) {
 
 void xmlGuiEditor::selectSkin(CControl& control) {
     const float choice = control.getValue();
-    const auto count = static_cast<float>(skinNames.count);
+    const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
     const std::int32_t index = trunc(choice);
     if (choice < count && index >= 0 && skinSaveName(skinNames[index].text))
         platform::showMessage("The new skin has been selected.\n"

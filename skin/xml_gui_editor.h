@@ -15,6 +15,7 @@
 #include "vstgui/lib/controls/icontrollistener.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace editor {
@@ -186,6 +187,9 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     int buildAbout(ObjectReader& object);
     int buildVuMeter(ObjectReader& object);
 
+    bool isReading_ = false;                                ///< a skin, which may show messages
+    bool isClosedWhileReading_ = false;                     ///< by the host, while such a message stood open
+    std::shared_ptr<bool> life_ = std::make_shared<bool>(); ///< ends with the editor
     std::uint32_t notedChanges_ = 0; ///< a bit for each parameter, and those for all of them; shared
 };
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <ctime>
+#include <pthread.h>
 
 namespace platform {
 
@@ -26,6 +27,10 @@ class MonotonicClock final : public Clock {
 };
 
 } // namespace
+
+std::uint64_t currentThread() {
+    return pthread_self();
+}
 
 Clock& ownClock() {
     static MonotonicClock clock;

@@ -158,9 +158,13 @@ TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
 TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     auto& editor = show();
     std::vector<platform::ShownMessage> messages;
+    HWND owner = nullptr;
     {
-        const platform::MessageWatch watch(
-            [&](const platform::ShownMessage& message) { messages.push_back(message); }, [] { return true; });
+        const auto look = [&](const platform::ShownMessage& message) {
+            messages.push_back(message);
+            owner = GetWindow(FindWindowA(nullptr, message.caption.c_str()), GW_OWNER);
+        };
+        const platform::MessageWatch watch(look, [] { return true; });
         // Names come in the order of the file system.
         const Entries offered = useMenu(editor, 135, 80, Button::left, {VK_ESCAPE});
         const auto blue = std::ranges::find(offered, "Blue");
@@ -176,6 +180,9 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
                                 "Please close and open this window.\n"
                                 "If nothing changes it's probably because your host only hides\n"
                                 "the editor windows, so you may have to reopen the plug-in");
+    // To the system a child's box belongs to the window that the child lies in.
+    EXPECT_NE(owner, nullptr);
+    EXPECT_EQ(owner, GetAncestor(editor.own(), GA_ROOT));
     editor.close();
     ASSERT_TRUE(editor.open());
     RECT place = {};
@@ -304,6 +311,56 @@ TEST_F(WindowedEditor, ClosesWithAMenuOpen) {
             EXPECT_EQ(FindWindowW(L"#32768", nullptr), nullptr);
         }
     show().serveAll();
+}
+
+/// Does something as soon as a box of this caption stands, on the thread that it keeps.
+void whenItSays(const char* caption, std::function<void()> act) {
+    onTimer = [=] {
+        if (FindWindowA(nullptr, caption))
+            return act();
+        whenItSays(caption, act);
+    };
+    SetTimer(nullptr, 0, 50, ring);
+}
+
+TEST_F(WindowedEditor, ClosesWhileItTellsOfAFaultInTheSkin) {
+    for (const char* fault : {R"(<knob id="6" x="10" y="10" w="40" h="40" default="oops"/>)",
+                              R"(<display id="300" x="10" y="60" w="40" h="14" font="oops"/>)"}) {
+        SCOPED_TRACE(fault);
+        std::ofstream(beside("Quillon Skin\\skin.xml"))
+            << R"(<GUI><background filename="background.png"/>)" << fault
+            << R"(<ViewTaps x="10" y="110" w="200" h="60"/></GUI>)";
+        ShownEditor editor(library());
+        std::atomic<bool> isClosed = false;
+        const platform::MessageWatch watch([](const platform::ShownMessage&) {},
+                                           [&] { return isClosed.load(); });
+        whenItSays("Skin Error", [&] {
+            editor.close();
+            isClosed = true;
+        });
+        EXPECT_FALSE(editor.open());
+        EXPECT_TRUE(isClosed);
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+        editor.plugin().setParameter(kKnob, 0.75f);
+        EXPECT_TRUE(editor.open()) << "the box is acknowledged at once";
+        EXPECT_EQ(childrenOf(editor.window()).size(), 1u);
+    }
+}
+
+TEST_F(WindowedEditor, EndsWhileItTellsOfTheChosenSkin) {
+    auto& editor = show();
+    std::atomic<bool> isGone = false;
+    const platform::MessageWatch watch([](const platform::ShownMessage&) {}, [&] { return isGone.load(); });
+    whenItSays("SKIN SELECTED!", [&] {
+        editor.close();
+        editor.destroyInstance();
+        editor.destroyWindow();
+        isGone = true;
+    });
+    const MenuHand hand(editor.own(), {VK_DOWN, VK_RETURN});
+    editor.postClick(135, 80);
+    EXPECT_TRUE(editor.serveUntil([&] { return isGone && hand.isDone(); }));
+    EXPECT_TRUE(ShownEditor(library()).open());
 }
 
 TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
