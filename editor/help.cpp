@@ -19,9 +19,10 @@ void helpFileArgument(char* out) {
 }
 
 void helpFileArgument(const std::string& folder, char* out) {
+    // Without a folder it would be sought in the current one.
     const std::string argument = "\"" + folder + "Quillon Multitap Delay Help.htm\"";
-    const bool fits = argument.size() < kHelpArgumentSize;
-    std::strcpy(out, fits ? argument.c_str() : "");
+    const bool isToBeFound = !folder.empty() && argument.size() < kHelpArgumentSize;
+    std::strcpy(out, isToBeFound ? argument.c_str() : "");
 }
 
 } // namespace editor

@@ -108,6 +108,13 @@ Function un.onInit
   SetRegView 64
 FunctionEnd
 
+Function TellOfTrouble
+  MessageBox MB_ICONSTOP|MB_OK "Not everything could be written to $INSTDIR. Is the effect in use? Close your music \
+software and run this again." /SD IDOK
+  SetErrorLevel 2
+  Abort
+FunctionEnd
+
 Section "Effect"
   SetOverwrite on
   Call IsBankOurs
@@ -117,16 +124,17 @@ Section "Effect"
     ${While} ${FileExists} "$INSTDIR\default before ${VERSION} ($1).fxb"
       IntOp $1 $1 + 1
     ${EndWhile}
+    ClearErrors
     Rename "$INSTDIR\${BANK}" "$INSTDIR\default before ${VERSION} ($1).fxb"
+    ${If} ${Errors}
+      Call TellOfTrouble
+    ${EndIf}
   ${EndIf}
   ClearErrors
   !include "${INSTALL}"
   WriteUninstaller "$INSTDIR\Uninstall.exe"
   ${If} ${Errors}
-    MessageBox MB_ICONSTOP|MB_OK "Not everything could be written to $INSTDIR. Is the effect in use? Close your music \
-software and run this again." /SD IDOK
-    SetErrorLevel 2
-    Abort
+    Call TellOfTrouble
   ${EndIf}
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"

@@ -81,7 +81,9 @@ void velmo_delay::startUp() {
 }
 
 void velmo_delay::loadDefaultBank() {
-    presets::loadDefaultBank(platform::moduleFolder() + "default.fxb", *this);
+    // Without a folder there is no bank: a bare name would be sought in the current one.
+    const std::string& folder = platform::moduleFolder();
+    presets::loadDefaultBank(folder.empty() ? folder : folder + "default.fxb", *this);
 }
 
 void velmo_delay::resume() {

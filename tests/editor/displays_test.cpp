@@ -295,4 +295,9 @@ TEST_F(Help, FillsItsBufferToTheLastByteAndNoFurther) {
     EXPECT_EQ(written[editor::kHelpArgumentSize], '#');
 }
 
+TEST_F(Help, IsNotSoughtInTheCurrentFolder) {
+    editor::helpFileArgument("", written);
+    EXPECT_STREQ(written, "");
+}
+
 } // namespace
