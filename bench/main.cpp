@@ -15,6 +15,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <exception>
@@ -56,6 +57,9 @@ std::optional<std::string> readOptions(Options& options, int argumentCount, cons
         throw tools::ToolError("--page shows every situation, so it does not go with --only");
     if (options.redraw && options.page.empty())
         throw tools::ToolError("--redraw: no --page was given");
+    for (const std::string& set : options.sets)
+        if (std::ranges::count(options.sets, set) > 1)
+            throw tools::ToolError("--instruction-set: \"" + set + "\" is given twice");
     options.page = tools::settled(options.page).string();
     if (!options.page.empty() && !std::filesystem::is_directory(options.page))
         throw tools::ToolError("--page: there is no folder " + options.page);
@@ -67,6 +71,14 @@ void checkUsable(const std::string& set) {
         if (set == kernels->instructionSet)
             return;
     throw tools::ToolError("--instruction-set: this processor has no \"" + set + "\"");
+}
+
+/// What is missing is noticed now and not when all else is measured.
+void checkPeers() {
+    if (!std::filesystem::exists(QUILLON_FAUST_PROGRAMS))
+        throw tools::ToolError("--peers: there are no Faust programs; `./quillon bench --peers` builds them");
+    platform::processorSecondsOf({"ffmpeg", "-version"});
+    platform::processorSecondsOf({"csound", "--version"});
 }
 
 /// The effect held to an instruction set, with all that is delivered beside it, as a copy in the folder.
@@ -142,6 +154,8 @@ void printJson(std::FILE* output, const std::vector<Run>& runs) {
 void run(const Options& options) {
     for (const std::string& set : options.sets)
         checkUsable(set);
+    if (options.peers && !options.redraw)
+        checkPeers();
     std::FILE* const output = platform::takeOwnOutput();
     const std::string kept = options.page + "/performance_runs.tsv";
     // A file that is spoilt is noticed now and not when all is measured.
@@ -154,6 +168,8 @@ void run(const Options& options) {
         std::vector<Run> runs;
         for (const HeldLibrary& held : librariesFor(options.sets, privateFolder.path())) {
             runs.push_back(measure(held, options, options.peers && runs.empty(), output));
+            if (runs.back().results.empty())
+                throw tools::ToolError("--only: the name of no situation contains \"" + options.only + "\"");
             if (!options.page.empty())
                 appendRun(kept, runs.back());
         }

@@ -30,7 +30,7 @@ enum class Caches {
 
 enum class Input {
     noise,
-    silence ///< some seconds after the last sound
+    silence ///< some seconds after the last of it; echoes may go on
 };
 
 struct SoundCase {

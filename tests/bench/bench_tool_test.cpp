@@ -31,6 +31,10 @@ TEST_F(BenchErrors, NameAnInstructionSetThatTheProcessorLacks) {
     expectError({"--instruction-set", "abacus"}, "this processor has no \"abacus\"");
 }
 
+TEST_F(BenchErrors, NameAnInstructionSetThatIsGivenTwice) {
+    expectError({"--instruction-set", "sse2", "--instruction-set", "sse2"}, "\"sse2\" is given twice");
+}
+
 TEST_F(BenchErrors, NameAFolderForThePageThatIsNotThere) {
     expectError({"--page", "nowhere"}, "nowhere");
 }
@@ -50,6 +54,11 @@ TEST_F(BenchErrors, NameAFileOfRunsThatIsNone) {
 
 TEST_F(BenchErrors, SayThatThereAreNoRunsToShow) {
     expectError({"--page", ".", "--redraw"}, "there are no runs to show");
+}
+
+TEST_F(BenchErrors, SayThatNoSituationIsCalledSo) {
+    expectError({"--json", "--only", "a thousand taps"},
+                "--only: the name of no situation contains \"a thousand taps\"");
 }
 
 TEST(Bench, TimesTheSituationsThatAreAskedForAndGivesThemAsJson) {
