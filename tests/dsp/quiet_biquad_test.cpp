@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <random>
-#include <vector>
+#include <utility>
 
 namespace {
 
@@ -79,6 +79,18 @@ TEST_F(QuietFilter, DoesSoWithAnyModerateCoefficients) {
     for (int round = 0; round < 20000 && !HasFailure(); ++round)
         samples += compare(quietState(), any(), round % 2 == 0);
     EXPECT_GT(samples, 20000);
+}
+
+TEST_F(QuietFilter, RoundsHalvesToTheEvenSide) {
+    constexpr float halves[] = {0.5f, -0.5f, 1.5f, -1.5f, 2.5f, -2.5f, 0.25f, -0.75f, 0.125f};
+    const auto half = [&] { return halves[below(9)]; };
+    int samples = 0;
+    for (int round = 0; round < 2000 && !HasFailure(); ++round)
+        samples += compare(quietState(), {half(), half(), half(), half(), half()}, round % 2 == 0);
+    EXPECT_GT(samples, 2000);
+    for (const auto& [steps, rounded] :
+         {std::pair{1.0, 0.0}, {3.0, 2.0}, {5.0, 2.0}, {-3.0, -2.0}, {-5.0, -2.0}, {7.0, 4.0}})
+        EXPECT_EQ(QuietBiquad(BiquadState{}).process(steps, {.b0 = 0.5f}), rounded);
 }
 
 TEST_F(QuietFilter, IsRightAtItsLoudest) {

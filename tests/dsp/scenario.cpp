@@ -556,6 +556,26 @@ void writeNearSilence(Author& author) {
     constexpr Signal quiet[] = {Signal::kSilence, Signal::kSilence, Signal::kNegativeZero, Signal::kDenormal,
                                 Signal::kNoise};
     constexpr float levels[] = {1e-38f, 1e-39f, 1e-40f, 1e-42f, 1e-44f};
+    if (author.random.oneIn(3)) {
+        // A low-pass above half the rate grows by itself, and makes all the difference of a state that nobody
+        // would hear.
+        author.rate = 22050.0f;
+        author.add(SetSampleRate{author.rate});
+        author.add(Resume{false});
+        author.set(kPreLowPass, 1.0f);
+        const auto playQuietly = [&](std::int32_t frames, std::int32_t times, Signal signal) {
+            author.play(frames, times);
+            auto& blocks = std::get<Blocks>(author.scenario.actions.back());
+            blocks.signal = signal;
+            blocks.level = 1e-43f;
+        };
+        playQuietly(author.random.between(1, 200), 1, Signal::kSilence);
+        playQuietly(author.random.between(1, 9), 1, Signal::kNoise);
+        const std::int32_t length = author.random.between(1, 65);
+        playQuietly(length, 600 / length, Signal::kSilence);
+        author.setSanely(kPreLowPass);
+        author.add(Resume{true});
+    }
     for (std::int32_t round = 0; round < 6; ++round) {
         author.playAny();
         author.play(1024, author.random.oneIn(3) ? 60 : 12);
