@@ -54,10 +54,10 @@ bool isExactLoop(const BankProgram& program) {
 }
 
 /// The numbers of all programs for which `isMeant` holds; under the sanitizers, which slow everything down,
-/// of those among eight of different make.
+/// of those among four of different make.
 std::vector<std::size_t> auditioned(const std::function<bool(const BankProgram&)>& isMeant = {}) {
 #ifdef BANK_SAMPLE_ONLY
-    const std::vector<std::size_t> all = {0, 8, 22, 33, 47, 59, 83, 112};
+    const std::vector<std::size_t> all = {0, 33, 47, 112};
 #else
     std::vector<std::size_t> all(kNumPrograms);
     std::iota(all.begin(), all.end(), std::size_t{0});
