@@ -85,20 +85,29 @@ TEST_F(Settings, AreReadUpToTheLengthOfAPath) {
 }
 
 TEST_F(Settings, LeaveNoKeyOpen) {
-    const auto openHandles = [] {
-        DWORD count = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &count);
-        return count;
+    // The system gives the first handle that is free, so what stays open moves it on.
+    const auto open = [] {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, "Software", 0, KEY_READ, &key), ERROR_SUCCESS);
+        return key;
+    };
+    const auto nextHandle = [&] {
+        const HKEY key = open();
+        RegCloseKey(key);
+        return key;
     };
     ASSERT_TRUE(platform::writeSetting("SkinName", "Blue"));
     platform::readSetting("SkinName");
-    const DWORD before = openHandles();
+    const HKEY before = nextHandle();
+    const HKEY leftOpen = open();
+    ASSERT_NE(nextHandle(), before) << "a key that stays open is noticed";
+    RegCloseKey(leftOpen);
     for (int i = 0; i < 50; ++i) {
         platform::writeSetting("SkinName", "Blue");
         platform::readSetting("SkinName");
         platform::readSetting("Other");
     }
-    EXPECT_EQ(openHandles(), before);
+    EXPECT_EQ(nextHandle(), before);
 }
 
 TEST(SettingsThatCannotBeKept, SayWhenTheirKeyCannotBeMade) {

@@ -193,9 +193,25 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
 
 // Windows come and go
 
+/// All windows of this process on the screen or off it, those for messages alone too.
+std::size_t ownWindows() {
+    std::size_t count = 0;
+    for (const HWND parent : {static_cast<HWND>(nullptr), HWND_MESSAGE})
+        for (HWND window = nullptr; (window = FindWindowExW(parent, window, nullptr, nullptr));) {
+            DWORD process = 0;
+            GetWindowThreadProcessId(window, &process);
+            count += process == GetCurrentProcessId();
+        }
+    return count;
+}
+
 TEST_F(WindowedEditor, OpensAndClosesTwentyTimes) {
     auto& editor = show();
-    DWORD objects = 0;
+    const std::size_t windows = ownWindows();
+    {
+        const PlainWindow another(0, 0, 10, 10);
+        ASSERT_EQ(ownWindows(), windows + 1) << "a window that stays is noticed";
+    }
     for (int round = 0; round < 20; ++round) {
         editor.serve();
         editor.close();
@@ -203,10 +219,8 @@ TEST_F(WindowedEditor, OpensAndClosesTwentyTimes) {
         ASSERT_TRUE(editor.open()) << round;
         EXPECT_EQ(childrenOf(editor.window()).size(), 1u) << round;
         editor.serveAll();
-        if (round == 4)
-            objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     }
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), objects);
+    EXPECT_EQ(ownWindows(), windows);
 }
 
 TEST_F(WindowedEditor, StandsBesideTheWindowOfAnotherInstance) {
