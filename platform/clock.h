@@ -12,10 +12,6 @@ std::uint32_t milliseconds();
 /// Lets the calling thread rest. Never on the audio thread.
 void sleepMilliseconds(std::uint32_t duration);
 
-/// The number of the calling thread among those that run. Costs nothing, on a thread of the host's too. Any
-/// thread.
-std::uint64_t currentThread();
-
 /// What tells the time and lets it pass.
 class Clock {
   public:

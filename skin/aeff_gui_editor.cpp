@@ -2,6 +2,7 @@
 
 #include "parameters/truncation.h"
 #include "platform/clock.h"
+#include "platform/threads.h"
 
 #include "vstgui/lib/events.h"
 

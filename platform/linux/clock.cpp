@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <ctime>
-#include <pthread.h>
 
 namespace platform {
 
@@ -27,10 +26,6 @@ class MonotonicClock final : public Clock {
 };
 
 } // namespace
-
-std::uint64_t currentThread() {
-    return pthread_self();
-}
 
 Clock& ownClock() {
     static MonotonicClock clock;

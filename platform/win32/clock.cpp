@@ -14,11 +14,6 @@ class SystemClock final : public Clock {
 
 } // namespace
 
-std::uint64_t currentThread() {
-    // What the language offers makes a record of each thread that it meets, with handles and under a lock.
-    return GetCurrentThreadId();
-}
-
 Clock& ownClock() {
     static SystemClock clock;
     return clock;
