@@ -1,7 +1,11 @@
 #!/bin/sh
-# Fetches the source archive of somebody else's library into a cache and unpacks it there. Prints the source folder.
+# Fetches the source archive of somebody else's library into a cache, unpacks it there and applies our patch, if we have
+# one. Prints the source folder on standard output, and what it does on standard error.
 #
 #   fetch_source.sh vstgui | sndfile [CACHE_FOLDER]
+#
+# What is in the cache is checked on each call, file by file, and made anew where it is damaged. A folder's name holds
+# the sum of archive and patch, so builds with another patch have a folder of their own.
 #
 # Debian carries these archives as parts of source packages of its next release. The script asks the mirror that
 # this machine uses anyway, through apt's own tools and with private lists, so nothing of the system's set-up is
@@ -37,13 +41,19 @@ esac
 
 cache=${2:-${XDG_CACHE_HOME:-$HOME/.cache}/quillon}
 archive=$cache/$1-$VERSION.tar.gz
-sources=$cache/$1-$VERSION
+patch=$(dirname "$0")/$1-$VERSION.patch
+[ -f "$patch" ] || patch=/dev/null
+sources=$cache/$1-$VERSION-$({ printf '%s' "$ARCHIVE_SHA256" && cat "$patch"; } | sha256sum | cut -c 1-12)
+# In each folder of sources: the sum of every other file.
+SUMS=.sums
 
 fail() {
   printf '%s: %s\n' "$NAME" "$*" >&2
   printf '%s: %s\n' "$NAME" "$ADVICE" >&2
   exit 1
 }
+
+say() { printf '%s: %s\n' "$NAME" "$*" >&2; }
 
 has_right_sum() { printf '%s  %s\n' "$ARCHIVE_SHA256" "$1" | sha256sum --check --status 2>/dev/null; }
 
@@ -64,7 +74,6 @@ own_mirror() {
 fetch() {
   [ -x "$DOWNLOADER" ] || fail "the archive is fetched with apt, which is not here"
   private=$(mktemp -d "$cache/fetch-XXXXXX")
-  trap 'rm -rf "$private"' EXIT
   # Run as root, apt downloads as a user of its own, who has to get in.
   chmod 755 "$private"
   mkdir -p "$private/lists/partial" "$private/cache/archives/partial"
@@ -88,19 +97,38 @@ fetch() {
   mv -f "$private/archive" "$archive"
 }
 
+# The sources as the archive and the patch have them.
+is_intact() { (cd "$sources" && sha256sum --check --status --strict "$SUMS") 2>/dev/null; }
+
 unpack() {
   unpacked=$(mktemp -d "$cache/unpack-XXXXXX")
-  tar -xf "$archive" -C "$unpacked" --strip-components=1 || {
-    rm -rf "$unpacked"
-    fail "the archive cannot be unpacked"
-  }
+  tar -xf "$archive" -C "$unpacked" --strip-components=1 || fail "the archive cannot be unpacked"
+  if [ "$patch" != /dev/null ]; then
+    command -v patch >/dev/null || fail "the sources need a patch; install the package patch"
+    # Without fuzz: a patch that is not for these very lines must not pass.
+    patch -d "$unpacked" -p1 --fuzz=0 --forward --quiet <"$patch" >&2 || fail "$(basename "$patch") does not apply"
+  fi
+  sums=$(cd "$unpacked" && find . -type f -exec sha256sum {} +)
+  printf '%s\n' "$sums" >"$unpacked/$SUMS"
   # Another build may have been faster; its folder is as good.
   mv -T "$unpacked" "$sources" 2>/dev/null || rm -rf "$unpacked"
 }
 
+private='' unpacked=''
+trap 'rm -rf "$private" "$unpacked"' EXIT
 mkdir -p "$cache"
+if [ -d "$sources" ] && ! is_intact; then
+  say "the sources in $sources are damaged; unpacking them anew"
+  rm -rf "$sources"
+fi
 if [ ! -d "$sources" ]; then
-  { [ -f "$archive" ] && has_right_sum "$archive"; } || fetch
+  if [ ! -f "$archive" ]; then
+    say "fetching the sources of version $VERSION"
+    fetch
+  elif ! has_right_sum "$archive"; then
+    say "the archive $archive is damaged; fetching it anew"
+    fetch
+  fi
   unpack
 fi
 printf '%s\n' "$sources"
