@@ -22,8 +22,8 @@ if(WIN32)
   target_compile_options(
     vstgui PRIVATE -ffile-prefix-map=${vstgui_sources}=. -include ${CMAKE_CURRENT_LIST_DIR}/mingw_direct_composition.h)
 else()
-  pkg_check_modules(
-    VSTGUI_NEEDS REQUIRED IMPORTED_TARGET x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
+  quillon_pkg_config(
+    VSTGUI_NEEDS x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
     cairo pangocairo pangoft2 fontconfig freetype2 glib-2.0)
   set(vstgui_needs PkgConfig::VSTGUI_NEEDS ${CMAKE_DL_LIBS})
 endif()

@@ -3,7 +3,7 @@
 if(WIN32)
   set(system_libraries gdiplus)
 else()
-  pkg_check_modules(PLATFORM_CANVAS REQUIRED IMPORTED_TARGET cairo)
+  quillon_pkg_config(PLATFORM_CANVAS cairo)
   set(system_libraries PkgConfig::PLATFORM_CANVAS)
 endif()
 

@@ -4,7 +4,7 @@ set(system_libraries)
 if(WIN32)
   set(system_libraries gdi32 ole32 user32)
 else()
-  pkg_check_modules(PLATFORM_HOST REQUIRED IMPORTED_TARGET xcb)
+  quillon_pkg_config(PLATFORM_HOST xcb)
   set(system_libraries PkgConfig::PLATFORM_HOST)
 endif()
 

@@ -4,7 +4,7 @@ if(WIN32)
   set(system_sources win32/bitmap_file.cpp win32/picture_size.cpp win32/toolkit.cpp win32/toolkit_window.cpp)
   set(system_libraries ole32 user32 windowscodecs)
 else()
-  pkg_check_modules(PLATFORM_TOOLKIT REQUIRED IMPORTED_TARGET xcb cairo-xcb gdk-pixbuf-2.0)
+  quillon_pkg_config(PLATFORM_TOOLKIT xcb cairo-xcb gdk-pixbuf-2.0)
   set(system_sources
       linux/bitmap_file.cpp linux/display_connection.cpp linux/mouse_buttons.cpp linux/toolkit.cpp
       linux/toolkit_window.cpp linux/window_loop.cpp)
