@@ -4,6 +4,7 @@
 
 #include "bench/result.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
