@@ -4,7 +4,7 @@
 # quillon_missing(WHAT PACKAGE...)
 function(quillon_missing what)
   list(JOIN ARGN " " packages)
-  message(FATAL_ERROR "${what} is missing. Debian has it: apt-get install ${packages}")
+  message(FATAL_ERROR "Not found: ${what}. Debian has what it takes: apt-get install ${packages}")
 endfunction()
 
 # quillon_find(GTest libgtest-dev): what find_package finds.
