@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace tools {
 
@@ -27,12 +28,12 @@ files::path libraryPath(const files::path& asked) {
                     "; name the library with --library");
 }
 
-const host::Library& loadForGood(const files::path& path) {
+const host::Library& loadForGood(files::path path) {
     // Never destroyed, so that nothing is unloaded at the process's end either.
     static auto& loaded = *new std::map<files::path, std::unique_ptr<host::Library>>;
-    auto& library = loaded[path];
+    auto& [name, library] = *loaded.try_emplace(std::move(path)).first;
     if (!library)
-        library = std::make_unique<host::Library>(path.string());
+        library = std::make_unique<host::Library>(name.string());
     return *library;
 }
 

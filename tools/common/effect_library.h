@@ -13,6 +13,6 @@ std::filesystem::path libraryPath(const std::filesystem::path& asked);
 
 /// Loads a library for the life of the process: not every library survives being unloaded, and none needs to
 /// be by a tool that is about to end. Throws host::HostError.
-const host::Library& loadForGood(const std::filesystem::path& path);
+const host::Library& loadForGood(std::filesystem::path path);
 
 } // namespace tools
