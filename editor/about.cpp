@@ -3,7 +3,6 @@
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/cdrawcontext.h"
 #include "vstgui/lib/cfont.h"
-#include "vstgui/lib/events.h"
 
 #include <cmath>
 
@@ -17,8 +16,6 @@ using VSTGUI::CDrawContext;
 using VSTGUI::CMouseEventResult;
 using VSTGUI::CPoint;
 using VSTGUI::CRect;
-using VSTGUI::Event;
-using VSTGUI::EventType;
 
 namespace {
 
@@ -70,14 +67,6 @@ class OpenBox final : public CControl {
         setDirty(false);
     }
 
-    void dispatchEvent(Event& event) override {
-        // A left click closes with the control key too; a CControl would take that for itself.
-        if (event.type == EventType::MouseDown)
-            onMouseDownEvent(VSTGUI::castMouseDownEvent(event));
-        else
-            CControl::dispatchEvent(event);
-    }
-
     CMouseEventResult onMouseDown(CPoint&, const CButtonState& buttons) override {
         if (!buttons.isLeftButton())
             return VSTGUI::kMouseEventNotHandled;
@@ -119,14 +108,6 @@ void CAbout::draw(CDrawContext* context) {
 void CAbout::drawRect(CDrawContext* context, const CRect& updateRect) {
     if (!modalView->isAttached())
         CSplashScreen::drawRect(context, updateRect);
-}
-
-void CAbout::dispatchEvent(Event& event) {
-    // A left click opens with the control key too; a CControl would take that for itself.
-    if (event.type == EventType::MouseDown)
-        onMouseDownEvent(VSTGUI::castMouseDownEvent(event));
-    else
-        CSplashScreen::dispatchEvent(event);
 }
 
 VSTGUI::CBaseObject* CAbout::newCopy() const {

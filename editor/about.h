@@ -25,7 +25,6 @@ class CAbout final : public VSTGUI::CSplashScreen {
 
     /// Leaves it to the open box to draw the credits, which twice on one another would be bolder.
     void drawRect(VSTGUI::CDrawContext* context, const VSTGUI::CRect& updateRect) override;
-    void dispatchEvent(VSTGUI::Event& event) override;
     VSTGUI::CBaseObject* newCopy() const override;
 };
 

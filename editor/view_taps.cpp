@@ -253,13 +253,7 @@ CMouseEventResult ViewTaps::onMouseMoved(CPoint& where, const CButtonState& butt
 }
 
 void ViewTaps::dispatchEvent(VSTGUI::Event& event) {
-    using VSTGUI::EventType;
-    if (event.type == EventType::MouseDown) {
-        // Control and a left click count as a left click here; a CControl would take them for itself.
-        onMouseDownEvent(VSTGUI::castMouseDownEvent(event));
-        return;
-    }
-    if (event.type != EventType::MouseUp) {
+    if (event.type != VSTGUI::EventType::MouseUp) {
         CControl::dispatchEvent(event);
         return;
     }

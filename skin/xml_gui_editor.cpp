@@ -1,5 +1,6 @@
 #include "skin/xml_gui_editor.h"
 
+#include "editor/default_values.h"
 #include "editor/displays.h"
 #include "parameters/parameter_table.h"
 #include "parameters/shared_field.h"
@@ -51,6 +52,7 @@ void* windowOf(const VSTGUI::CFrame* frame) {
 } // namespace
 
 xmlGuiEditor::xmlGuiEditor(plugin::AudioEffectX* owner) : AEffGUIEditor(owner) {
+    editor::resetOnlyControlsWithDefault();
     // No id, so that the first one is not taken for a repetition.
     std::ranges::fill(updateQueue, std::numeric_limits<std::int32_t>::min());
     loadSkin(nullptr, true);

@@ -1,6 +1,7 @@
 // The about box: where its lines stand, and how it opens and closes.
 #include "editor/about.h"
 
+#include "editor/default_values.h"
 #include "recorded_toolkit.h"
 
 #include "vstgui/lib/cbitmap.h"
@@ -39,7 +40,10 @@ class Picture final : public VSTGUI::CBitmap {
 /// middle.
 class About : public testing::Test {
   protected:
-    About() { area = addArea(CRect(15, 25, 315, 225)); }
+    About() {
+        editor::resetOnlyControlsWithDefault();
+        area = addArea(CRect(15, 25, 315, 225));
+    }
 
     CAbout* addArea(const CRect& size) {
         return frame.add(new CAbout(size, &listener, 1020, picture, place, CPoint(3, 4)));

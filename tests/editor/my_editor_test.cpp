@@ -192,6 +192,14 @@ TEST_F(MyEditor, SaysThatTheLettersColourIsMissingBeforeTheGrounds) {
                                                            "Skin Error", platform::MessageIcon::error}}));
 }
 
+TEST_F(MyEditor, SetsNothingByControlAndClickOnANoteDisplay) {
+    auto& editor = openWith(note(R"(x="1" y="2" w="30" h="40" id="6" fontcolor="1" backcolor="2")"));
+    VSTGUI::MouseDownEvent press({5, 5}, VSTGUI::MouseButton::Left);
+    press.modifiers.add(VSTGUI::ModifierKey::Control);
+    editor.frame->dispatchEvent(press);
+    EXPECT_TRUE(bench.effect().automated.empty());
+}
+
 TEST_F(MyEditor, MakesNothingOfAPresetsDisplay) {
     auto& editor = openWith(R"(<PresetsDisplay x="1" y="2" w="3" h="4" fontcolor="0"/>)");
     EXPECT_TRUE(bench.messages.empty());

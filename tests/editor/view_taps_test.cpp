@@ -1,6 +1,7 @@
 // The tap view by what it draws, and by what the mouse does to it.
 #include "editor/view_taps.h"
 
+#include "editor/default_values.h"
 #include "recorded_toolkit.h"
 
 #include <cmath>
@@ -49,6 +50,7 @@ class TapView : public testing::Test {
   protected:
     explicit TapView(const CRect& size = CRect(20, 30, 320, 125)) {
         test::useRecordedToolkit();
+        editor::resetOnlyControlsWithDefault();
         place(size);
     }
 

@@ -1,5 +1,6 @@
 // The views in a real window with a real pointer: what only a display shows.
 #include "editor/about.h"
+#include "editor/default_values.h"
 #include "editor/midi_learn.h"
 #include "editor/view_taps.h"
 #include "midi/cc_map.h"
@@ -48,6 +49,7 @@ class Reports final : public VSTGUI::IControlListener {
 class EditorWindow : public testing::Test {
   protected:
     EditorWindow() {
+        editor::resetOnlyControlsWithDefault();
         for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
             midi::bindController(id, midi::kNoController);
         parent = XCreateSimpleWindow(display(), screen().root(), left, top, width, height, 0, 0, 0xFF00FF);

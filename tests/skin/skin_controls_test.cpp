@@ -13,6 +13,7 @@
 #include "vstgui/lib/controls/csplashscreen.h"
 #include "vstgui/lib/controls/cswitch.h"
 #include "vstgui/lib/controls/cvumeter.h"
+#include "vstgui/lib/events.h"
 
 #include <vector>
 
@@ -710,6 +711,34 @@ TEST_F(Controls, TakeAnIdThatIsNoParameterForATagAlone) {
     EXPECT_EQ(editor->controlAt(0)->getValue(), 0.0f);
     EXPECT_EQ(editor->controlAt(0)->getDefaultValue(), 0.5f);
     EXPECT_EQ(editor->controlAt(1)->getTag(), 5000);
+}
+
+TEST_F(Controls, GoBackToADefaultAtControlAndClickOnlyIfTheyHaveOne) {
+    open(R"(<slider x="0" y="0" len="50" id="2" style="1" bitmap_handle="handle.png"/>
+            <knob x="0" y="0" w="9" h="9" id="3"/>
+            <knob x="0" y="0" w="20" h="21" id="4" stackbmp="y" bitmap_handle="film.png"/>
+            <onoff x="0" y="0" id="5" bitmap_handle="lamp.png"/>
+            <vswitch x="0" y="0" id="6" entries="2" bitmap_handle="lamp.png"/>
+            <hswitch x="0" y="0" id="7" entries="2" bitmap_handle="lamp.png"/>
+            <autodisp x="0" y="0" w="9" h="9" id="8" link="8"/>
+            <display x="0" y="0" w="9" h="9" id="9"/>
+            <anydisp x="0" y="0" w="9" h="9"/>
+            <optionmenu x="0" y="0" w="9" h="9" id="10"/>
+            <skinselector x="0" y="0" w="9" h="9"/>
+            <kick x="0" y="0" id="11" bitmap_handle="lamp.png"/>
+            <about x="0" y="0" w="9" h="9" bitmap_pop="popped.png"/>
+            <about x="0" y="0" w="9" h="9" bitmap_pop="popped.png"/>
+            <vumeter x="0" y="0" id="12" leds="3" style="1" bitmap_off="off.png" bitmap_on="on.png"/>)");
+    const auto all = editor->controls();
+    ASSERT_EQ(all.size(), 15u);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        VSTGUI::MouseDownEvent press({1, 1}, VSTGUI::MouseButton::Left);
+        EXPECT_FALSE(VSTGUI::CControl::CheckDefaultValueEventFunc(all[i], press)) << i;
+        press.modifiers.add(VSTGUI::ModifierKey::Control);
+        EXPECT_EQ(VSTGUI::CControl::CheckDefaultValueEventFunc(all[i], press), i < 6) << i;
+        press.modifiers.add(VSTGUI::ModifierKey::Shift);
+        EXPECT_FALSE(VSTGUI::CControl::CheckDefaultValueEventFunc(all[i], press)) << i;
+    }
 }
 
 TEST_F(Controls, CutEachSideAfterTheAddition) {

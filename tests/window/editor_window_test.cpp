@@ -4,13 +4,16 @@
 
 #include "../platform/child_process.h"
 
+#include <X11/Xutil.h>
 #include <X11/keysym.h>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -20,11 +23,52 @@ using conversation::kTaps;
 
 // The parameters of the controls in the skin.
 constexpr std::int32_t kKnob = 6, kHorizontal = 14, kVertical = 13, kLamp = 16, kUpright = 8, kFlat = 11,
-                       kMenu = 5;
+                       kMenu = 5, kTapsKnob = kTaps;
 
 /// The hint line, and the value below the knob.
 constexpr int kHint[] = {10, 215, 200, 18};
 constexpr int kKnobText[] = {10, 52, 40, 14};
+
+/// What another program sees of the screen.
+class SeparateConnection {
+  public:
+    explicit SeparateConnection(VirtualScreen& screen) : display_(XOpenDisplay(screen.name().c_str())) {}
+    ~SeparateConnection() { XCloseDisplay(display_); }
+    SeparateConnection(const SeparateConnection&) = delete;
+    SeparateConnection& operator=(const SeparateConnection&) = delete;
+
+    std::vector<Pixel> part(int x, int y, unsigned width, unsigned height) const {
+        XImage* const image =
+            XGetImage(display_, DefaultRootWindow(display_), x, y, width, height, AllPlanes, ZPixmap);
+        std::vector<Pixel> pixels;
+        for (int row = 0; row < image->height; ++row)
+            for (int column = 0; column < image->width; ++column)
+                pixels.push_back(XGetPixel(image, column, row) & 0xFFFFFF);
+        XDestroyImage(image);
+        return pixels;
+    }
+    /// The window on the screen itself with this title, or None.
+    Window windowCalled(const std::string& title) const {
+        Window ignored = None, found = None, *children = nullptr;
+        unsigned count = 0;
+        XQueryTree(display_, DefaultRootWindow(display_), &ignored, &ignored, &children, &count);
+        for (unsigned i = 0; i < count; ++i) {
+            char* name = nullptr;
+            if (XFetchName(display_, children[i], &name) && name == title)
+                found = children[i];
+            XFree(name);
+        }
+        XFree(children);
+        return found;
+    }
+    Window transientFor(Window window) const {
+        Window owner = None;
+        return window != None && XGetTransientForHint(display_, window, &owner) ? owner : None;
+    }
+
+  private:
+    Display* display_;
+};
 
 class WindowedEditor : public EditorOnScreen {
   protected:
@@ -53,6 +97,28 @@ class WindowedEditor : public EditorOnScreen {
             XFree(children);
         }
         return found;
+    }
+    /// Where the entries of the skin's own menu are seen, below it.
+    static std::vector<Pixel> menuPlace(ShownEditor& editor) { return editor.part(10, 92, 80, 60); }
+    static void openMenu(ShownEditor& editor) {
+        serveAll(editor);
+        const auto before = menuPlace(editor);
+        editor.click(50, 80);
+        ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
+    }
+    static void serveUntilStill(ShownEditor& editor, int x, int y, int width, int height) {
+        int same = 0;
+        std::vector<Pixel> last;
+        ASSERT_TRUE(editor.serveUntil([&] {
+            const auto now = editor.part(x, y, width, height);
+            same = std::exchange(last, now) == now ? same + 1 : 0;
+            return same == 60;
+        }));
+    }
+    /// A hand that rests, for as long as the toolkit needs to notice.
+    static void holdAtLeast(ShownEditor& editor, std::chrono::milliseconds time) {
+        const auto end = std::chrono::steady_clock::now() + time;
+        ASSERT_TRUE(editor.serveUntil([&] { return std::chrono::steady_clock::now() >= end; }));
     }
     std::string chosenSkin() const {
         std::ifstream file(std::string(std::getenv("XDG_CONFIG_HOME")) +
@@ -299,6 +365,45 @@ TEST_F(WindowedEditor, SetsAControlBackToItsDefaultByControlAndClick) {
     editor.holdKey(XK_Control_L, true);
     editor.click(30, 30);
     EXPECT_TRUE(editor.becomes(kKnob, start));
+    editor.holdKey(XK_Control_L, false);
+}
+
+TEST_F(WindowedEditor, OpensMenusAtControlAndClickToo) {
+    struct Place {
+        int x, y;
+    };
+    int messages = 0;
+    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
+                                       [] { return true; });
+    for (const Place menu : {Place{135, 80}, Place{50, 80}, Place{90, 184}}) {
+        SCOPED_TRACE(menu.x);
+        auto& editor = show();
+        const float value = editor.value(kMenu);
+        editor.plugin().clearCalls();
+        const auto before = editor.part(menu.x - 20, menu.y + 14, 40, 20);
+        editor.holdKey(XK_Control_L, true);
+        editor.click(menu.x, menu.y);
+        editor.holdKey(XK_Control_L, false);
+        EXPECT_TRUE(editor.changes(before, menu.x - 20, menu.y + 14, 40, 20));
+        EXPECT_EQ(editor.value(kMenu), value);
+        EXPECT_EQ(chosenSkin(), "");
+        EXPECT_TRUE(editor.idsTold().empty());
+        shown_.reset();
+    }
+    EXPECT_EQ(messages, 0);
+}
+
+TEST_F(WindowedEditor, TakesControlAndClickOnAButtonOrAnAboutBoxForAPlainClick) {
+    auto& editor = show();
+    ASSERT_TRUE(editor.showsPixel(218, 48, 0x800000));
+    editor.holdKey(XK_Control_L, true);
+    editor.point(218, 48);
+    editor.press(kLeft);
+    EXPECT_TRUE(editor.showsPixel(218, 48, 0x00FF00));
+    editor.release(kLeft);
+    EXPECT_TRUE(editor.showsPixel(218, 48, 0x800000));
+    editor.click(145, 184); // the second box
+    EXPECT_TRUE(editor.showsPixel(kSkinWidth / 2 - 48, kSkinHeight / 2 + 28, kAboutBlue));
     editor.holdKey(XK_Control_L, false);
 }
 

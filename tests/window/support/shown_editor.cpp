@@ -132,13 +132,29 @@ bool ShownEditor::becomes(std::int32_t id, float wanted) {
     return serveUntil([&] { return std::abs(value(id) - wanted) < 1e-5f; });
 }
 
+namespace {
+
+bool isOfAGesture(const host::HostCall& call) {
+    return call.opcode == audioMasterBeginEdit || call.opcode == audioMasterAutomate ||
+           call.opcode == audioMasterEndEdit;
+}
+
+} // namespace
+
 std::vector<std::int32_t> ShownEditor::toldOf(std::int32_t id) const {
     std::vector<std::int32_t> opcodes;
     for (const host::HostCall& call : plugin_->calls())
-        if (call.index == id && (call.opcode == audioMasterBeginEdit || call.opcode == audioMasterAutomate ||
-                                 call.opcode == audioMasterEndEdit))
+        if (call.index == id && isOfAGesture(call))
             opcodes.push_back(call.opcode);
     return opcodes;
+}
+
+std::vector<std::int32_t> ShownEditor::idsTold() const {
+    std::vector<std::int32_t> ids;
+    for (const host::HostCall& call : plugin_->calls())
+        if (isOfAGesture(call))
+            ids.push_back(call.index);
+    return ids;
 }
 
 VirtualScreen& EditorOnScreen::screen() {

@@ -16,7 +16,7 @@
 
 namespace test {
 
-enum Button : unsigned { kLeft = 1, kMiddle = 2, kRight = 3 };
+enum Button : unsigned { kLeft = 1, kMiddle = 2, kRight = 3, kWheelUp = 4, kWheelDown = 5 };
 
 /// A host's window with the editor of one instance in it.
 class ShownEditor {
@@ -70,6 +70,8 @@ class ShownEditor {
     bool becomes(std::int32_t id, float value);
     /// The opcodes that the host was sent for a parameter since the record was last cleared.
     std::vector<std::int32_t> toldOf(std::int32_t id) const;
+    /// The ids, or what passed for one, of all gestures and changes that the host was told of since then.
+    std::vector<std::int32_t> idsTold() const;
 
   private:
     VirtualScreen& screen_;
