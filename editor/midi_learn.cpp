@@ -1,6 +1,7 @@
 #include "editor/midi_learn.h"
 
 #include "midi/cc_map.h"
+#include "plugin/audio_effect_x.h"
 
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/coptionmenu.h"
@@ -30,13 +31,21 @@ bool isRightAlone(Event& event) {
     return gesture && VSTGUI::buttonStateFromMouseEvent(*gesture).isRightButton();
 }
 
+/// A menu with a tag that is the first parameter's id. What it is opened for is no gesture of that.
+class LearnMenu final : public COptionMenu {
+  public:
+    using COptionMenu::COptionMenu;
+    void beginEdit() override {}
+    void endEdit() override {}
+};
+
 /// To be given to a frame. The toolkit opens the menu at its place, where otherwise it shows nothing.
 COptionMenu* makeMenu(const CPoint& where, std::int32_t controller) {
     CRect place(where.x, where.y, where.x + 1, where.y + 1);
     place.normalize();
     auto* menu =
-        new COptionMenu(place, nullptr, 0, nullptr, nullptr,
-                        COptionMenu::kPopupStyle | COptionMenu::kCheckStyle | COptionMenu::kNoDrawStyle);
+        new LearnMenu(place, nullptr, 0, nullptr, nullptr,
+                      COptionMenu::kPopupStyle | COptionMenu::kCheckStyle | COptionMenu::kNoDrawStyle);
     menu->addEntry("MidiLearn");
     if (controller != midi::kNoController)
         menu->addEntry("Forget CC " + std::to_string(controller));
@@ -124,11 +133,16 @@ void CMidiLearn::finishMenu(std::int32_t choice) {
     }
 }
 
-/// Past setValue(), which would bring the value into 0..1.
+/// As a gesture of the parameter. Past setValue(), which would bring the value into 0..1.
 void CMidiLearn::report(float reported) {
+    const std::int32_t id = getTag();
+    if (effect)
+        effect->beginEdit(id);
     value = reported;
     valueChanged();
     value = 0.0f;
+    if (effect)
+        effect->endEdit(id);
 }
 
 bool CMidiLearn::isTypeOf(const char* name) const {

@@ -19,12 +19,13 @@ namespace editor {
 
 /// The menu's first entry, "MidiLearn", reports the value 1.0 to the listener; the second, "Forget CC %d",
 /// reports -1.0 and unbinds the parameter's controller. Right after that the value is 0 again. To the
-/// listener this looks like a control of the parameter itself, as getTag() gives the parameter's id. On the
-/// window thread.
+/// listener this looks like a control of the parameter itself, as getTag() gives the parameter's id, and to
+/// the host like a gesture of that parameter. On the window thread.
 class CMidiLearn final : public VSTGUI::CControl {
   public:
     /// `tag` is midi::kLearnTagBase and the parameter's id. `control` is the control below, of the same
-    /// frame, which owns both; `size` is its place. `effect` is the plug-in.
+    /// frame, which owns both; `size` is its place. `effect` is the plug-in,
+    /// which is told of gestures; without one nobody is.
     CMidiLearn(const VSTGUI::CRect& size, VSTGUI::IControlListener* listener, std::int32_t tag,
                VSTGUI::CControl* control, plugin::AudioEffectX* effect);
     CMidiLearn(const CMidiLearn& other) = default;

@@ -344,6 +344,16 @@ void xmlGuiEditor::valueChanged(CControl* control) {
     control->setDirty(true);
 }
 
+void xmlGuiEditor::beginEdit(std::int32_t index) {
+    if (index >= 0 && isParameter(index))
+        AEffGUIEditor::beginEdit(index);
+}
+
+void xmlGuiEditor::endEdit(std::int32_t index) {
+    if (index >= 0 && isParameter(index))
+        AEffGUIEditor::endEdit(index);
+}
+
 void xmlGuiEditor::applyParameterControl(CControl& control, std::int32_t tag) {
     float value = control.getValue();
     const auto* const menu = dynamic_cast<VSTGUI::COptionMenu*>(&control);

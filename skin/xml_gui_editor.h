@@ -92,6 +92,10 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     /// A control has been moved by the hand.
     void valueChanged(VSTGUI::CControl* control) override;
 
+    /// Tells the host of the gestures of parameters only: it may use the index for its tables.
+    void beginEdit(std::int32_t index) override;
+    void endEdit(std::int32_t index) override;
+
     virtual void parameterUpdated(std::int32_t, float) {}
     virtual void controlChanged(void*, VSTGUI::CControl*) {}
     virtual void registerMeter(std::int32_t, VSTGUI::CVuMeter*) {}

@@ -581,6 +581,19 @@ TEST_F(Editor, TellsTheHostOfGestures) {
     EXPECT_EQ(bench.effect().callsOf(vst2::audioMasterEndEdit).back().index, 3);
 }
 
+TEST_F(Editor, TellsTheHostOfNoGestureOfWhatIsNoParameter) {
+    auto& editor = openWith(knob(6));
+    for (const std::int32_t tag : {-1, 21, 300, 999, 1000, 1021, 0x100000 + 6}) {
+        editor.frame->beginEdit(tag);
+        editor.frame->endEdit(tag);
+    }
+    EXPECT_TRUE(bench.effect().callsOf(vst2::audioMasterBeginEdit).empty());
+    EXPECT_TRUE(bench.effect().callsOf(vst2::audioMasterEndEdit).empty());
+    for (const std::int32_t id : {0, 20})
+        editor.frame->beginEdit(id);
+    EXPECT_EQ(bench.effect().callsOf(vst2::audioMasterBeginEdit).size(), 2u);
+}
+
 // Sizes, keys, time
 
 TEST_F(Editor, AsksAHostThatCanForAnotherSize) {

@@ -368,6 +368,39 @@ TEST_F(WindowedEditor, SetsAControlBackToItsDefaultByControlAndClick) {
     editor.holdKey(XK_Control_L, false);
 }
 
+TEST_F(WindowedEditor, TellsTheHostOfTheRightParameterFromTheLearnMenu) {
+    auto& editor = show();
+    editor.plugin().setParameter(kKnob, 0.25f);
+    serveAll(editor);
+    editor.plugin().clearCalls();
+    const auto before = editor.part(30, 30, 90, 24);
+    editor.click(30, 30, kRight);
+    ASSERT_TRUE(editor.changes(before, 30, 30, 90, 24));
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Return);
+    ASSERT_TRUE(editor.becomes(kKnob, 1.0f));
+    EXPECT_EQ(editor.toldOf(kKnob),
+              (std::vector<std::int32_t>{audioMasterBeginEdit, audioMasterAutomate, audioMasterEndEdit}));
+    EXPECT_EQ(editor.idsTold(), (std::vector<std::int32_t>{kKnob, kKnob, kKnob}));
+}
+
+TEST_F(WindowedEditor, TellsTheHostOfNothingButParameters) {
+    auto& editor = show();
+    serveAll(editor);
+    editor.plugin().clearCalls();
+    // The kick button, a menu of actions, and keys on that menu, which then is in focus.
+    editor.click(218, 48);
+    const auto before = editor.part(60, 194, 60, 20);
+    editor.click(90, 184);
+    ASSERT_TRUE(editor.changes(before, 60, 194, 60, 20));
+    for (const std::intptr_t key : {14, 4}) // down, return
+        editor.plugin().dispatch(effEditKeyDown, 0, key);
+    serveAll(editor);
+    for (const std::int32_t id : editor.idsTold())
+        EXPECT_EQ(id, kLamp);
+    EXPECT_FALSE(editor.idsTold().empty());
+}
+
 TEST_F(WindowedEditor, OpensMenusAtControlAndClickToo) {
     struct Place {
         int x, y;
