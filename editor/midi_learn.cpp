@@ -31,6 +31,12 @@ bool isRightAlone(Event& event) {
     return gesture && VSTGUI::buttonStateFromMouseEvent(*gesture).isRightButton();
 }
 
+/// Whether a control goes on from its value at this event.
+bool startsFromValue(const Event& event) {
+    return event.type == EventType::MouseDown || event.type == EventType::MouseWheel ||
+           event.type == EventType::KeyDown;
+}
+
 /// A menu with a tag that is the first parameter's id. What it is opened for is no gesture of that.
 class LearnMenu final : public COptionMenu {
   public:
@@ -78,16 +84,28 @@ std::int32_t CMidiLearn::getTag() const {
 
 void CMidiLearn::dispatchEvent(Event& event) {
     if (isRightAlone(event))
-        CControl::dispatchEvent(event);
-    else if (control && getMouseEnabled())
-        control->dispatchEvent(event);
+        return CControl::dispatchEvent(event);
+    if (!control || !getMouseEnabled())
+        return;
+    if (startsFromValue(event))
+        refreshControl();
+    control->dispatchEvent(event);
+}
+
+void CMidiLearn::refreshControl() {
+    if (refresh_)
+        refresh_(*control);
 }
 
 CMouseEventResult CMidiLearn::onMouseDown(CPoint& where, const CButtonState& buttons) {
     if (!getMouseEnabled())
         return VSTGUI::kMouseEventNotHandled;
-    if (!buttons.isRightButton())
-        return control ? control->onMouseDown(where, buttons) : VSTGUI::kMouseEventNotHandled;
+    if (!buttons.isRightButton()) {
+        if (!control)
+            return VSTGUI::kMouseEventNotHandled;
+        refreshControl();
+        return control->onMouseDown(where, buttons);
+    }
     openMenu(where);
     return VSTGUI::kMouseDownEventHandledButDontNeedMovedOrUpEvents;
 }

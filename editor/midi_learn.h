@@ -6,6 +6,8 @@
 #include "vstgui/lib/controls/ccontrol.h"
 
 #include <cstdint>
+#include <functional>
+#include <utility>
 
 namespace plugin {
 class AudioEffectX;
@@ -30,6 +32,10 @@ class CMidiLearn final : public VSTGUI::CControl {
                VSTGUI::CControl* control, plugin::AudioEffectX* effect);
     CMidiLearn(const CMidiLearn& other) = default;
 
+    /// `refresh` is called with the control below right before a press, a tick of the wheel or a key is
+    /// passed on to it, so that the hand goes on from what it shows then.
+    void setRefresh(std::function<void(VSTGUI::CControl&)> refresh) { refresh_ = std::move(refresh); }
+
     /// The tag of the control below, and so the parameter's id.
     std::int32_t getTag() const override;
     VSTGUI::CControl* getControl() const { return control; }
@@ -51,12 +57,14 @@ class CMidiLearn final : public VSTGUI::CControl {
     VSTGUI::CBaseObject* newCopy() const override;
 
   private:
+    void refreshControl();
     void openMenu(const VSTGUI::CPoint& where);
     void finishMenu(std::int32_t choice);
     void report(float reported);
 
     VSTGUI::CControl* control;    ///< not owned
     plugin::AudioEffectX* effect; ///< not owned
+    std::function<void(VSTGUI::CControl&)> refresh_;
 };
 
 } // namespace editor

@@ -70,9 +70,12 @@ void myEditor::layOverlays() {
     const std::vector<VSTGUI::CControl*> covered = controls();
     for (std::int32_t id = 0; id < numParams(); ++id)
         for (VSTGUI::CControl* control : covered)
-            if (control->getTag() == id)
-                frame->addView(new CMidiLearn(control->getViewSize(), this, midi::kLearnTagBase + id, control,
-                                              &theEffect()));
+            if (control->getTag() == id) {
+                auto* const overlay = new CMidiLearn(control->getViewSize(), this, midi::kLearnTagBase + id,
+                                                     control, &theEffect());
+                overlay->setRefresh([this](VSTGUI::CControl& below) { bringUpToDate(below); });
+                frame->addView(overlay);
+            }
 }
 
 void myEditor::controlChanged(void*, VSTGUI::CControl* control) {

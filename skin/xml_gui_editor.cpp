@@ -200,7 +200,8 @@ void xmlGuiEditor::showParameter(std::int32_t index, float value) {
             if (showsAll)
                 value = theEffect().getParameter(tag);
             markLinkedDisplay(tag);
-            showIn(*control, tag, value);
+            setShownValue(*control, tag, value);
+            control->setDirty(true);
             if (!showsAll) {
                 markUpdateLinks(tag);
                 return;
@@ -212,7 +213,7 @@ void xmlGuiEditor::showParameter(std::int32_t index, float value) {
     }
 }
 
-void xmlGuiEditor::showIn(CControl& control, std::int32_t tag, float value) {
+void xmlGuiEditor::setShownValue(CControl& control, std::int32_t tag, float value) {
     auto* const menu = dynamic_cast<SkinMenu*>(&control);
     if (menu && isMenuId(tag))
         menu->showValue(
@@ -221,7 +222,17 @@ void xmlGuiEditor::showIn(CControl& control, std::int32_t tag, float value) {
         control.setValue(value >= 0.5f ? 1.0f : 0.0f);
     else
         control.setValue(value);
-    control.setDirty(true);
+}
+
+void xmlGuiEditor::bringUpToDate(CControl& control) {
+    const std::int32_t tag = control.getTag();
+    const bool isBoundMenu = dynamic_cast<SkinMenu*>(&control) && isMenuId(tag);
+    if (!isParameter(tag) || !(isBoundMenu || editor::hasDefault(control)))
+        return;
+    setShownValue(control, tag, theEffect().getParameter(tag));
+    // Drawn soon, and not dirty: a gesture that is cancelled goes back to the value that was shown last, and
+    // a dirty control has forgotten that.
+    control.invalid();
 }
 
 void xmlGuiEditor::showAllParameters() {

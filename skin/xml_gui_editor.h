@@ -130,6 +130,9 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     std::vector<VSTGUI::CControl*> controls() const;
     /// Shows what other threads have noted down since the last time.
     virtual void showNotedChanges();
+    /// Gives a control that a hand is about to move the present value of its parameter, if it is of a kind
+    /// that the builder has bound to one; any other stays as it is.
+    void bringUpToDate(VSTGUI::CControl& control);
 
     VSTGUI::CBitmap* background = nullptr;              ///< not owned
     std::uint8_t skinLoaded = 0;                        ///< from open() to close()
@@ -152,7 +155,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     void noteChange(std::int32_t index, float value);
     void showParameter(std::int32_t index, float value);
     void showAllParameters();
-    void showIn(VSTGUI::CControl& control, std::int32_t tag, float value);
+    void setShownValue(VSTGUI::CControl& control, std::int32_t tag, float value);
     void markLinkedDisplay(std::int32_t id);
     void markUpdateLinks(std::int32_t src);
     bool isMenuId(std::int32_t tag) const;

@@ -158,6 +158,26 @@ TEST_F(LearnOverlay, PassesWheelKeysAndTheEndOfAGestureOn) {
     EXPECT_EQ(below->calls, (Calls{"wheel", "down", "key", "cancel"}));
 }
 
+TEST_F(LearnOverlay, RefreshesTheControlBeforeAPressTheWheelAndAKey) {
+    overlay->setRefresh([this](VSTGUI::CControl& control) {
+        EXPECT_EQ(&control, below);
+        below->calls.emplace_back("refresh");
+    });
+    frame.wheel(inside, 1);
+    frame.press(inside, MouseButton::Left);
+    frame.move(CPoint(41, 50), MouseButton::Left);
+    frame.key(VSTGUI::VirtualKey::Up);
+    frame.release(CPoint(41, 50), MouseButton::Left);
+    EXPECT_EQ(below->calls, (Calls{"refresh", "wheel", "refresh", "down", "move", "refresh", "key", "up"}));
+    below->calls.clear();
+    frame.press(inside, MouseButton::Right);
+    frame.release(inside, MouseButton::Right);
+    EXPECT_EQ(below->calls, Calls{}) << "which is the overlay's own";
+    CPoint where = inside;
+    overlay->onMouseDown(where, VSTGUI::kLButton);
+    EXPECT_EQ(below->calls, (Calls{"refresh", "down"}));
+}
+
 TEST_F(LearnOverlay, KeepsTheRightButtonFromTheControl) {
     frame.click(inside, MouseButton::Right);
     frame.press(inside, MouseButton::Right);

@@ -256,6 +256,32 @@ TEST_F(MyEditor, GivesAnOverlayTheValueOfItsParameter) {
     EXPECT_EQ(editor.all<CMidiLearn>()[0]->getValue(), 0.75f);
 }
 
+TEST_F(MyEditor, BringsAControlOfABoundKindUpToDateBeforeTheHandGetsToIt) {
+    auto& editor = openWith(R"(
+        <slider x="0" y="0" len="50" id="2" style="1" bitmap_handle="a.png"/>
+        <knob x="0" y="20" w="9" h="9" id="3"/>
+        <onoff x="0" y="40" id="4" bitmap_handle="a.png"/>
+        <vswitch x="0" y="60" id="5" entries="2" bitmap_handle="a.png"/>
+        <hswitch x="0" y="80" id="6" entries="2" bitmap_handle="a.png"/>
+        <optionmenu x="0" y="100" w="50" h="9" id="7"><list><entry>a</entry><entry>b</entry><entry>c</entry></list></optionmenu>
+        <kick x="0" y="120" id="8" bitmap_handle="a.png"/>
+        <autodisp x="0" y="140" w="9" h="9" id="9" link="9"/>
+        <display x="0" y="160" w="9" h="9" id="10"/>
+        <NoteDisplay x="0" y="180" w="9" h="9" id="11" fontcolor="1" backcolor="2"/>)");
+    bench.effect().values.fill(0.75f);
+    for (CMidiLearn* overlay : editor.all<CMidiLearn>()) {
+        VSTGUI::KeyboardEvent key;
+        key.virt = VSTGUI::VirtualKey::Help; // of use to no control
+        overlay->dispatchEvent(key);
+        CControl* const control = overlay->getControl();
+        const std::int32_t id = control->getTag();
+        EXPECT_EQ(control->getValue(), id >= 8 ? 0.0f : id == 7 ? 2.0f : id == 4 ? 1.0f : 0.75f) << id;
+        EXPECT_EQ(overlay->getValue(), 0.0f) << id;
+    }
+    EXPECT_EQ(editor.all<CMidiLearn>().size(), 10u);
+    EXPECT_TRUE(bench.effect().automated.empty());
+}
+
 // Learning
 
 TEST_F(MyEditor, ArmsNothingFromAnOverlaySinceItHidesItsTag) {

@@ -244,6 +244,27 @@ TEST_F(WindowedEditor, ShowsInTheHintLineWhatIsDragged) {
     EXPECT_TRUE(editor.serveUntil([&] { return hint(editor) == resting; }));
 }
 
+TEST_F(WindowedEditor, TurnsAKnobOfThePatternWithEachTickOfTheWheel) {
+    auto& editor = show();
+    editor.plugin().setParameter(kTapsKnob, 0.2f);
+    editor.point(30, 192);
+    for (const float next : {0.3f, 0.4f, 0.5f}) {
+        editor.press(kWheelUp);
+        editor.release(kWheelUp);
+        ASSERT_TRUE(editor.becomes(kTapsKnob, next)) << editor.value(kTapsKnob);
+    }
+}
+
+TEST_F(WindowedEditor, BeginsADragOfThePatternAtTheValueThatAutomationLeft) {
+    auto& editor = show();
+    editor.plugin().setParameter(kTapsKnob, 0.2f);
+    editor.serve();
+    editor.plugin().setParameter(kTapsKnob, 0.8f);
+    serveAll(editor);
+    ASSERT_TRUE(editor.drag(30, 192, 30, 191, [&] { return editor.value(kTapsKnob) != 0.8f; }));
+    EXPECT_NEAR(editor.value(kTapsKnob), 0.805f, 0.011f) << "a pixel or two of 200";
+}
+
 TEST_F(WindowedEditor, GoesOnWithADragThatLeavesTheWindow) {
     auto& editor = show();
     editor.plugin().setParameter(kHorizontal, 0.0f);
