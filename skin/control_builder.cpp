@@ -10,10 +10,10 @@
 #include "skin/ascii.h"
 #include "skin/object_reader.h"
 #include "skin/skin_menu.h"
+#include "skin/skin_slider.h"
 
 #include "vstgui/lib/controls/cbuttons.h"
 #include "vstgui/lib/controls/cknob.h"
-#include "vstgui/lib/controls/cslider.h"
 #include "vstgui/lib/controls/csplashscreen.h"
 #include "vstgui/lib/controls/cswitch.h"
 #include "vstgui/lib/controls/cvumeter.h"
@@ -248,8 +248,8 @@ int xmlGuiEditor::buildSlider(ObjectReader& object) {
     // The toolkit wants to hear of exactly one direction.
     const std::int32_t direction = isVertical ? CSlider::kVertical : CSlider::kHorizontal;
     const std::int32_t fullStyle = (style & ~(CSlider::kVertical | CSlider::kHorizontal)) | direction;
-    auto* const slider = new CSlider(place, this, id, first, last, handle, ground,
-                                     CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
+    auto* const slider = new SkinSlider(place, this, id, first, last, handle, ground,
+                                        CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
     addControl(slider);
     bindValue(slider, id);
     skinReadDefault("slider", object.object(), slider, object.context());

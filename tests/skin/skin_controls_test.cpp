@@ -159,6 +159,26 @@ TEST_F(Controls, LetTheHandleOfASliderTravelItsWholeLength) {
     EXPECT_EQ(draw().boundsOf(VSTGUI::kGreenCColor), CRect(10, 80, 22, 88));
 }
 
+TEST_F(Controls, LetEverySliderRiseWithAWheelThatTurnsUp) {
+    // Horizontal from the left and from the right, vertical.
+    for (const char* style : {"1", "9", "34"}) {
+        SCOPED_TRACE(style);
+        open(std::string(R"(<slider x="5" y="6" len="80" id="2" bitmap_handle="handle.png" style=")") +
+             style + "\"/>");
+        auto& slider = only<CSlider>();
+        slider.setValue(0.5f);
+        for (const double turn : {1.0, -2.0}) {
+            VSTGUI::MouseWheelEvent wheel;
+            wheel.deltaY = turn;
+            slider.dispatchEvent(wheel);
+            EXPECT_TRUE(static_cast<bool>(wheel.consumed));
+            EXPECT_EQ(wheel.deltaX, 0.0);
+            EXPECT_FLOAT_EQ(slider.getValue(), turn > 0.0 ? 0.6f : 0.4f);
+            EXPECT_FLOAT_EQ(bench.effect().automated.back().value, slider.getValue());
+        }
+    }
+}
+
 TEST_F(Controls, CutTheEndsOfASlidersTravelToPixels) {
     open(R"(<slider x="10.7" y="20.7" len="62.5" id="6" style="1" bitmap_handle="handle.png"/>)");
     auto& slider = only<CSlider>();

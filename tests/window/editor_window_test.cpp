@@ -265,6 +265,24 @@ TEST_F(WindowedEditor, BeginsADragOfThePatternAtTheValueThatAutomationLeft) {
     EXPECT_NEAR(editor.value(kTapsKnob), 0.805f, 0.011f) << "a pixel or two of 200";
 }
 
+TEST_F(WindowedEditor, MovesAHorizontalSliderUpAndDownWithTheWheel) {
+    auto& editor = show();
+    editor.plugin().setParameter(kHorizontal, 0.5f);
+    ASSERT_TRUE(editor.showsPixel(115, 18, 0xFF8000));
+    editor.plugin().clearCalls();
+    editor.point(115, 18);
+    editor.press(kWheelUp);
+    editor.release(kWheelUp);
+    EXPECT_TRUE(editor.becomes(kHorizontal, 0.6f)) << editor.value(kHorizontal);
+    editor.press(kWheelDown);
+    editor.release(kWheelDown);
+    EXPECT_TRUE(editor.becomes(kHorizontal, 0.5f)) << editor.value(kHorizontal);
+    ASSERT_TRUE(editor.serveUntil([&] {
+        return !editor.toldOf(kHorizontal).empty() && editor.toldOf(kHorizontal).back() == audioMasterEndEdit;
+    }));
+    expectGesture(editor.toldOf(kHorizontal));
+}
+
 TEST_F(WindowedEditor, GoesOnWithADragThatLeavesTheWindow) {
     auto& editor = show();
     editor.plugin().setParameter(kHorizontal, 0.0f);
