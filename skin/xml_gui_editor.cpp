@@ -320,8 +320,8 @@ void xmlGuiEditor::showHint() {
         anyDisplay->setText(hint);
         anyDisplay->setDirty(true);
     }
-    if (isParameter(id))
-        anyDisplay->setHoriAlign(VSTGUI::kLeftText);
+    // Always, whatever the skin says: the text must not jump when a control is let go.
+    anyDisplay->setHoriAlign(VSTGUI::kLeftText);
 }
 
 /// The tag of the control in the hand, without what marks an overlay; no parameter's id if there is none.

@@ -697,6 +697,13 @@ TEST_F(Editor, ShowsTheRestingHintWhileNothingIsTurned) {
     EXPECT_TRUE(editor.anyDisplay->isDirty());
 }
 
+TEST_F(Editor, ShowsEveryHintAtTheLeft) {
+    auto& editor = openWith(R"(<anydisp x="0" y="0" w="9" h="9" halign="2"/>)");
+    EXPECT_EQ(editor.anyDisplay->getHoriAlign(), VSTGUI::kRightText);
+    editor.idle();
+    EXPECT_EQ(editor.anyDisplay->getHoriAlign(), VSTGUI::kLeftText) << "the resting one too";
+}
+
 TEST_F(Editor, DrawsAHintOnlyWhenItChanges) {
     auto& editor = openWith(R"(<anydisp x="0" y="0" w="9" h="9"/>)");
     editor.idle();

@@ -244,6 +244,22 @@ TEST_F(WindowedEditor, ShowsInTheHintLineWhatIsDragged) {
     EXPECT_TRUE(editor.serveUntil([&] { return hint(editor) == resting; }));
 }
 
+TEST_F(WindowedEditor, ShowsTheRestingHintInOnePlaceBeforeAndAfterADrag) {
+    auto& editor = show();
+    std::vector<Pixel> last;
+    ASSERT_TRUE(editor.serveUntil([&] {
+        const auto pixels = hint(editor);
+        return std::ranges::any_of(pixels, [](Pixel pixel) { return pixel != kGrey; }) &&
+               std::exchange(last, pixels) == pixels;
+    }));
+    const auto resting = last;
+    editor.point(30, 30);
+    editor.press(kLeft);
+    EXPECT_TRUE(editor.changes(resting, kHint[0], kHint[1], kHint[2], kHint[3]));
+    editor.release(kLeft);
+    EXPECT_TRUE(editor.serveUntil([&] { return hint(editor) == resting; }));
+}
+
 TEST_F(WindowedEditor, TurnsAKnobOfThePatternWithEachTickOfTheWheel) {
     auto& editor = show();
     editor.plugin().setParameter(kTapsKnob, 0.2f);
