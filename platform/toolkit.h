@@ -8,8 +8,8 @@
 //   control that goes back to its default value (see editor/default_values.h).
 // - A mouse listener of a view is called by its container; do not call it again.
 // - COptionMenu: on X11 the menu is a view in the window, modal, and answers through a callback after popup()
-//   has returned; on Windows popup() blocks. Finish in the callback, and hold what it needs with
-//   VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A menu wants to lie
+//   has returned, in the event that ended the menu; on Windows popup() blocks. Finish in the callback, and
+//   hold what it needs with VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A menu wants to lie
 //   inside the window, so one in a window that is too small is cut.
 // - CFrame::idle() turns dirty views into places to be drawn; they are drawn by serveToolkitWindows(), at the
 //   earliest 16 ms later, and on Windows by the host's message loop. A test of what is dirty looks before

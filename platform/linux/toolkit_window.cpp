@@ -1,6 +1,7 @@
 #include "platform/toolkit_window.h"
 
 #include "display_connection.h"
+#include "menu_events.h"
 #include "mouse_buttons.h"
 #include "window_loop.h"
 
@@ -73,8 +74,8 @@ void waitForDisplay() {
     std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-/// Ends every modal view. A menu goes by a press beside it, which chooses nothing, and then would fade for a
-/// while; it has no more time.
+/// Ends every modal view. A menu goes by a press beside it, which chooses nothing, and the end of its fade,
+/// which is one even where it takes no time.
 void endModalViews(VSTGUI::CFrame& frame) {
     while (const auto view = VSTGUI::shared(frame.getModalView())) {
         VSTGUI::MouseDownEvent press(VSTGUI::CPoint(-1, -1), VSTGUI::MouseButton::Left);
@@ -93,6 +94,7 @@ class ToolkitWindow::OpenFrame {
     explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
         ++livingFrames;
         frame_->registerMouseObserver(&buttons_);
+        menuEvents_.watch(*frame_);
     }
     ~OpenFrame() { --livingFrames; }
     OpenFrame(const OpenFrame&) = delete;
@@ -105,6 +107,8 @@ class ToolkitWindow::OpenFrame {
         VSTGUI::X11::FrameConfig configuration;
         configuration.runLoop = &WindowLoop::shared();
         const bool opened = frame_->open(parent, VSTGUI::PlatformType::kX11EmbedWindowID, &configuration);
+        if (opened)
+            MenuEvents::switchFadingOff(*frame_);
         waitForDisplay();
         return opened;
     }
@@ -120,6 +124,7 @@ class ToolkitWindow::OpenFrame {
     void close() {
         endModalViews(*frame_);
         frame_->unregisterMouseObserver(&buttons_);
+        menuEvents_.leave(*frame_);
         frame_->close();
     }
 
@@ -135,6 +140,7 @@ class ToolkitWindow::OpenFrame {
   private:
     VSTGUI::CFrame* frame_;
     MouseButtons buttons_;
+    MenuEvents menuEvents_;
 };
 
 ToolkitWindow::ToolkitWindow() = default;

@@ -77,16 +77,9 @@ class WindowedEditor : public EditorOnScreen {
     }
     /// A click on the lamp, whose effect tells that all before it has been worked off.
     static void serveAll(ShownEditor& editor) {
-        const float next = editor.value(kLamp) > 0.5f ? 0.0f : 1.0f;
-        // A menu that can be seen no more may still be on its way out, and takes a click for itself: then it
-        // is made again, after many more turns than one that arrives needs.
-        constexpr int turnsOfAClick = 400;
-        int turns = 0;
-        ASSERT_TRUE(editor.serveUntil([&] {
-            if (turns++ % turnsOfAClick == 0)
-                editor.click(218, 18);
-            return std::abs(editor.value(kLamp) - next) < 1e-5f;
-        }));
+        const float next = editor.value(kLamp) >= 0.5f ? 0.0f : 1.0f;
+        editor.click(218, 18);
+        ASSERT_TRUE(editor.becomes(kLamp, next));
     }
     std::vector<Window> childrenOf(Window window) {
         Window ignored = None, *children = nullptr;
@@ -321,6 +314,57 @@ TEST_F(WindowedEditor, SetsAParameterFromAMenu) {
     editor.typeKey(XK_Return);
     EXPECT_TRUE(editor.becomes(kMenu, 1.0f)) << editor.value(kMenu);
     expectGesture(editor.toldOf(kMenu));
+}
+
+TEST_F(WindowedEditor, TakesAChoiceFromAMenuAtOnce) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    openMenu(editor);
+    for (const std::intptr_t key : {14, 14, 4}) // down, down, return
+        editor.plugin().dispatch(effEditKeyDown, 0, key);
+    EXPECT_EQ(editor.value(kMenu), 0.5f) << "before any further turn";
+}
+
+TEST_F(WindowedEditor, KeepsAMenuOpenAfterASlowClick) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    serveAll(editor);
+    const auto before = menuPlace(editor);
+    editor.point(50, 80);
+    editor.press(kLeft);
+    ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
+    holdAtLeast(editor, std::chrono::milliseconds(400));
+    editor.release(kLeft);
+    holdAtLeast(editor, std::chrono::milliseconds(400));
+    editor.click(50, 120); // the second entry
+    EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
+}
+
+TEST_F(WindowedEditor, LetsAnEntryBeChosenWithOneLongPress) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    serveAll(editor);
+    const auto before = menuPlace(editor);
+    editor.point(50, 80);
+    editor.press(kLeft);
+    ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
+    holdAtLeast(editor, std::chrono::milliseconds(400));
+    editor.point(50, 120);
+    editor.release(kLeft);
+    EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
+}
+
+TEST_F(WindowedEditor, LosesNoPressRightAfterAMenu) {
+    auto& editor = show();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    for (const int endOfMenu : {300, 50}) { // beside it, and on its second entry
+        openMenu(editor);
+        const float lamp = editor.value(kLamp);
+        editor.click(endOfMenu, 120);
+        editor.click(218, 18);
+        EXPECT_TRUE(editor.becomes(kLamp, 1.0f - lamp));
+    }
+    EXPECT_EQ(editor.value(kMenu), 0.5f);
 }
 
 TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
