@@ -43,6 +43,8 @@ class LearnMenu final : public COptionMenu {
     using COptionMenu::COptionMenu;
     void beginEdit() override {}
     void endEdit() override {}
+    /// The toolkit would tick the first entry when it opens the menu, and after a choice the menu is gone.
+    bool checkEntryAlone(std::int32_t) override { return false; }
 };
 
 /// To be given to a frame. The toolkit opens the menu at its place, where otherwise it shows nothing.

@@ -233,6 +233,14 @@ TEST_F(LearnOverlay, OffersOneEntryForAnUnboundParameter) {
     EXPECT_EQ(menus.back().place, inside);
 }
 
+TEST_F(LearnOverlay, TicksNoEntry) {
+    midi::bindController(kFeedback, 74);
+    EXPECT_EQ(openMenu().ticked, std::vector<std::string>{});
+    menus.back().choose(1);
+    midi::bindController(kFeedback, 74);
+    EXPECT_EQ(openMenu().ticked, std::vector<std::string>{});
+}
+
 TEST_F(LearnOverlay, OffersToForgetABoundController) {
     midi::bindController(kFeedback, 74);
     EXPECT_EQ(entries(), (std::vector<std::string>{"MidiLearn", "Forget CC 74"}));

@@ -178,6 +178,9 @@ class RecordedMenu final : public IPlatformOptionMenu {
         // The toolkit marks an entry before anybody has chosen.
         if (menu->isCheckStyle())
             menu->checkEntryAlone(0);
+        for (const auto& item : *menu->getItems())
+            if (item->isChecked())
+                opened.ticked.push_back(item->getTitle().getString());
         // The toolkit keeps the menu for its callback.
         opened.choose = [callback, menu](std::int32_t index) { callback(menu, {menu, index}); };
         opened.dismiss = [callback, menu] { callback(menu, {nullptr, -1}); };

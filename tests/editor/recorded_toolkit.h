@@ -59,6 +59,7 @@ Drawing drawingOf(VSTGUI::CView& view);
 /// A menu that a view has opened.
 struct OpenedMenu {
     std::vector<std::string> entries;
+    std::vector<std::string> ticked; ///< those of them with a tick
     VSTGUI::CPoint place;
     std::function<void(std::int32_t)> choose; ///< the place of an entry; -1 for Escape
     std::function<void()> dismiss;

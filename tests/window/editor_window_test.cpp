@@ -467,6 +467,19 @@ TEST_F(WindowedEditor, SetsAControlBackToItsDefaultByControlAndClick) {
     editor.holdKey(XK_Control_L, false);
 }
 
+TEST_F(WindowedEditor, TicksNoEntryOfTheLearnMenuBeforeAChoice) {
+    auto& editor = show();
+    serveAll(editor);
+    const auto before = editor.part(30, 30, 90, 24);
+    editor.click(30, 30, kRight);
+    ASSERT_TRUE(editor.changes(before, 30, 30, 90, 24));
+    serveUntilStill(editor, 30, 30, 90, 24);
+    const auto tickPlace = editor.part(33, 33, 14, 15);
+    EXPECT_TRUE(std::ranges::all_of(tickPlace, [&](Pixel pixel) { return pixel == tickPlace[0]; }));
+    EXPECT_NE(tickPlace[0], kGrey) << "the menu itself";
+    editor.typeKey(XK_Escape);
+}
+
 TEST_F(WindowedEditor, TellsTheHostOfTheRightParameterFromTheLearnMenu) {
     auto& editor = show();
     editor.plugin().setParameter(kKnob, 0.25f);
