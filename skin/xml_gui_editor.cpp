@@ -5,6 +5,7 @@
 #include "parameters/parameter_table.h"
 #include "parameters/shared_field.h"
 #include "parameters/truncation.h"
+#include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/message_box.h"
 #include "skin/ascii.h"
@@ -47,6 +48,13 @@ using XmlTree = std::unique_ptr<XmlNode, decltype(&xmlFreeNode)>;
 void* windowOf(const VSTGUI::CFrame* frame) {
     const auto* const onScreen = frame ? frame->getPlatformFrame() : nullptr;
     return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
+}
+
+/// Takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms after a change at the
+/// earliest, and while a message stands open not at all.
+void drawBeforeBlocking() {
+    platform::sleepMilliseconds(17);
+    platform::paintToolkitWindows();
 }
 
 } // namespace
@@ -389,12 +397,14 @@ void xmlGuiEditor::selectSkin(CControl& control) {
     const float choice = control.getValue();
     const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
     const std::int32_t index = trunc(choice);
-    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text))
+    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text)) {
+        drawBeforeBlocking();
         platform::showMessage("The new skin has been selected.\n"
                               "Please close and open this window.\n"
                               "If nothing changes it's probably because your host only hides\n"
                               "the editor windows, so you may have to reopen the plug-in",
                               "SKIN SELECTED!", {.owner = windowOf(frame)});
+    }
     if (auto* const menu = dynamic_cast<SkinMenu*>(&control))
         menu->showValue(count);
     else

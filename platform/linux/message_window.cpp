@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cairo-xcb.h>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -56,7 +57,9 @@ std::uint16_t asLength(double pixels) {
 
 class MessageWindow {
   public:
-    MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text);
+    /// `owner` is a window that the box belongs to, or XCB_NONE.
+    MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text,
+                  xcb_window_t owner);
     ~MessageWindow();
     MessageWindow(const MessageWindow&) = delete;
     MessageWindow& operator=(const MessageWindow&) = delete;
@@ -79,6 +82,8 @@ class MessageWindow {
     void setTitle(const std::string& caption) const;
     void setManagerHints() const;
     void setTextForPrograms() const;
+    bool hasProperty(xcb_window_t window, xcb_atom_t property) const;
+    xcb_window_t outermostOf(xcb_window_t window) const;
 
     bool isAcknowledgedBy(const xcb_generic_event_t& event);
     bool isClosingKey(const xcb_key_press_event_t& event) const;
@@ -89,6 +94,7 @@ class MessageWindow {
 
     xcb_connection_t* connection_;
     std::string text_;
+    xcb_window_t owner_;
     xcb_screen_t* screen_ = nullptr;
     xcb_window_t window_ = XCB_NONE;
     xcb_atom_t protocols_ = XCB_NONE;
@@ -102,8 +108,9 @@ class MessageWindow {
     bool pressBeganOnButton_ = false;
 };
 
-MessageWindow::MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text)
-    : connection_(connection), text_(text) {
+MessageWindow::MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text,
+                             xcb_window_t owner)
+    : connection_(connection), text_(text), owner_(owner) {
     findScreen(screenNumber);
     if (!screen_ || !rootVisual())
         return;
@@ -207,6 +214,29 @@ void MessageWindow::setTitle(const std::string& caption) const {
     setProperty(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string("message\0Quillon\0", 16));
 }
 
+bool MessageWindow::hasProperty(xcb_window_t window, xcb_atom_t property) const {
+    const std::unique_ptr<xcb_get_property_reply_t, Free> reply(xcb_get_property_reply(
+        connection_, xcb_get_property(connection_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 0),
+        nullptr));
+    return reply && reply->type != XCB_ATOM_NONE;
+}
+
+/// The window around this one that a window manager has marked as one it looks after or, where there is no
+/// manager, that lies on the screen itself; XCB_NONE if `window` is none.
+xcb_window_t MessageWindow::outermostOf(xcb_window_t window) const {
+    const xcb_atom_t managed = atom("WM_STATE");
+    while (window != XCB_NONE && !hasProperty(window, managed)) {
+        const std::unique_ptr<xcb_query_tree_reply_t, Free> tree(
+            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
+        if (!tree)
+            return XCB_NONE;
+        if (tree->parent == tree->root || tree->parent == XCB_NONE)
+            return window;
+        window = tree->parent;
+    }
+    return window;
+}
+
 /// What a window manager goes by. None may be running; then the window is where create() put it.
 void MessageWindow::setManagerHints() const {
     const auto set = [this](xcb_atom_t property, xcb_atom_t type, const auto& values) {
@@ -218,6 +248,9 @@ void MessageWindow::setManagerHints() const {
         std::initializer_list<xcb_atom_t>{atom("_NET_WM_WINDOW_TYPE_DIALOG")});
     // The host waits for this box: it must not hide behind the host.
     set(atom("_NET_WM_STATE"), XCB_ATOM_ATOM, std::initializer_list<xcb_atom_t>{atom("_NET_WM_STATE_ABOVE")});
+
+    if (const xcb_window_t host = outermostOf(owner_))
+        set(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, std::initializer_list<xcb_window_t>{host});
 
     struct SizeHints {                         // as the window managers' convention lays them out
         std::uint32_t flags = 1 << 4 | 1 << 5; // least and greatest size
@@ -365,12 +398,13 @@ void MessageWindow::draw() {
 
 } // namespace
 
-bool showMessageWindow(const char* text, const char* caption, const MessageLook&) {
+bool showMessageWindow(const char* text, const char* caption, const MessageLook& look) {
     int screenNumber = 0;
     const Connection connection(xcb_connect(nullptr, &screenNumber));
     if (xcb_connection_has_error(connection.get()))
         return false;
-    MessageWindow window(connection.get(), screenNumber, validUtf8(text));
+    const auto owner = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(look.owner));
+    MessageWindow window(connection.get(), screenNumber, validUtf8(text), owner);
     if (!window.exists())
         return false;
     window.show(validUtf8(caption));

@@ -430,6 +430,30 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     EXPECT_EQ(next.width(), 160);
 }
 
+TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHasGone) {
+    auto& editor = show();
+    serveAll(editor);
+    const auto resting = editor.part(100, 92, 70, 50);
+    std::atomic<bool> isShown = false, menuIsGone = false;
+    std::atomic<Window> transientFor = None;
+    const platform::MessageWatch watch(
+        [&](const platform::ShownMessage& message) {
+            // On a thread of its own, and so on a connection of its own.
+            const SeparateConnection display(screen());
+            menuIsGone = display.part(40 + 100, 30 + 92, 70, 50) == resting;
+            transientFor = display.transientFor(display.windowCalled(message.caption));
+            isShown = true;
+        },
+        [&] { return isShown.load(); });
+    editor.click(135, 80);
+    ASSERT_TRUE(editor.changes(resting, 100, 92, 70, 50));
+    editor.typeKey(XK_Down);
+    editor.typeKey(XK_Return);
+    ASSERT_TRUE(editor.serveUntil([&] { return isShown.load(); }));
+    EXPECT_TRUE(menuIsGone);
+    EXPECT_EQ(transientFor, editor.window());
+}
+
 TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.0f);
