@@ -43,7 +43,8 @@ void addSkinOptions(CLI::App& app, Words& words) {
                    "Open with this skin: a folder beside the library, by name, or any\nfolder")
         ->type_name("NAME|FOLDER")
         ->group(group);
-    app.add_flag("--watch", words.watch, "Open the editor anew whenever a file of the skin changes")
+    app.add_flag("--watch", words.watch,
+                 "Open the editor anew whenever a file of the skin changes, and say\nwhat --check would")
         ->group(group);
     app.add_flag("--check", words.check, "Open nothing; list what is wrong with the skin")->group(group);
 }

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tools::window {
 
@@ -113,10 +114,12 @@ class Showing {
     void open() {
         closeInstance();
         isSkinAtFault_ = false;
-        if (!skin_.empty())
-            checkText();
+        if (!skin_.empty() && !canBeShown())
+            return;
         if (stage_)
             stage_->bringUpToDate();
+        if (options_.watch)
+            tellFaults(checkSkin(stage_->skin()));
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
@@ -129,7 +132,8 @@ class Showing {
     }
 
     /// What the plug-in would not survive it must not see; what it refuses without a word gets one here.
-    void checkText() {
+    /// False if the skin's author goes on working at it.
+    bool canBeShown() {
         isSkinAtFault_ = true;
         const files::path file = skinFile(skin_);
         const auto bytes = platform::readWholeFile(file.string());
@@ -139,15 +143,25 @@ class Showing {
         const SkinSource source = readSkinSource(text);
         const auto findings = checkSkinText(text);
         const auto fatal = std::ranges::find_if(findings, &Finding::endsTheHost);
-        if (!source.root || fatal != findings.end()) {
-            std::string line = lineFor(file, source.root ? *fatal : findings.back());
-            line.pop_back();
-            throw ToolError(line);
+        if (source.root && fatal == findings.end()) {
+            isSkinAtFault_ = false;
+            return true;
         }
-        if (options_.watch)
-            for (const Finding& finding : findings)
-                std::fputs(lineFor(file, finding).c_str(), stderr);
-        isSkinAtFault_ = false;
+        if (options_.watch) {
+            tellFaults(findings);
+            return false;
+        }
+        std::string line = lineFor(file, source.root ? *fatal : findings.back());
+        line.pop_back();
+        throw ToolError(line);
+    }
+
+    /// What --check would say of the skin.
+    void tellFaults(const std::vector<Finding>& findings) const {
+        for (const Finding& finding : findings)
+            std::fputs(lineFor(skinFile(skin_), finding).c_str(), stderr);
+        if (findings.empty())
+            say("no faults");
     }
 
     void closeInstance() {

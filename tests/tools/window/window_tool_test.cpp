@@ -422,8 +422,30 @@ TEST_F(WatchedSkin, IsOpenedAnewWhenAPictureChanges) {
     paintPng(folder.file("elsewhere/Earth/bg.png"), 120, 80, green);
     EXPECT_TRUE(colourBecomes(green));
     tool->send(SIGINT);
-    EXPECT_EQ(tool->wait().err, "quillon-window: stopped\n");
+    EXPECT_EQ(tool->wait().err, "no faults\nno faults\nquillon-window: stopped\n");
     expectNothingIsLeft();
+}
+
+TEST_F(WatchedSkin, IsReportedAtEachSaveAsByTheCheck) {
+    const auto tool = watchAloud();
+    ASSERT_TRUE(says(*tool, "no faults\n"));
+    for (const char* objects :
+         {"<knoob x=\"1\"/>\n", "<knob x=\"1\" y=\"1\" w=\"9\" h=\"9\" id=\"1\" transparnt=\"y\"/>\n",
+          "<knob x=\"1\" y=\"1\" w=\"9\" h=\"9\" id=\"1\" bitmap_handle=\"none.png\"/>\n"}) {
+        saveText("<GUI>\n<background filename=\"bg.png\"/>\n" + std::string(objects) + "</GUI>\n");
+        const ToolResult check = run({"--check", "--skin", "elsewhere/Earth"});
+        EXPECT_EQ(check.exitCode, 1) << objects;
+        EXPECT_TRUE(says(*tool, check.out)) << check.out;
+    }
+    const std::string broken =
+        "<GUI>\n<knoob/>\n<update src=\"" + std::string(70, 'k') + "\" dst=\"1\"/></GUI>\n";
+    saveText(broken);
+    EXPECT_TRUE(says(*tool, run({"--check", "--skin", "elsewhere/Earth"}).out))
+        << "all, though it is not opened";
+    saveText("<GUI><background filename=\"bg.png\"/></GUI>");
+    EXPECT_TRUE(test::waitUntil([&] { return tool->standardError().ends_with("no faults\n"); }));
+    askToClose(screen, screen.waitForWindow());
+    EXPECT_EQ(tool->wait(), 0);
 }
 
 TEST_F(WatchedSkin, TakesAnotherSize) {
