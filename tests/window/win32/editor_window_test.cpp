@@ -120,7 +120,8 @@ TEST_F(WindowedEditor, SetsTheParameterToItsMaximumByLearning) {
     editor.plugin().clearCalls();
     useMenu(editor, 30, 30, Button::right, {VK_DOWN, VK_RETURN});
     EXPECT_EQ(editor.value(kKnob), 1.0f);
-    EXPECT_EQ(editor.toldOf(kKnob), (std::vector<std::int32_t>{audioMasterAutomate}));
+    EXPECT_EQ(editor.toldOf(kKnob),
+              (std::vector<std::int32_t>{audioMasterBeginEdit, audioMasterAutomate, audioMasterEndEdit}));
 }
 
 TEST_F(WindowedEditor, ForgetsAControllerFromTheSecondEntry) {
