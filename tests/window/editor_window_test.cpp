@@ -65,6 +65,14 @@ class SeparateConnection {
         Window owner = None;
         return window != None && XGetTransientForHint(display_, window, &owner) ? owner : None;
     }
+    /// False while another program has the pointer to itself.
+    bool canTakePointer() const {
+        const int answer = XGrabPointer(display_, DefaultRootWindow(display_), False, ButtonPressMask,
+                                        GrabModeAsync, GrabModeAsync, None, None, CurrentTime);
+        XUngrabPointer(display_, CurrentTime);
+        XSync(display_, False);
+        return answer == GrabSuccess;
+    }
 
   private:
     Display* display_;
@@ -93,9 +101,14 @@ class WindowedEditor : public EditorOnScreen {
     }
     /// Where the entries of the skin's own menu are seen, below it.
     static std::vector<Pixel> menuPlace(ShownEditor& editor) { return editor.part(10, 92, 80, 60); }
-    static void openMenu(ShownEditor& editor) {
+    /// When all that was done before has been drawn.
+    static std::vector<Pixel> restingMenuPlace(ShownEditor& editor) {
         serveAll(editor);
-        const auto before = menuPlace(editor);
+        serveUntilStill(editor, 10, 92, 80, 60);
+        return menuPlace(editor);
+    }
+    static void openMenu(ShownEditor& editor) {
+        const auto before = restingMenuPlace(editor);
         editor.click(50, 80);
         ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
     }
@@ -328,8 +341,7 @@ TEST_F(WindowedEditor, TakesAChoiceFromAMenuAtOnce) {
 TEST_F(WindowedEditor, KeepsAMenuOpenAfterASlowClick) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.0f);
-    serveAll(editor);
-    const auto before = menuPlace(editor);
+    const auto before = restingMenuPlace(editor);
     editor.point(50, 80);
     editor.press(kLeft);
     ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
@@ -343,8 +355,7 @@ TEST_F(WindowedEditor, KeepsAMenuOpenAfterASlowClick) {
 TEST_F(WindowedEditor, LetsAnEntryBeChosenWithOneLongPress) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.0f);
-    serveAll(editor);
-    const auto before = menuPlace(editor);
+    const auto before = restingMenuPlace(editor);
     editor.point(50, 80);
     editor.press(kLeft);
     ASSERT_TRUE(editor.serveUntil([&] { return menuPlace(editor) != before; }));
@@ -370,8 +381,7 @@ TEST_F(WindowedEditor, LosesNoPressRightAfterAMenu) {
 TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.3f);
-    serveAll(editor);
-    const auto before = editor.part(10, 92, 80, 60);
+    const auto before = restingMenuPlace(editor);
     editor.plugin().clearCalls();
     editor.click(50, 80);
     ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60));
@@ -385,8 +395,7 @@ TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
 TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByAClickBesideIt) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.3f);
-    serveAll(editor);
-    const auto before = editor.part(10, 92, 80, 60);
+    const auto before = restingMenuPlace(editor);
     editor.click(50, 80);
     ASSERT_TRUE(editor.changes(before, 10, 92, 80, 60));
     editor.click(300, 120);
@@ -433,8 +442,9 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
 TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHasGone) {
     auto& editor = show();
     serveAll(editor);
+    serveUntilStill(editor, 100, 92, 70, 50);
     const auto resting = editor.part(100, 92, 70, 50);
-    std::atomic<bool> isShown = false, menuIsGone = false;
+    std::atomic<bool> isShown = false, menuIsGone = false, pointerIsFree = false;
     std::atomic<Window> transientFor = None;
     const platform::MessageWatch watch(
         [&](const platform::ShownMessage& message) {
@@ -442,15 +452,16 @@ TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHa
             const SeparateConnection display(screen());
             menuIsGone = display.part(40 + 100, 30 + 92, 70, 50) == resting;
             transientFor = display.transientFor(display.windowCalled(message.caption));
+            pointerIsFree = display.canTakePointer();
             isShown = true;
         },
         [&] { return isShown.load(); });
     editor.click(135, 80);
     ASSERT_TRUE(editor.changes(resting, 100, 92, 70, 50));
-    editor.typeKey(XK_Down);
-    editor.typeKey(XK_Return);
+    editor.click(135, 100);
     ASSERT_TRUE(editor.serveUntil([&] { return isShown.load(); }));
     EXPECT_TRUE(menuIsGone);
+    EXPECT_TRUE(pointerIsFree) << "else nobody can click on the message";
     EXPECT_EQ(transientFor, editor.window());
 }
 
