@@ -736,6 +736,55 @@ TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
     serveAll(editor);
 }
 
+TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAChoiceInAMenu) {
+    auto& editor = show();
+    for (const bool chosenByKey : {true, false}) {
+        openMenu(editor);
+        editor.plugin().clearCalls();
+        bool closed = false;
+        editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                                 void*) -> std::optional<std::intptr_t> {
+            if (call.opcode == audioMasterAutomate && !std::exchange(closed, true))
+                editor.close();
+            return std::nullopt;
+        };
+        if (chosenByKey)
+            for (const std::intptr_t key : {14, 4}) // down, return
+                editor.plugin().dispatch(effEditKeyDown, 0, key);
+        else
+            editor.click(50, 120);
+        EXPECT_TRUE(editor.serveUntil([&] { return closed; }));
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+        editor.plugin().behaviour().answer = nullptr;
+        ASSERT_TRUE(editor.open());
+        ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    }
+    serveAll(editor);
+}
+
+TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToTheLearnMenu) {
+    auto& editor = show();
+    serveAll(editor);
+    const auto before = editor.part(30, 30, 90, 24);
+    editor.click(30, 30, kRight);
+    ASSERT_TRUE(editor.changes(before, 30, 30, 90, 24));
+    editor.plugin().clearCalls();
+    editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                             void*) -> std::optional<std::intptr_t> {
+        if (call.opcode == audioMasterAutomate)
+            editor.close();
+        return std::nullopt;
+    };
+    for (const std::intptr_t key : {14, 4}) // down, return
+        editor.plugin().dispatch(effEditKeyDown, 0, key);
+    EXPECT_EQ(editor.value(kKnob), 1.0f);
+    EXPECT_EQ(editor.toldOf(kKnob).back(), audioMasterEndEdit) << "though the window has gone";
+    editor.plugin().behaviour().answer = nullptr;
+    ASSERT_TRUE(editor.open());
+    ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    serveAll(editor);
+}
+
 TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
     auto& editor = show();
     editor.destroyInstance();
