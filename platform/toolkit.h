@@ -5,12 +5,12 @@
 //
 // - An event ends up in a view's onMouseDown, onMouseMoved and onMouseUp, whose button state is here true to
 //   the hand on every system (see platform/toolkit_window.h). Control and a left click never get there on a
-//   control that goes back to its default value (see editor/default_values.h).
+//   control that goes back to its default value by it.
 // - A mouse listener of a view is called by its container; do not call it again.
 // - COptionMenu: on X11 the menu is a view in the window, modal, and answers through a callback after popup()
 //   has returned, in the event that ended the menu; on Windows popup() blocks. Finish in the callback, and
-//   hold what it needs with VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A menu wants to lie
-//   inside the window, so one in a window that is too small is cut.
+//   hold what it needs with VSTGUI::shared(). Escape there ends in valueChanged() with a last result of -1. A
+//   menu wants to lie inside the window, so one in a window that is too small is cut.
 // - CFrame::idle() turns dirty views into places to be drawn; they are drawn by serveToolkitWindows(), at the
 //   earliest 16 ms later, and on Windows by the host's message loop. A test of what is dirty looks before
 //   idle().
