@@ -22,6 +22,7 @@
 
 #include "vstgui/lib/vstguifwd.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -45,6 +46,34 @@ class Toolkit {
 /// Null if the file cannot be opened or decoded, or is too large to be drawn (32767 pixels a side, 2^26 in
 /// all). `path` is exact; a Toolkit must live. On the window thread.
 VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path);
+
+/// How many bytes a group of bitmaps may keep on the display, together. The bitmaps share it. On the window
+/// thread.
+class DisplayMemory {
+  public:
+    explicit DisplayMemory(std::size_t bytes) : free_(bytes) {}
+
+    /// False, and nothing is taken, if that many are not left.
+    bool take(std::size_t bytes) {
+        if (bytes > free_)
+            return false;
+        free_ -= bytes;
+        return true;
+    }
+    void giveBack(std::size_t bytes) { free_ += bytes; }
+    std::size_t free() const { return free_; }
+
+  private:
+    std::size_t free_;
+};
+
+/// A bitmap that is drawn in windows again and again. On X11 the toolkit sends all pixels of a bitmap to the
+/// display at each drawing, however small the part that is drawn; this one keeps a copy there from its first
+/// drawing in a window on, as long as `memory` has room for it (4 bytes a pixel). The pixels remain what is
+/// asked for and what is drawn everywhere else; who changes them after the first drawing will not see that in
+/// a window. On Windows the toolkit keeps copies by itself. On the window thread.
+VSTGUI::SharedPointer<VSTGUI::CBitmap> makeWindowBitmap(const VSTGUI::PlatformBitmapPtr& pixels,
+                                                        std::shared_ptr<DisplayMemory> memory);
 
 /// Gives all open windows of this process their turn: what the hand did on them, timers, drawing. The host's
 /// idle call is the only time they have, as there is no thread and no timer of our own. Called again from

@@ -5,10 +5,12 @@
 
 namespace skin {
 
-VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name) {
+VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name,
+                                                 const std::shared_ptr<platform::DisplayMemory>& memory) {
     if (const auto path = platform::findPath(folder, name))
         if (const auto picture = platform::readBitmap(*path))
-            return VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
+            return memory ? platform::makeWindowBitmap(picture, memory)
+                          : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
     return VSTGUI::makeOwned<MissingImage>();
 }
 

@@ -3,6 +3,7 @@
 #include "platform/folders.h"
 #include "platform/module_folder.h"
 #include "platform/settings.h"
+#include "platform/toolkit.h"
 #include "skin/ascii.h"
 #include "skin/fixed_text.h"
 #include "skin/images.h"
@@ -82,13 +83,15 @@ void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xm
     copyPath(context->path, skinFolder(folder, name));
     context->backgroundOnly = backgroundOnly;
     context->parent = parent;
+    context->displayMemory = std::make_shared<platform::DisplayMemory>(kMostDisplayMemory);
 }
 
 VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {
     for (const SkinBitmap& known : context->bitmaps)
         if (equalIgnoringCase(known.name, name))
             return known.bitmap;
-    const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap = loadImage(context->path, name);
+    const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap =
+        loadImage(context->path, name, context->displayMemory);
     SkinBitmap entry;
     copyText(entry.name, name);
     entry.bitmap = bitmap.get();

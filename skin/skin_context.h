@@ -9,9 +9,13 @@
 #include "skin/grow_array.h"
 
 #include <cstddef>
+#include <memory>
 
 namespace VSTGUI {
 class CBitmap;
+}
+namespace platform {
+class DisplayMemory;
 }
 
 namespace skin {
@@ -20,6 +24,10 @@ class xmlGuiEditor;
 
 /// Room for a path or a skin's name, its NUL included. A path that does not fit leads nowhere.
 constexpr std::size_t kPathSize = 260;
+
+/// What the pictures of one window may keep on the display, in bytes. The delivered skins keep less than
+/// 10 MB; beyond the limit pictures are drawn from this process's memory, which is slower.
+constexpr std::size_t kMostDisplayMemory = std::size_t{64} << 20;
 
 /// The name of a skin's folder.
 struct SkinName {
@@ -38,6 +46,7 @@ struct SkinContext {
     char path[kPathSize] = "";   ///< the skin's folder with a separator behind it
     bool backgroundOnly = false; ///< true in the pass that only measures
     ExprTable constants;
+    std::shared_ptr<platform::DisplayMemory> displayMemory; ///< what the pictures may keep on the display
 };
 
 /// Decides which skin it is, and adds the names of all that there are to the editor's list.

@@ -74,6 +74,13 @@ void waitForDisplay() {
     std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
+/// What has been given back to the display, as the pictures of a closed window are, is gone there at once and
+/// not with the next window.
+void tellDisplay() {
+    if (xcb_connection_t* connection = VSTGUI::X11::RunLoop::instance().getXcbConnection())
+        xcb_flush(connection);
+}
+
 /// Ends every modal view. A menu goes by a press beside it, which chooses nothing, and the end of its fade,
 /// which is one even where it takes no time.
 void endModalViews(VSTGUI::CFrame& frame) {
@@ -126,6 +133,7 @@ class ToolkitWindow::OpenFrame {
         frame_->unregisterMouseObserver(&buttons_);
         menuEvents_.leave(*frame_);
         frame_->close();
+        tellDisplay();
     }
 
     VSTGUI::CFrame& frame() const { return *frame_; }

@@ -5,6 +5,7 @@
 
 #include "picture_size.h"
 
+#include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/cpoint.h"
 #include "vstgui/lib/platform/iplatformbitmap.h"
 #include "vstgui/lib/platform/platform_win32.h"
@@ -14,6 +15,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <vector>
 #include <wincodec.h>
@@ -64,6 +66,11 @@ VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path) {
         return nullptr;
     auto bitmap = factory->createBitmapFromMemory(file->data(), static_cast<std::uint32_t>(file->size()));
     return bitmap && isDrawable(sizeOf(*bitmap)) && isWhole(bitmap) ? bitmap : nullptr;
+}
+
+VSTGUI::SharedPointer<VSTGUI::CBitmap> makeWindowBitmap(const VSTGUI::PlatformBitmapPtr& pixels,
+                                                        std::shared_ptr<DisplayMemory>) {
+    return VSTGUI::makeOwned<VSTGUI::CBitmap>(pixels);
 }
 
 } // namespace platform

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace test {
 
@@ -32,8 +33,8 @@ std::string readLine(int from) {
 
 } // namespace
 
-VirtualScreen::VirtualScreen(const std::string& format) {
-    startServer(format);
+VirtualScreen::VirtualScreen(const std::string& format, int screens) {
+    startServer(format, screens);
     XSetErrorHandler(ignoreError);
     display_ = XOpenDisplay(name_.c_str());
     if (!display_)
@@ -43,7 +44,10 @@ VirtualScreen::VirtualScreen(const std::string& format) {
         throw std::runtime_error("the virtual screen has no XTEST: nobody can move its pointer");
 }
 
-void VirtualScreen::startServer(const std::string& format) {
+void VirtualScreen::startServer(const std::string& format, int screens) {
+    std::vector<std::string> arguments = {"Xvfb", "-nolisten", "tcp", "-noreset"};
+    for (int i = 0; i < screens; ++i)
+        arguments.insert(arguments.end(), {"-screen", std::to_string(i), format});
     int report[2];
     if (pipe2(report, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe for the virtual screen");
@@ -52,8 +56,12 @@ void VirtualScreen::startServer(const std::string& format) {
         const int inherited = dup(report[1]);
         const int silence = open("/dev/null", O_WRONLY);
         dup2(silence, STDERR_FILENO);
-        execlp("Xvfb", "Xvfb", "-displayfd", std::to_string(inherited).c_str(), "-screen", "0",
-               format.c_str(), "-nolisten", "tcp", "-noreset", static_cast<char*>(nullptr));
+        arguments.insert(arguments.end(), {"-displayfd", std::to_string(inherited)});
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        execvp("Xvfb", pointers.data());
         _exit(127);
     }
     close(report[1]);

@@ -15,8 +15,8 @@ using Pixel = unsigned long;
 class VirtualScreen {
   public:
     /// Starts the server on a free display number and waits until it answers. Throws std::runtime_error with
-    /// a clear line if there is none. `format` is width x height x depth.
-    explicit VirtualScreen(const std::string& format = "1000x800x24");
+    /// a clear line if there is none. `format` is width x height x depth, of each of its screens.
+    explicit VirtualScreen(const std::string& format = "1000x800x24", int screens = 1);
     ~VirtualScreen();
     VirtualScreen(const VirtualScreen&) = delete;
     VirtualScreen& operator=(const VirtualScreen&) = delete;
@@ -47,7 +47,7 @@ class VirtualScreen {
     bool waitForPixel(int x, int y, Pixel colour);
 
   private:
-    void startServer(const std::string& format);
+    void startServer(const std::string& format, int screens);
 
     pid_t server_ = -1;
     std::string name_;

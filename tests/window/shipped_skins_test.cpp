@@ -1,6 +1,7 @@
 // The skins as they are delivered, under a real pointer: every control of a parameter is found by its place,
 // moved, and its parameter, its text and the picture of the echoes are seen to change.
 #include "skin_bench.h"
+#include "support/counted_display.h"
 #include "support/shown_editor.h"
 
 #include "editor/displays.h"
@@ -250,6 +251,34 @@ TEST_P(ShippedSkin, TurnsItsEchoesIntoHelpAndBack) {
     ASSERT_TRUE(changes(picture, echoes));
     editor.click(editor.width() / 2, 120);
     EXPECT_TRUE(editor.serveUntil([&] { return look(echoes) == picture; }));
+}
+
+TEST_P(ShippedSkin, SendsFarLessThanAPictureToShowThatEveryParameterHasChanged) {
+    const CountedDisplay display(screen().name());
+    setenv("DISPLAY", display.name().c_str(), 1);
+    auto& editor = show();
+    const Part window = {0, 0, editor.width(), editor.height()};
+    const auto automate = [&](float value) {
+        const auto before = look(window);
+        for (std::int32_t id = 0; id < conversation::kLiveParameters; ++id)
+            editor.plugin().setParameter(id, value);
+        EXPECT_TRUE(changes(before, window)) << value;
+    };
+    const auto sentAfter = [&](int times) {
+        for (int i = 0; i < times; ++i)
+            automate(i % 2 == 0 ? 0.2f : 0.8f);
+        // The last drawing is followed by a question, and so counted.
+        editor.serve();
+        return display.bytesSent();
+    };
+    constexpr int kTimes = 10;
+    // Pictures and letters that have not been drawn before may travel once.
+    const std::uint64_t before = sentAfter(4);
+    const std::uint64_t sent = (sentAfter(kTimes) - before) / kTimes;
+    RecordProperty("bytes", std::to_string(sent));
+    // The smallest film strip of a knob has 416000.
+    EXPECT_LT(sent, 64000u);
+    shown.reset();
 }
 
 } // namespace
