@@ -22,7 +22,8 @@ class ToolkitWindow {
 
     /// Opens `frame` in the host's window `parent` and takes the frame over, with the one reference that its
     /// maker had. False if there is no display or no such window; the frame then exists unseen, and views may
-    /// be added to it as to any other. A second frame may be opened beside the first one.
+    /// be added to it as to any other. A second frame may be opened beside the first one. When the display is
+    /// gone and another one is there, the next window opens on that.
     bool open(VSTGUI::CFrame* frame, void* parent);
 
     /// Closes and releases what open() was given: menus and other modal views end, the system's window goes.

@@ -38,6 +38,14 @@ bool DisplayConnection::hasWindow(std::uint32_t window) const {
            nullptr;
 }
 
+bool DisplayConnection::hasKeyboardExtension() const {
+    xcb_connection_t* c = connection_.get();
+    constexpr std::string_view name = "XKEYBOARD";
+    const auto reply =
+        owned(xcb_query_extension_reply(c, xcb_query_extension(c, name.size(), name.data()), nullptr));
+    return reply && reply->present;
+}
+
 void DisplayConnection::destroyWindow(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
     // Checked, to be sure that the server has done it before anybody goes on.

@@ -17,6 +17,7 @@ class DisplayConnection {
     ~DisplayConnection();
 
     bool hasWindow(std::uint32_t window) const;
+    bool hasKeyboardExtension() const;
     void destroyWindow(std::uint32_t window) const;
 
     /// Resizes `window` and, one after the other, the windows around it that are little more than a frame

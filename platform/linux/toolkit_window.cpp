@@ -4,21 +4,36 @@
 #include "menu_events.h"
 #include "mouse_buttons.h"
 #include "window_loop.h"
+#include "xcb_handles.h"
 
 #include "vstgui/lib/platform/linux/x11platform.h"
+#include "vstgui/lib/platform/linux/x11utils.h"
 #include "vstgui/lib/vstguiinit.h"
 
+#include <algorithm>
 #include <cairo-xcb.h>
 #include <cstdlib>
 #include <memory>
+#include <utility>
+#include <vector>
 #include <xcb/xcb.h>
 
 namespace platform {
 
 namespace {
 
-/// Frames that are open or wait for their end, in the whole process.
-int livingFrames = 0;
+/// Frames that are open or wait for their end, in the whole process. Never destroyed: a frame may end later
+/// than that would be.
+std::vector<VSTGUI::CFrame*>& livingFrames() {
+    static auto& frames = *new std::vector<VSTGUI::CFrame*>;
+    return frames;
+}
+
+/// The window that the toolkit has made for the frame, or 0.
+std::uint32_t windowOf(const VSTGUI::CFrame& frame) {
+    const auto* onScreen = dynamic_cast<VSTGUI::X11::IX11Frame*>(frame.getPlatformFrame());
+    return onScreen ? onScreen->getX11WindowID() : 0;
+}
 
 /// What cairo remembers of a connection.
 using DrawingDevice = std::unique_ptr<cairo_device_t, decltype(&cairo_device_destroy)>;
@@ -32,38 +47,112 @@ DrawingDevice drawingDeviceOf(xcb_connection_t* connection) {
     return device;
 }
 
-/// Keeps the toolkit's connection to the display from the first window on. Left alone, the toolkit would
-/// close it with its last window, but go on using what was noted down for it: cursors by itself, fonts by
-/// cairo, which knows a connection by its address, and the next one may have the same. Windows opened then
-/// lose their text.
+/// Lets the toolkit ask again for the numbers of its atoms, which are another display's.
+void forgetAtoms() {
+    using VSTGUI::X11::Atom;
+    namespace Atoms = VSTGUI::X11::Atoms;
+    const std::pair<Atom&, const char*> names[] = {
+        {Atoms::xEmbedInfo, "_XEMBED_INFO"},
+        {Atoms::xEmbed, "_XEMBED"},
+        {Atoms::xDndAware, "XdndAware"},
+        {Atoms::xDndProxy, "XdndProxy"},
+        {Atoms::xDndEnter, "XdndEnter"},
+        {Atoms::xDndPosition, "XdndPosition"},
+        {Atoms::xDndLeave, "XdndLeave"},
+        {Atoms::xDndStatus, "XdndStatus"},
+        {Atoms::xDndDrop, "XdndDrop"},
+        {Atoms::xDndTypeList, "XdndTypeList"},
+        {Atoms::xDndSelection, "XdndSelection"},
+        {Atoms::xDndFinished, "XdndFinished"},
+        {Atoms::xDndActionCopy, "XdndActionCopy"},
+        {Atoms::xDndActionMove, "XdndActionMove"},
+        {Atoms::xMimeTypeTextPlain, "text/plain"},
+        {Atoms::xMimeTypeTextPlainUtf8, "text/plain;charset=utf-8"},
+        {Atoms::xMimeTypeUriList, "text/uri-list"},
+        {Atoms::xMimeTypeApplicationOctetStream, "application/octet-stream"},
+        {Atoms::xVstguiSelection, "XVSTGUISelection"},
+    };
+    for (const auto& [atom, name] : names)
+        atom = Atom(name);
+}
+
+/// Keeps the toolkit's connection to the display from the first window on, until the display is lost. Left
+/// alone, the toolkit would close it with its last window, but go on using what was noted down for it:
+/// cursors by itself, fonts by cairo, which knows a connection by its address, and the next one may have the
+/// same. Windows opened then lose their text.
 class ToolkitConnection {
   public:
-    ToolkitConnection() {
-        VSTGUI::X11::RunLoop::init(VSTGUI::SharedPointer<VSTGUI::X11::IRunLoop>(&WindowLoop::shared()));
-        // To be ended right before the connection is.
-        VSTGUI::X11::RunLoop::instance().setDevice(drawingDeviceOf(connection()).get());
-    }
+    ToolkitConnection() { connect(1); }
 
     /// When the process ends. What stands on the connection has to go before it.
     ~ToolkitConnection() {
-        if (livingFrames > 0)
+        if (!livingFrames().empty())
             return;
         VSTGUI::exit();
         VSTGUI::X11::RunLoop::exit();
     }
 
-    bool isAlive() const { return xcb_connection_has_error(connection()) == 0; }
+    /// Asks the display, since a connection does not notice by itself that nobody is there any more.
+    bool isAlive() const {
+        xcb_connection_t* const c = connection();
+        return ownedXcb(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)) != nullptr;
+    }
+
+    /// How many displays have been lost before this one.
+    int generation() const { return generation_; }
+
+    /// Connects to the display of now in place of one that is lost. Frames of the lost one may still be
+    /// there: they are drawn nowhere, and end as any other. The shapes of the pointer that were in use are
+    /// lost.
+    void renew() {
+        // The toolkit counts one use for each of them, and disconnects at 0.
+        int uses = 1;
+        std::uint32_t lastWindow = 0;
+        for (const VSTGUI::CFrame* frame : livingFrames())
+            if (const std::uint32_t window = windowOf(*frame)) {
+                ++uses;
+                lastWindow = std::max(lastWindow, window & idMask());
+            }
+        for (int i = 0; i < uses; ++i)
+            VSTGUI::X11::RunLoop::exit();
+        forgetAtoms();
+        connect(uses);
+        ++generation_;
+        // The toolkit knows a window by its number, so a new one must not get that of a lost one.
+        while ((xcb_generate_id(connection()) & idMask()) < lastWindow) {
+        }
+    }
 
   private:
     static xcb_connection_t* connection() { return VSTGUI::X11::RunLoop::instance().getXcbConnection(); }
+    static std::uint32_t idMask() { return xcb_get_setup(connection())->resource_id_mask; }
+
+    static void connect(int uses) {
+        for (int i = 0; i < uses; ++i)
+            VSTGUI::X11::RunLoop::init(VSTGUI::SharedPointer<VSTGUI::X11::IRunLoop>(&WindowLoop::shared()));
+        // To be ended right before the connection is.
+        VSTGUI::X11::RunLoop::instance().setDevice(drawingDeviceOf(connection()).get());
+    }
+
+    int generation_ = 0;
 };
 
-/// Only with a display at hand: the toolkit does not look whether it has connected.
-bool connectToolkit() {
+/// Connects at its first call. Only with a display at hand: the toolkit does not look whether it has
+/// connected.
+ToolkitConnection& toolkitConnection() {
     // Used before the connection is, so that it is still there when the connection ends.
     WindowLoop::shared();
     VSTGUI::X11::RunLoop::instance();
-    static const ToolkitConnection connection;
+    static ToolkitConnection connection;
+    return connection;
+}
+
+/// Whether there is a connection to a living display now. Only with a display at hand.
+bool connectToolkit() {
+    ToolkitConnection& connection = toolkitConnection();
+    // The toolkit keeps the state of a keyboard that it does not find again, and would use it.
+    if (!connection.isAlive() && DisplayConnection().hasKeyboardExtension())
+        connection.renew();
     return connection.isAlive();
 }
 
@@ -99,11 +188,11 @@ void endModalViews(VSTGUI::CFrame& frame) {
 class ToolkitWindow::OpenFrame {
   public:
     explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
-        ++livingFrames;
+        livingFrames().push_back(frame_);
         frame_->registerMouseObserver(&buttons_);
         menuEvents_.watch(*frame_);
     }
-    ~OpenFrame() { --livingFrames; }
+    ~OpenFrame() { std::erase(livingFrames(), frame_); }
     OpenFrame(const OpenFrame&) = delete;
     OpenFrame& operator=(const OpenFrame&) = delete;
 
@@ -111,6 +200,7 @@ class ToolkitWindow::OpenFrame {
         const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
         if (!DisplayConnection().hasWindow(window) || !connectToolkit())
             return false;
+        generation_ = toolkitConnection().generation();
         VSTGUI::X11::FrameConfig configuration;
         configuration.runLoop = &WindowLoop::shared();
         const bool opened = frame_->open(parent, VSTGUI::PlatformType::kX11EmbedWindowID, &configuration);
@@ -123,8 +213,8 @@ class ToolkitWindow::OpenFrame {
     /// Takes the window away at once. The host may destroy its own as soon as we return, and the toolkit
     /// would leave ours on the screen until the connection ends.
     void destroyWindow() const {
-        if (window())
-            DisplayConnection().destroyWindow(window());
+        if (const std::uint32_t onScreen = window())
+            DisplayConnection().destroyWindow(onScreen);
     }
 
     /// Releases the frame. Not from inside one of its events.
@@ -133,22 +223,27 @@ class ToolkitWindow::OpenFrame {
         frame_->unregisterMouseObserver(&buttons_);
         menuEvents_.leave(*frame_);
         frame_->close();
+        std::erase(livingFrames(), frame_);
         tellDisplay();
     }
 
     VSTGUI::CFrame& frame() const { return *frame_; }
     const MouseButtons& buttons() const { return buttons_; }
 
-    /// The window on the screen, or 0.
+    /// The window on the screen, or 0. Also 0 if its display is lost: on another one the number may be that
+    /// of somebody else's window.
     std::uint32_t window() const {
-        const auto* onScreen = dynamic_cast<VSTGUI::X11::IX11Frame*>(frame_->getPlatformFrame());
-        return onScreen ? onScreen->getX11WindowID() : 0;
+        const std::uint32_t window = windowOf(*frame_);
+        const bool isThere =
+            window && generation_ == toolkitConnection().generation() && toolkitConnection().isAlive();
+        return isThere ? window : 0;
     }
 
   private:
     VSTGUI::CFrame* frame_;
     MouseButtons buttons_;
     MenuEvents menuEvents_;
+    int generation_ = 0; ///< of the connection that it was opened over
 };
 
 ToolkitWindow::ToolkitWindow() = default;
@@ -184,8 +279,8 @@ bool ToolkitWindow::leftButtonDown() const {
 
 void ToolkitWindow::fitContainers(int width, int height) {
     for (const auto& opened : frames_)
-        if (opened->window())
-            DisplayConnection().resizeWithContainers(opened->window(), width, height);
+        if (const std::uint32_t window = opened->window())
+            DisplayConnection().resizeWithContainers(window, width, height);
 }
 
 } // namespace platform

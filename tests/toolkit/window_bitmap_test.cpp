@@ -202,4 +202,18 @@ TEST_F(WindowBitmaps, GiveTheDisplayItsMemoryBackWhenTheirWindowHasClosed) {
     EXPECT_EQ(xcb_total_written(connection()), sent) << "told at once, not with the next window";
 }
 
+TEST_F(WindowBitmaps, AreCopiedAnewToAnotherDisplay) {
+    startScreen();
+    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    openWindow(bitmap);
+    ASSERT_TRUE(showsPixel(10, 10, kUpper));
+    screen->stopServer();
+    window.close();
+    startScreen();
+    openWindow(bitmap);
+    ASSERT_TRUE(showsPixel(10, 10, kUpper));
+    EXPECT_LT(bytesToDraw(20), kStripBytes / 10);
+    EXPECT_EQ(memory->free(), 9 * kStripBytes);
+}
+
 } // namespace
