@@ -49,16 +49,21 @@ bool AEffGUIEditor::getRect(vst2::ERect** size) {
 
 bool AEffGUIEditor::open(void* ptr) {
     parameters::storeShared(systemWindow, ptr);
-    openFrame(rect.right - rect.left, rect.bottom - rect.top, nullptr, ptr);
-    return true;
+    return openFrame(rect.right - rect.left, rect.bottom - rect.top, nullptr, ptr);
 }
 
-void AEffGUIEditor::openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent) {
+bool AEffGUIEditor::openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent) {
     noteWindowThread();
     auto* const newFrame = new CFrame(CRect(0, 0, width, height), this);
     newFrame->setBackground(background);
-    window_.open(newFrame, parent);
+    const bool isShown = window_.open(newFrame, parent);
+    // Behind a first frame, a second one stays unseen instead: views of the first are in use.
+    if (parent && !isShown && !hasFrame()) {
+        closeFrame();
+        return false;
+    }
     setFrame(newFrame);
+    return true;
 }
 
 void AEffGUIEditor::closeFrame() {

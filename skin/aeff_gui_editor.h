@@ -51,9 +51,9 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
 
   protected:
     plugin::AudioEffectX& theEffect() const { return *effectX_; }
-    /// Makes the frame of the window, `width` x `height` pixels, and opens it in the host's window. It stays
-    /// to be drawn into even where it cannot be shown.
-    void openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent);
+    /// Makes the frame of the window, `width` x `height` pixels, and opens it in the host's window. Without a
+    /// `parent` it stays unseen. False if the display does not know `parent`; there is no frame then.
+    bool openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent);
     /// Takes the window away, and all views with it.
     void closeFrame();
     /// Whether there is a frame. Any thread.

@@ -216,7 +216,7 @@ int xmlGuiEditor::buildBackground(ObjectReader& object) {
     if (object.context()->backgroundOnly)
         rect = {0, 0, static_cast<std::int16_t>(height), static_cast<std::int16_t>(width)};
     else
-        openFrame(width, height, bitmap, object.context()->parent);
+        object.context()->isWindowMissing = !openFrame(width, height, bitmap, object.context()->parent);
     return kDone;
 }
 

@@ -47,6 +47,7 @@ struct SkinContext {
     bool backgroundOnly = false; ///< true in the pass that only measures
     ExprTable constants;
     std::shared_ptr<platform::DisplayMemory> displayMemory; ///< what the pictures may keep on the display
+    bool isWindowMissing = false;                           ///< the display does not know `parent`
 };
 
 /// Decides which skin it is, and adds the names of all that there are to the editor's list.

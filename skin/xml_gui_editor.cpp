@@ -101,6 +101,8 @@ bool xmlGuiEditor::readSkin(SkinContext& context) {
             continue;
         SkinObject object(child);
         createControls(child->name, &object, &context);
+        if (context.isWindowMissing)
+            return false;
     }
     return true;
 }

@@ -35,6 +35,9 @@ class Exposed final : public editor::myEditor {
     using myEditor::controls;
     using myEditor::frame;
 
+    /// Built unseen, it counts as open.
+    bool isOpen() override { return hasFrame(); }
+
     template <class Kind>
     std::vector<Kind*> all() const {
         std::vector<Kind*> found;
@@ -56,13 +59,8 @@ class MyEditor : public testing::Test {
     Exposed& openWith(const std::string& objects) {
         bench.writeSkin(R"(<background filename="ground.png"/>)" + objects);
         auto& editor = bench.makeEditor<Exposed>();
-        EXPECT_TRUE(editor.open(nowhere()));
+        EXPECT_TRUE(editor.open(nullptr));
         return editor;
-    }
-    /// A host's window as far as the editor can tell; no display knows it.
-    static void* nowhere() {
-        static int window = 0;
-        return &window;
     }
     static std::string taps(const std::string& kind = "ViewTaps") {
         return "<" + kind + R"( x="10.5" y="20" w="300.5" h="100"/>)";
@@ -243,10 +241,21 @@ TEST_F(MyEditor, RebuildsOverlaysAndPictureAtEachOpening) {
     auto& editor = openWith(R"(<knob x="0" y="0" w="10" h="10" id="6"/>)" + taps());
     editor.close();
     bench.effect().values[parameters::kTaps] = 1.0f;
-    ASSERT_TRUE(editor.open(nowhere()));
+    ASSERT_TRUE(editor.open(nullptr));
     EXPECT_EQ(editor.all<CMidiLearn>().size(), 1u);
     ASSERT_EQ(editor.all<ViewTaps>().size(), 1u);
     EXPECT_EQ(words(*editor.all<ViewTaps>()[0])[2], "Taps: 128");
+}
+
+TEST_F(MyEditor, LaysNoOverlaysForAWindowThatNoDisplayKnows) {
+    auto& editor = openWith(R"(<knob x="0" y="0" w="10" h="10" id="6"/>)" + taps());
+    editor.close();
+    int window = 0;
+    EXPECT_FALSE(editor.open(&window));
+    EXPECT_TRUE(editor.controls().empty());
+    editor.updateTapView(1.0f, 0.5f, 1.0f, 44100.0f, gains);
+    editor.idle();
+    editor.close();
 }
 
 TEST_F(MyEditor, GivesAnOverlayTheValueOfItsParameter) {
@@ -301,7 +310,7 @@ TEST_F(MyEditor, ForgetsAtEachOpeningWhoWaitedForAController) {
     ASSERT_TRUE(editor.learn.isArmed());
     editor.close();
     EXPECT_TRUE(editor.learn.isArmed());
-    editor.open(nowhere());
+    editor.open(nullptr);
     EXPECT_FALSE(editor.learn.isArmed());
 }
 

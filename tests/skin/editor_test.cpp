@@ -188,6 +188,24 @@ TEST_F(Editor, StaysOpenInItsOwnEyesAfterItsFirstWindow) {
     EXPECT_TRUE(editor.isOpen());
 }
 
+TEST_F(Editor, AnswersNoForAWindowThatNoDisplayKnows) {
+    auto& editor = openWith(knob(6) + R"(<knob x="nonsense" y="0" w="9" h="9" id="2"/>)");
+    bench.messages.clear();
+    editor.close();
+    int parent = 0;
+    EXPECT_FALSE(editor.open(&parent));
+    EXPECT_TRUE(bench.messages.empty()) << "nobody waits for the rest of the skin";
+    EXPECT_EQ(editor.frame, nullptr);
+    EXPECT_EQ(editor.background, nullptr);
+    EXPECT_EQ(editor.skinLoaded, 1);
+    editor.setParameter(6, 0.5f);
+    editor.queueParameterUpdate(6);
+    editor.idle();
+    editor.close();
+    EXPECT_TRUE(editor.open(nullptr)) << "built unseen";
+    EXPECT_EQ(editor.controls().size(), 1u);
+}
+
 TEST_F(Editor, PutsASecondWindowInPlaceOfTheFirst) {
     auto& editor = openWith(knob(6));
     EXPECT_TRUE(editor.open(nullptr));

@@ -691,6 +691,22 @@ TEST_F(WindowedEditor, OpensNowhereWithoutHarm) {
     serveAll(editor);
 }
 
+TEST_F(WindowedEditor, AnswersNoForAWindowThatIsGone) {
+    auto& editor = show();
+    editor.close();
+    const Window gone = XCreateSimpleWindow(screen().display(), screen().root(), 0, 0, 9, 9, 0, 0, 0);
+    XDestroyWindow(screen().display(), gone);
+    XSync(screen().display(), False);
+    EXPECT_EQ(editor.plugin().dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(gone)), 0);
+    for (int i = 0; i < 5; ++i)
+        editor.serve();
+    editor.plugin().setParameter(kKnob, 0.75f);
+    editor.close();
+    ASSERT_TRUE(editor.open());
+    ASSERT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+    serveAll(editor);
+}
+
 TEST_F(WindowedEditor, ClosesWithAMenuOpen) {
     auto& editor = show();
     for (const unsigned button : {kLeft, kRight}) {

@@ -49,10 +49,12 @@ void ShownEditor::close() {
 }
 
 void ShownEditor::destroyWindow() {
-    if (window_ != None)
+    // Without its server it is gone already.
+    if (window_ != None && screen_.display()) {
         XDestroyWindow(screen_.display(), window_);
+        XSync(screen_.display(), False);
+    }
     window_ = None;
-    XSync(screen_.display(), False);
 }
 
 void ShownEditor::serve() {
