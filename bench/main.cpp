@@ -6,9 +6,11 @@
 #include "bench/suite.h"
 #include "dsp/instruction_set.h"
 #include "platform/display.h"
+#include "platform/host_settings.h"
 #include "platform/measuring.h"
 #include "platform/own_output.h"
 #include "platform/private_folder.h"
+#include "platform/virtual_display.h"
 #include "tools/common/command_line.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -29,9 +31,10 @@ namespace {
 using namespace bench;
 
 constexpr int exitFailure = 2;
+constexpr int kDisplayWidth = 1280, kDisplayHeight = 1024;
 
 struct Options {
-    bool json = false, peers = false, redraw = false;
+    bool json = false, peers = false, window = false, redraw = false;
     std::string only, page;
     std::vector<std::string> sets;
 };
@@ -47,6 +50,8 @@ std::optional<std::string> readOptions(Options& options, int argumentCount, cons
     app.add_option("--instruction-set", options.sets,
                    "sse2, avx2 or avx512; may be given again (default: the best one)");
     app.add_flag("--peers", options.peers, "Compare with Faust, ffmpeg and Csound too");
+    app.add_flag("--window", options.window,
+                 "Time the editor's window too, on an X server that nobody sees (not on the page)");
     app.add_option("--page", options.page,
                    "Keep the figures in this folder and write the page with the plots there");
     app.add_flag("--redraw", options.redraw, "Time nothing, write the page from the figures kept");
@@ -119,7 +124,8 @@ Run measure(const HeldLibrary& held, const Options& options, bool programs, std:
     if (!options.json)
         std::fprintf(output, "%-62s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
                      "other", "times", "which is");
-    runSuite({held.path, held.instructionSet, options.only, options.peers, programs, QUILLON_FAUST_PROGRAMS},
+    runSuite({held.path, held.instructionSet, options.only, options.peers, programs, options.window,
+              QUILLON_FAUST_PROGRAMS},
              [&](const Result& row) {
                  run.results.push_back(row);
                  if (!options.json)
@@ -162,9 +168,14 @@ void run(const Options& options) {
     if (!options.page.empty())
         static_cast<void>(readRuns(kept));
     if (!options.redraw) {
+        // Before this process stays on one processor, where the server would be in its way.
+        std::optional<platform::VirtualDisplay> display;
+        if (options.window)
+            display.emplace(kDisplayWidth, kDisplayHeight);
         platform::stayOnThisProcessor();
         platform::takeLargeBlocksFresh();
         const platform::PrivateFolder privateFolder;
+        platform::keepSettingsIn(privateFolder.path());
         std::vector<Run> runs;
         for (const HeldLibrary& held : librariesFor(options.sets, privateFolder.path())) {
             runs.push_back(measure(held, options, options.peers && runs.empty(), output));

@@ -14,6 +14,7 @@ constexpr char kFaust[] = "faust";       ///< a Faust program in this process; n
 constexpr char kPrograms[] = "programs"; ///< other programs; nanoseconds a sample
 constexpr char kCost[] = "cost";         ///< few taps and many, near and far; nanoseconds a sample
 constexpr char kLimits[] = "limits";     ///< what cannot be avoided, done alone; nanoseconds a sample
+constexpr char kWindow[] = "window";     ///< idle calls of the window; nanoseconds a frame of the host
 } // namespace section
 
 struct Result {

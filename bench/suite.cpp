@@ -7,6 +7,7 @@
 #include "bench/peers/outside_programs.h"
 #include "bench/player.h"
 #include "bench/sound_case.h"
+#include "bench/window.h"
 
 #include <memory>
 
@@ -84,6 +85,8 @@ void runSuite(const SuiteOptions& options, const Take& take) {
         timeFaust(options, take);
     if (options.programs)
         timePrograms(options, take);
+    if (options.window && wants(options, kWindowSituation))
+        take(timeWindow(options.library));
 }
 
 } // namespace bench

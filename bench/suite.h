@@ -14,6 +14,7 @@ struct SuiteOptions {
     std::string only;           ///< the situations whose names contain this; all if empty
     bool faust = false;         ///< whether the Faust programs are timed too
     bool programs = false;      ///< whether ffmpeg and Csound are
+    bool window = false;        ///< whether the editor's window is; this process needs a display then
     std::string faustPrograms;  ///< path of the module with the Faust programs
 };
 

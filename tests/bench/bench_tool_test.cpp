@@ -76,4 +76,17 @@ TEST(Bench, TimesTheSituationsThatAreAskedForAndGivesThemAsJson) {
     }
 }
 
+TEST(Bench, TimesTheWindowUnderAutomationWhenAskedTo) {
+    const ScratchFolder folder;
+    const ToolResult result =
+        runTool(folder, {"--json", "--window", "--only", "idle calls"}, ErrorEnd::file, QUILLON_BENCH);
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const auto rows = nlohmann::json::parse(result.out)[0]["rows"];
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0]["section"], "window");
+    EXPECT_EQ(rows[0]["against"], "itself at rest");
+    EXPECT_GT(rows[0]["effect"].get<double>(), 0.0);
+    EXPECT_GT(rows[0]["other"].get<double>(), 0.0);
+}
+
 } // namespace
