@@ -189,17 +189,28 @@ void ViewTaps::drawText(CDrawContext& context, std::int64_t end) {
     const CCoord y = trunc(trunc(view.bottom - view.top) / 3 + view.top);
     char text[32];
     std::snprintf(text, sizeof text, "%d", loadShared(shownMs));
-    drawCentred(context, text, CRect(x, y, x + 46, y + 14));
-    drawCentred(context, " ms for", CRect(x, y + 14, x + 46, y + 28));
+    drawMeasured(context, 0, text, CRect(x, y, x + 46, y + 14));
+    drawMeasured(context, 1, " ms for", CRect(x, y + 14, x + 46, y + 28));
     std::snprintf(text, sizeof text, "Taps: %d", loadShared(numTaps));
-    drawCentred(context, text, CRect(x, y + 28, x + 46, y + 42));
+    drawMeasured(context, 2, text, CRect(x, y + 28, x + 46, y + 42));
     context.drawRect(CRect(x, y + 43, x + 46, y + 51), VSTGUI::kDrawStroked);
     context.drawRect(CRect(x, y - 9, x + 46, y - 1), VSTGUI::kDrawStroked);
 
-    drawCentred(context,
-                full ? "**** Using maximum memory capacity! ****"
-                     : "**** Quillon Multitap Delay : The 128 Taps Echo, right-click for Help ****",
-                CRect(view.left, view.top, view.right, view.top + 14));
+    drawMeasured(context, 3,
+                 full ? "**** Using maximum memory capacity! ****"
+                      : "**** Quillon Multitap Delay : The 128 Taps Echo, right-click for Help ****",
+                 CRect(view.left, view.top, view.right, view.top + 14));
+}
+
+/// Centred, and measured only when it is another text than last at this place: to measure a text costs as
+/// much as to draw it, and the picture is drawn anew with every change of the pattern.
+void ViewTaps::drawMeasured(CDrawContext& context, std::size_t place, const char* text, const CRect& area) {
+    MeasuredText& measured = measuredTexts[place];
+    if (measured.text != text)
+        measured = {text, context.getStringWidth(text)};
+    CRect rest = area;
+    rest.left = area.left + area.getWidth() / 2. - measured.width / 2.;
+    context.drawString(text, rest, VSTGUI::kLeftText, true);
 }
 
 /// Whether a warning is due; if so, takes its sign away, so that it is given once.

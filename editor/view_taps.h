@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 namespace editor {
 
@@ -53,6 +54,8 @@ class ViewTaps final : public VSTGUI::CControl {
     std::int64_t drawBars(VSTGUI::CDrawContext& context);
     void drawText(VSTGUI::CDrawContext& context, std::int64_t end);
     void drawHelp(VSTGUI::CDrawContext& context) const;
+    void drawMeasured(VSTGUI::CDrawContext& context, std::size_t place, const char* text,
+                      const VSTGUI::CRect& area);
     bool takeWarning();
 
     // Shared with the thread that changes parameters: each is read and written atomically.
@@ -62,6 +65,11 @@ class ViewTaps final : public VSTGUI::CControl {
     std::int32_t shownMs = 0;
     std::int32_t stretched = 1; ///< not 0: bars wide apart
     // The window's own.
+    struct MeasuredText {
+        std::string text;
+        VSTGUI::CCoord width = 0;
+    };
+    std::array<MeasuredText, 4> measuredTexts; ///< what stood at each place of the picture last
     std::int32_t helpPage = 0;
 };
 

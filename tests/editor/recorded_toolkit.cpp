@@ -38,6 +38,8 @@ using namespace VSTGUI;
 
 namespace {
 
+int measuredTexts = 0;
+
 class Device final : public IPlatformGraphicsDevice {
   public:
     PlatformGraphicsDeviceContextPtr createBitmapContext(const PlatformBitmapPtr&) const override {
@@ -146,6 +148,7 @@ class RecordedFont final : public IPlatformFont, public IFontPainter {
             {text, CPoint(start.x, start.y - 1), colour, name_, style_, antialias});
     }
     CCoord getStringWidth(const PlatformGraphicsDeviceContextPtr&, IPlatformString*, bool) const override {
+        ++measuredTexts;
         return 0;
     }
 
@@ -308,7 +311,9 @@ Drawing drawingOf(CView& view) {
     Drawing drawing;
     const auto context =
         makeOwned<CDrawContext>(std::make_shared<Recorder>(drawing), CRect(-9999, -9999, 9999, 9999), 1);
+    measuredTexts = 0;
     view.draw(context);
+    drawing.textsMeasured = measuredTexts;
     return drawing;
 }
 

@@ -46,6 +46,7 @@ struct Drawing {
     std::vector<std::string> order;
     VSTGUI::CColor frameColour; ///< as it was left
     VSTGUI::CColor fillColour;  ///< as it was left
+    int textsMeasured = 0;      ///< how often the width of a text was asked for
 
     std::vector<std::string> words() const;
 };

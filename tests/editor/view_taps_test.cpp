@@ -272,6 +272,13 @@ TEST_F(TapView, DrawsAllTextInSmallSmoothArial) {
     expectFont();
 }
 
+TEST_F(TapView, MeasuresOnlyTheTextsThatHaveChanged) {
+    EXPECT_EQ(draw({.taps = 20}).textsMeasured, 4);
+    EXPECT_EQ(draw({.taps = 20, .stretch = 0.7f}).textsMeasured, 0);
+    EXPECT_EQ(draw({.taps = 21}).textsMeasured, 1);
+    EXPECT_EQ(draw({.taps = 21, .milliseconds = -2282}).textsMeasured, 1) << "the warning has another banner";
+}
+
 TEST_F(TapView, StandsAtATruncatedPlaceWithAFraction) {
     place(CRect(20.75, 30.75, 320.75, 125.75));
     const Drawing drawing = draw({.taps = 1});
