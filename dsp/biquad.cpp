@@ -1,24 +1,8 @@
 #include "dsp/biquad.h"
 
-#include "parameters/shared_field.h"
-
 #include <cmath>
 
 namespace dsp {
-
-void Biquad::setCoefficients(const BiquadCoefficients& designed) {
-    parameters::storeShared(coefficients.b0, designed.b0);
-    parameters::storeShared(coefficients.b1, designed.b1);
-    parameters::storeShared(coefficients.b2, designed.b2);
-    parameters::storeShared(coefficients.a1, designed.a1);
-    parameters::storeShared(coefficients.a2, designed.a2);
-}
-
-BiquadCoefficients Biquad::loadCoefficients() const {
-    return {parameters::loadShared(coefficients.b0), parameters::loadShared(coefficients.b1),
-            parameters::loadShared(coefficients.b2), parameters::loadShared(coefficients.a1),
-            parameters::loadShared(coefficients.a2)};
-}
 
 void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q) {
     const double w = frequency * 6.283185307179586 / sampleRate;
@@ -33,7 +17,7 @@ void designBiquad(Biquad& filter, BiquadType type, double frequency, double samp
     const double a2 = 1.0 - alpha;
     const double scale = 1.0 / a0;
     const auto rounded = [scale](double value) { return static_cast<float>(value * scale); };
-    filter.setCoefficients({rounded(b0), rounded(b1), rounded(b0), rounded(a1), rounded(a2)});
+    filter.coefficients.publish({rounded(b0), rounded(b1), rounded(b0), rounded(a1), rounded(a2)});
 }
 
 } // namespace dsp

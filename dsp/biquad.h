@@ -1,16 +1,13 @@
 // The two filters in front of the delay memory.
 #pragma once
 
+#include "dsp/shared_coefficients.h"
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
 
 namespace dsp {
-
-/// Five coefficients of a second-order filter, as the loop uses them.
-struct BiquadCoefficients {
-    float b0 = 0.0f, b1 = 0.0f, b2 = 0.0f, a1 = 0.0f, a2 = 0.0f;
-};
 
 /// The last outputs and inputs of a second-order filter in direct form I. Audio thread.
 struct BiquadState {
@@ -102,20 +99,15 @@ class QuietBiquad {
 
 /// A second-order filter.
 struct Biquad {
-    BiquadCoefficients coefficients; ///< shared
-    BiquadState state;               ///< audio thread
-
-    /// Puts new coefficients in place while audio may run. The state goes on. Any thread.
-    void setCoefficients(const BiquadCoefficients& designed);
-    /// The coefficients at this moment. Any thread.
-    BiquadCoefficients loadCoefficients() const;
+    SharedCoefficients coefficients;
+    BiquadState state; ///< audio thread
 };
 
 enum class BiquadType { lowPass = 0, highPass = 1 };
 
-/// Designs by the well-known bilinear recipes, in double, and stores the result in the filter. `frequency`
-/// and `sampleRate` in Hz; nothing is clamped, so a frequency above half the rate gives a filter that grows.
-/// Any thread.
+/// Designs by the well-known bilinear recipes, in double, and publishes the result; the state goes on.
+/// `frequency` and `sampleRate` in Hz; nothing is clamped, so a frequency above half the rate gives a filter
+/// that grows. Any thread.
 void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q);
 
 } // namespace dsp

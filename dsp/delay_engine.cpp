@@ -28,8 +28,8 @@ void DelayEngine::startUp() {
     parameters::storeShared(lfo.rate, 2.0f);
     designBiquad(preLowPass, BiquadType::lowPass, 8000.0, 44100.0, kResonanceOnPrepare);
     // A high-pass at 400 Hz and 44100 Hz.
-    preHighPass.setCoefficients({0.9125569462776184f, -1.8251138925552368f, 0.9125569462776184f,
-                                 -1.8236311674118042f, 0.8265966176986694f});
+    preHighPass.coefficients.publish({0.9125569462776184f, -1.8251138925552368f, 0.9125569462776184f,
+                                      -1.8236311674118042f, 0.8265966176986694f});
     dcBlockLeft.setSampleRate(44100.0f);
     dcBlockRight.setSampleRate(44100.0f);
     parameters::storeShared(fadeBlockCount, 0);

@@ -157,8 +157,8 @@ void DelayEngine::readControls() {
     controls.lfoStep = lfo.step();
     controls.dcRadiansLeft = parameters::loadShared(dcBlockLeft.radiansPerSample);
     controls.dcRadiansRight = parameters::loadShared(dcBlockRight.radiansPerSample);
-    controls.lowPass = preLowPass.loadCoefficients();
-    controls.highPass = preHighPass.loadCoefficients();
+    preLowPass.coefficients.load(controls.lowPass);
+    preHighPass.coefficients.load(controls.highPass);
 }
 
 void DelayEngine::smoothParameters(std::int32_t frames) {

@@ -12,7 +12,7 @@
 //   tap times, gains, count,     computeTapPattern (any thread), entry   the audio loop, once a sub-block
 //   read mode, sweep's rate      by entry, in place
 //   filter coefficients          setParameter, setProgram, resume,       the audio loop, once a sub-block
-//                                setSampleRate
+//                                setSampleRate; as one whole set
 //   fadeArmed, fadeBlockCount    setParameter, resume; the audio loop    the audio loop, once a block
 //   the request to clear         setProgram, resume, setSampleRate       the audio loop, which carries it out
 //   the controller map           the constructor, an editor's menu       processEvents

@@ -35,7 +35,9 @@ class QuietFilter : public testing::Test {
         const double frequency = std::exp2(static_cast<double>(between(2.0f, 14.5f)));
         designBiquad(filter, below(2) ? BiquadType::lowPass : BiquadType::highPass, frequency, 48000.0,
                      static_cast<double>(between(0.2f, 5.0f)));
-        return filter.loadCoefficients();
+        BiquadCoefficients coefficients;
+        filter.coefficients.load(coefficients);
+        return coefficients;
     }
     BiquadCoefficients any() {
         return {between(-4.0f, 4.0f), between(-4.0f, 4.0f), between(-4.0f, 4.0f), between(-4.0f, 4.0f),

@@ -3,6 +3,7 @@
 // atomic accesses.
 #include "support/plugin_folder.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cmath>
@@ -20,6 +21,7 @@ using namespace vst2;
 using namespace conversation;
 
 constexpr std::int32_t kLongestBlock = 256;
+constexpr int kTurns = 3000000;
 
 /// Its own random numbers for each thread.
 class Chance {
@@ -77,8 +79,10 @@ class HostThreads : public QuietPlugin {
             beforeBlock(chance);
             const std::int32_t frames = chance.number(0, kLongestBlock);
             plugin->process(inputs, outputs, frames);
-            for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i)
+            for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
                 notFinite += !std::isfinite(outLeft[i]) + !std::isfinite(outRight[i]);
+                loudest = std::max({loudest, std::fabs(outLeft[i]), std::fabs(outRight[i])});
+            }
             blocksPlayed.fetch_add(1, std::memory_order_relaxed);
         }
     }
@@ -115,6 +119,7 @@ class HostThreads : public QuietPlugin {
 
     std::unique_ptr<host::Plugin> plugin;
     int notFinite = 0;
+    float loudest = 0.0f;
     std::atomic<int> blocksPlayed = 0;
 };
 
@@ -129,6 +134,27 @@ TEST_F(HostThreads, MayAutomateWhileAudioRunsAndTheSoundStaysFinite) {
               [this] { watchParameters(8000); }});
     EXPECT_EQ(notFinite, 0);
     EXPECT_EQ(blocksPlayed, 1500);
+}
+
+TEST_F(HostThreads, MayTurnTheFiltersInAStormAndTheSoundStaysFinite) {
+    // A filter of two settings' coefficients can be an unstable one: it would grow within a sub-block.
+    plugin->setParameter(kBaseLength, 0.05f);
+    plugin->setParameter(kTaps, 0.02f);
+    plugin->setParameter(kFeedback, 0.5f);
+    std::atomic<int> turning = 2;
+    const auto turn = [&](std::uint32_t seed) {
+        Chance chance(seed);
+        for (int i = 0; i < kTurns; ++i)
+            plugin->setParameter(chance.number(0, 9) == 0 ? kPreHighPass : kPreLowPass, chance.value());
+        --turning;
+    };
+    together({[&] {
+                  while (turning > 0)
+                      playAudio(100, [](Chance&) {});
+              },
+              [&] { turn(2); }, [&] { turn(3); }});
+    EXPECT_EQ(notFinite, 0);
+    EXPECT_LT(loudest, 100.0f);
 }
 
 TEST_F(HostThreads, MaySaveTheStateWhileAudioAndAutomationRun) {

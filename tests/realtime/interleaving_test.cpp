@@ -1,0 +1,143 @@
+// Two threads change the same thing, in every order that their instructions can take. A moment's mixture may
+// be heard, but it must not outlive the two: afterwards the engine sounds as the parameters say.
+#include "interleaving.h"
+
+#include "dsp/delay_engine.h"
+#include "platform/message_box.h"
+#include "platform/private_folder.h"
+#include "plugin/velmo_delay.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace realtime {
+namespace {
+
+using namespace parameters;
+
+constexpr float kRate = 44100.0f;
+
+/// A work that each attempt starts anew.
+using Work = std::function<void()>;
+
+/// More places than this are not all tried, but some of them at random.
+constexpr std::int64_t kMostPlaces = 400;
+
+class Orders {
+  public:
+    /// `prepare` sets the stage for each attempt; `check` says, and reports with a text that names the
+    /// attempt, whether it ended well.
+    Orders(Work prepare, Work first, Work second, std::function<bool(const std::string&)> check)
+        : prepare_(std::move(prepare)), first_(std::move(first)), second_(std::move(second)),
+          check_(std::move(check)) {
+        // Once without a count: the loader looks functions up at their first call.
+        prepare_();
+        first_();
+        second_();
+        firstLength_ = lengthOf(first_);
+        secondLength_ = lengthOf(second_);
+    }
+
+    /// Tries the second work at each instruction of the first, or at many of them, and then some orders in
+    /// which each interrupts the other. Until one ends badly.
+    void tryAll() {
+        ASSERT_GT(firstLength_, 4);
+        ASSERT_GT(secondLength_, 4);
+        const bool tooMany = firstLength_ > kMostPlaces;
+        for (std::int64_t i = 1; i < std::min(firstLength_, kMostPlaces) && isGood_; ++i)
+            attempt(tooMany ? placeIn(firstLength_) : i, kToTheEnd);
+        for (int i = 0; i < 250 && isGood_; ++i)
+            attempt(placeIn(firstLength_), placeIn(secondLength_));
+    }
+
+  private:
+    std::int64_t lengthOf(const Work& work) {
+        prepare_();
+        return countInstructions(work);
+    }
+    std::int64_t placeIn(std::int64_t length) {
+        return std::uniform_int_distribution<std::int64_t>(1, length - 1)(random_);
+    }
+    void attempt(std::int64_t firstSteps, std::int64_t secondSteps) {
+        prepare_();
+        interleave(first_, firstSteps, second_, secondSteps);
+        isGood_ = check_("after " + std::to_string(firstSteps) + " instructions of the first and " +
+                         (secondSteps == kToTheEnd ? "all" : std::to_string(secondSteps)) + " of the second");
+    }
+
+    Work prepare_, first_, second_;
+    std::function<bool(const std::string&)> check_;
+    std::int64_t firstLength_ = 0, secondLength_ = 0;
+    bool isGood_ = true;
+    std::mt19937_64 random_{1};
+};
+
+void tryAllOrders(Work prepare, Work first, Work second, std::function<bool(const std::string&)> check) {
+    Orders(std::move(prepare), std::move(first), std::move(second), std::move(check)).tryAll();
+}
+
+// --- A filter's coefficients ---
+
+constexpr dsp::BiquadCoefficients kOld = {1, 2, 3, 4, 5}, kOne = {11, 12, 13, 14, 15},
+                                  kOther = {21, 22, 23, 24, 25};
+
+bool operator==(const dsp::BiquadCoefficients& a, const dsp::BiquadCoefficients& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+std::string textOf(const dsp::BiquadCoefficients& c) {
+    return std::to_string(c.b0) + " " + std::to_string(c.b1) + " " + std::to_string(c.b2) + " " +
+           std::to_string(c.a1) + " " + std::to_string(c.a2);
+}
+
+class Coefficients : public testing::Test {
+  protected:
+    void start() {
+        shared.publish(kOld);
+        read();
+    }
+    /// As the loop reads them: into what it had before.
+    void read() { shared.load(seen); }
+    bool seenIsOneOf(const std::string& when, const std::vector<dsp::BiquadCoefficients>& whole) {
+        const bool good = std::any_of(whole.begin(), whole.end(), [&](const auto& c) { return c == seen; });
+        EXPECT_TRUE(good) << textOf(seen) << " " << when;
+        return good;
+    }
+
+    dsp::SharedCoefficients shared;
+    dsp::BiquadCoefficients seen;
+};
+
+TEST_F(Coefficients, ReachTheLoopAsOneSetWhereverItsReadingIsInterrupted) {
+    tryAllOrders([this] { start(); }, [this] { read(); }, [this] { shared.publish(kOne); },
+                 [this](const std::string& when) {
+                     return seenIsOneOf(when, {kOld, kOne});
+                 });
+}
+
+TEST_F(Coefficients, ReachTheLoopAsOneSetWhereverTheirWritingIsInterrupted) {
+    tryAllOrders([this] { start(); }, [this] { shared.publish(kOne); }, [this] { read(); },
+                 [this](const std::string& when) {
+                     return seenIsOneOf(when, {kOld, kOne});
+                 });
+}
+
+TEST_F(Coefficients, AreOneWholeSetAfterTwoWriters) {
+    tryAllOrders([this] { start(); }, [this] { shared.publish(kOne); }, [this] { shared.publish(kOther); },
+                 [this](const std::string& when) {
+                     read();
+                     return seenIsOneOf(when, {kOne, kOther});
+                 });
+}
+
+} // namespace
+} // namespace realtime
