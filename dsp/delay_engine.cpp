@@ -1,8 +1,5 @@
 #include "dsp/delay_engine.h"
 
-#include "parameters/truncation.h"
-
-#include <algorithm>
 #include <bit>
 
 namespace dsp {
@@ -44,8 +41,7 @@ void DelayEngine::computeTapPattern(float sampleRate) {
     const std::int32_t mode = interpolationModeOf(parameterValue(kSet));
     parameters::storeShared(delay.interpMode,
                             mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
-    const float ampDecay = std::min(parameterValue(kAmpDecay), 0.99999f);
-    setParameterValue(kAmpDecay, ampDecay);
+    const float ampDecay = limitShared(params[kAmpDecay], 0.99999f);
     renewPattern({parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
                   parameterValue(kCurve)},
                  sampleRate);

@@ -3,6 +3,7 @@
 // store, which costs what a plain one costs.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 
 namespace parameters {
@@ -17,6 +18,16 @@ T loadShared(const T& field) {
 template <class T>
 void storeShared(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+/// Lowers a field to `limit`, unless another thread changes it at this very moment: then its value stays.
+/// Gives the field's value, limited. Any thread.
+template <class T>
+T limitShared(T& field, T limit) {
+    T value = loadShared(field);
+    if (limit < value)
+        std::atomic_ref<T>(field).compare_exchange_strong(value, limit, std::memory_order_acq_rel);
+    return std::min(value, limit);
 }
 
 } // namespace parameters

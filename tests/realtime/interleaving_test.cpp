@@ -139,5 +139,80 @@ TEST_F(Coefficients, AreOneWholeSetAfterTwoWriters) {
                  });
 }
 
+// --- The engine ---
+
+class Engine : public testing::Test {
+  protected:
+    Engine() {
+        for (dsp::DelayEngine* engine : {raced.get(), expected.get()}) {
+            engine->startUp();
+            engine->prepare(kRate);
+            for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
+                engine->setParameterValue(id, 0.5f);
+            engine->setParameterValue(kBaseLength, 0.02f);
+            engine->setParameterValue(kTaps, 0.012f); // two taps: short works
+            renewAll(*engine);
+        }
+        for (int block = 0; block < 100; ++block)
+            EXPECT_TRUE(soundsAsItsParametersSay("at rest"));
+    }
+
+    static void renewAll(dsp::DelayEngine& engine) {
+        engine.computeTapPattern(kRate);
+        engine.designLowPassOnChange(kRate);
+        engine.designHighPassOnChange(kRate);
+    }
+
+    /// What the effect does with the engine when a parameter is set.
+    void change(std::int32_t id, float value) {
+        raced->setParameterValue(id, value);
+        raced->computeTapPattern(kRate);
+        if (id == kPreLowPass)
+            raced->designLowPassOnChange(kRate);
+        if (id == kPreHighPass)
+            raced->designHighPassOnChange(kRate);
+    }
+
+    /// Plays some noise, and the same through an engine that nobody disturbed.
+    bool soundsAsItsParametersSay(const std::string& when) {
+        for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
+            expected->setParameterValue(id, raced->parameterValue(id));
+        renewAll(*expected);
+        std::array<float, kFrames> left, right;
+        for (float& sample : left)
+            sample = static_cast<float>(random_() >> 40) * 0x1p-24f - 0.5f;
+        for (float& sample : right)
+            sample = static_cast<float>(random_() >> 40) * 0x1p-24f - 0.5f;
+        const float* const inputs[] = {left.data(), right.data()};
+        std::array<float, kFrames> left1, right1, left2, right2;
+        float *const ours[] = {left1.data(), right1.data()}, *const theirs[] = {left2.data(), right2.data()};
+        raced->processReplacing(inputs, ours, kFrames);
+        expected->processReplacing(inputs, theirs, kFrames);
+        const bool good = std::memcmp(left1.data(), left2.data(), sizeof left1) == 0 &&
+                          std::memcmp(right1.data(), right2.data(), sizeof right1) == 0;
+        EXPECT_TRUE(good) << when;
+        return good;
+    }
+
+    static constexpr std::int32_t kFrames = 128;
+    std::unique_ptr<dsp::DelayEngine> raced = std::make_unique<dsp::DelayEngine>();
+    std::unique_ptr<dsp::DelayEngine> expected = std::make_unique<dsp::DelayEngine>();
+
+  private:
+    std::mt19937_64 random_{7};
+};
+
+TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
+    for (const float before : {0.25f, 1.0f})
+        for (const float set : {0.75f, 1.0f})
+            tryAllOrders([&, this] { change(kAmpDecay, before); }, [this] { change(kFeedback, 0.5f); },
+                         [&, this] { change(kAmpDecay, set); },
+                         [&, this](const std::string& when) {
+                             const float limited = std::min(set, 0.99999f);
+                             EXPECT_EQ(raced->parameterValue(kAmpDecay), limited) << when;
+                             return !HasFailure();
+                         });
+}
+
 } // namespace
 } // namespace realtime
