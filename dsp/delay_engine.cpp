@@ -1,5 +1,7 @@
 #include "dsp/delay_engine.h"
 
+#include "parameters/recompute.h"
+
 #include <bit>
 
 namespace dsp {
@@ -8,18 +10,20 @@ using namespace parameters;
 
 namespace {
 
-// The filters follow one law when their parameter is set and another when the effect is turned on or the rate
-// changes. Old projects sound the way they do because of it.
 constexpr double kResonanceOnChange = 1.0;
 constexpr double kResonanceOnPrepare = 0.3;
+
+PatternRecord::Key keyOf(const PatternSettings& settings) {
+    return std::bit_cast<PatternRecord::Key>(settings);
+}
 
 } // namespace
 
 void DelayEngine::startUp() {
     params.fill(0.0f);
-    static_cast<void>(patternRecord.begin());
+    const PatternRecord::Rewrite rewrite = patternRecord.begin();
     pattern = TapPattern{};
-    patternRecord.endOther();
+    patternRecord.endOther(rewrite);
     delay.clearDelayMemory();
     lfo.setSampleRate(44100.0f);
     parameters::storeShared(lfo.rate, 2.0f);
@@ -34,47 +38,68 @@ void DelayEngine::startUp() {
     feedbackPath.fbSample = 0.0f;
 }
 
-void DelayEngine::computeTapPattern(float sampleRate) {
-    const float lfoRate = parameterValue(kLfoRate);
-    parameters::storeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate);
-    // A "Set" outside its range may ask for a mode that does not exist; it is read as cubic then.
-    const std::int32_t mode = interpolationModeOf(parameterValue(kSet));
-    parameters::storeShared(delay.interpMode,
-                            mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
+void DelayEngine::computeTapPattern(const float& sampleRate) {
+    computeFrom([this] { return parameterValue(kLfoRate); },
+                [this](float lfoRate) { exchangeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate); });
+    computeFrom([this] { return parameterValue(kSet); },
+                [this](float set) {
+                    // A "Set" outside its range may ask for a mode that does not exist; it is read as cubic
+                    // then.
+                    const std::int32_t mode = interpolationModeOf(set);
+                    exchangeShared(delay.interpMode,
+                                   mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
+                });
+    renewPattern(sampleRate);
+}
+
+PatternSettings DelayEngine::patternSettings(const float& sampleRate) {
     const float ampDecay = limitShared(params[kAmpDecay], 0.99999f);
-    renewPattern({parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
-                  parameterValue(kCurve)},
+    return {{parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
+             parameterValue(kCurve)},
+            loadShared(sampleRate)};
+}
+
+void DelayEngine::renewPattern(const float& sampleRate) {
+    for (int computations = 0; computations < kMostComputations; ++computations) {
+        const PatternSettings settings = patternSettings(sampleRate);
+        if (patternRecord.holds(keyOf(settings)))
+            return;
+        const PatternRecord::Rewrite rewrite = patternRecord.begin();
+        computeTaps(pattern, settings.parameters, settings.sampleRate);
+        if (patternRecord.endComputed(rewrite, keyOf(settings)) == PatternRecord::Outcome::unfinished)
+            return;
+    }
+}
+
+/// The present pattern with all its times at zero.
+void DelayEngine::collapsePattern(const float& sampleRate) {
+    for (int computations = 0; computations < kMostComputations; ++computations) {
+        const PatternSettings settings = patternSettings(sampleRate);
+        const PatternRecord::Rewrite rewrite = patternRecord.begin();
+        computeTaps(pattern, settings.parameters, settings.sampleRate);
+        for (float& time : pattern.tapTimeTarget)
+            storeShared(time, 0.0f);
+        const PatternRecord::Outcome outcome = patternRecord.endOther(rewrite);
+        const bool isPresent = sameBits(settings, patternSettings(sampleRate));
+        if (outcome == PatternRecord::Outcome::unfinished ||
+            (outcome == PatternRecord::Outcome::whole && isPresent))
+            return;
+    }
+}
+
+void DelayEngine::prepare(const float& sampleRate) {
+    computeFrom([&] { return loadShared(sampleRate); },
+                [this](float rate) {
+                    lfo.setSampleRate(rate);
+                    dcBlockLeft.setSampleRate(rate);
+                    dcBlockRight.setSampleRate(rate);
+                });
+    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, 18000.0f, 500.0f, kResonanceOnPrepare},
                  sampleRate);
-}
-
-void DelayEngine::renewPattern(const PatternParameters& values, float sampleRate) {
-    const PatternRecord::Key key = {
-        std::bit_cast<std::uint32_t>(values.baseLength), std::bit_cast<std::uint32_t>(values.taps),
-        std::bit_cast<std::uint32_t>(values.stretch),    std::bit_cast<std::uint32_t>(values.ampDecay),
-        std::bit_cast<std::uint32_t>(values.curve),      std::bit_cast<std::uint32_t>(sampleRate)};
-    if (patternRecord.holds(key))
-        return;
-    const PatternRecord::Rewrite rewrite = patternRecord.begin();
-    computeTaps(pattern, values, sampleRate);
-    patternRecord.endComputed(rewrite, key);
-}
-
-void DelayEngine::prepare(float sampleRate) {
-    lfo.setSampleRate(sampleRate);
-    const float lowPass = parameterValue(kPreLowPass);
-    const float highPass = parameterValue(kPreHighPass);
-    designBiquad(preLowPass, BiquadType::lowPass, static_cast<double>(lowPass * 18000.0f * lowPass + 500.0f),
-                 static_cast<double>(sampleRate), kResonanceOnPrepare);
-    designBiquad(preHighPass, BiquadType::highPass,
-                 static_cast<double>(highPass * 2400.0f * highPass + 210.0f), static_cast<double>(sampleRate),
-                 kResonanceOnPrepare);
-    dcBlockLeft.setSampleRate(sampleRate);
-    dcBlockRight.setSampleRate(sampleRate);
+    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, 2400.0f, 210.0f, kResonanceOnPrepare},
+                 sampleRate);
     computeTapPattern(sampleRate);
-    static_cast<void>(patternRecord.begin());
-    for (float& time : pattern.tapTimeTarget)
-        parameters::storeShared(time, 0.0f);
-    patternRecord.endOther();
+    collapsePattern(sampleRate);
     parameters::storeShared(fadeBlockCount, 0);
     clearDelayMemory();
 }
@@ -85,16 +110,28 @@ void DelayEngine::armFade() {
     parameters::storeShared(fadeArmed, std::uint8_t{1});
 }
 
-void DelayEngine::designLowPassOnChange(float sampleRate) {
-    const float p = parameterValue(kPreLowPass);
-    designBiquad(preLowPass, BiquadType::lowPass, static_cast<double>(p * 20090.0f * p + 500.0f),
-                 static_cast<double>(sampleRate), kResonanceOnChange);
+// The filters follow one law when their parameter is set and another when the effect is turned on or the rate
+// changes. Old projects sound the way they do because of it.
+void DelayEngine::designLowPassOnChange(const float& sampleRate) {
+    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, 20090.0f, 500.0f, kResonanceOnChange},
+                 sampleRate);
 }
 
-void DelayEngine::designHighPassOnChange(float sampleRate) {
-    const float p = parameterValue(kPreHighPass);
-    designBiquad(preHighPass, BiquadType::highPass, static_cast<double>(p * 2400.0f * p + 102.0f),
-                 static_cast<double>(sampleRate), kResonanceOnChange);
+void DelayEngine::designHighPassOnChange(const float& sampleRate) {
+    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, 2400.0f, 102.0f, kResonanceOnChange},
+                 sampleRate);
+}
+
+void DelayEngine::designFilter(Biquad& filter, const FilterLaw& law, const float& sampleRate) {
+    computeFrom(
+        [&] {
+            return std::array{parameterValue(law.id), loadShared(sampleRate)};
+        },
+        [&](const std::array<float, 2>& seen) {
+            const auto [p, rate] = seen;
+            designBiquad(filter, law.type, static_cast<double>(p * law.span * p + law.lowest),
+                         static_cast<double>(rate), law.resonance);
+        });
 }
 
 } // namespace dsp

@@ -2,8 +2,10 @@
 // feedback loop and a sweep. Stereo in, stereo out.
 //
 // What may be called when: functions marked "any thread" may be called while the audio thread is inside
-// processReplacing. They write shared fields by relaxed stores and never touch what belongs to the audio
-// thread. The object is a little over 16 MiB and belongs on the heap.
+// processReplacing, and several at once. They write shared fields atomically and never touch what belongs to
+// the audio thread. Those that compute something look at the parameters again afterwards, so that what stands
+// in the end follows from the parameters that stand in the end; a sample rate is therefore a shared field
+// too, given by reference. The object is a little over 16 MiB and belongs on the heap.
 #pragma once
 
 #include "dsp/biquad.h"
@@ -34,13 +36,12 @@ class DelayEngine {
     }
     /// Any thread. The value is taken as it is; computeTapPattern brings it into the pattern.
     void setParameterValue(std::int32_t id, float value) {
-        parameters::storeShared(params[static_cast<std::size_t>(id)], value);
+        parameters::exchangeShared(params[static_cast<std::size_t>(id)], value);
     }
 
     /// Renews tap times and gains, the read mode and the sweep's rate from the parameters, as far as they are
-    /// not up to date. Limits the live
-    /// "Amp Decay" to just under 1. `sampleRate` in Hz. Any thread.
-    void computeTapPattern(float sampleRate);
+    /// not up to date. Limits the live "Amp Decay" to just under 1. `sampleRate` in Hz. Any thread.
+    void computeTapPattern(const float& sampleRate);
 
     /// Forgets every echo. Any thread.
     void clearDelayMemory() { delay.clearDelayMemory(); }
@@ -48,15 +49,15 @@ class DelayEngine {
     /// Prepares for a sample rate, in Hz, and forgets every echo. The tap times are zero afterwards: all taps
     /// sit on the write position until the next computeTapPattern. Filters, feedback, glides and the sweep's
     /// phase go on from where they were. Any thread.
-    void prepare(float sampleRate);
+    void prepare(const float& sampleRate);
 
     /// Masks the jump of the taps that a new pattern brings in the whole-sample mode: the wet signal fades in
     /// and out for the next four blocks. Any thread.
     void armFade();
 
     /// Redesign one input filter from its parameter, by the law for a value that was just set. Any thread.
-    void designLowPassOnChange(float sampleRate);
-    void designHighPassOnChange(float sampleRate);
+    void designLowPassOnChange(const float& sampleRate);
+    void designHighPassOnChange(const float& sampleRate);
 
     /// Renders one block: 2 channels x `sampleFrames` in, the same out. Buffers may be the same, also
     /// crossed. Any length; below 1 only the fade's counting takes place. Audio thread. Allocates nothing,
@@ -113,7 +114,18 @@ class DelayEngine {
         float first, last;
     };
 
-    void renewPattern(const PatternParameters& values, float sampleRate);
+    /// How an input filter follows from its parameter p: frequency p * span * p + lowest, in Hz.
+    struct FilterLaw {
+        BiquadType type;
+        std::int32_t id;
+        float span, lowest;
+        double resonance;
+    };
+
+    void designFilter(Biquad& filter, const FilterLaw& law, const float& sampleRate);
+    PatternSettings patternSettings(const float& sampleRate);
+    void renewPattern(const float& sampleRate);
+    void collapsePattern(const float& sampleRate);
     Fade beginBlock(std::int32_t sampleFrames);
     void readControls();
     void readPattern();

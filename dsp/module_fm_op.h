@@ -17,7 +17,7 @@ struct ModuleFMop {
     float ratio = 1.0f, ratioFine = 1.0f; ///< multiply the rate; nothing drives them
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { parameters::storeShared(sampleTime, 1.0f / sampleRate); }
+    void setSampleRate(float sampleRate) { parameters::exchangeShared(sampleTime, 1.0f / sampleRate); }
 
     /// Phase advance of one sample, in cycles. Any thread.
     float step() const {

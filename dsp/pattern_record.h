@@ -2,7 +2,8 @@
 // part in the pattern costs no exponentials.
 //
 // Any thread may rewrite the tables at any time and nobody waits. Two that do so at once leave a mixture,
-// which is no pattern of anybody's: the record then holds nothing, and whoever comes next computes afresh.
+// which is no pattern of anybody's: the record then holds nothing, and the one that ends last is told to
+// compute again. Every rewrite begins and ends in a read-modify-write, as parameters/recompute.h asks for.
 #pragma once
 
 #include <array>
@@ -22,9 +23,17 @@ class PatternRecord {
         bool alone; ///< all earlier ones had ended
     };
 
-    /// Whether the tables stand as they were computed from `key`. Any thread.
-    bool holds(const Key& key) const {
-        const std::uint32_t number = begun.load();
+    /// How the tables stand at the end of a rewrite.
+    enum class Outcome {
+        whole,      ///< nobody else wrote meanwhile
+        unfinished, ///< somebody still writes, and is told of the mixture at the end
+        mixed       ///< somebody else wrote meanwhile and all have ended: compute again
+    };
+
+    /// Whether the tables stand as they were computed from `key`. Whoever rewrites them later sees what the
+    /// caller stored before. Any thread.
+    bool holds(const Key& key) {
+        const std::uint32_t number = begun.fetch_add(0);
         if (valid.load() != number)
             return false;
         for (std::size_t i = 0; i < key.size(); ++i)
@@ -40,17 +49,23 @@ class PatternRecord {
     }
 
     /// The tables were computed from `key`. Any thread.
-    void endComputed(const Rewrite& rewrite, const Key& key) {
-        if (rewrite.alone && begun.load() == rewrite.number) {
+    Outcome endComputed(const Rewrite& rewrite, const Key& key) {
+        if (isAlone(rewrite)) {
             for (std::size_t i = 0; i < key.size(); ++i)
                 computedFrom[i].store(key[i]);
             valid.store(rewrite.number);
         }
-        ended.fetch_add(1);
+        return endOther(rewrite);
     }
 
     /// The tables hold something else now. Any thread.
-    void endOther() { ended.fetch_add(1); }
+    Outcome endOther(const Rewrite& rewrite) {
+        const bool alone = isAlone(rewrite);
+        const std::uint32_t finished = ended.fetch_add(1) + 1;
+        if (alone)
+            return Outcome::whole;
+        return finished == begun.load() ? Outcome::mixed : Outcome::unfinished;
+    }
 
     /// No edition of the tables.
     static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
@@ -63,6 +78,8 @@ class PatternRecord {
     }
 
   private:
+    bool isAlone(const Rewrite& rewrite) const { return rewrite.alone && begun.load() == rewrite.number; }
+
     std::atomic<std::uint32_t> begun = 0;     ///< rewrites so far
     std::atomic<std::uint32_t> ended = 0;     ///< of these
     std::atomic<std::uint32_t> valid = kNone; ///< the last rewrite that nobody disturbed

@@ -153,7 +153,7 @@ void DelayEngine::readControls() {
     controls.prePan = parameterValue(kPrePan);
     controls.feedback = feedbackFactor(parameterValue(kFeedback));
     // Audio that runs always runs at full input gain, and the host is shown so.
-    setParameterValue(kPreGain, 1.0f);
+    parameters::storeShared(params[kPreGain], 1.0f);
     controls.lfoStep = lfo.step();
     controls.dcRadiansLeft = parameters::loadShared(dcBlockLeft.radiansPerSample);
     controls.dcRadiansRight = parameters::loadShared(dcBlockRight.radiansPerSample);

@@ -30,6 +30,12 @@ struct PatternParameters {
     float baseLength, taps, stretch, ampDecay, curve;
 };
 
+/// All that a pattern follows from; the rate in Hz.
+struct PatternSettings {
+    PatternParameters parameters;
+    float sampleRate;
+};
+
 /// Computes all taps and stores them. `ampDecay` must be below 1. Any thread; audio may run.
 void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate);
 

@@ -1,6 +1,7 @@
 // Fields that one thread writes while another reads. There is no lock on the audio path and none may be
 // added: a shared field is a plain 32-bit value (or a byte), and each access is one relaxed atomic load or
-// store, which costs what a plain one costs.
+// store, which costs what a plain one costs. Only what several threads compute at once is stored in an order
+// (parameters/recompute.h).
 #pragma once
 
 #include <algorithm>
@@ -18,6 +19,12 @@ T loadShared(const T& field) {
 template <class T>
 void storeShared(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+/// As storeShared, but whoever exchanges the same field later sees all that was stored before. Any thread.
+template <class T>
+void exchangeShared(T& field, T value) {
+    std::atomic_ref<T>(field).exchange(value, std::memory_order_acq_rel);
 }
 
 /// Lowers a field to `limit`, unless another thread changes it at this very moment: then its value stays.

@@ -4,6 +4,7 @@
 #include "midi/cc_map.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_table.h"
+#include "parameters/recompute.h"
 #include "platform/large_pages.h"
 #include "platform/module_folder.h"
 
@@ -87,13 +88,13 @@ void velmo_delay::loadDefaultBank() {
 }
 
 void velmo_delay::resume() {
-    engine.prepare(rate());
+    engine.prepare(sampleRate);
     setParameter(-1, 0.0f);
 }
 
 void velmo_delay::setSampleRate(float newRate) {
     parameters::storeShared(sampleRate, newRate);
-    engine.prepare(newRate);
+    engine.prepare(sampleRate);
 }
 
 void velmo_delay::processReplacing(float** inputs, float** outputs, std::int32_t sampleFrames) {
@@ -103,13 +104,13 @@ void velmo_delay::processReplacing(float** inputs, float** outputs, std::int32_t
 void velmo_delay::setParameter(std::int32_t id, float value) {
     tellWindow(id, value);
     storeParameter(id, value);
-    engine.computeTapPattern(rate());
+    engine.computeTapPattern(sampleRate);
     if (movesTaps(id))
         engine.armFade();
     if (id == kPreLowPass)
-        engine.designLowPassOnChange(rate());
+        engine.designLowPassOnChange(sampleRate);
     if (id == kPreHighPass)
-        engine.designHighPassOnChange(rate());
+        engine.designHighPassOnChange(sampleRate);
     window->queueParameterUpdate(id);
     if (window->isOpen() && shapesPattern(id))
         drawPattern();
@@ -130,10 +131,26 @@ void velmo_delay::drawPattern() {
 void velmo_delay::storeParameter(std::int32_t id, float value) {
     if (!isLive(id))
         return;
-    const std::int32_t program = getProgram();
-    if (program < programs.size())
-        programs.setValue(program, id, value);
-    engine.setParameterValue(id, value);
+    if (programs.size() == 0) {
+        engine.setParameterValue(id, value);
+        return;
+    }
+    programs.setValue(getProgram(), id, value);
+    loadParameter(id);
+}
+
+/// The live value follows from the stored one of the current program, also where two threads set it.
+void velmo_delay::loadParameter(std::int32_t id) {
+    struct Stored {
+        std::int32_t program;
+        float value;
+    };
+    computeFrom(
+        [&] {
+            const std::int32_t program = getProgram();
+            return Stored{program, programs.value(program, id)};
+        },
+        [&](const Stored& stored) { engine.setParameterValue(id, stored.value); });
 }
 
 float velmo_delay::getParameter(std::int32_t id) {
@@ -145,20 +162,16 @@ void velmo_delay::setProgram(std::int32_t program) {
     if (program < 0 || program >= programs.size())
         return;
     parameters::storeShared(curProgram, program);
-    loadParametersOf(program);
-    engine.computeTapPattern(rate());
+    for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
+        loadParameter(id);
+    engine.computeTapPattern(sampleRate);
     if (window) {
         window->setParameter(skin::kRefreshAll, static_cast<float>(skin::kRefreshAll));
         drawPattern();
     }
-    engine.designLowPassOnChange(rate());
-    engine.designHighPassOnChange(rate());
+    engine.designLowPassOnChange(sampleRate);
+    engine.designHighPassOnChange(sampleRate);
     updateDisplay();
-}
-
-void velmo_delay::loadParametersOf(std::int32_t program) {
-    for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
-        engine.setParameterValue(id, programs.value(program, id));
 }
 
 void velmo_delay::setProgramName(char* name) {

@@ -2,11 +2,14 @@
 // reaches everything through it.
 //
 // What crosses from one thread to another, and how. No lock guards any of it; every such field is a plain
-// 32-bit value (or a byte), written and read by relaxed atomic accesses.
+// 32-bit value (or a byte), written and read by relaxed atomic accesses. What follows from other fields is
+// computed again if they have changed meanwhile (parameters/recompute.h), so that no race of two writers
+// outlives them.
 //
 //   field                        written by                              read by
-//   live parameters              setParameter, setProgram (any thread);  the audio loop, once a sub-block
-//                                "Pre Gain" by the audio loop too
+//   live parameters              setParameter, setProgram (any thread),  the audio loop, once a sub-block
+//                                from the stored value; "Pre Gain" by
+//                                the audio loop too
 //   stored program values        setParameter, setChunk (any thread)     setProgram, getChunk
 //   curProgram, sampleRate       setProgram, setSampleRate               setParameter, getChunk, resume
 //   tap times, gains, count,     computeTapPattern (any thread), entry   the audio loop, once a sub-block
@@ -81,7 +84,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     void tellWindow(std::int32_t id, float value);
     void drawPattern();
     void storeParameter(std::int32_t id, float value);
-    void loadParametersOf(std::int32_t program);
+    void loadParameter(std::int32_t id);
     float rate() const { return parameters::loadShared(sampleRate); }
 
     std::int32_t uniqueID() override { return cEffect.uniqueID; }

@@ -12,7 +12,7 @@ constexpr PatternRecord::Key kLong = {1, 2, 3, 4, 5, 6};
 constexpr PatternRecord::Key kShort = {1, 2, 3, 4, 5, 7};
 
 TEST(PatternRecord, HoldsNothingAtFirst) {
-    const PatternRecord record;
+    PatternRecord record;
     EXPECT_FALSE(record.holds({}));
 }
 
@@ -38,8 +38,8 @@ TEST(PatternRecord, HoldsNothingWhileATableIsRewritten) {
 TEST(PatternRecord, HoldsNothingAfterTheTimesWereTakenAway) {
     PatternRecord record;
     record.endComputed(record.begin(), kLong);
-    static_cast<void>(record.begin());
-    record.endOther();
+    const auto rewrite = record.begin();
+    record.endOther(rewrite);
     EXPECT_FALSE(record.holds(kLong));
 }
 
@@ -55,6 +55,33 @@ TEST(PatternRecord, HoldsNothingAfterTwoRewritesAtOnceWhicheverEndsFirst) {
         record.endComputed(record.begin(), kLong);
         EXPECT_TRUE(record.holds(kLong));
     }
+}
+
+TEST(PatternRecord, FindsTheTablesWholeAfterOneRewrite) {
+    PatternRecord record;
+    EXPECT_EQ(record.endComputed(record.begin(), kLong), PatternRecord::Outcome::whole);
+    EXPECT_EQ(record.endOther(record.begin()), PatternRecord::Outcome::whole);
+}
+
+TEST(PatternRecord, TellsTheLastOfTwoRewritesAtOnceOfTheMixture) {
+    for (const bool firstEndsFirst : {true, false}) {
+        PatternRecord record;
+        const auto first = record.begin();
+        const auto second = record.begin();
+        EXPECT_EQ(record.endComputed(firstEndsFirst ? first : second, kLong),
+                  PatternRecord::Outcome::unfinished);
+        EXPECT_EQ(record.endComputed(firstEndsFirst ? second : first, kShort), PatternRecord::Outcome::mixed);
+    }
+}
+
+TEST(PatternRecord, TellsOneThatBeganDuringAnotherOfTheMixtureAlsoWhenTheOtherHasEnded) {
+    PatternRecord record;
+    const auto first = record.begin();
+    const auto second = record.begin();
+    record.endOther(first);
+    const auto third = record.begin();
+    EXPECT_EQ(record.endComputed(second, kLong), PatternRecord::Outcome::unfinished);
+    EXPECT_EQ(record.endComputed(third, kShort), PatternRecord::Outcome::mixed);
 }
 
 TEST(PatternRecord, KeepsItsEditionForAsLongAsNobodyRewritesTheTables) {
@@ -74,8 +101,8 @@ TEST(PatternRecord, TakesAnotherEditionAlsoForTheSameTables) {
     record.endComputed(record.begin(), kLong);
     EXPECT_NE(record.edition(), before);
     const std::uint32_t computed = record.edition();
-    static_cast<void>(record.begin());
-    record.endOther();
+    const auto rewrite = record.begin();
+    record.endOther(rewrite);
     EXPECT_NE(record.edition(), computed);
 }
 

@@ -194,6 +194,13 @@ class Engine : public testing::Test {
         return good;
     }
 
+    /// Two threads set one parameter, each to its value.
+    void raceForOne(std::int32_t id, float one, float other) {
+        tryAllOrders([&, this] { change(id, 0.25f); }, [&, this] { change(id, one); },
+                     [&, this] { change(id, other); },
+                     [&, this](const std::string& when) { return soundsAsItsParametersSay(when); });
+    }
+
     static constexpr std::int32_t kFrames = 128;
     std::unique_ptr<dsp::DelayEngine> raced = std::make_unique<dsp::DelayEngine>();
     std::unique_ptr<dsp::DelayEngine> expected = std::make_unique<dsp::DelayEngine>();
@@ -201,6 +208,40 @@ class Engine : public testing::Test {
   private:
     std::mt19937_64 random_{7};
 };
+
+TEST_F(Engine, FiltersAsTheLastLowPassSaysAfterTwoWriters) {
+    raceForOne(kPreLowPass, 0.2f, 0.8f);
+}
+
+TEST_F(Engine, FiltersAsTheLastHighPassSaysAfterTwoWriters) {
+    raceForOne(kPreHighPass, 0.2f, 0.8f);
+}
+
+TEST_F(Engine, SweepsAtTheRateOfItsParameterAfterTwoWriters) {
+    raceForOne(kLfoRate, 0.4f, 0.9f);
+}
+
+TEST_F(Engine, ReadsInTheModeOfItsParameterAfterTwoWriters) {
+    raceForOne(kSet, 0.0f, 0.8f);
+}
+
+TEST_F(Engine, PlaysThePatternOfItsParametersAfterTwoWritersOfOne) {
+    raceForOne(kBaseLength, 0.03f, 0.04f);
+}
+
+TEST_F(Engine, PlaysThePatternOfItsParametersAfterTwoWritersOfDifferentOnes) {
+    tryAllOrders(
+        [this] {
+            change(kBaseLength, 0.02f);
+            change(kCurve, 0.3f);
+        },
+        [this] { change(kBaseLength, 0.03f); }, [this] { change(kCurve, 0.7f); },
+        [this](const std::string& when) {
+            EXPECT_EQ(raced->parameterValue(kBaseLength), 0.03f);
+            EXPECT_EQ(raced->parameterValue(kCurve), 0.7f);
+            return soundsAsItsParametersSay(when);
+        });
+}
 
 TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
     for (const float before : {0.25f, 1.0f})
@@ -210,8 +251,104 @@ TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
                          [&, this](const std::string& when) {
                              const float limited = std::min(set, 0.99999f);
                              EXPECT_EQ(raced->parameterValue(kAmpDecay), limited) << when;
-                             return !HasFailure();
+                             return !HasFailure() && soundsAsItsParametersSay(when);
                          });
+}
+
+/// The rate that a host sets on one thread while another changes a parameter.
+class Rates : public Engine {
+  protected:
+    void setRate(float rate) {
+        storeShared(sampleRate, rate);
+        raced->prepare(sampleRate);
+    }
+    void setParameter(std::int32_t id, float value) {
+        raced->setParameterValue(id, value);
+        raced->computeTapPattern(sampleRate);
+    }
+    /// Times of zero, as a new rate leaves them, or those that the parameters give at the rate.
+    bool tapsFitTheRate(const std::string& when) {
+        dsp::TapPattern fresh;
+        computeTaps(fresh,
+                    {raced->parameterValue(kBaseLength), raced->parameterValue(kTaps),
+                     raced->parameterValue(kStretch), raced->parameterValue(kAmpDecay),
+                     raced->parameterValue(kCurve)},
+                    sampleRate);
+        const dsp::TapPattern& taps = raced->tapPattern();
+        EXPECT_EQ(taps.numTaps, fresh.numTaps) << when;
+        EXPECT_EQ(taps.tapGain, fresh.tapGain) << when;
+        const auto used = static_cast<std::size_t>(fresh.numTaps);
+        const auto has = [&](float time) {
+            return std::all_of(taps.tapTimeTarget.begin(), taps.tapTimeTarget.begin() + fresh.numTaps,
+                               [&](float t) { return t == time; });
+        };
+        EXPECT_TRUE(has(0.0f) || std::equal(taps.tapTimeTarget.begin(),
+                                            taps.tapTimeTarget.begin() + static_cast<std::ptrdiff_t>(used),
+                                            fresh.tapTimeTarget.begin()))
+            << when;
+        return !HasFailure();
+    }
+
+    float sampleRate = kRate;
+};
+
+TEST_F(Rates, LeaveAPatternOfTheNewRateWhereverAChangeIsInterrupted) {
+    const auto start = [this] {
+        setRate(kRate);
+        setParameter(kBaseLength, 0.3f);
+    };
+    const auto changeLength = [this] { setParameter(kBaseLength, 0.4f); };
+    const auto changeRate = [this] { setRate(96000.0f); };
+    const auto fits = [this](const std::string& when) { return tapsFitTheRate(when); };
+    tryAllOrders(start, changeLength, changeRate, fits);
+    tryAllOrders(start, changeRate, changeLength, fits);
+}
+
+// --- The effect: what is saved beside what is heard ---
+
+class Effect : public testing::Test {
+  protected:
+    Effect() {
+        platform::replaceMessageBox([](void*, const char*, const char*, const platform::MessageLook&) {},
+                                    nullptr);
+        effect = std::make_unique<plugin::velmo_delay>(nullptr);
+        effect->setParameter(kTaps, 0.012f);
+    }
+    ~Effect() override { platform::replaceMessageBox(nullptr, nullptr); }
+
+    float saved(std::int32_t id) {
+        void* chunk = nullptr;
+        effect->getChunk(&chunk, true);
+        return static_cast<const presets::DelayProgram*>(chunk)->values[id];
+    }
+    bool savesWhatIsHeard(const std::string& when) {
+        for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
+            EXPECT_EQ(effect->getParameter(id), saved(id)) << parameter(id).name << " " << when;
+        return !HasFailure();
+    }
+
+    platform::PrivateFolder folder;
+    std::unique_ptr<plugin::velmo_delay> effect;
+};
+
+TEST_F(Effect, SavesTheValueThatIsHeardAfterTwoThreadsHaveSetIt) {
+    tryAllOrders([this] { effect->setParameter(kFeedback, 0.5f); },
+                 [this] { effect->setParameter(kFeedback, 0.2f); },
+                 [this] { effect->setParameter(kFeedback, 0.8f); },
+                 [this](const std::string& when) { return savesWhatIsHeard(when); });
+}
+
+TEST_F(Effect, PlaysTheCurrentProgramAfterAChangeOfProgramBesideOneOfAParameter) {
+    const auto start = [this] {
+        effect->setProgram(1);
+        effect->setParameter(kFeedback, 0.3f);
+        effect->setProgram(0);
+        effect->setParameter(kFeedback, 0.5f);
+        effect->setParameter(kTaps, 0.012f);
+    };
+    const auto set = [this] { effect->setParameter(kFeedback, 0.8f); };
+    const auto select = [this] { effect->setProgram(1); };
+    tryAllOrders(start, set, select, [this](const std::string& when) { return savesWhatIsHeard(when); });
 }
 
 } // namespace
