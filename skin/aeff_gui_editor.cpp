@@ -1,5 +1,6 @@
 #include "skin/aeff_gui_editor.h"
 
+#include "parameters/shared_field.h"
 #include "parameters/truncation.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
@@ -128,12 +129,12 @@ bool AEffGUIEditor::onWheel(float distance) {
 }
 
 bool AEffGUIEditor::setKnobMode(std::int32_t value) {
-    knobMode = value;
+    parameters::storeShared(knobMode, value);
     return true;
 }
 
 std::int32_t AEffGUIEditor::getKnobMode() const {
-    return knobMode;
+    return parameters::loadShared(knobMode);
 }
 
 void AEffGUIEditor::beginEdit(std::int32_t index) {

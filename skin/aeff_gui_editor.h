@@ -77,7 +77,7 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     plugin::AudioEffectX* effectX_;
     std::atomic<std::uint64_t> windowThread_;
 
-    static std::int32_t knobMode;
+    static std::int32_t knobMode; ///< of all editors; shared
 };
 
 } // namespace skin

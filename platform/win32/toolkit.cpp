@@ -5,6 +5,7 @@
 
 #include "vstgui/lib/vstguiinit.h"
 
+#include <atomic>
 #include <ole2.h>
 #include <optional>
 
@@ -12,8 +13,8 @@ namespace platform {
 
 namespace {
 
-/// Of the window thread, as all of the toolkit is.
-int uses = 0;
+/// Hosts may make and close instances on several threads at once.
+std::atomic<int> uses = 0;
 
 } // namespace
 

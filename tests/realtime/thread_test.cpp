@@ -21,7 +21,7 @@ using namespace vst2;
 using namespace conversation;
 
 constexpr std::int32_t kLongestBlock = 256;
-constexpr int kTurns = 3000000;
+constexpr int kTurns = QUILLON_FILTER_TURNS;
 
 /// Its own random numbers for each thread.
 class Chance {
@@ -253,6 +253,22 @@ TEST_F(HostThreads, MayEachHaveAnInstanceOfTheirOwn) {
     together(works);
     for (const auto& instance : instances)
         EXPECT_EQ(instance->getParameter(kBaseLength), 64 * 0.007874015718698502f);
+}
+
+TEST_F(HostThreads, MayEachMakeAndCloseInstances) {
+    // Hosts that scan or load projects in parallel do so; each construction reads the skin for its size.
+    std::vector<std::function<void()>> works;
+    std::atomic<int> made = 0;
+    for (int i = 0; i < 3; ++i)
+        works.emplace_back([this, &made] {
+            for (int round = 0; round < 4; ++round) {
+                host::Plugin own(library());
+                own.start(44100.0f, kLongestBlock);
+                made += own.dispatch(effSetEditKnobMode, 0, 2) == 1;
+            }
+        });
+    together(works);
+    EXPECT_EQ(made, 12);
 }
 
 } // namespace
