@@ -39,24 +39,24 @@ void DelayEngine::startUp() {
 }
 
 void DelayEngine::computeTapPattern(const float& sampleRate) {
-    computeFrom([this] { return parameterValue(kLfoRate); },
-                [this](float lfoRate) { exchangeShared(lfo.rate, (lfoRate * 14.0f) * lfoRate); });
-    computeFrom([this] { return parameterValue(kSet); },
+    computeFrom([this] { return loadInOrder(params[kLfoRate]); },
+                [this](float lfoRate) { renewShared(lfo.rate, (lfoRate * 14.0f) * lfoRate); });
+    computeFrom([this] { return loadInOrder(params[kSet]); },
                 [this](float set) {
                     // A "Set" outside its range may ask for a mode that does not exist; it is read as cubic
                     // then.
                     const std::int32_t mode = interpolationModeOf(set);
-                    exchangeShared(delay.interpMode,
-                                   mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
+                    renewShared(delay.interpMode,
+                                mode == kLinear || mode == kWholeSamples ? mode : std::int32_t{kCubic});
                 });
     renewPattern(sampleRate);
 }
 
 PatternSettings DelayEngine::patternSettings(const float& sampleRate) {
     const float ampDecay = limitShared(params[kAmpDecay], 0.99999f);
-    return {{parameterValue(kBaseLength), parameterValue(kTaps), parameterValue(kStretch), ampDecay,
-             parameterValue(kCurve)},
-            loadShared(sampleRate)};
+    return {{loadInOrder(params[kBaseLength]), loadInOrder(params[kTaps]), loadInOrder(params[kStretch]),
+             ampDecay, loadInOrder(params[kCurve])},
+            loadInOrder(sampleRate)};
 }
 
 void DelayEngine::renewPattern(const float& sampleRate) {
@@ -88,7 +88,7 @@ void DelayEngine::collapsePattern(const float& sampleRate) {
 }
 
 void DelayEngine::prepare(const float& sampleRate) {
-    computeFrom([&] { return loadShared(sampleRate); },
+    computeFrom([&] { return loadInOrder(sampleRate); },
                 [this](float rate) {
                     lfo.setSampleRate(rate);
                     dcBlockLeft.setSampleRate(rate);
@@ -125,7 +125,7 @@ void DelayEngine::designHighPassOnChange(const float& sampleRate) {
 void DelayEngine::designFilter(Biquad& filter, const FilterLaw& law, const float& sampleRate) {
     computeFrom(
         [&] {
-            return std::array{parameterValue(law.id), loadShared(sampleRate)};
+            return std::array{loadInOrder(params[static_cast<std::size_t>(law.id)]), loadInOrder(sampleRate)};
         },
         [&](const std::array<float, 2>& seen) {
             const auto [p, rate] = seen;

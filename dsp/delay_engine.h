@@ -36,7 +36,7 @@ class DelayEngine {
     }
     /// Any thread. The value is taken as it is; computeTapPattern brings it into the pattern.
     void setParameterValue(std::int32_t id, float value) {
-        parameters::exchangeShared(params[static_cast<std::size_t>(id)], value);
+        parameters::storeInOrder(params[static_cast<std::size_t>(id)], value);
     }
 
     /// Renews tap times and gains, the read mode and the sweep's rate from the parameters, as far as they are

@@ -1,6 +1,7 @@
 // The sine that sweeps the read positions of all taps.
 #pragma once
 
+#include "parameters/recompute.h"
 #include "parameters/shared_field.h"
 #include "parameters/truncation.h"
 
@@ -17,7 +18,7 @@ struct ModuleFMop {
     float ratio = 1.0f, ratioFine = 1.0f; ///< multiply the rate; nothing drives them
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { parameters::exchangeShared(sampleTime, 1.0f / sampleRate); }
+    void setSampleRate(float sampleRate) { parameters::renewShared(sampleTime, 1.0f / sampleRate); }
 
     /// Phase advance of one sample, in cycles. Any thread.
     float step() const {

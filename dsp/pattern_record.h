@@ -3,7 +3,7 @@
 //
 // Any thread may rewrite the tables at any time and nobody waits. Two that do so at once leave a mixture,
 // which is no pattern of anybody's: the record then holds nothing, and the one that ends last is told to
-// compute again. Every rewrite begins and ends in a read-modify-write, as parameters/recompute.h asks for.
+// compute again. All accesses are sequentially consistent (parameters/recompute.h).
 #pragma once
 
 #include <array>
@@ -30,10 +30,9 @@ class PatternRecord {
         mixed       ///< somebody else wrote meanwhile and all have ended: compute again
     };
 
-    /// Whether the tables stand as they were computed from `key`. Whoever rewrites them later sees what the
-    /// caller stored before. Any thread.
-    bool holds(const Key& key) {
-        const std::uint32_t number = begun.fetch_add(0);
+    /// Whether the tables stand as they were computed from `key`. Any thread.
+    bool holds(const Key& key) const {
+        const std::uint32_t number = begun.load();
         if (valid.load() != number)
             return false;
         for (std::size_t i = 0; i < key.size(); ++i)

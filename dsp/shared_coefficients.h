@@ -5,7 +5,7 @@
 // exchange; the slot that was current is free again. Nobody waits for anybody: of two writers each fills a
 // slot of its own, and the last exchange decides.
 //
-// Memory order: every read-modify-write here acquires and releases, and the five values are stored with
+// Memory order: every read-modify-write here is sequentially consistent, and the five values are stored with
 // release and loaded with acquire. A slot is filled again only after it was freed, which is after another one
 // became current. So a reader that meets a value of a later filling has also met that change of `current_`:
 // it finds another number there when it looks again, and drops what it copied: a slot has a new number with
@@ -33,7 +33,7 @@ class SharedCoefficients {
         const std::uint32_t first = current_.load(std::memory_order_relaxed) + 1;
         for (std::uint32_t slot = first; slot < first + kSlots; ++slot)
             if (take(slot)) {
-                free(current_.exchange(fill(slot, set), std::memory_order_acq_rel));
+                free(current_.exchange(fill(slot, set)));
                 return;
             }
     }
@@ -58,10 +58,8 @@ class SharedCoefficients {
 
     static constexpr std::uint32_t bitOf(std::uint32_t slot) { return 1u << slot % kSlots; }
 
-    bool take(std::uint32_t slot) {
-        return (taken_.fetch_or(bitOf(slot), std::memory_order_acq_rel) & bitOf(slot)) == 0;
-    }
-    void free(std::uint32_t slot) { taken_.fetch_and(~bitOf(slot), std::memory_order_acq_rel); }
+    bool take(std::uint32_t slot) { return (taken_.fetch_or(bitOf(slot)) & bitOf(slot)) == 0; }
+    void free(std::uint32_t slot) { taken_.fetch_and(~bitOf(slot)); }
 
     /// Gives the number of this filling, whose remainder is the slot.
     std::uint32_t fill(std::uint32_t index, const BiquadCoefficients& set) {

@@ -1,7 +1,7 @@
 // Takes DC out of the wet signal.
 #pragma once
 
-#include "parameters/shared_field.h"
+#include "parameters/recompute.h"
 
 namespace dsp {
 
@@ -11,9 +11,7 @@ struct Smoother {
     float radiansPerSample = 0.0f; ///< of one Hz; shared
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) {
-        parameters::exchangeShared(radiansPerSample, 6.28319f / sampleRate);
-    }
+    void setSampleRate(float sampleRate) { parameters::renewShared(radiansPerSample, 6.28319f / sampleRate); }
 
     /// One sample of a signal whose low-passed self is `state`. `radians` is radiansPerSample as it stood at
     /// the start of the sub-block. Audio thread.

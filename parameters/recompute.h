@@ -3,12 +3,14 @@
 // parameter that has changed since. So each looks at the parameters again after its store, and computes again
 // if they differ.
 //
-// Memory order: every result is stored by a read-modify-write that acquires and releases (exchangeShared,
-// SharedCoefficients::publish, PatternRecord::begin and end). Those of one field have one order, and each
-// sees what was stored before the ones in front of it. So the thread whose store is the last sees, when it
-// looks again, every parameter that was stored before any of the results. A parameter stored later belongs to
-// a thread whose own result is still to come.
+// Memory order: parameters are stored, results stored and both looked at by sequentially consistent accesses,
+// which have one order for all threads. Say that the last result to be stored is not the one of the last
+// parameter: then whoever stored that result looked at the parameters before the last was stored, or would
+// have computed again. So the thread that stored the last parameter looked at the result still later, and
+// would have replaced it.
 #pragma once
+
+#include "parameters/shared_field.h"
 
 #include <cstring>
 #include <type_traits>
@@ -26,8 +28,15 @@ bool sameBits(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 
-/// Calls `compute` with what `look` gives, and again while `look` then gives something else. `compute` ends
-/// in a store as said above. Any thread.
+/// Stores a result, unless it stands there already. Any thread.
+template <class T>
+void renewShared(T& field, T value) {
+    if (!sameBits(loadInOrder(field), value))
+        storeInOrder(field, value);
+}
+
+/// Calls `compute` with what `look` gives, and again while `look` then gives something else. `look` and
+/// `compute` use accesses as said above. Any thread.
 template <class Look, class Compute>
 void computeFrom(Look look, Compute compute) {
     auto seen = look();

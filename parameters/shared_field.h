@@ -21,19 +21,26 @@ void storeShared(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
 }
 
-/// As storeShared, but whoever exchanges the same field later sees all that was stored before. Any thread.
+/// As loadShared and storeShared, but in the one order that all such accesses have (parameters/recompute.h).
+/// Any thread.
 template <class T>
-void exchangeShared(T& field, T value) {
-    std::atomic_ref<T>(field).exchange(value, std::memory_order_acq_rel);
+T loadInOrder(const T& field) {
+    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_seq_cst);
+}
+
+/// Any thread.
+template <class T>
+void storeInOrder(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_seq_cst);
 }
 
 /// Lowers a field to `limit`, unless another thread changes it at this very moment: then its value stays.
 /// Gives the field's value, limited. Any thread.
 template <class T>
 T limitShared(T& field, T limit) {
-    T value = loadShared(field);
+    T value = loadInOrder(field);
     if (limit < value)
-        std::atomic_ref<T>(field).compare_exchange_strong(value, limit, std::memory_order_acq_rel);
+        std::atomic_ref<T>(field).compare_exchange_strong(value, limit, std::memory_order_seq_cst);
     return std::min(value, limit);
 }
 

@@ -93,7 +93,7 @@ void velmo_delay::resume() {
 }
 
 void velmo_delay::setSampleRate(float newRate) {
-    parameters::storeShared(sampleRate, newRate);
+    parameters::storeInOrder(sampleRate, newRate);
     engine.prepare(sampleRate);
 }
 
@@ -147,7 +147,7 @@ void velmo_delay::loadParameter(std::int32_t id) {
     };
     computeFrom(
         [&] {
-            const std::int32_t program = getProgram();
+            const std::int32_t program = loadInOrder(curProgram);
             return Stored{program, programs.value(program, id)};
         },
         [&](const Stored& stored) { engine.setParameterValue(id, stored.value); });
@@ -161,7 +161,7 @@ void velmo_delay::setProgram(std::int32_t program) {
     engine.clearDelayMemory();
     if (program < 0 || program >= programs.size())
         return;
-    parameters::storeShared(curProgram, program);
+    parameters::storeInOrder(curProgram, program);
     for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
         loadParameter(id);
     engine.computeTapPattern(sampleRate);

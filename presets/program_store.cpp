@@ -1,6 +1,7 @@
 #include "presets/program_store.h"
 
 #include "parameters/number_text.h"
+#include "parameters/shared_field.h"
 #include "platform/message_box.h"
 
 #include <algorithm>
@@ -36,13 +37,11 @@ void ProgramStore::allocate() {
 }
 
 float ProgramStore::value(std::int32_t program, std::int32_t id) const {
-    return std::atomic_ref<float>(programs[static_cast<std::size_t>(program)].values[id])
-        .load(std::memory_order_relaxed);
+    return parameters::loadInOrder(programs[static_cast<std::size_t>(program)].values[id]);
 }
 
 void ProgramStore::setValue(std::int32_t program, std::int32_t id, float value) {
-    std::atomic_ref<float>(programs[static_cast<std::size_t>(program)].values[id])
-        .store(value, std::memory_order_relaxed);
+    parameters::storeInOrder(programs[static_cast<std::size_t>(program)].values[id], value);
 }
 
 void ProgramStore::setName(std::int32_t program, const char* name) {

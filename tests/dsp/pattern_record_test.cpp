@@ -12,7 +12,7 @@ constexpr PatternRecord::Key kLong = {1, 2, 3, 4, 5, 6};
 constexpr PatternRecord::Key kShort = {1, 2, 3, 4, 5, 7};
 
 TEST(PatternRecord, HoldsNothingAtFirst) {
-    PatternRecord record;
+    const PatternRecord record;
     EXPECT_FALSE(record.holds({}));
 }
 

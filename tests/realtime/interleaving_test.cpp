@@ -263,7 +263,7 @@ TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
 class Rates : public Engine {
   protected:
     void setRate(float rate) {
-        storeShared(sampleRate, rate);
+        storeInOrder(sampleRate, rate);
         raced->prepare(sampleRate);
     }
     void setParameter(std::int32_t id, float value) {
