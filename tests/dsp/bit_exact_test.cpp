@@ -105,6 +105,7 @@ INSTANTIATE_TEST_SUITE_P(Interruptions, BitExact, testing::ValuesIn(batches(Fami
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(NearSilence, BitExact, testing::ValuesIn(batches(Family::kNearSilence, 3, 16)),
                          nameOf);
+INSTANTIATE_TEST_SUITE_P(Extremes, BitExact, testing::ValuesIn(batches(Family::kExtremes, 3, 16)), nameOf);
 INSTANTIATE_TEST_SUITE_P(FullMemory, BitExact, testing::ValuesIn(longBatches(Family::kFullMemory, 4, 4)),
                          nameOf);
 

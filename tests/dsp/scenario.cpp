@@ -548,6 +548,49 @@ void writeFullMemory(Author& author) {
     author.play(2000);
 }
 
+/// No number or an infinite one for a parameter, as far as it is settled what follows from it.
+float extremeValue(Random& random, std::int32_t id) {
+    constexpr float values[] = {kNotANumber, -kNotANumber, kInfinity, -kInfinity};
+    if (id == kAmpDecay)
+        return random.oneIn(2) ? kInfinity : -kInfinity;
+    if (id == kLfoDepth)
+        return random.oneIn(2) ? kNotANumber : -kInfinity;
+    return random.oneOf(values);
+}
+
+/// Forgets every echo and changes nothing else. A host's number of 128 or more would do nothing at all.
+void clearAlone(Author& author) {
+    constexpr std::int32_t noPrograms[] = {-1, -128, std::numeric_limits<std::int32_t>::min()};
+    if (author.random.oneIn(2))
+        author.add(SetProgram{author.random.oneOf(noPrograms)});
+    else
+        author.add(MidiProgramChange{static_cast<std::uint8_t>(author.random.between(0x80, 0xFF))});
+}
+
+/// Parameters that are no numbers, blocks that are none or longer than a host's longest, and clearings in the
+/// middle of the sound. What stays in the filters or the sweep for ever comes last.
+void writeExtremes(Author& author) {
+    author.mode = author.random.below(3);
+    author.begin();
+    author.setAllSanely();
+    author.set(kBaseLength, valueOfLength(author.random.between(10, 3000), static_cast<double>(author.rate)));
+    constexpr std::int32_t passing[] = {kBaseLength, kTaps, kStretch, kAmpDecay, kCurve, kFeedback};
+    constexpr std::int32_t lasting[] = {kLfoRate, kLfoDepth, kStereo,      kDryWet,  kOutPan,
+                                        kPrePan,  kPreGain,  kPreHighPass, kOutGain, kPreLowPass};
+    constexpr std::int32_t lengths[] = {0,    -1,   -4096, std::numeric_limits<std::int32_t>::min(),
+                                        4097, 5000, 8192,  12345};
+    for (std::int32_t round = 0; round < 10; ++round) {
+        const std::int32_t id = round < 8 ? author.random.oneOf(passing) : author.random.oneOf(lasting);
+        author.set(id, extremeValue(author.random, id));
+        author.play(author.random.oneOf(lengths));
+        author.setSanely(id);
+        author.play(author.random.between(1, 700));
+        if (author.random.oneIn(2))
+            clearAlone(author);
+        author.play(author.random.oneIn(2) ? author.random.oneOf(lengths) : author.anyBlockLength());
+    }
+}
+
 /// Sound, and silence long enough for the filters to come as near to zero as they ever do, or next to it; and
 /// sound again.
 void writeNearSilence(Author& author) {
@@ -609,7 +652,8 @@ const char* titleOf(Family family) {
                                                "crossing glides",
                                                "interruptions",
                                                "a full memory",
-                                               "near silence"};
+                                               "near silence",
+                                               "extremes"};
     return titles[static_cast<std::size_t>(family)];
 }
 
@@ -676,6 +720,9 @@ Scenario make(std::uint64_t seed) {
         break;
     case Family::kNearSilence:
         writeNearSilence(author);
+        break;
+    case Family::kExtremes:
+        writeExtremes(author);
         break;
     }
     return std::move(author.scenario);

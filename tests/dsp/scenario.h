@@ -139,8 +139,9 @@ enum class Family : std::uint64_t {
     kInterruptions = 16,
     kFullMemory = 17,
     kNearSilence = 18,
+    kExtremes = 19,
 };
-constexpr std::uint64_t kFamilies = 19;
+constexpr std::uint64_t kFamilies = 20;
 constexpr std::uint64_t kSeedsPerFamily = 1000000;
 
 constexpr std::uint64_t seedOf(Family family, std::uint64_t index) {
