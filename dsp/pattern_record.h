@@ -49,7 +49,7 @@ class PatternRecord {
 
     /// The tables were computed from `key`. Any thread.
     Outcome endComputed(const Rewrite& rewrite, const Key& key) {
-        if (isAlone(rewrite)) {
+        if (rewrite.alone && begun.load() == rewrite.number) {
             for (std::size_t i = 0; i < key.size(); ++i)
                 computedFrom[i].store(key[i]);
             valid.store(rewrite.number);
@@ -59,11 +59,11 @@ class PatternRecord {
 
     /// The tables hold something else now. Any thread.
     Outcome endOther(const Rewrite& rewrite) {
-        const bool alone = isAlone(rewrite);
         const std::uint32_t finished = ended.fetch_add(1) + 1;
-        if (alone)
+        const std::uint32_t started = begun.load();
+        if (rewrite.alone && started == rewrite.number)
             return Outcome::whole;
-        return finished == begun.load() ? Outcome::mixed : Outcome::unfinished;
+        return finished == started ? Outcome::mixed : Outcome::unfinished;
     }
 
     /// No edition of the tables.
@@ -77,8 +77,6 @@ class PatternRecord {
     }
 
   private:
-    bool isAlone(const Rewrite& rewrite) const { return rewrite.alone && begun.load() == rewrite.number; }
-
     std::atomic<std::uint32_t> begun = 0;     ///< rewrites so far
     std::atomic<std::uint32_t> ended = 0;     ///< of these
     std::atomic<std::uint32_t> valid = kNone; ///< the last rewrite that nobody disturbed

@@ -3,6 +3,7 @@
 #include "interleaving.h"
 
 #include "dsp/delay_engine.h"
+#include "dsp/pattern_record.h"
 #include "platform/message_box.h"
 #include "platform/private_folder.h"
 #include "plugin/velmo_delay.h"
@@ -143,6 +144,27 @@ TEST_F(Coefficients, AreOneWholeSetAfterTwoWriters) {
                  });
 }
 
+// --- Rewrites of the tap tables ---
+
+TEST(Rewrites, TellTheOneThatEndsLastWhereverTheOtherInterruptsIt) {
+    using dsp::PatternRecord;
+    PatternRecord record;
+    auto outer = PatternRecord::Outcome::whole, inner = PatternRecord::Outcome::whole;
+    const auto rewrite = [&](PatternRecord::Outcome& outcome) {
+        const PatternRecord::Rewrite begun = record.begin();
+        outcome = record.endOther(begun);
+    };
+    int interrupted = 0;
+    const std::int64_t length = countInstructions([&] { rewrite(outer); });
+    for (std::int64_t steps = 1; steps < length; ++steps) {
+        interleave([&] { rewrite(outer); }, steps, [&] { rewrite(inner); });
+        const bool wasInside = inner == PatternRecord::Outcome::unfinished;
+        interrupted += wasInside;
+        EXPECT_TRUE(!wasInside || outer == PatternRecord::Outcome::mixed) << steps;
+    }
+    EXPECT_GT(interrupted, 1);
+}
+
 // --- The engine ---
 
 class Engine : public testing::Test {
@@ -249,7 +271,8 @@ TEST_F(Engine, PlaysThePatternOfItsParametersAfterTwoWritersOfDifferentOnes) {
 }
 
 TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
-    for (const auto& [before, set] : {std::pair{0.25f, 1.0f}, {1.0f, 0.75f}})
+    for (const std::pair<float, float>& values : {std::pair{0.25f, 1.0f}, {1.0f, 0.75f}}) {
+        const float before = values.first, set = values.second;
         tryAllOrders([&, this] { raced->setParameterValue(kAmpDecay, before); },
                      [this] { change(kFeedback, 0.5f); }, [&, this] { change(kAmpDecay, set); },
                      [&, this](const std::string& when) {
@@ -257,6 +280,7 @@ TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
                          EXPECT_EQ(raced->parameterValue(kAmpDecay), limited) << when;
                          return !HasFailure() && soundsAsItsParametersSay(when);
                      });
+    }
 }
 
 /// The rate that a host sets on one thread while another changes a parameter.
