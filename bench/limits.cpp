@@ -69,13 +69,13 @@ Contestant SerialWork::contestant() {
 
 LineFetching::LineFetching()
     : memory_(static_cast<float*>(
-          ::operator new (kMemorySlots * sizeof(float), std::align_val_t{platform::kLargePage}))) {
+          ::operator new(kMemorySlots * sizeof(float), std::align_val_t{platform::kLargePage}))) {
     platform::preferLargePages(memory_, kMemorySlots * sizeof(float));
     std::fill_n(memory_, kMemorySlots, 0.25f);
 }
 
 LineFetching::~LineFetching() {
-    ::operator delete (memory_, std::align_val_t{platform::kLargePage});
+    ::operator delete(memory_, std::align_val_t{platform::kLargePage});
 }
 
 /// The lines of a sub-block, tap by tap; a sub-block that begins within a line shares it with the one before.

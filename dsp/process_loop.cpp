@@ -277,8 +277,7 @@ void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
 template <class ReadFedTaps>
 void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps) {
     if (filterQuietly(stretch.frames)) {
-        feedBack(
-            stretch, [&](std::int32_t i) { return block.quietInput[at(i)]; }, readFedTaps);
+        feedBack(stretch, [&](std::int32_t i) { return block.quietInput[at(i)]; }, readFedTaps);
         return;
     }
     BiquadState lowPass = preLowPass.state;

@@ -58,13 +58,13 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
 }
 
 void* velmo_delay::operator new(std::size_t size) {
-    void* const memory = ::operator new (size, std::align_val_t{platform::kLargePage});
+    void* const memory = ::operator new(size, std::align_val_t{platform::kLargePage});
     platform::preferLargePages(memory, size);
     return memory;
 }
 
 void velmo_delay::operator delete(void* memory) {
-    ::operator delete (memory, std::align_val_t{platform::kLargePage});
+    ::operator delete(memory, std::align_val_t{platform::kLargePage});
 }
 
 velmo_delay::~velmo_delay() {

@@ -119,7 +119,7 @@ TEST_F(QuietFilter, IsNotForCoefficientsThatMakeItLoud) {
     EXPECT_TRUE(QuietBiquad::isQuiet(silent, {4.0f, -4.0f, 4.0f, -4.0f, 4.0f}));
     for (const float wild :
          {4.001f, -5.0f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()})
-        for (float BiquadCoefficients::*one :
+        for (float BiquadCoefficients::* one :
              {&BiquadCoefficients::b0, &BiquadCoefficients::b1, &BiquadCoefficients::b2,
               &BiquadCoefficients::a1, &BiquadCoefficients::a2}) {
             BiquadCoefficients coefficients;

@@ -152,7 +152,9 @@ TEST(TapPattern, FallsBelowTheMiddleOfAmpDecayAndSwellsAboveIt) {
 TEST(TapPattern, BendsTheRampByCurve) {
     auto engine = evenPattern(0.5f);
     engine->setParameter(kAmpDecay, 0.0f); // tap 32 of 64 stands at one half
-    const struct { float curve, exponent; } rows[] = {{0.0f, 0.5f}, {0.5f, 1.25f}, {1.0f, 2.0f}};
+    const struct {
+        float curve, exponent;
+    } rows[] = {{0.0f, 0.5f}, {0.5f, 1.25f}, {1.0f, 2.0f}};
     for (const auto& row : rows) {
         engine->setParameter(kCurve, row.curve);
         EXPECT_NEAR(engine->tapGain[32], std::pow(0.5f, row.exponent), 1e-6f) << "Curve " << row.curve;

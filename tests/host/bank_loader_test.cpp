@@ -24,8 +24,7 @@ class BankFixture : public PluginFolder {
   protected:
     /// Starts one instance with this bank beside the library. Gives what it prints; `look` sees it from
     /// inside.
-    std::string startWith(
-        const Bytes& bank, const std::function<void(host::Plugin&)>& look = [](auto&) {}) {
+    std::string startWith(const Bytes& bank, const std::function<void(host::Plugin&)>& look = [](auto&) {}) {
         writeFile(module.beside(kBankFile), bank);
         return start(look);
     }

@@ -124,7 +124,9 @@ TEST_F(HostLibrary, ClosesOnceAndOnlyOnce) {
 }
 
 TEST_F(HostLibrary, ClosesWhatWasLeftOpen) {
-    { Plugin plugin(library); }
+    {
+        Plugin plugin(library);
+    }
     EXPECT_EQ(effect.alive, 0);
 }
 

@@ -124,16 +124,12 @@ TEST_F(Coefficients, ReachTheLoopAsOneSetWhereverItsReadingIsInterrupted) {
             shared.publish(kOne);
     };
     tryAllOrders([this] { start(); }, [this] { read(); }, publishManyTimes,
-                 [this](const std::string& when) {
-                     return seenIsOneOf(when, {kOld, kOne});
-                 });
+                 [this](const std::string& when) { return seenIsOneOf(when, {kOld, kOne}); });
 }
 
 TEST_F(Coefficients, ReachTheLoopAsOneSetWhereverTheirWritingIsInterrupted) {
     tryAllOrders([this] { start(); }, [this] { shared.publish(kOne); }, [this] { read(); },
-                 [this](const std::string& when) {
-                     return seenIsOneOf(when, {kOld, kOne});
-                 });
+                 [this](const std::string& when) { return seenIsOneOf(when, {kOld, kOne}); });
 }
 
 TEST_F(Coefficients, AreOneWholeSetAfterTwoWriters) {

@@ -59,8 +59,8 @@ struct TimeAxis {
 class PictureDrawing {
   public:
     explicit PictureDrawing(const Picture& picture)
-        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper),
-          scale_(scaleFor(*picture.outlines)), axis_{shownSeconds()} {}
+        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper), scale_(scaleFor(*picture.outlines)),
+          axis_{shownSeconds()} {}
 
     Canvas& draw() {
         drawHead();

@@ -73,7 +73,9 @@ TEST(PrivateFolderHere, TakesAwayWhatAProcessThatIsOverHasLeft) {
         files::create_directory(name);
         std::ofstream(name + "\\library.dll") << "left over";
     }
-    { const PrivateFolder folder; }
+    {
+        const PrivateFolder folder;
+    }
     EXPECT_FALSE(files::exists(ofNobody));
     EXPECT_TRUE(files::exists(ofThisProcess + "\\library.dll"));
     EXPECT_TRUE(files::exists(ofNobody + "x\\library.dll"));

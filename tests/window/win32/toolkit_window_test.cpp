@@ -39,7 +39,9 @@ TEST(AToolkit, MakesComReadyAndGivesItBack) {
         {
             const Toolkit first;
             EXPECT_TRUE(hasCom());
-            { const Toolkit second; }
+            {
+                const Toolkit second;
+            }
             EXPECT_TRUE(hasCom()) << "one still needs it";
         }
         EXPECT_FALSE(hasCom());
@@ -50,7 +52,9 @@ TEST(AToolkit, LeavesTheComOfTheHostAsItWas) {
     for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
         std::thread([kind] {
             ASSERT_EQ(CoInitializeEx(nullptr, kind), S_OK);
-            { const Toolkit toolkit; }
+            {
+                const Toolkit toolkit;
+            }
             EXPECT_TRUE(hasCom()) << kind;
             CoUninitialize();
             EXPECT_FALSE(hasCom()) << kind;
