@@ -84,4 +84,9 @@ void serveToolkitWindows();
 /// Draws what is due, takes no input. For a pump inside a long gesture. On the window thread.
 void paintToolkitWindows();
 
+/// Lets other windows have the pointer. On X11 the toolkit keeps it from a press until it has done with the
+/// release, which is too long for a message that is shown meanwhile. On Windows it does nothing. On the
+/// window thread.
+void letPointerGo();
+
 } // namespace platform

@@ -50,9 +50,10 @@ void* windowOf(const VSTGUI::CFrame* frame) {
     return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
 }
 
-/// Takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms after a change at the
-/// earliest, and while a message stands open not at all.
-void drawBeforeBlocking() {
+/// Makes way for a message: takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms
+/// after a change at the earliest, and while a message stands open not at all.
+void makeWayForMessage() {
+    platform::letPointerGo();
     platform::sleepMilliseconds(17);
     platform::paintToolkitWindows();
 }
@@ -400,7 +401,7 @@ void xmlGuiEditor::selectSkin(CControl& control) {
     const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
     const std::int32_t index = trunc(choice);
     if (choice < count && index >= 0 && skinSaveName(skinNames[index].text)) {
-        drawBeforeBlocking();
+        makeWayForMessage();
         platform::showMessage("The new skin has been selected.\n"
                               "Please close and open this window.\n"
                               "If nothing changes it's probably because your host only hides\n"

@@ -2,11 +2,9 @@
 
 #include "vstgui/lib/platform/common/genericoptionmenu.h"
 #include "vstgui/lib/platform/iplatformframe.h"
-#include "vstgui/lib/platform/linux/x11platform.h"
 
 #include <cmath>
 #include <vector>
-#include <xcb/xcb.h>
 
 namespace platform {
 
@@ -17,14 +15,6 @@ namespace {
 
 /// How far the pointer may wander in a click, in pixels; the toolkit's own measure for a double click.
 constexpr double clickDistance = 5.0;
-
-/// The toolkit keeps the pointer to itself from a press until it has done with the release. What a choice
-/// opens, such as a message, has to get it earlier.
-void letPointerGo() {
-    xcb_connection_t* const connection = VSTGUI::X11::RunLoop::instance().getXcbConnection();
-    xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
-    xcb_flush(connection);
-}
 
 /// A menu that has just opened still has its fade to do, and takes nothing before that.
 void endFadeIn(const CFrame& frame) {
@@ -40,14 +30,10 @@ void endFadeIn(const CFrame& frame) {
 }
 
 /// A menu that goes still has its fade to do, and gives its answer behind that.
-void endFadeOutAfterEvent(CFrame& frame, bool letsPointerGo) {
-    frame.doAfterEventProcessing([held = VSTGUI::shared(&frame), letsPointerGo] {
-        const auto modalView = VSTGUI::shared(held->getModalView());
-        if (!modalView)
-            return;
-        if (letsPointerGo)
-            letPointerGo();
-        modalView->removeAllAnimations();
+void endFadeOutAfterEvent(CFrame& frame) {
+    frame.doAfterEventProcessing([held = VSTGUI::shared(&frame)] {
+        if (const auto modalView = VSTGUI::shared(held->getModalView()))
+            modalView->removeAllAnimations();
     });
 }
 
@@ -74,19 +60,19 @@ void MenuEvents::onMouseEvent(VSTGUI::MouseEvent& event, CFrame* frame) {
         pressPlace_ = event.mousePosition;
         modalViewAtPress_ = frame->getModalView();
         endFadeIn(*frame);
-        endFadeOutAfterEvent(*frame, false);
+        endFadeOutAfterEvent(*frame);
     } else if (event.type == EventType::MouseUp) {
         if (endsOpeningClick(event, *frame)) {
             event.consumed = true;
             return;
         }
         endFadeIn(*frame);
-        endFadeOutAfterEvent(*frame, true);
+        endFadeOutAfterEvent(*frame);
     }
 }
 
 void MenuEvents::onKeyboardEvent(VSTGUI::KeyboardEvent&, CFrame* frame) {
-    endFadeOutAfterEvent(*frame, false);
+    endFadeOutAfterEvent(*frame);
 }
 
 /// Of the click that has opened the modal view. With a drag it is left to the view: that chooses an entry.

@@ -13,7 +13,8 @@ namespace platform {
 
 namespace {
 
-/// Hosts may make and close instances on several threads at once.
+/// Exact when hosts make and close instances on several threads at once; which of them is done with init and
+/// exit first is up to the host.
 std::atomic<int> uses = 0;
 
 } // namespace
@@ -65,5 +66,7 @@ void paintToolkitWindows() {
     if (PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE))
         DispatchMessageW(&message);
 }
+
+void letPointerGo() {}
 
 } // namespace platform
