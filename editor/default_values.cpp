@@ -5,8 +5,6 @@
 #include "vstgui/lib/controls/cslider.h"
 #include "vstgui/lib/controls/cswitch.h"
 
-#include <utility>
-
 namespace editor {
 
 using VSTGUI::CControl;
@@ -18,11 +16,21 @@ bool isOneOf(const CControl& control) {
     return (... || (dynamic_cast<const Kinds*>(&control) != nullptr));
 }
 
-/// The toolkit's own test, which looks at buttons and keys and takes every control.
-CControl::CheckDefaultValueEventFuncT isResetClick = nullptr;
+/// The toolkit's own test, which looks at buttons and keys and takes every control. The first call has to
+/// come before ours is in its place.
+CControl::CheckDefaultValueEventFuncT toolkitsResetClick() {
+    static const auto isResetClick = CControl::CheckDefaultValueEventFunc;
+    return isResetClick;
+}
 
 bool isResetClickOnDefault(CControl* control, VSTGUI::MouseDownEvent& event) {
-    return hasDefault(*control) && isResetClick(control, event);
+    return hasDefault(*control) && toolkitsResetClick()(control, event);
+}
+
+bool putOursInPlace() {
+    toolkitsResetClick();
+    CControl::CheckDefaultValueEventFunc = isResetClickOnDefault;
+    return true;
 }
 
 } // namespace
@@ -33,8 +41,8 @@ bool hasDefault(const CControl& control) {
 }
 
 void resetOnlyControlsWithDefault() {
-    if (!isResetClick)
-        isResetClick = std::exchange(CControl::CheckDefaultValueEventFunc, isResetClickOnDefault);
+    // Hosts may make instances on several threads at once: one of them does it, the others see it done.
+    [[maybe_unused]] static const bool isDone = putOursInPlace();
 }
 
 } // namespace editor

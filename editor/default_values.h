@@ -12,7 +12,7 @@ namespace editor {
 bool hasDefault(const VSTGUI::CControl& control);
 
 /// Makes control and a left click a plain click on every control that has no default. For the whole process,
-/// from the first call on; further calls change nothing. On the window thread.
+/// from the first call on; further calls change nothing. Any thread.
 void resetOnlyControlsWithDefault();
 
 } // namespace editor
