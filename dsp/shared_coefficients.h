@@ -31,8 +31,8 @@ class SharedCoefficients {
     /// after its own publish (parameters/recompute.h). Any thread; never waits.
     void publish(const BiquadCoefficients& set) {
         const std::uint32_t first = current_.load(std::memory_order_relaxed) + 1;
-        for (std::uint32_t slot = first; slot < first + kSlots; ++slot)
-            if (take(slot)) {
+        for (std::uint32_t tried = 0; tried < kSlots; ++tried)
+            if (const std::uint32_t slot = first + tried; take(slot)) {
                 free(current_.exchange(fill(slot, set)));
                 return;
             }
