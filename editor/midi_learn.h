@@ -26,8 +26,8 @@ namespace editor {
 class CMidiLearn final : public VSTGUI::CControl {
   public:
     /// `tag` is midi::kLearnTagBase and the parameter's id. `control` is the control below, of the same
-    /// frame, which owns both; `size` is its place. `effect` is the plug-in,
-    /// which is told of gestures; without one nobody is.
+    /// frame, which owns both; `size` is its place. `effect` is the plug-in, which is told of gestures;
+    /// without one nobody is.
     CMidiLearn(const VSTGUI::CRect& size, VSTGUI::IControlListener* listener, std::int32_t tag,
                VSTGUI::CControl* control, plugin::AudioEffectX* effect);
     CMidiLearn(const CMidiLearn& other) = default;
