@@ -118,14 +118,16 @@ class Showing {
             return;
         if (stage_)
             stage_->bringUpToDate();
-        if (options_.watch)
-            tellFaults(checkSkin(stage_->skin()));
+        const auto findings = options_.watch ? checkSkin(stage_->skin()) : std::vector<Finding>();
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
         isSkinAtFault_ = !skin_.empty();
         window_->open(*plugin_);
         wasOpen_ = true;
+        // Only now: whoever reads them may save the skin again at once, which the plug-in has read by now.
+        if (options_.watch)
+            tellFaults(findings);
         stopIfAsked();
         if (!options_.screenshot.empty())
             writePicture();
