@@ -592,6 +592,8 @@ TEST_F(TapView, RedrawsWhateverIsShowingWhenThePatternChanges) {
 /// The view in a frame, with whole events.
 class TapViewInAFrame : public testing::Test {
   protected:
+    TapViewInAFrame() { editor::resetOnlyControlsWithDefault(); }
+
     RecordedFrame frame;
     ViewTaps* view = frame.add(new ViewTaps(CRect(20, 30, 320, 125)));
     const CPoint inside{100, 60};
