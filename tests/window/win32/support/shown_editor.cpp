@@ -106,7 +106,7 @@ bool ShownEditor::serveUntil(const std::function<bool()>& condition) {
 
 void ShownEditor::serveAll() {
     constexpr std::int32_t lamp = 16;
-    const float next = value(lamp) > 0.5f ? 0.0f : 1.0f;
+    const float next = value(lamp) >= 0.5f ? 0.0f : 1.0f;
     postClick(218, 18);
     ASSERT_TRUE(becomes(lamp, next));
 }
