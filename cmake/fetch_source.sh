@@ -7,7 +7,7 @@
 # What is in the cache is checked on each call, file by file, and made anew where it is damaged. A folder's name holds
 # the sum of archive and patch, so builds with another patch have a folder of their own.
 #
-# Debian carries these archives as parts of source packages of its next release. The script asks the mirror that
+# Debian carries these archives as parts of source packages of Debian 13. The script asks the mirror that
 # this machine uses anyway, through apt's own tools and with private lists, so nothing of the system's set-up is
 # touched and no administrator is needed. An archive is checked against its sum below; several builds share it.
 set -eu
@@ -67,8 +67,7 @@ private_apt() {
 
 # The mirror of this machine that holds Debian itself (others hold security updates and the like).
 own_mirror() {
-  # shellcheck disable=SC2016 # apt fills it in
-  apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | grep '/debian/$' | head -n 1
+  apt-get update --print-uris | sed -n "s|^'\(.*/debian/\)dists/.*|\1|p" | head -n 1
 }
 
 fetch() {
@@ -112,10 +111,14 @@ unpack() {
   printf '%s\n' "$sums" >"$unpacked/$SUMS"
   # Another build may have been faster; its folder is as good.
   mv -T "$unpacked" "$sources" 2>/dev/null || rm -rf "$unpacked"
+  [ -d "$sources" ] || fail "cannot write $sources"
 }
 
 private='' unpacked=''
 trap 'rm -rf "$private" "$unpacked"' EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
 mkdir -p "$cache"
 if [ -d "$sources" ] && ! is_intact; then
   say "the sources in $sources are damaged; unpacking them anew"

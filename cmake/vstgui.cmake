@@ -1,5 +1,5 @@
 # The toolkit of the editor's window, VSTGUI 4.13.3, as the target `vstgui`: fetched once for all builds of this
-# person, compiled as one file, its sources untouched.
+# person, compiled as one file, with vstgui-4.13.3.patch applied.
 #
 # With a checkout of that version at hand: -DVSTGUI_SOURCE_DIR=FOLDER, the folder that holds vstgui/vstgui.h.
 set(VSTGUI_SOURCE_DIR "" CACHE PATH "A checkout of VSTGUI 4.13.3; empty to fetch it")
