@@ -25,6 +25,8 @@ class VirtualScreen {
     const std::string& name() const { return name_; }
     Display* display() { return display_; }
     Window root() { return DefaultRootWindow(display_); }
+    /// The server's process.
+    pid_t server() const { return server_; }
 
     /// Ends the server under everybody's feet, this object's own connection having been closed in time.
     void stopServer();
