@@ -267,7 +267,7 @@ class Soak : public EditorOnScreen {
     std::atomic<int> messages = 0;
 };
 
-/// Processes blocks on a thread of its own while it lives.
+/// Processes blocks on a thread of its own while it lives, about as fast as they are heard.
 class AudioThread {
   public:
     explicit AudioThread(host::Plugin& plugin) : thread_([this, &plugin] { play(plugin); }) {}
@@ -281,6 +281,8 @@ class AudioThread {
     bool isFinite() const { return isFinite_; }
 
   private:
+    static constexpr std::chrono::milliseconds kBlockTime{5}; ///< 256 frames at 44.1 kHz take 5.8
+
     void play(host::Plugin& plugin) {
         std::vector<float> left(256), right(256);
         float* buffers[] = {left.data(), right.data()};
@@ -290,6 +292,7 @@ class AudioThread {
             plugin.process(buffers, buffers, 256);
             for (const float sample : left)
                 isFinite_ = isFinite_ && std::isfinite(sample);
+            std::this_thread::sleep_for(kBlockTime);
         }
     }
 
