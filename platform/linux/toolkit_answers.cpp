@@ -21,7 +21,7 @@ xcb_get_motion_events_cookie_t __wrap_xcb_get_motion_events(xcb_connection_t* co
     return cookie;
 }
 
-/// Gives an answer that must not be freed and holds until the next one.
+/// Gives an answer that holds until the next one. A toolkit that frees it by itself must get its own again.
 xcb_query_pointer_reply_t* __wrap_xcb_query_pointer_reply(xcb_connection_t* connection,
                                                           xcb_query_pointer_cookie_t cookie,
                                                           xcb_generic_error_t** error) {
