@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <span>
+#include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -17,20 +22,126 @@ class Descriptor {
     Descriptor(const std::string& path, int flags) : number_(open(path.c_str(), flags | O_CLOEXEC, 0666)) {}
     ~Descriptor() {
         if (number_ >= 0)
-            close(number_);
+            ::close(number_);
     }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
     explicit operator bool() const { return number_ >= 0; }
     int number() const { return number_; }
+    /// False if the system could not keep what was written.
+    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
 
   private:
     int number_;
 };
 
+using Bytes = std::span<const unsigned char>;
+
+std::optional<struct stat> statusOf(const Descriptor& file) {
+    struct stat status = {};
+    return fstat(file.number(), &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
 bool isRegularFile(const Descriptor& file) {
-    struct stat status;
-    return fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode);
+    const auto status = statusOf(file);
+    return status && S_ISREG(status->st_mode);
+}
+
+bool writeAll(const Descriptor& file, Bytes bytes) {
+    while (!bytes.empty()) {
+        const ssize_t put = write(file.number(), bytes.data(), bytes.size());
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(put));
+    }
+    return true;
+}
+
+/// Writes from the start of the file on and cuts off what is left behind.
+bool overwrite(const Descriptor& file, Bytes bytes) {
+    return lseek(file.number(), 0, SEEK_SET) == 0 && writeAll(file, bytes) &&
+           ftruncate(file.number(), static_cast<off_t>(bytes.size())) == 0;
+}
+
+/// Writes into the file itself. If that fails it gets back what it held, as far as it may be read.
+bool writeInPlace(const Descriptor& file, const std::string& path, Bytes bytes) {
+    if (!isRegularFile(file))
+        return writeAll(file, bytes);
+    const auto before = readWholeFile(path);
+    if (overwrite(file, bytes))
+        return true;
+    if (before)
+        overwrite(file, *before);
+    return false;
+}
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+/// What `path` leads to by links, whether it is there or not.
+std::string behindLinks(std::string path) {
+    constexpr int mostLinks = 40; // as the system allows
+    std::array<char, PATH_MAX> link;
+    for (int i = 0; i < mostLinks; ++i) {
+        const ssize_t length = readlink(path.c_str(), link.data(), link.size());
+        if (length <= 0)
+            break;
+        const std::string_view target(link.data(), static_cast<std::size_t>(length));
+        path = (target.starts_with('/') ? "" : folderOf(path)).append(target);
+    }
+    return path;
+}
+
+enum class Replacement { done, refused, failed };
+
+/// After a step that changes no file: whether that folder takes no new files, while those that it holds may
+/// still be written.
+Replacement refusedOrFailed() {
+    const bool isRefused = errno == EACCES || errno == EPERM || errno == EROFS || errno == EBUSY;
+    return isRefused ? Replacement::refused : Replacement::failed;
+}
+
+/// Makes a file in `folder` under a name that nothing there has, and puts that name behind `folder`.
+Descriptor makeDraft(std::string& folder) {
+    const std::string start = folder + ".quillon-" + std::to_string(getpid()) + "-";
+    for (int number = 0;; ++number) {
+        folder = start + std::to_string(number);
+        Descriptor draft(folder, O_WRONLY | O_CREAT | O_EXCL);
+        if (draft || errno != EEXIST)
+            return draft;
+    }
+}
+
+/// Gives the new file the owner and the permissions of the old one.
+bool takesAfter(const Descriptor& file, const struct stat& old) {
+    const auto own = statusOf(file);
+    const bool isOwners = own && own->st_uid == old.st_uid && own->st_gid == old.st_gid;
+    return (isOwners || fchown(file.number(), old.st_uid, old.st_gid) == 0) &&
+           fchmod(file.number(), old.st_mode & 07777) == 0;
+}
+
+/// Writes a new file and puts it in the place of `path`: a rename is the one step that cannot be seen half
+/// done. It is on the disk by then, so that a power cut leaves one of the two. `old` is the status of what
+/// is there.
+Replacement replaceFile(const std::string& path, Bytes bytes, const std::optional<struct stat>& old) {
+    std::string draft = folderOf(path);
+    Descriptor file = makeDraft(draft);
+    if (!file)
+        return refusedOrFailed();
+    Replacement result = Replacement::failed;
+    if (old && !takesAfter(file, *old))
+        result = Replacement::refused;
+    else if (!writeAll(file, bytes) || fsync(file.number()) != 0 || !file.close())
+        result = Replacement::failed;
+    else if (std::rename(draft.c_str(), path.c_str()) == 0)
+        return Replacement::done;
+    else
+        result = refusedOrFailed();
+    unlink(draft.c_str());
+    return result;
 }
 
 } // namespace
@@ -58,20 +169,18 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
 }
 
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size) {
-    const Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK);
-    if (!file)
+    const Bytes bytes(static_cast<const unsigned char*>(data), size);
+    // What may not be written may not be replaced either. Non-blocking, as a pipe may have that name.
+    const Descriptor old(path, O_WRONLY | O_NONBLOCK);
+    if (!old && errno != ENOENT)
         return false;
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t put = write(file.number(), bytes + done, size - done);
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<std::size_t>(put);
-    }
-    return true;
+    const auto status = old ? statusOf(old) : std::nullopt;
+    const bool isReplaceable = !old || (status && S_ISREG(status->st_mode) && status->st_nlink == 1);
+    const Replacement result =
+        isReplaceable ? replaceFile(behindLinks(path), bytes, status) : Replacement::refused;
+    if (result == Replacement::refused && old)
+        return writeInPlace(old, path, bytes);
+    return result == Replacement::done;
 }
 
 } // namespace platform

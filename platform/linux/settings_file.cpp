@@ -4,10 +4,7 @@
 #include "../product_names.h"
 #include "platform/files.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <pwd.h>
 #include <string_view>
@@ -78,33 +75,6 @@ std::optional<std::vector<std::string>> readLines(const std::string& path) {
     return lines;
 }
 
-bool writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t put = ::write(file, text.data(), text.size());
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(put));
-    }
-    // On the disk before it takes the old file's place, so that a power cut leaves one of the two.
-    return fsync(file) == 0;
-}
-
-/// Writes beside the target first: a rename is the one step that cannot be seen half done.
-bool replaceFile(const std::string& path, const std::string& text) {
-    std::string draft = path + ".XXXXXX";
-    const int file = mkostemp(draft.data(), O_CLOEXEC);
-    if (file < 0)
-        return false;
-    const bool written = writeAll(file, text);
-    const bool closed = close(file) == 0;
-    if (written && closed && std::rename(draft.c_str(), path.c_str()) == 0)
-        return true;
-    unlink(draft.c_str());
-    return false;
-}
-
 std::string homeFolder() {
     const char* home = std::getenv("HOME");
     if (home && *home)
@@ -165,7 +135,7 @@ bool SettingsFile::write(const std::string& name, const std::string& value) {
     }
     if (!placed)
         text += name + "=" + escaped(value) + "\n";
-    return replaceFile(target, text);
+    return writeWholeFile(target, text.data(), text.size());
 }
 
 std::string ownSettingsPath() {
