@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <string>
 
 namespace editor {
 
-/// Room for the path of the help page in double quotes, with its NUL.
-constexpr std::size_t kHelpArgumentSize = 260;
+/// Room for the path of the help page in double quotes, with its NUL: as long as a path may be on this
+/// system.
+constexpr std::size_t kHelpArgumentSize = FILENAME_MAX;
 
 /// Opens the help page. Where there is no browser, no page or a path that is too long, nothing happens. Not
 /// on the audio thread.

@@ -28,11 +28,12 @@ std::optional<std::string> skinFile(const std::string& folder, const std::string
                           : platform::findPath(folder, name + platform::folderSeparator + kSkinFile);
 }
 
-/// For the operations that are given room for a path.
-void copyPath(char* buffer, const std::string& text) {
-    char whole[kPathSize];
+/// For the operations that are given room for `size` bytes.
+template <std::size_t size>
+void copyInto(char* buffer, const std::string& text) {
+    char whole[size];
     copyWholeText(whole, text.c_str());
-    std::copy_n(whole, kPathSize, buffer);
+    std::copy_n(whole, size, buffer);
 }
 
 /// The folder as it is really spelled, so that every file in it is found; as the name says if there is none.
@@ -47,15 +48,15 @@ std::string skinFolder(const std::string& folder, const std::string& name) {
 } // namespace
 
 void skinModuleFolder(char* buffer) {
-    copyPath(buffer, platform::moduleFolder());
+    copyInto<kPathSize>(buffer, platform::moduleFolder());
 }
 
 void skinLoadName(const char* folder, char* name) {
     const auto chosen = platform::readSetting(kSetting);
     // What is too long for a name cannot have been chosen.
-    if (!chosen || chosen->size() >= kPathSize)
-        return copyPath(name, kFirstSkin);
-    copyPath(name, skinFile(folder, *chosen) ? *chosen : kFallbackSkin);
+    if (!chosen || chosen->size() >= kNameSize)
+        return copyInto<kNameSize>(name, kFirstSkin);
+    copyInto<kNameSize>(name, skinFile(folder, *chosen) ? *chosen : kFallbackSkin);
 }
 
 bool skinSaveName(const char* name) {
@@ -76,11 +77,11 @@ void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
 }
 
 void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xmlGuiEditor* editor) {
-    char folder[kPathSize], name[kPathSize];
+    char folder[kPathSize], name[kNameSize];
     skinModuleFolder(folder);
     skinLoadName(folder, name);
     skinScanFolder(folder, editor);
-    copyPath(context->path, skinFolder(folder, name));
+    copyWholeText(context->path, skinFolder(folder, name).c_str());
     context->backgroundOnly = backgroundOnly;
     context->parent = parent;
     context->displayMemory = std::make_shared<platform::DisplayMemory>(kMostDisplayMemory);

@@ -9,6 +9,7 @@
 #include "skin/grow_array.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <memory>
 
 namespace VSTGUI {
@@ -22,8 +23,11 @@ namespace skin {
 
 class xmlGuiEditor;
 
-/// Room for a path or a skin's name, its NUL included. A path that does not fit leads nowhere.
-constexpr std::size_t kPathSize = 260;
+/// Room for a path, its NUL included, as long as this system allows. A path that does not fit leads nowhere.
+constexpr std::size_t kPathSize = FILENAME_MAX;
+
+/// Room for the name of a skin or of a picture, its NUL included.
+constexpr std::size_t kNameSize = 260;
 
 /// What the pictures of one window may keep on the display, in bytes. The delivered skins keep less than
 /// 10 MB; beyond the limit pictures are drawn from this process's memory, which is slower.
@@ -31,12 +35,12 @@ constexpr std::size_t kMostDisplayMemory = std::size_t{64} << 20;
 
 /// The name of a skin's folder.
 struct SkinName {
-    char text[kPathSize];
+    char text[kNameSize];
 };
 
 /// A picture of this pass.
 struct SkinBitmap {
-    char name[kPathSize];    ///< as the first tag that asked for it spells it
+    char name[kNameSize];    ///< as the first tag that asked for it spells it
     VSTGUI::CBitmap* bitmap; ///< holds one reference
 };
 
@@ -66,7 +70,7 @@ void skinModuleFolder(char* buffer);
 /// Adds the name of every skin in `folder` to the editor's list, in the order of the file system.
 void skinScanFolder(const char* folder, xmlGuiEditor* editor);
 
-/// Writes the name of the skin to use into kPathSize bytes: the person's choice; "skin" if that has gone from
+/// Writes the name of the skin to use into kNameSize bytes: the person's choice; "skin" if that has gone from
 /// `folder`; "Quillon Skin" if nothing was ever chosen.
 void skinLoadName(const char* folder, char* name);
 

@@ -284,6 +284,17 @@ TEST_F(Help, OpensWithoutASignWhereThereIsNoBrowser) {
     setenv("PATH", path.c_str(), 1);
 }
 
+TEST_F(Help, OpensFromBelowALongPath) {
+    for (const std::size_t length : {300, 1000}) {
+        const std::string folder = "/" + std::string(length, 'd') + "/";
+        platform::replaceModuleFolder(folder);
+        opened.clear();
+        editor::openHelp();
+        EXPECT_EQ(opened, std::vector<std::string>{"\"" + folder + "Quillon Multitap Delay Help.htm\""});
+    }
+    platform::replaceModuleFolder("");
+}
+
 TEST_F(Help, FillsItsBufferToTheLastByteAndNoFurther) {
     constexpr std::size_t others = sizeof "\"Quillon Multitap Delay Help.htm\"" - 1;
     const std::string longest(editor::kHelpArgumentSize - 1 - others, 'x');

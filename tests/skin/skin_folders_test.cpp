@@ -152,12 +152,13 @@ TEST_F(SkinFolders, AreReadAnewAtEachOpening) {
 }
 
 TEST_F(SkinFolders, AreNotSoughtInTheCurrentFolderWhenTheirOwnHasTooLongAPath) {
-    const std::string longName(200, 'f');
-    addSkin(longName + "/" + longName + "/Quillon Skin", 101);
     std::filesystem::create_directories("Quillon Skin");
     for (const char* stray : {"skin.xml", "Quillon Skin/skin.xml"})
         ASSERT_TRUE(platform::writeWholeFile(stray, "<GUI></GUI>", 11));
-    platform::replaceModuleFolder(bench.folder() + longName + "/" + longName + "/");
+    std::string tooLong = bench.folder();
+    while (tooLong.size() < skin::kPathSize)
+        tooLong += "./";
+    platform::replaceModuleFolder(tooLong);
     CaptureStdout();
     auto& editor = bench.makeEditor();
     EXPECT_FALSE(editor.open(nullptr));
@@ -165,15 +166,29 @@ TEST_F(SkinFolders, AreNotSoughtInTheCurrentFolderWhenTheirOwnHasTooLongAPath) {
     EXPECT_EQ(editor.skinNames.count, 0);
 }
 
-TEST_F(SkinFolders, WithTooLongAPathAreNotUsed) {
+TEST_F(SkinFolders, AreFoundBelowALongPath) {
+    for (const std::size_t length : {300, 1000, 3900}) {
+        SCOPED_TRACE(length);
+        std::string below;
+        while (bench.folder().size() + below.size() < length)
+            below += std::string(50, 'd') + "/";
+        for (const char* name : {"Quillon Skin", "night"})
+            addSkin(below + name, *name == 'n' ? 103 : 101);
+        platform::replaceModuleFolder(bench.folder() + below);
+        choose("night");
+        EXPECT_EQ(openedWidth(), 103);
+        bench.settings.texts.clear();
+        EXPECT_EQ(openedWidth(), 101);
+        EXPECT_EQ(listedNames(), (Strings{"Quillon Skin", "night"}));
+    }
+}
+
+TEST_F(SkinFolders, MayHaveTheLongestNameThatThereIs) {
     const std::string longName(255, 'n');
     addSkin(longName, 103);
     choose(longName);
-    CaptureStdout();
-    auto& editor = bench.makeEditor();
-    EXPECT_FALSE(editor.open(nullptr));
-    GetCapturedStdout();
-    EXPECT_EQ(editor.skinNames.count, 1) << "though the name alone fits";
+    EXPECT_EQ(openedWidth(), 103);
+    EXPECT_EQ(listedNames(), Strings{longName});
 }
 
 TEST_F(SkinFolders, ThatCannotBeParsedAreReportedAsMissing) {
@@ -265,7 +280,7 @@ TEST_F(SkinFolders, ThatDifferInLetterCaseAloneAreListedForThemselves) {
 TEST_F(SkinFolders, CanBeAskedStepByStep) {
     addSkin("night", 103);
     addSkin("skin", 102);
-    char folder[skin::kPathSize], name[skin::kPathSize];
+    char folder[skin::kPathSize], name[skin::kNameSize];
     skin::skinModuleFolder(folder);
     EXPECT_EQ(folder, bench.folder());
     skin::skinLoadName(folder, name);

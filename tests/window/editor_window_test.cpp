@@ -150,6 +150,35 @@ TEST_F(WindowedEditor, ShowsTheSkinInTheSizeThatTheHostWasTold) {
     EXPECT_EQ(childrenOf(editor.window()).size(), 1u);
 }
 
+TEST_F(WindowedEditor, OpensFromBelowALongPath) {
+    const std::string settings = std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software";
+    std::filesystem::create_directories(settings);
+    for (const std::size_t length : {300, 1000}) {
+        SCOPED_TRACE(length);
+        std::string place = here("");
+        while (place.size() < length)
+            place += std::string(50, 'd') + "/";
+        std::filesystem::create_directories(place);
+        conversation::ModuleCopy copy(place + "module");
+        std::filesystem::copy(module.folder(), copy.folder(),
+                              std::filesystem::copy_options::recursive |
+                                  std::filesystem::copy_options::skip_existing);
+        const conversation::Bytes map(84, 7);
+        conversation::writeFile(copy.beside(conversation::kMapFile), map);
+        for (const auto& [skin, width] : {std::pair("Quillon Skin", kSkinWidth), std::pair("blue", 160)}) {
+            std::ofstream(settings + "/Quillon Multitap Delay.conf") << "SkinName=" << skin << "\n";
+            std::filesystem::remove(here(conversation::kMapFile));
+            ShownEditor editor(copy.library(), screen());
+            EXPECT_EQ(editor.width(), width);
+            EXPECT_TRUE(editor.open());
+            EXPECT_TRUE(editor.showsPixel(2, 2, width == 160 ? kBlue : kGrey));
+            editor.close();
+            editor.destroyInstance();
+            EXPECT_EQ(conversation::readFile(here(conversation::kMapFile)), map);
+        }
+    }
+}
+
 TEST_F(WindowedEditor, LetsAKnobBeDraggedAndTellsTheHostOfTheGesture) {
     auto& editor = show();
     const float before = editor.value(kKnob);
