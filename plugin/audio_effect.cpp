@@ -140,15 +140,43 @@ void AudioEffect::setFlag(AEffectFlags flag, bool state) {
     cEffect.flags = state ? cEffect.flags | flag : cEffect.flags & ~flag;
 }
 
+/// Keeps the object until the host's call has returned. A message box, or a question to the host, may let the
+/// host close the effect in the middle of another call.
+class AudioEffect::Hold {
+  public:
+    explicit Hold(AudioEffect& effect) : effect_(effect) {
+        effect_.holders_.fetch_add(1, std::memory_order_relaxed);
+    }
+    ~Hold() { effect_.release(); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+  private:
+    AudioEffect& effect_;
+};
+
+void AudioEffect::release() {
+    if (holders_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        delete this;
+}
+
+/// The host has ended the effect. If another call of it has not returned, only the window goes now.
+void AudioEffect::closeForHost() {
+    constexpr int hostAndThisCall = 2;
+    if (editor && holders_.load(std::memory_order_relaxed) > hostAndThisCall)
+        editor->close();
+    release();
+}
+
 std::intptr_t AudioEffect::dispatchEffectClass(AEffect* effect, std::int32_t opcode, std::int32_t index,
                                                std::intptr_t value, void* ptr, float opt) {
     AudioEffect* const object = effectOf(effect);
-    if (opcode == effClose) {
-        object->dispatcher(opcode, index, value, ptr, opt);
-        delete object;
-        return 1;
-    }
-    return object->dispatcher(opcode, index, value, ptr, opt);
+    const Hold hold(*object);
+    const std::intptr_t answer = object->dispatcher(opcode, index, value, ptr, opt);
+    if (opcode != effClose)
+        return answer;
+    object->closeForHost();
+    return 1;
 }
 
 void AudioEffect::processClass(AEffect* effect, float** inputs, float** outputs, std::int32_t sampleFrames) {

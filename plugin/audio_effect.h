@@ -9,6 +9,7 @@
 #include "plugin/aeff_editor.h"
 #include "vst2/vst2.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -94,7 +95,12 @@ class AudioEffect {
     vst2::AEffect cEffect = {};
 
   private:
+    class Hold;
+
     void setFlag(vst2::AEffectFlags flag, bool state);
+    /// Deletes the object with its last holder.
+    void release();
+    void closeForHost();
 
     static std::intptr_t dispatchEffectClass(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index,
                                              std::intptr_t value, void* ptr, float opt);
@@ -106,6 +112,9 @@ class AudioEffect {
                                             std::int32_t sampleFrames);
     static void setParameterClass(vst2::AEffect* effect, std::int32_t index, float value);
     static float getParameterClass(vst2::AEffect* effect, std::int32_t index);
+
+    /// The host, until it closes the effect, and each of its calls that has not returned.
+    std::atomic<int> holders_ = 1;
 };
 
 } // namespace plugin

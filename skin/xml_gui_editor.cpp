@@ -102,7 +102,7 @@ bool xmlGuiEditor::readSkin(SkinContext& context) {
             continue;
         SkinObject object(child);
         createControls(child->name, &object, &context);
-        if (context.isWindowMissing)
+        if (context.isWindowMissing || isClosedWhileReading_)
             return false;
     }
     return true;

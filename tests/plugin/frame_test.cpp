@@ -2,12 +2,16 @@
 // cannot show.
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
+#include "platform/module_folder.h"
 #include "platform/private_folder.h"
 #include "plugin/velmo_delay.h"
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -191,6 +195,81 @@ TEST_F(Frame, LeadsTheEditorsOpcodesToTheEditorAndOwnsIt) {
         EXPECT_EQ(record->dispatcher(record, effEditClose, 0, 0, nullptr, 0.0f), 0);
     }
     EXPECT_EQ(notes, "open idle down 97/7/2 up knobs 2 close gone ");
+}
+
+std::intptr_t closeByRecord(AEffect* record) {
+    return record->dispatcher(record, effClose, 0, 0, nullptr, 0.0f);
+}
+
+/// An effect that its host closes while it is asked for its chunk.
+class ClosedInACall final : public plugin::AudioEffectX {
+  public:
+    explicit ClosedInACall(std::string& notes) : AudioEffectX(recordingHost, 1, 1), notes_(notes) {
+        setEditor(new NotingEditor(this, notes_));
+    }
+    ~ClosedInACall() override { notes_ += "effect gone "; }
+    void processReplacing(float**, float**, std::int32_t) override {}
+    std::int32_t getChunk(void**, bool) override {
+        EXPECT_EQ(closeByRecord(getAeffect()), 1);
+        notes_ += "chunk ";
+        return 5;
+    }
+
+  private:
+    std::string& notes_;
+};
+
+TEST_F(Frame, KeepsAnEffectThatIsClosedInTheMiddleOfACallUntilThatReturns) {
+    std::string notes;
+    AEffect* const record = (new ClosedInACall(notes))->getAeffect();
+    EXPECT_EQ(record->dispatcher(record, effGetChunk, 0, 0, nullptr, 0.0f), 5);
+    EXPECT_EQ(notes, "close chunk effect gone gone ") << "the window goes at once";
+}
+
+/// An effect in whose messages the host ends it.
+class ClosedAtAMessage : public Frame {
+  protected:
+    ClosedAtAMessage() {
+        platform::replaceMessageBox(
+            [](void* context, const char* text, const char*, const platform::MessageLook&) {
+                auto* const test = static_cast<ClosedAtAMessage*>(context);
+                test->messages.push_back(text);
+                if (AEffect* const record = std::exchange(test->toClose, nullptr))
+                    closeByRecord(record);
+            },
+            this);
+    }
+    ~ClosedAtAMessage() override { platform::replaceModuleFolder(""); }
+
+    AEffect* makeRecord() {
+        AEffect* const record = (new plugin::velmo_delay(recordingHost))->getAeffect();
+        messages.clear();
+        toClose = record;
+        return record;
+    }
+
+    AEffect* toClose = nullptr;
+};
+
+TEST_F(ClosedAtAMessage, OfAChunkOfTheWrongSize) {
+    for (const std::int32_t isPreset : {0, 1}) {
+        AEffect* const record = makeRecord();
+        unsigned char chunk[200] = {};
+        EXPECT_EQ(record->dispatcher(record, effSetChunk, isPreset, sizeof chunk, chunk, 0.0f), 1);
+        EXPECT_EQ(messages.size(), 1u);
+        EXPECT_TRUE(std::filesystem::remove("Pluginccmap.bin")) << "which the effect's end writes";
+    }
+}
+
+TEST_F(ClosedAtAMessage, OfAFaultInTheSkin) {
+    std::filesystem::create_directory("Quillon Skin");
+    std::ofstream("Quillon Skin/skin.xml")
+        << R"(<GUI><knob y="1"/><onoff x="1"/><vswitch x="oops"/><kick x="1"/></GUI>)";
+    platform::replaceModuleFolder(folder.path() + "/");
+    AEffect* const record = makeRecord();
+    EXPECT_EQ(record->dispatcher(record, effEditOpen, 0, 0, nullptr, 0.0f), 0);
+    EXPECT_EQ(messages, std::vector<std::string>{"Missing tag x for object knob"}) << "and no further one";
+    EXPECT_TRUE(std::filesystem::exists("Pluginccmap.bin"));
 }
 
 } // namespace

@@ -366,6 +366,27 @@ TEST_F(WindowedEditor, ClosesWhileItTellsOfAFaultInTheSkin) {
     }
 }
 
+TEST_F(WindowedEditor, EndsWhileItTellsOfAFaultInTheSkin) {
+    std::ofstream(beside("Quillon Skin\\skin.xml"))
+        << R"(<GUI><background filename="background.png"/><knob y="1"/><onoff x="1"/>)"
+        << R"(<ViewTaps x="10" y="110" w="200" h="60"/></GUI>)";
+    ShownEditor editor(library());
+    std::atomic<bool> isGone = false;
+    std::atomic<int> messages = 0;
+    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
+                                       [&] { return isGone.load(); });
+    whenItSays("Skin Error", [&] {
+        editor.destroyInstance();
+        editor.destroyWindow();
+        isGone = true;
+    });
+    EXPECT_FALSE(editor.open());
+    EXPECT_TRUE(isGone);
+    EXPECT_EQ(messages, 1);
+    ShownEditor next(library());
+    EXPECT_TRUE(next.open());
+}
+
 TEST_F(WindowedEditor, EndsWhileItTellsOfTheChosenSkin) {
     auto& editor = show();
     std::atomic<bool> isGone = false;
