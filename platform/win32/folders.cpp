@@ -5,6 +5,8 @@
 
 #include "platform/files.h"
 
+#include "ansi_path.h"
+
 #include <algorithm>
 #include <windows.h>
 
@@ -61,7 +63,7 @@ std::vector<std::string> listFolder(const std::string& folder) {
 std::optional<std::string> findPath(const std::string& folder, const std::string& name) {
     if (std::all_of(name.begin(), name.end(), isSlash))
         return std::nullopt;
-    const bool isJoined = folder.empty() || isSlash(folder.back());
+    const bool isJoined = folder.empty() || endsInSeparator(folder);
     const std::string path = withBackslashes(isJoined ? folder + name : folder + '\\' + name);
     return fileExists(path) ? std::optional(path) : std::nullopt;
 }

@@ -3,6 +3,7 @@
 
 #include "../own_module_folder.h"
 
+#include "ansi_path.h"
 #include "module_handle.h"
 
 namespace platform {
@@ -24,9 +25,7 @@ std::string findModuleFolder() {
     const DWORD length = GetModuleFileNameA(libraryHandle, path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH)
         return {};
-    std::string folder(path, length);
-    folder.erase(folder.rfind('\\') + 1);
-    return folder;
+    return {path, folderLength({path, length})};
 }
 
 } // namespace platform
