@@ -1,8 +1,13 @@
 #include "platform/files.h"
 
+#include "ansi_path.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <span>
+#include <string_view>
+#include <utility>
 
 #include <windows.h>
 
@@ -15,14 +20,15 @@ class File {
     File(const std::string& path, DWORD access, DWORD sharing, DWORD creation)
         : handle_(CreateFileA(path.c_str(), access, sharing, nullptr, creation, FILE_ATTRIBUTE_NORMAL,
                               nullptr)) {}
-    ~File() {
-        if (*this)
-            CloseHandle(handle_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
+    ~File() { close(); }
+    File(File&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
+    File& operator=(File&&) = delete;
     explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
     HANDLE handle() const { return handle_; }
+    void close() {
+        if (*this)
+            CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
+    }
 
   private:
     HANDLE handle_;
@@ -30,6 +36,85 @@ class File {
 
 DWORD inOneGo(std::size_t size) {
     return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
+}
+
+using Bytes = std::span<const unsigned char>;
+
+bool writeAll(const File& file, Bytes bytes) {
+    while (!bytes.empty()) {
+        DWORD put = 0;
+        if (!WriteFile(file.handle(), bytes.data(), inOneGo(bytes.size()), &put, nullptr) || put == 0)
+            return false;
+        bytes = bytes.subspan(put);
+    }
+    return true;
+}
+
+/// Writes from the start of the file on and cuts off what is left behind.
+bool overwrite(const File& file, Bytes bytes) {
+    return SetFilePointer(file.handle(), 0, nullptr, FILE_BEGIN) == 0 && writeAll(file, bytes) &&
+           SetEndOfFile(file.handle());
+}
+
+/// Writes into the file itself. If that fails it gets back what it held, as far as it may be read.
+bool writeInPlace(const std::string& path, Bytes bytes) {
+    const auto before = readWholeFile(path);
+    const File file(path, GENERIC_WRITE, 0, OPEN_EXISTING);
+    if (!file)
+        return false;
+    if (overwrite(file, bytes))
+        return true;
+    if (before)
+        overwrite(file, *before);
+    return false;
+}
+
+/// Whether a new file may take the place of this one: not where other names lead to it, or a link.
+bool isReplaceable(const File& file, const std::string& path) {
+    BY_HANDLE_FILE_INFORMATION information = {};
+    return GetFileInformationByHandle(file.handle(), &information) && information.nNumberOfLinks == 1 &&
+           !(GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT);
+}
+
+enum class Replacement { done, refused, failed };
+
+/// After a step that changes no file: whether that folder takes no new files, while those that it holds may
+/// still be written. Names of drafts may be longer than those of the files.
+Replacement refusedOrFailed() {
+    const DWORD error = GetLastError();
+    const bool isRefused = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT ||
+                           error == ERROR_PATH_NOT_FOUND || error == ERROR_FILENAME_EXCED_RANGE;
+    return isRefused ? Replacement::refused : Replacement::failed;
+}
+
+/// Makes a file in `folder` under a name that nothing there has, and puts that name behind `folder`.
+File makeDraft(std::string& folder) {
+    const std::string start = folder + "qmd" + std::to_string(GetCurrentProcessId()) + "-";
+    for (int number = 0;; ++number) {
+        folder = start + std::to_string(number);
+        File draft(folder, GENERIC_WRITE, 0, CREATE_NEW);
+        if (draft || GetLastError() != ERROR_FILE_EXISTS)
+            return draft;
+    }
+}
+
+/// Writes a new file and puts it in the place of `path`: a move is the one step that cannot be seen half
+/// done. It is on the disk by then, so that a power cut leaves one of the two.
+Replacement replaceFile(const std::string& path, Bytes bytes) {
+    std::string draft = path.substr(0, folderLength(path));
+    File file = makeDraft(draft);
+    if (!file)
+        return refusedOrFailed();
+    const bool isWritten = writeAll(file, bytes) && FlushFileBuffers(file.handle());
+    file.close();
+    Replacement result = Replacement::failed;
+    if (isWritten &&
+        MoveFileExA(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return Replacement::done;
+    if (isWritten)
+        result = refusedOrFailed();
+    DeleteFileA(draft.c_str());
+    return result;
 }
 
 } // namespace
@@ -57,18 +142,23 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
 }
 
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size) {
-    const File file(path, GENERIC_WRITE, 0, CREATE_ALWAYS);
-    if (!file)
+    const Bytes bytes(static_cast<const unsigned char*>(data), size);
+    // What may not be written, or is open elsewhere, may not be replaced either.
+    File old(path, GENERIC_WRITE, 0, OPEN_EXISTING);
+    if (!old && GetLastError() != ERROR_FILE_NOT_FOUND)
         return false;
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    std::size_t done = 0;
-    while (done < size) {
-        DWORD put = 0;
-        if (!WriteFile(file.handle(), bytes + done, inOneGo(size - done), &put, nullptr) || put == 0)
-            return false;
-        done += put;
+    if (old && GetFileType(old.handle()) != FILE_TYPE_DISK)
+        return writeAll(old, bytes);
+    const bool exists = static_cast<bool>(old);
+    Replacement result = Replacement::refused;
+    if (!exists || isReplaceable(old, path)) {
+        old.close();
+        result = replaceFile(path, bytes);
     }
-    return true;
+    old.close();
+    if (result == Replacement::refused && exists)
+        return writeInPlace(path, bytes);
+    return result == Replacement::done;
 }
 
 } // namespace platform

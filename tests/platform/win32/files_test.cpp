@@ -2,8 +2,10 @@
 
 #include "platform/files.h"
 
+#include "platform/folders.h"
 #include "platform/private_folder.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -80,6 +82,35 @@ TEST_F(SharedFiles, AreLetGoOfAfterwards) {
     platform::readWholeFile("file", whole, Sharing::nobody);
     platform::writeWholeFile("file", "new", 3);
     const OpenElsewhere owner("file", GENERIC_READ | GENERIC_WRITE, 0);
+}
+
+TEST_F(SharedFiles, LeaveNothingBesideThem) {
+    for (const char* name : {"file", "another"})
+        EXPECT_TRUE(platform::writeWholeFile(name, "new", 3));
+    std::vector<std::string> names = platform::listFolder(".");
+    std::ranges::sort(names);
+    EXPECT_EQ(names, (std::vector<std::string>{"another", "file"}));
+}
+
+TEST_F(SharedFiles, ThatHaveTwoNamesKeepBoth) {
+    if (!CreateHardLinkA("second", "file", nullptr))
+        GTEST_SKIP() << "this file system knows no second names";
+    EXPECT_TRUE(platform::writeWholeFile("second", "longer", 6));
+    EXPECT_EQ(platform::readWholeFile("file")->size(), 6u);
+    EXPECT_TRUE(platform::writeWholeFile("file", "new", 3));
+    EXPECT_EQ(platform::readWholeFile("second"), (Bytes{'n', 'e', 'w'}));
+}
+
+TEST_F(SharedFiles, ThatAreWriteProtectedStayAsTheyAre) {
+    ASSERT_TRUE(SetFileAttributesA("file", FILE_ATTRIBUTE_READONLY));
+    const HANDLE allowed = CreateFileA("file", GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (allowed != INVALID_HANDLE_VALUE) {
+        CloseHandle(allowed);
+        GTEST_SKIP() << "the superuser of the system below may write everything";
+    }
+    EXPECT_FALSE(platform::writeWholeFile("file", "new", 3));
+    EXPECT_EQ(platform::readWholeFile("file"), old);
+    EXPECT_EQ(platform::listFolder(".").size(), 1u);
 }
 
 TEST_F(SharedFiles, AreReadThoughTheyAreWriteProtected) {
