@@ -13,22 +13,61 @@ namespace platform {
 
 namespace {
 
-/// Exact when hosts make and close instances on several threads at once; which of them is done with init and
-/// exit first is up to the host.
+/// How many use the toolkit. Hosts may make and close instances on several threads at once: while one of them
+/// makes the toolkit ready or gives it back, the count stands at `changing`, and the others wait for it.
 std::atomic<int> uses = 0;
+constexpr int changing = -1;
+
+/// Replaces the count by what `next` gives for it, and gives the count before.
+template <class Next>
+int changeUses(const Next& next) {
+    int before = uses.load();
+    while (before == changing || !uses.compare_exchange_weak(before, next(before))) {
+        uses.wait(changing);
+        before = uses.load();
+    }
+    return before;
+}
+
+void setUses(int count) {
+    uses = count;
+    uses.notify_all();
+}
+
+/// The library stays loaded as long as the toolkit is in use, whatever the host does: the system calls the
+/// toolkit's windows, and nothing of the toolkit may be given back while the loader holds its lock.
+void holdLibrary() {
+    HMODULE module = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<const char*>(&uses), &module);
+}
+
+void endUse() {
+    setUses(0);
+    FreeLibrary(moduleHandle());
+}
 
 } // namespace
 
 ToolkitUse::ToolkitUse() {
-    // With the library's own handle: windows are made of a class that is found under it, and the host's
-    // program may bring a toolkit of its own.
-    if (uses++ == 0)
+    if (changeUses([](int count) { return count == 0 ? changing : count + 1; }) > 0)
+        return;
+    holdLibrary();
+    try {
+        // With the library's own handle: windows are made of a class that is found under it, and the host's
+        // program may bring a toolkit of its own.
         VSTGUI::init(moduleHandle());
+    } catch (...) {
+        endUse();
+        throw;
+    }
+    setUses(1);
 }
 
 ToolkitUse::~ToolkitUse() {
-    if (--uses == 0)
-        VSTGUI::exit();
+    if (changeUses([](int count) { return count == 1 ? changing : count - 1; }) > 1)
+        return;
+    VSTGUI::exit();
+    endUse();
 }
 
 /// What one editor has asked of the system, and gives back.

@@ -8,7 +8,12 @@
 #include "vstgui/lib/controls/cknob.h"
 #include "vstgui/lib/controls/icontrollistener.h"
 #include "vstgui/lib/events.h"
+#include "vstgui/lib/platform/platform_win32.h"
+#include "vstgui/lib/platform/platformfactory.h"
+#include "vstgui/lib/platform/win32/win32factory.h"
 
+#include <atomic>
+#include <barrier>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -71,6 +76,24 @@ TEST(AToolkit, MayBeGivenBackOnAnotherThread) {
         CoUninitialize();
     }).join();
     OleUninitialize();
+}
+
+TEST(AToolkit, IsReadyForAllWhoStartAtOnce) {
+    constexpr int starters = 4;
+    for (int round = 0; round < 25; ++round) {
+        std::barrier start(starters);
+        std::atomic<int> ready = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < starters; ++i)
+            threads.emplace_back([&] {
+                start.arrive_and_wait();
+                const Toolkit toolkit;
+                ready += VSTGUI::getPlatformFactory().asWin32Factory()->getD2DFactory() != nullptr;
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(ready, starters) << round;
+    }
 }
 
 /// Counts the views that live.
