@@ -87,8 +87,9 @@ class OpenBox final : public CControl {
 CAbout::CAbout(const CRect& size, VSTGUI::IControlListener* boxListener, std::int32_t boxTag,
                CBitmap* picture, const CRect& pictureArea, const CPoint& pictureOffset)
     : CSplashScreen(size, boxListener, boxTag, picture, pictureArea, pictureOffset) {
+    auto* const box = new OpenBox(*this, picture, pictureArea, pictureOffset);
     modalView->forget();
-    modalView = new OpenBox(*this, picture, pictureArea, pictureOffset);
+    modalView = box;
 }
 
 void CAbout::draw(CDrawContext* context) {

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <mutex>
+#include <new>
 
 namespace editor {
 
@@ -47,12 +48,22 @@ myEditor::myEditor(plugin::AudioEffectX* owner, TapGains tapGain)
 bool myEditor::open(void* ptr) {
     viewTaps = nullptr;
     noteDisplay = nullptr;
-    if (!xmlGuiEditor::open(ptr))
-        return false;
+    opened = xmlGuiEditor::open(ptr) && hasOverlays();
+    if (!opened) {
+        viewTaps = nullptr;
+        noteDisplay = nullptr;
+    }
+    return opened;
+}
+
+/// A window that memory is too short for is taken away again.
+bool myEditor::hasOverlays() try {
     learn.disarm();
     layOverlays();
-    opened = true;
     return true;
+} catch (const std::bad_alloc&) {
+    close();
+    return false;
 }
 
 void myEditor::close() {
@@ -71,10 +82,10 @@ void myEditor::layOverlays() {
     for (std::int32_t id = 0; id < numParams(); ++id)
         for (VSTGUI::CControl* control : covered)
             if (control->getTag() == id) {
-                auto* const overlay = new CMidiLearn(control->getViewSize(), this, midi::kLearnTagBase + id,
-                                                     control, &theEffect());
+                const auto overlay = VSTGUI::makeOwned<CMidiLearn>(
+                    control->getViewSize(), this, midi::kLearnTagBase + id, control, &theEffect());
                 overlay->setRefresh([this](VSTGUI::CControl& below) { bringUpToDate(below); });
-                frame->addView(overlay);
+                addControl(overlay);
             }
 }
 
@@ -143,8 +154,9 @@ int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
     const float taps = theEffect().getParameter(parameters::kTaps);
     const float stretch = theEffect().getParameter(parameters::kStretch);
     const float length = theEffect().getParameter(parameters::kBaseLength);
-    viewTaps = new ViewTaps(place);
-    frame->addView(viewTaps);
+    const auto view = VSTGUI::makeOwned<ViewTaps>(place);
+    addControl(view);
+    viewTaps = view;
     updateTapView(taps, stretch, length, theEffect().getSampleRate(), effectGains_);
     return skin::kDone;
 }
@@ -156,10 +168,10 @@ int myEditor::buildNoteDisplay(const SkinObject* object, SkinContext* context) {
     const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
     if (tags.isLost() || !frame)
         return skin::kPassedOver;
-    auto* const display = new CNoteDisplay(place, this, id, &note, &noteMode);
+    const auto display = VSTGUI::makeOwned<CNoteDisplay>(place, this, id, &note, &noteMode);
     display->setBackColor(clearColour(backColour.c_str()));
     display->setFontColor(clearColour(fontColour.c_str()));
-    frame->addView(display);
+    addControl(display);
     noteDisplay = display;
     return skin::kDone;
 }

@@ -55,6 +55,7 @@ class myEditor : public skin::xmlGuiEditor {
     int buildViewTaps(const skin::SkinObject* object, skin::SkinContext* context);
     int buildNoteDisplay(const skin::SkinObject* object, skin::SkinContext* context);
     int readPresetsDisplay(const skin::SkinObject* object, skin::SkinContext* context);
+    bool hasOverlays();
     void layOverlays();
     void showPattern();
 

@@ -3,6 +3,7 @@
 #include "message_window.h"
 
 #include <cstdio>
+#include <new>
 #include <string>
 
 namespace platform {
@@ -14,7 +15,7 @@ void* replacementContext = nullptr;
 
 } // namespace
 
-void showMessage(const char* text, const char* caption, const MessageLook& look) {
+void showMessage(const char* text, const char* caption, const MessageLook& look) try {
     if (replacement) {
         replacement(replacementContext, text, caption, look);
         return;
@@ -25,6 +26,8 @@ void showMessage(const char* text, const char* caption, const MessageLook& look)
     const std::string line = std::string(caption) + ": " + text + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     std::fflush(stderr);
+} catch (const std::bad_alloc&) {
+    // What a message is about goes on without it.
 }
 
 void replaceMessageBox(MessageHandler handler, void* context) {

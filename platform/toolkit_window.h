@@ -21,15 +21,17 @@ class ToolkitWindow {
     ToolkitWindow& operator=(const ToolkitWindow&) = delete;
 
     /// Opens `frame` in the host's window `parent` and takes the frame over, with the one reference that its
-    /// maker had. False if there is no display or no such window; the frame then exists unseen, and views may
-    /// be added to it as to any other. A second frame may be opened beside the first one. When the display is
-    /// gone and another one is there, the next window opens on that.
+    /// maker had, also where it throws std::bad_alloc. False if there is no display or no such window; the
+    /// frame then exists unseen, and views may be added to it as to any other. A second frame may be opened
+    /// beside the first one. When the display is gone and another one is there, the next window opens on
+    /// that.
     bool open(VSTGUI::CFrame* frame, void* parent);
 
     /// Closes and releases what open() was given: menus and other modal views end, the system's window goes.
     /// May be called from inside an event of the frame itself, as hosts do; then the frame and its views live
-    /// on, unseen, until that event is over. Do not use the frame afterwards.
-    void close();
+    /// on, unseen, until that event is over. Do not use the frame afterwards. Does its work also without
+    /// memory.
+    void close() noexcept;
 
     /// Whether the left button is held in a gesture that began in this window.
     bool leftButtonDown() const;

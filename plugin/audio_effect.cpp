@@ -12,6 +12,17 @@ AudioEffect* effectOf(AEffect* record) {
     return static_cast<AudioEffect*>(record->object);
 }
 
+/// What `call` gives, or `otherwise` where it throws, as it may when memory runs out: a host is written in
+/// anybody's language and knows nothing of our exceptions. Audio goes past it, since it throws nothing.
+template <class Answer, class Call>
+Answer orElse(Answer otherwise, const Call& call) noexcept {
+    try {
+        return call();
+    } catch (...) {
+        return otherwise;
+    }
+}
+
 } // namespace
 
 AudioEffect::AudioEffect(audioMasterCallback host, std::int32_t programs, std::int32_t parameters)
@@ -172,7 +183,8 @@ std::intptr_t AudioEffect::dispatchEffectClass(AEffect* effect, std::int32_t opc
                                                std::intptr_t value, void* ptr, float opt) {
     AudioEffect* const object = effectOf(effect);
     const Hold hold(*object);
-    const std::intptr_t answer = object->dispatcher(opcode, index, value, ptr, opt);
+    const std::intptr_t answer =
+        orElse(std::intptr_t{0}, [&] { return object->dispatcher(opcode, index, value, ptr, opt); });
     if (opcode != effClose)
         return answer;
     object->closeForHost();
@@ -194,11 +206,14 @@ void AudioEffect::processClassDoubleReplacing(AEffect* effect, double** inputs, 
 }
 
 void AudioEffect::setParameterClass(AEffect* effect, std::int32_t index, float value) {
-    effectOf(effect)->setParameter(index, value);
+    orElse(false, [&] {
+        effectOf(effect)->setParameter(index, value);
+        return true;
+    });
 }
 
 float AudioEffect::getParameterClass(AEffect* effect, std::int32_t index) {
-    return effectOf(effect)->getParameter(index);
+    return orElse(0.0f, [&] { return effectOf(effect)->getParameter(index); });
 }
 
 } // namespace plugin

@@ -174,8 +174,16 @@ int xmlGuiEditor::createControls(const char* name, SkinObject* object, SkinConte
     return (this->*kind->build)(reader);
 }
 
-void xmlGuiEditor::addControl(CControl* control) {
-    frame->addView(control);
+void xmlGuiEditor::addControl(const VSTGUI::SharedPointer<CControl>& control) {
+    // The frame takes over a reference, and leaves it where it has no memory for the control.
+    control->remember();
+    try {
+        frame->addView(control);
+    } catch (...) {
+        if (!control->isSubview())
+            control->forget();
+        throw;
+    }
 }
 
 void xmlGuiEditor::bindValue(CControl* control, std::int32_t id) {
@@ -248,8 +256,8 @@ int xmlGuiEditor::buildSlider(ObjectReader& object) {
     // The toolkit wants to hear of exactly one direction.
     const std::int32_t direction = isVertical ? CSlider::kVertical : CSlider::kHorizontal;
     const std::int32_t fullStyle = (style & ~(CSlider::kVertical | CSlider::kHorizontal)) | direction;
-    auto* const slider = new SkinSlider(place, this, id, first, last, handle, ground,
-                                        CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
+    const auto slider = VSTGUI::makeOwned<SkinSlider>(place, this, id, first, last, handle, ground,
+                                                      CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
     addControl(slider);
     bindValue(slider, id);
     skinReadDefault("slider", object.object(), slider, object.context());
@@ -270,14 +278,14 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
         return kPassedOver;
 
     const CPoint offset(trunc(xOffset), trunc(yOffset));
-    CControl* knob = nullptr;
+    VSTGUI::SharedPointer<CControl> knob;
     if (isFilm) {
         const double imageHeight = place.getHeight();
         const std::int32_t images =
             handle && imageHeight > 0.0 ? trunc(handle->getHeight() / imageHeight) : 0;
-        knob = new VSTGUI::CAnimKnob(place, this, id, images, imageHeight, handle);
+        knob = VSTGUI::makeOwned<VSTGUI::CAnimKnob>(place, this, id, images, imageHeight, handle);
     } else {
-        knob = new VSTGUI::CKnob(place, this, id, ground, handle, offset);
+        knob = VSTGUI::makeOwned<VSTGUI::CKnob>(place, this, id, ground, handle, offset);
     }
     if (isTransparent)
         knob->setTransparency(*isTransparent);
@@ -294,7 +302,7 @@ int xmlGuiEditor::buildOnOff(ObjectReader& object) {
     if (object.isLost() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
-    auto* const button = new VSTGUI::COnOffButton(place, this, id, states, 0);
+    const auto button = VSTGUI::makeOwned<VSTGUI::COnOffButton>(place, this, id, states, 0);
     addControl(button);
     bindValue(button, id);
     skinReadDefault("onoff", object.object(), button, object.context());
@@ -311,7 +319,8 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const display = new editor::CParamDisplayLink(&theEffect(), link, place, id, ground, style);
+    const auto display =
+        VSTGUI::makeOwned<editor::CParamDisplayLink>(&theEffect(), link, place, id, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
     displayLinks.append(display);
     addControl(display);
@@ -338,7 +347,7 @@ editor::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& pla
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return nullptr;
-    auto* const display = new editor::CDisplay(place, ground, style);
+    const auto display = VSTGUI::makeOwned<editor::CDisplay>(place, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
     display->setTag(tag);
     addControl(display);
@@ -352,7 +361,7 @@ int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
     CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const menu = new SkinMenu(place, this, id, ground, activeGround, style);
+    const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, id, ground, activeGround, style);
     addEntries(menu, *object.object(), id);
     if (isParameter(id)) {
         menuIds.append(id);
@@ -389,7 +398,7 @@ int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
     CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return kPassedOver;
-    auto* const menu = new SkinMenu(place, this, kSkinSelectorTag, ground, activeGround, style);
+    const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, kSkinSelectorTag, ground, activeGround, style);
     for (const SkinName& name : skinNames)
         menu->addEntry(skinTitle(name.text));
     menu->showValue(static_cast<float>(skinNames.count));
@@ -415,7 +424,7 @@ int xmlGuiEditor::buildSwitch(ObjectReader& object) {
     // Without entries nothing is to be seen, and nothing must be drawn at no place.
     const double imageHeight = std::isfinite(height) ? height : 0.0;
     const std::int32_t count = trunc(entries);
-    auto* const control = new Switch(place, this, id, count, imageHeight, count, images);
+    const auto control = VSTGUI::makeOwned<Switch>(place, this, id, count, imageHeight, count, images);
     addControl(control);
     bindValue(control, id);
     skinReadDefault(kind, object.object(), control, object.context());
@@ -430,7 +439,7 @@ int xmlGuiEditor::buildKick(ObjectReader& object) {
     if (object.isLost() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
-    auto* const button = new VSTGUI::CKickButton(place, this, id, states);
+    const auto button = VSTGUI::makeOwned<VSTGUI::CKickButton>(place, this, id, states);
     if (isTransparent)
         button->setTransparency(*isTransparent);
     addControl(button);
@@ -446,9 +455,11 @@ int xmlGuiEditor::buildAbout(ObjectReader& object) {
     CRect shown(0, 0, width, height);
     shown.offset((trunc(background->getWidth()) - width) / 2, (trunc(background->getHeight()) - height) / 2);
     const std::int32_t tag = kFirstAboutTag + aboutCount;
-    VSTGUI::CSplashScreen* const box = aboutCount == 0
-                                           ? new editor::CAbout(area, this, tag, picture, shown)
-                                           : new VSTGUI::CSplashScreen(area, this, tag, picture, shown);
+    VSTGUI::SharedPointer<VSTGUI::CSplashScreen> box;
+    if (aboutCount == 0)
+        box = VSTGUI::makeOwned<editor::CAbout>(area, this, tag, picture, shown);
+    else
+        box = VSTGUI::makeOwned<VSTGUI::CSplashScreen>(area, this, tag, picture, shown);
     if (aboutCount < static_cast<std::int32_t>(std::size(aboutBoxes)))
         aboutBoxes[aboutCount] = box;
     ++aboutCount;
@@ -466,7 +477,7 @@ int xmlGuiEditor::buildVuMeter(ObjectReader& object) {
         return kPassedOver;
     const CRect place = placeOf(x, y, on->getWidth(), on->getHeight());
     // The meter divides by the number of its lamps.
-    auto* const meter = new VSTGUI::CVuMeter(place, on, off, lamps == 0 ? 1 : lamps, style);
+    const auto meter = VSTGUI::makeOwned<VSTGUI::CVuMeter>(place, on, off, lamps == 0 ? 1 : lamps, style);
     // It shows no parameter; the toolkit would give it the first one's id.
     meter->setTag(kNoTag);
     addControl(meter);

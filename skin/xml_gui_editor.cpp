@@ -20,6 +20,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -73,16 +74,39 @@ xmlGuiEditor::~xmlGuiEditor() {
 
 // The pass over a skin
 
+/// From the first object to the last, and whatever comes between.
+class xmlGuiEditor::Pass {
+  public:
+    Pass(xmlGuiEditor& editor, SkinContext& context) : editor_(editor), context_(context) {
+        editor_.isReading_ = true;
+    }
+    ~Pass() {
+        editor_.isReading_ = false;
+        skinContextRelease(&context_);
+        if (!editor_.frame)
+            editor_.background = nullptr;
+    }
+    Pass(const Pass&) = delete;
+    Pass& operator=(const Pass&) = delete;
+
+  private:
+    xmlGuiEditor& editor_;
+    SkinContext& context_;
+};
+
 bool xmlGuiEditor::loadSkin(void* parent, bool backgroundOnly) {
     SkinContext context;
     skinContextInit(&context, parent, backgroundOnly, this);
-    isReading_ = true;
-    const bool loaded = readSkin(context);
-    isReading_ = false;
-    skinContextRelease(&context);
-    if (!frame)
-        background = nullptr;
-    return loaded;
+    const Pass pass(*this, context);
+    return readSkin(context);
+}
+
+bool xmlGuiEditor::loadSkinOrNothing(void* parent) try {
+    return loadSkin(parent, false);
+} catch (const std::bad_alloc&) {
+    closeFrame();
+    background = nullptr;
+    return false;
 }
 
 bool xmlGuiEditor::readSkin(SkinContext& context) {
@@ -126,7 +150,7 @@ bool xmlGuiEditor::open(void* ptr) {
     storeShared(systemWindow, ptr);
     resetLists();
     storeShared(notedChanges_, 0u);
-    const bool loaded = loadSkin(ptr, false);
+    const bool loaded = loadSkinOrNothing(ptr);
     skinLoaded = 1;
     storeShared(queueRead, 0);
     if (!std::exchange(isClosedWhileReading_, false))
@@ -172,12 +196,19 @@ bool xmlGuiEditor::isMenuId(std::int32_t tag) const {
 void xmlGuiEditor::setParameter(std::int32_t index, float value) {
     if (!hasFrame())
         return;
-    if (!onWindowThread())
+    if (!onWindowThread() || !hasShown(index, value))
         noteChange(index, value);
-    else if (trunc(value) != kRefreshAll)
+}
+
+/// False if there was not enough memory for it: then the next idle tries again, and the effect goes on.
+bool xmlGuiEditor::hasShown(std::int32_t index, float value) try {
+    if (trunc(value) != kRefreshAll)
         showParameter(index, value);
     else if (skinLoaded)
         showAllParameters();
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 void xmlGuiEditor::noteChange(std::int32_t index, float value) {

@@ -149,8 +149,17 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
 
     class ObjectReader;
 
+    /// Puts a control into the frame, above all others.
+    void addControl(const VSTGUI::SharedPointer<VSTGUI::CControl>& control);
+
   private:
+    class Pass;
+
     bool readSkin(SkinContext& context);
+    /// Opens the window. One that memory is too short for is taken away again.
+    bool loadSkinOrNothing(void* parent);
+
+    bool hasShown(std::int32_t index, float value);
 
     void noteChange(std::int32_t index, float value);
     void showParameter(std::int32_t index, float value);
@@ -173,7 +182,6 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
         int (xmlGuiEditor::*build)(ObjectReader& object);
     };
     static const Kind* kindOf(const char* name);
-    void addControl(VSTGUI::CControl* control);
     void bindValue(VSTGUI::CControl* control, std::int32_t id);
     void addEntries(VSTGUI::COptionMenu* menu, const SkinObject& object, std::int32_t id);
     int buildConstants(ObjectReader& object);

@@ -5,7 +5,7 @@
 
 #include "vstgui/lib/cpoint.h"
 #include "vstgui/lib/platform/iplatformbitmap.h"
-#include "vstgui/lib/platform/platformfactory.h"
+#include "vstgui/lib/platform/linux/cairobitmap.h"
 
 #include <array>
 #include <cstdint>
@@ -99,9 +99,8 @@ VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path) {
     if (!picture)
         return nullptr;
     const VSTGUI::CPoint size(gdk_pixbuf_get_width(picture), gdk_pixbuf_get_height(picture));
-    auto bitmap = VSTGUI::getPlatformFactory().createBitmap(size);
-    if (!bitmap)
-        return nullptr;
+    // Not from the toolkit's factory, which ends the process when memory runs out.
+    const auto bitmap = VSTGUI::makeOwned<VSTGUI::Cairo::Bitmap>(size);
     const auto pixels = bitmap->lockPixels(true);
     if (!pixels)
         return nullptr;

@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <cairo-xcb.h>
 #include <cstdlib>
+#include <functional>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 #include <xcb/xcb.h>
@@ -187,16 +189,14 @@ void endModalViews(VSTGUI::CFrame& frame) {
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
-    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
-        livingFrames().push_back(frame_);
-        frame_->registerMouseObserver(&buttons_);
-        menuEvents_.watch(*frame_);
-    }
+    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) { livingFrames().push_back(frame_); }
     ~OpenFrame() { std::erase(livingFrames(), frame_); }
     OpenFrame(const OpenFrame&) = delete;
     OpenFrame& operator=(const OpenFrame&) = delete;
 
     bool open(void* parent) {
+        frame_->registerMouseObserver(&buttons_);
+        menuEvents_.watch(*frame_);
         const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
         if (!DisplayConnection().hasWindow(window) || !connectToolkit())
             return false;
@@ -217,17 +217,31 @@ class ToolkitWindow::OpenFrame {
             DisplayConnection().destroyWindow(onScreen);
     }
 
-    /// Releases the frame. Not from inside one of its events.
-    void close() {
-        endModalViews(*frame_);
-        frame_->unregisterMouseObserver(&buttons_);
-        menuEvents_.leave(*frame_);
-        frame_->close();
-        std::erase(livingFrames(), frame_);
-        tellDisplay();
+    /// Makes what finish() needs, while the opening may still fail for want of memory. From here on the
+    /// object lives until finish() has done its work.
+    static void prepareToFinish(const std::shared_ptr<OpenFrame>& self) {
+        WindowLoop::Jobs closing;
+        closing.emplace_back([self] { self->close(); });
+        self->afterEvent_ = [self] { WindowLoop::shared().afterServing(std::move(self->closing_)); };
+        self->closing_ = std::move(closing);
     }
 
-    VSTGUI::CFrame& frame() const { return *frame_; }
+    /// Releases the frame, now or when its event is over. An event comes out of a turn of the loop, or out of
+    /// a key that the host has passed on.
+    void finish() noexcept {
+        WindowLoop& loop = WindowLoop::shared();
+        auto afterEvent = std::move(afterEvent_);
+        if (loop.isServing() || !frame_->inEventProcessing()) {
+            loop.afterServing(std::move(closing_));
+            return;
+        }
+        try {
+            frame_->doAfterEventProcessing(std::move(afterEvent));
+        } catch (const std::bad_alloc&) {
+            loop.inNextTurn(std::move(closing_));
+        }
+    }
+
     const MouseButtons& buttons() const { return buttons_; }
 
     /// The window on the screen, or 0. Also 0 if its display is lost: on another one the number may be that
@@ -240,9 +254,21 @@ class ToolkitWindow::OpenFrame {
     }
 
   private:
+    /// May be tried again where it throws.
+    void close() {
+        endModalViews(*frame_);
+        frame_->unregisterMouseObserver(&buttons_);
+        menuEvents_.leave(*frame_);
+        frame_->close();
+        std::erase(livingFrames(), frame_);
+        tellDisplay();
+    }
+
     VSTGUI::CFrame* frame_;
     MouseButtons buttons_;
     MenuEvents menuEvents_;
+    WindowLoop::Jobs closing_;
+    std::function<void()> afterEvent_;
     int generation_ = 0; ///< of the connection that it was opened over
 };
 
@@ -253,20 +279,19 @@ ToolkitWindow::~ToolkitWindow() {
 }
 
 bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent) {
-    frames_.push_back(std::make_shared<OpenFrame>(frame));
-    return frames_.back()->open(parent);
+    const auto held = VSTGUI::owned(frame);
+    const auto opened = std::make_shared<OpenFrame>(frame);
+    frames_.reserve(frames_.size() + 1);
+    OpenFrame::prepareToFinish(opened);
+    frames_.push_back(opened);
+    frame->remember();
+    return opened->open(parent);
 }
 
-void ToolkitWindow::close() {
-    auto closing = std::move(frames_);
-    frames_.clear();
-    for (const auto& opened : closing) {
+void ToolkitWindow::close() noexcept {
+    for (const auto& opened : std::exchange(frames_, {})) {
         opened->destroyWindow();
-        const auto finish = [opened] { opened->close(); };
-        WindowLoop& loop = WindowLoop::shared();
-        // An event comes out of a turn of the loop, or out of a key that the host has passed on.
-        if (loop.isServing() || !opened->frame().doAfterEventProcessing(finish))
-            loop.afterServing(finish);
+        opened->finish();
     }
 }
 

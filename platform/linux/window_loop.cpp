@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <xcb/xcb.h>
 
 namespace platform {
@@ -107,7 +108,12 @@ void WindowLoop::runDueTimers() {
             continue;
         timers_[i].due = now + timers_[i].interval;
         timers_[i].running = true;
-        timers_[i].handler->onTimer();
+        try {
+            timers_[i].handler->onTimer();
+        } catch (...) {
+            timers_[i].running = false;
+            throw;
+        }
         timers_[i].running = false;
     }
 }
@@ -119,19 +125,34 @@ void WindowLoop::forgetUnregistered() {
     std::erase_if(timers_, [](const Timer& timer) { return !timer.handler; });
 }
 
-void WindowLoop::runJobs() {
+void WindowLoop::runJobs() noexcept {
+    Jobs failed;
     while (!jobs_.empty()) {
-        const auto job = std::move(jobs_.front());
-        jobs_.pop_front();
-        job();
+        Jobs job;
+        job.splice(job.end(), jobs_, jobs_.begin());
+        try {
+            job.front()();
+        } catch (const std::bad_alloc&) {
+            failed.splice(failed.end(), job);
+        }
     }
+    jobs_.splice(jobs_.end(), failed);
+}
+
+void WindowLoop::afterServing(Jobs jobs) noexcept {
+    jobs_.splice(jobs_.end(), jobs);
+    if (!isServing())
+        runJobs();
 }
 
 void WindowLoop::afterServing(std::function<void()> job) {
-    if (isServing())
-        jobs_.push_back(std::move(job));
-    else
-        job();
+    Jobs jobs;
+    jobs.push_back(std::move(job));
+    afterServing(std::move(jobs));
+}
+
+void WindowLoop::inNextTurn(Jobs jobs) noexcept {
+    jobs_.splice(jobs_.end(), jobs);
 }
 
 void serveToolkitWindows() {

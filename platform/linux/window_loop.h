@@ -7,8 +7,8 @@
 #include "vstgui/lib/vstguibase.h"
 
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <list>
 #include <vector>
 
 namespace platform {
@@ -38,9 +38,15 @@ class WindowLoop final : public VSTGUI::X11::IRunLoop {
     void serveTimers();
 
     bool isServing() const { return turns_ > 0; }
-    /// Runs `job` now or, inside a turn, as soon as the outermost turn is over: the place for what handlers
-    /// do not survive.
+    /// Each a list of its own until it is handed over, so that handing over needs no memory.
+    using Jobs = std::list<std::function<void()>>;
+
+    /// Runs the jobs now or, inside a turn, as soon as the outermost turn is over: the place for what
+    /// handlers do not survive. A job that throws std::bad_alloc is tried again after the next turn.
+    void afterServing(Jobs jobs) noexcept;
     void afterServing(std::function<void()> job);
+    /// Runs them as soon as the next turn is over, or this one.
+    void inNextTurn(Jobs jobs) noexcept;
 
   private:
     struct Timer {
@@ -53,12 +59,12 @@ class WindowLoop final : public VSTGUI::X11::IRunLoop {
 
     void runDueTimers();
     void forgetUnregistered();
-    void runJobs();
+    void runJobs() noexcept;
 
     // Who unregisters during a turn leaves a null behind, so that a walk keeps its place.
     std::vector<VSTGUI::X11::IEventHandler*> eventHandlers_;
     std::vector<Timer> timers_;
-    std::deque<std::function<void()>> jobs_;
+    Jobs jobs_;
     int turns_ = 0;
 };
 
