@@ -1,7 +1,7 @@
 # What the rooms with a window in them need of the system. Apart from `platform`, so that the rooms without one
 # do not get to see the toolkit. On the window's side of the house only.
 if(WIN32)
-  set(system_sources win32/bitmap_file.cpp win32/picture_size.cpp win32/toolkit.cpp win32/toolkit_window.cpp)
+  set(system_sources win32/bitmap_file.cpp win32/toolkit.cpp win32/toolkit_window.cpp)
   set(system_libraries ole32 user32 windowscodecs)
 else()
   quillon_pkg_config(PLATFORM_TOOLKIT xcb cairo-xcb gdk-pixbuf-2.0)
@@ -15,7 +15,7 @@ quillon_room(
   platform_toolkit
   FOLDER platform
   HEADERS toolkit.h toolkit_window.h
-  SOURCES ${system_sources}
+  SOURCES picture_file.cpp ${system_sources}
   LINKS platform vstgui
   PRIVATE_LINKS ${system_libraries})
 if(NOT WIN32)

@@ -23,7 +23,9 @@
 #include "vstgui/lib/vstguifwd.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -42,10 +44,26 @@ class Toolkit {
     std::unique_ptr<System> system_;
 };
 
-/// Reads a picture in PNG, BMP, JPEG or GIF (of which the first picture counts), whatever the file is called.
-/// Null if the file cannot be opened or decoded, or is too large to be drawn (32767 pixels a side, 2^26 in
-/// all). `path` is exact; a Toolkit must live. On the window thread.
-VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path);
+/// What a picture may have: bytes of its file, pixels of a side, pixels in all.
+constexpr std::uint64_t kLargestPictureFile = std::uint64_t{64} << 20;
+constexpr std::int64_t kLongestPictureSide = 32767;
+constexpr std::int64_t kMostPicturePixels = std::int64_t{1} << 26;
+
+/// What a group of pictures may still cost, together, at most.
+struct PictureAllowance {
+    std::uint64_t fileBytes = std::uint64_t{256} << 20;
+    std::int64_t pixels = std::int64_t{1} << 27;
+};
+
+/// The file of the picture `name`, in UTF-8, below `folder`, a path of this system: in any letter case, with
+/// either slash between its parts. What it gives is for readBitmap() alone. Nothing if there is no such file.
+std::optional<std::string> findPicture(const std::string& folder, const std::string& name);
+
+/// Reads a picture in PNG, BMP, JPEG, GIF or TIFF (of the last two the first picture counts) or ICO (the
+/// largest), whatever the file is called. Null if the file cannot be opened or decoded, is cut off, or is
+/// larger than the limits above or than what is left of `allowance`, from which it takes what it costs.
+/// `path` is as findPicture() gives it; a Toolkit must live. On the window thread. Throws std::bad_alloc.
+VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path, PictureAllowance& allowance);
 
 /// How many bytes a group of bitmaps may keep on the display, together. The bitmaps share it. On the window
 /// thread.

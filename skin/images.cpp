@@ -1,17 +1,36 @@
 #include "skin/images.h"
 
-#include "platform/folders.h"
 #include "platform/toolkit.h"
+
+#include <new>
 
 namespace skin {
 
+namespace {
+
+/// Null if there is no such picture, or no memory for it.
+VSTGUI::PlatformBitmapPtr readImage(const std::string& folder, const std::string& name,
+                                    platform::PictureAllowance& allowance) try {
+    const auto path = platform::findPicture(folder, name);
+    return path ? platform::readBitmap(*path, allowance) : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
+} // namespace
+
 VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name,
+                                                 platform::PictureAllowance& allowance,
                                                  const std::shared_ptr<platform::DisplayMemory>& memory) {
-    if (const auto path = platform::findPath(folder, name))
-        if (const auto picture = platform::readBitmap(*path))
-            return memory ? platform::makeWindowBitmap(picture, memory)
-                          : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
-    return VSTGUI::makeOwned<MissingImage>();
+    const auto picture = readImage(folder, name, allowance);
+    if (!picture)
+        return VSTGUI::makeOwned<MissingImage>();
+    return memory ? platform::makeWindowBitmap(picture, memory) : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
+}
+
+VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name) {
+    platform::PictureAllowance allowance;
+    return loadImage(folder, name, allowance);
 }
 
 void MissingImage::draw(VSTGUI::CDrawContext*, const VSTGUI::CRect&, const VSTGUI::CPoint&, float) {}

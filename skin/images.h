@@ -10,18 +10,22 @@
 
 namespace platform {
 class DisplayMemory;
-}
+struct PictureAllowance;
+} // namespace platform
 
 namespace skin {
 
 /// Loads the picture that a skin names: `name` below `folder`, in any letter case, with either slash between
-/// its parts, in PNG, BMP, JPEG or GIF. Never null. A picture that is missing or cannot be decoded gives a
-/// MissingImage. Nothing is kept: each call decodes anew. What the picture keeps on the display comes out of
-/// `memory`, which may be null: then it keeps nothing there. A platform::Toolkit must live. On the window
-/// thread.
+/// its parts, in PNG, BMP, JPEG, GIF, TIFF or ICO. Never null. A picture that is missing, cannot be decoded
+/// or costs more than is left of `allowance` or of memory gives a MissingImage. Nothing is kept: each call
+/// decodes anew. What the picture keeps on the display comes out of `memory`, which may be null: then it
+/// keeps nothing there. A platform::Toolkit must live. On the window thread.
 VSTGUI::SharedPointer<VSTGUI::CBitmap>
-loadImage(const std::string& folder, const std::string& name,
+loadImage(const std::string& folder, const std::string& name, platform::PictureAllowance& allowance,
           const std::shared_ptr<platform::DisplayMemory>& memory = nullptr);
+
+/// A picture by itself.
+VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name);
 
 /// A picture that is not there: 0 wide, 0 high, and any control may be given it and draw it. The toolkit's
 /// own way to make a bitmap of nothing is one that ends the process when drawn.

@@ -92,7 +92,7 @@ VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {
         if (equalIgnoringCase(known.name, name))
             return known.bitmap;
     const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap =
-        loadImage(context->path, name, context->displayMemory);
+        loadImage(context->path, name, context->pictureAllowance, context->displayMemory);
     SkinBitmap entry;
     copyText(entry.name, name);
     entry.bitmap = bitmap.get();

@@ -5,6 +5,7 @@
 // Everything here runs on the thread that constructs or opens the editor.
 #pragma once
 
+#include "platform/toolkit.h"
 #include "skin/expression.h"
 #include "skin/grow_array.h"
 
@@ -14,9 +15,6 @@
 
 namespace VSTGUI {
 class CBitmap;
-}
-namespace platform {
-class DisplayMemory;
 }
 
 namespace skin {
@@ -50,6 +48,7 @@ struct SkinContext {
     char path[kPathSize] = "";   ///< the skin's folder with a separator behind it
     bool backgroundOnly = false; ///< true in the pass that only measures
     ExprTable constants;
+    platform::PictureAllowance pictureAllowance;            ///< what the pictures may still cost
     std::shared_ptr<platform::DisplayMemory> displayMemory; ///< what the pictures may keep on the display
     bool isWindowMissing = false;                           ///< the display does not know `parent`
 };

@@ -1,9 +1,9 @@
 // Pictures are decoded by the toolkit, that is, by the system's own decoders.
 
-#include "platform/files.h"
 #include "platform/toolkit.h"
 
-#include "picture_size.h"
+#include "../picture_file.h"
+#include "wide_text.h"
 
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/cpoint.h"
@@ -13,10 +13,12 @@
 #include "vstgui/lib/platform/win32/direct2d/d2dbitmap.h"
 #include "vstgui/lib/platform/win32/win32factory.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 #include <wincodec.h>
 
@@ -24,17 +26,54 @@ namespace platform {
 
 namespace {
 
-constexpr std::int64_t longestSide = 32767;
-constexpr std::int64_t mostPixels = std::int64_t{1} << 26;
-
-bool isDrawable(const std::optional<PictureSize>& size) {
-    return size && size->width > 0 && size->height > 0 && size->width <= longestSide &&
-           size->height <= longestSide && size->width * size->height <= mostPixels;
+bool hasSize(const VSTGUI::IPlatformBitmap& bitmap, const PictureSize& size) {
+    return static_cast<std::int64_t>(bitmap.getSize().x) <= size.width &&
+           static_cast<std::int64_t>(bitmap.getSize().y) <= size.height;
 }
 
-PictureSize sizeOf(const VSTGUI::IPlatformBitmap& bitmap) {
-    return {static_cast<std::int64_t>(bitmap.getSize().x), static_cast<std::int64_t>(bitmap.getSize().y)};
+/// In the code page of the system, as Windows gives paths out.
+std::wstring wideFromSystem(const std::string& text) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide(
+        static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
+    return wide;
 }
+
+bool isUtf8(const std::string& text) {
+    return text.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(),
+                                               static_cast<int>(text.size()), nullptr, 0) > 0;
+}
+
+/// An open file, closed with its scope.
+class File {
+  public:
+    explicit File(const std::wstring& path)
+        : handle_(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    ~File() {
+        if (handle_ != INVALID_HANDLE_VALUE)
+            CloseHandle(handle_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    /// In bytes; nothing if it is not open or no file.
+    std::optional<std::uint64_t> size() const {
+        LARGE_INTEGER size = {};
+        if (GetFileType(handle_) != FILE_TYPE_DISK || !GetFileSizeEx(handle_, &size))
+            return std::nullopt;
+        return static_cast<std::uint64_t>(size.QuadPart);
+    }
+    bool read(FileBytes& bytes) const {
+        DWORD got = 0;
+        return ReadFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr) &&
+               got == bytes.size();
+    }
+
+  private:
+    HANDLE handle_;
+};
 
 /// Whether every row can be decoded. The toolkit decodes when it draws, and a file that turns out to be torn
 /// would then be a picture with a hole in it.
@@ -57,15 +96,36 @@ bool isWhole(const VSTGUI::PlatformBitmapPtr& bitmap) {
 
 } // namespace
 
-VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path) {
+// Paths of pictures are in UTF-8 here: a skin names them so, whatever code page the system has for its own.
+std::optional<std::string> findPicture(const std::string& folder, const std::string& name) {
+    const auto isSlash = [](char c) { return c == '/' || c == '\\'; };
+    if (std::all_of(name.begin(), name.end(), isSlash))
+        return std::nullopt;
+    std::wstring path = wideFromSystem(folder);
+    if (!path.empty() && path.back() != L'/' && path.back() != L'\\')
+        path += L'\\';
+    path += isUtf8(name) ? wide(name) : wideFromSystem(name);
+    std::replace(path.begin(), path.end(), L'/', L'\\');
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ? std::optional(utf8(path))
+                                                                       : std::nullopt;
+}
+
+std::optional<FileBytes> readUpTo(const std::string& path, std::uint64_t limit) {
+    const File file(wide(path));
+    const auto size = file.size();
+    if (!size || *size > limit)
+        return std::nullopt;
+    FileBytes bytes(static_cast<std::size_t>(*size));
+    return file.read(bytes) ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path, PictureAllowance& allowance) {
     const auto* const factory = VSTGUI::getPlatformFactory().asWin32Factory();
-    // No drawable picture is larger, whatever it is kept in.
-    constexpr std::size_t largestFile = std::numeric_limits<std::uint32_t>::max();
-    const auto file = readWholeFile(path, largestFile);
-    if (!factory->getWICImagingFactory() || !file || !isDrawable(promisedSize(*file)))
+    const auto file = readPictureFile(path, allowance);
+    if (!factory->getWICImagingFactory() || !file)
         return nullptr;
     auto bitmap = factory->createBitmapFromMemory(file->data(), static_cast<std::uint32_t>(file->size()));
-    return bitmap && isDrawable(sizeOf(*bitmap)) && isWhole(bitmap) ? bitmap : nullptr;
+    return bitmap && hasSize(*bitmap, *promisedSize(*file)) && isWhole(bitmap) ? bitmap : nullptr;
 }
 
 VSTGUI::SharedPointer<VSTGUI::CBitmap> makeWindowBitmap(const VSTGUI::PlatformBitmapPtr& pixels,

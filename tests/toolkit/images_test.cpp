@@ -1,6 +1,7 @@
 #include "skin/images.h"
 
 #include "platform/files.h"
+#include "platform/folders.h"
 #include "platform/private_folder.h"
 #include "platform/toolkit.h"
 
@@ -56,7 +57,7 @@ class Images : public testing::Test {
     platform::Toolkit toolkit;
 };
 
-/// The three formats that keep every colour.
+/// The formats that keep every colour.
 class ExactFormats : public Images, public testing::WithParamInterface<const char*> {};
 
 TEST_P(ExactFormats, GiveEveryPixelAsItIs) {
@@ -73,7 +74,8 @@ TEST_P(ExactFormats, GiveEveryPixelAsItIs) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, ExactFormats,
-                         testing::Values("squares.png", "squares.bmp", "squares.gif", "palette.png"),
+                         testing::Values("squares.png", "squares.bmp", "squares.gif", "squares.tif",
+                                         "squares.ico", "palette.png", "motorola.tif", "png.ico"),
                          [](const auto& test) {
                              std::string name = test.param;
                              name[name.find('.')] = '_';
@@ -96,9 +98,12 @@ TEST_F(Images, InJpegAreReadAsNearAsTheFormatKeepsThem) {
 }
 
 TEST_F(Images, KeepTheirTransparency) {
-    const auto image = load("glass.png");
-    EXPECT_EQ(pixel(*image, 0, 0), CColor(128, 0, 0, 128));
-    EXPECT_EQ(pixel(*image, 1, 0), CColor(0, 0, 0, 0));
+    for (const char* name : {"glass.png", "glass.tif", "glass.ico"}) {
+        SCOPED_TRACE(name);
+        const auto image = load(name);
+        EXPECT_EQ(pixel(*image, 0, 0), CColor(128, 0, 0, 128));
+        EXPECT_EQ(pixel(*image, 1, 0), CColor(0, 0, 0, 0));
+    }
 }
 
 TEST_F(Images, InGreyAndInSixteenBitsAreReadToo) {
@@ -126,6 +131,20 @@ TEST_F(Images, AreFoundInAnyLetterCaseAndWithEitherSlash) {
     for (const char* name : {"Knobs/Big.PNG", "knobs\\big.png", "KNOBS/BIG.png"})
         EXPECT_EQ(skin::loadImage(folder.path(), name)->getWidth(), 3) << name;
     EXPECT_EQ(skin::loadImage(folder.path() + "/", "Knobs\\Big.PNG")->getWidth(), 3);
+}
+
+TEST_F(Images, AreFoundUnderNamesWithAccents) {
+    const platform::PrivateFolder folder;
+    std::filesystem::create_directory(u8"Oberfl\u00E4che");
+    std::filesystem::copy(QUILLON_PICTURES "/squares.png", u8"Oberfl\u00E4che/kn\u00F6pfe.png");
+    EXPECT_EQ(skin::loadImage(folder.path(), "Oberfl\xC3\xA4"
+                                             "che/kn\xC3\xB6pfe.png")
+                  ->getWidth(),
+              3);
+    // As the system itself spells the folder, in whatever code page that is.
+    const std::string inside = folder.path() + "/" + platform::listFolder(folder.path()).at(0);
+    EXPECT_EQ(skin::loadImage(inside, "kn\xC3\xB6pfe.png")->getWidth(), 3);
+    EXPECT_EQ(skin::loadImage(inside, "KN\xC3\xB6PFE.png")->getWidth(), 3);
 }
 
 TEST_F(Images, AreDrawn) {
@@ -171,17 +190,59 @@ TEST_F(MissingImages, StandForAFileThatIsNoPicture) {
 }
 
 TEST_F(MissingImages, StandForAFileThatIsTorn) {
-    for (const char* name : {"torn.png", "torn.bmp", "torn.gif", "torn.jpg"}) {
+    for (const char* name : {"torn.png", "torn.bmp", "torn.gif", "torn.jpg", "torn.tif", "torn.ico"}) {
         SCOPED_TRACE(name);
         expectMissing(*load(name));
     }
 }
 
 TEST_F(MissingImages, StandForAPictureThatNobodyCanDraw) {
-    for (const char* name : {"giant.png", "giant.bmp", "giant.gif", "giant.jpg"}) {
+    for (const char* name : {"giant.png", "giant.bmp", "giant.gif", "giant.jpg", "giant.tif", "giant.ico"}) {
         SCOPED_TRACE(name);
         expectMissing(*load(name));
     }
+}
+
+TEST_F(MissingImages, StandForAFileThatIsCutOffAnywhere) {
+    const platform::PrivateFolder folder;
+    for (const char* name :
+         {"squares.png", "squares.bmp", "squares.gif", "squares.jpg", "squares.tif", "squares.ico"}) {
+        std::filesystem::copy(std::string(QUILLON_PICTURES "/") + name, name);
+        ASSERT_TRUE(skin::loadImage(folder.path(), name)->isLoaded()) << name;
+        for (auto size = std::filesystem::file_size(name); size-- > 0;) {
+            std::filesystem::resize_file(name, size);
+            ASSERT_FALSE(skin::loadImage(folder.path(), name)->isLoaded())
+                << name << " of " << size << " bytes";
+        }
+    }
+}
+
+TEST_F(MissingImages, StandForAFormatThatNotEverySystemReads) {
+    const platform::PrivateFolder folder;
+    const std::string files[] = {
+        "P6 1 1 255 abc",
+        "/* XPM */ static char* x[] = {\"1 1 1 1\", \"a c #FF0000\", \"a\"};",
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"2\" height=\"2\"/>",
+    };
+    for (const std::string& file : files) {
+        SCOPED_TRACE(file);
+        ASSERT_TRUE(platform::writeWholeFile("picture", file.data(), file.size()));
+        expectMissing(*skin::loadImage(folder.path(), "picture"));
+    }
+    // A mouse pointer is an icon but for one number.
+    auto icon = platform::readWholeFile(QUILLON_PICTURES "/squares.ico").value();
+    icon[2] = 2;
+    ASSERT_TRUE(platform::writeWholeFile("picture", icon.data(), icon.size()));
+    expectMissing(*skin::loadImage(folder.path(), "picture"));
+}
+
+TEST_F(MissingImages, StandForAFileThatIsTooLarge) {
+    const platform::PrivateFolder folder;
+    std::filesystem::copy(QUILLON_PICTURES "/squares.bmp", "large.bmp");
+    std::filesystem::resize_file("large.bmp", 64 << 20);
+    EXPECT_TRUE(skin::loadImage(folder.path(), "large.bmp")->isLoaded());
+    std::filesystem::resize_file("large.bmp", (64 << 20) + 1);
+    expectMissing(*skin::loadImage(folder.path(), "large.bmp"));
 }
 
 /// Draws a control that was made of a picture which is not there, at every value.

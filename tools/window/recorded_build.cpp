@@ -2,10 +2,10 @@
 
 #include "editor/my_editor.h"
 #include "parameters/parameter_table.h"
-#include "platform/folders.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
 #include "platform/settings.h"
+#include "platform/toolkit.h"
 #include "plugin/audio_effect_x.h"
 #include "skin/ascii.h"
 #include "skin/skin_context.h"
@@ -147,8 +147,9 @@ class RecordingEditor final : public editor::myEditor {
 
     static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {
         return "the picture " + inQuotes(name) +
-               (platform::findPath(context.path, name) ? " cannot be read as PNG, BMP, JPEG or GIF"
-                                                       : " is not in the skin's folder");
+               (platform::findPicture(context.path, name)
+                    ? " cannot be read as PNG, BMP, JPEG, GIF, TIFF or ICO, or is too large"
+                    : " is not in the skin's folder");
     }
 
     const SourceElement& root_;

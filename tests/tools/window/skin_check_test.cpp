@@ -86,7 +86,8 @@ TEST_F(CheckedSkin, ShowsEachUseOfAPictureThatIsNotThere) {
                     "<onoff x=\"1\" y=\"1\" id=\"2\" bitmap_handle=\"words.png\"/>\n</GUI>"),
               ":3:42: the picture \"images\\Gone.png\" is not in the skin's folder\n"
               ":4:42: the picture \"IMAGES\\gone.png\" is not in the skin's folder\n"
-              ":5:42: the picture \"words.png\" cannot be read as PNG, BMP, JPEG or GIF\n");
+              ":5:42: the picture \"words.png\" cannot be read as PNG, BMP, JPEG, GIF, TIFF or ICO, or is "
+              "too large\n");
 }
 
 TEST_F(CheckedSkin, ThatIsRefusedIsNotBuilt) {
