@@ -77,13 +77,11 @@ class File {
 
 /// Whether every row can be decoded. The toolkit decodes when it draws, and a file that turns out to be torn
 /// would then be a picture with a hole in it.
-bool isWhole(const VSTGUI::PlatformBitmapPtr& bitmap) {
-    auto* const picture = dynamic_cast<VSTGUI::D2DBitmap*>(bitmap.get());
-    IWICBitmapSource* const source = picture ? picture->getSource() : nullptr;
+bool isWhole(VSTGUI::D2DBitmap& picture) {
+    IWICBitmapSource* const source = picture.getSource();
     if (!source)
         return false;
-    const auto width = static_cast<INT>(picture->getSize().x),
-               height = static_cast<INT>(picture->getSize().y);
+    const auto width = static_cast<INT>(picture.getSize().x), height = static_cast<INT>(picture.getSize().y);
     std::vector<BYTE> row(static_cast<std::size_t>(width) * 4);
     for (INT y = 0; y < height; ++y) {
         const WICRect part = {0, y, width, 1};
@@ -119,13 +117,38 @@ std::optional<FileBytes> readUpTo(const std::string& path, std::uint64_t limit) 
     return file.read(bytes) ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
+namespace {
+
+struct Release {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+
+/// The bytes as a stream that keeps them; null without memory.
+std::unique_ptr<IStream, Release> streamOf(const FileBytes& bytes) {
+    IStream* made = nullptr;
+    if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &made)))
+        return nullptr;
+    std::unique_ptr<IStream, Release> stream(made);
+    const bool isWritten =
+        SUCCEEDED(stream->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) &&
+        SUCCEEDED(stream->Seek({}, STREAM_SEEK_SET, nullptr));
+    return isWritten ? std::move(stream) : nullptr;
+}
+
+} // namespace
+
 VSTGUI::PlatformBitmapPtr readBitmap(const std::string& path, PictureAllowance& allowance) {
     const auto* const factory = VSTGUI::getPlatformFactory().asWin32Factory();
     const auto file = readPictureFile(path, allowance);
     if (!factory->getWICImagingFactory() || !file)
         return nullptr;
-    auto bitmap = factory->createBitmapFromMemory(file->data(), static_cast<std::uint32_t>(file->size()));
-    return bitmap && hasSize(*bitmap, *promisedSize(*file)) && isWhole(bitmap) ? bitmap : nullptr;
+    const auto stream = streamOf(*file);
+    // Not from the toolkit's factory, which ends the process when memory runs out.
+    const auto bitmap = VSTGUI::makeOwned<VSTGUI::D2DBitmap>();
+    return stream && bitmap->loadFromStream(stream.get()) && hasSize(*bitmap, *promisedSize(*file)) &&
+                   isWhole(*bitmap)
+               ? bitmap
+               : nullptr;
 }
 
 VSTGUI::SharedPointer<VSTGUI::CBitmap> makeWindowBitmap(const VSTGUI::PlatformBitmapPtr& pixels,

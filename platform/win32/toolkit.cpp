@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <ole2.h>
-#include <optional>
 
 namespace platform {
 
@@ -57,6 +56,7 @@ ToolkitUse::ToolkitUse() {
         // program may bring a toolkit of its own.
         VSTGUI::init(moduleHandle());
     } catch (...) {
+        VSTGUI::exit();
         endUse();
         throw;
     }
@@ -70,26 +70,32 @@ ToolkitUse::~ToolkitUse() {
     endUse();
 }
 
-/// What one editor has asked of the system, and gives back.
-class Toolkit::System {
+namespace {
+
+/// COM, made ready for the thread and given back.
+class Com {
   public:
-    System()
-        : isInitialised_(SUCCEEDED(OleInitialize(nullptr))), thread_(GetCurrentThreadId()),
-          use_(std::in_place) {}
-    ~System() {
-        use_.reset();
+    Com() : isInitialised_(SUCCEEDED(OleInitialize(nullptr))), thread_(GetCurrentThreadId()) {}
+    ~Com() {
         // A thread that had other plans with COM has refused, and nothing is to be taken back. Neither is it
         // on another thread, where it would be somebody else's.
         if (isInitialised_ && GetCurrentThreadId() == thread_)
             OleUninitialize();
     }
-    System(const System&) = delete;
-    System& operator=(const System&) = delete;
+    Com(const Com&) = delete;
+    Com& operator=(const Com&) = delete;
 
   private:
     bool isInitialised_;
     DWORD thread_;
-    std::optional<ToolkitUse> use_;
+};
+
+} // namespace
+
+/// What one editor has asked of the system, and gives back, the last first.
+class Toolkit::System {
+    Com com_;
+    ToolkitUse use_;
 };
 
 Toolkit::Toolkit() : system_(std::make_unique<System>()) {}

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <iterator>
+#include <new>
 #include <utility>
 #include <windows.h>
 
@@ -40,6 +41,54 @@ HWND containerOf(HWND window) {
     wchar_t name[16] = {}; // a name that is longer is another one in any case
     GetClassNameW(container, name, static_cast<int>(std::size(name)));
     return container && std::wcscmp(name, L"MDIClient") != 0 ? container : nullptr;
+}
+
+/// What a window of the toolkit does with a message, as the window's property.
+constexpr wchar_t kOwnProcedure[] = L"QuillonWindowProcedure";
+
+/// A message that a window of the toolkit is at work on.
+struct Message {
+    HWND window;
+    UINT id;
+    WPARAM wide;
+    LPARAM longer;
+
+    /// Whether that window has passed it on to another one. The toolkit does so with a key, but not to a
+    /// window of its own, and it knows those by their procedure.
+    bool isPassedOnTo(HWND other, UINT message, WPARAM w, LPARAM l) const {
+        return window != other && id >= WM_KEYFIRST && id <= WM_KEYLAST && id == message && wide == w &&
+               longer == l;
+    }
+};
+
+thread_local const Message* underWay = nullptr;
+
+/// The message comes out of the host's loop, through functions of the system that no exception may cross. One
+/// that memory is too short for is as if it had not come. The toolkit's own procedure is called directly: by
+/// CallWindowProcW, the system would stand in between.
+LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wide, LPARAM longer) noexcept {
+    if (underWay && underWay->isPassedOnTo(window, message, wide, longer))
+        return DefWindowProcW(underWay->window, message, wide, longer);
+    const auto own = reinterpret_cast<WNDPROC>(GetPropW(window, kOwnProcedure));
+    if (!own)
+        return DefWindowProcW(window, message, wide, longer);
+    if (message == WM_NCDESTROY)
+        RemovePropW(window, kOwnProcedure);
+    const Message handled = {window, message, wide, longer};
+    const Message* const outer = std::exchange(underWay, &handled);
+    LRESULT answer = 0;
+    try {
+        answer = own(window, message, wide, longer);
+    } catch (const std::bad_alloc&) {
+    }
+    underWay = outer;
+    return answer;
+}
+
+void keepExceptionsIn(HWND window) {
+    const auto own = GetWindowLongPtrW(window, GWLP_WNDPROC);
+    if (SetPropW(window, kOwnProcedure, reinterpret_cast<HANDLE>(own)))
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&windowProcedure));
 }
 
 /// Resizes a window and, one after the other, the windows around it that are little more than a frame for it.
@@ -77,7 +126,10 @@ class ToolkitWindow::OpenFrame {
     bool open(void* parent) {
         if (!IsWindow(static_cast<HWND>(parent)))
             return false;
-        return frame_->open(parent, VSTGUI::PlatformType::kHWND) && window();
+        if (!frame_->open(parent, VSTGUI::PlatformType::kHWND) || !window())
+            return false;
+        keepExceptionsIn(window());
+        return true;
     }
 
     /// Takes the window away, from the screen at once: the host may destroy its own as soon as we return. The
@@ -104,10 +156,17 @@ class ToolkitWindow::OpenFrame {
         return use;
     }
 
-    /// An event may have come while another one was under way, in the loop of a menu.
-    static void releaseAfterEvents(const std::shared_ptr<OpenFrame>& opened) {
-        if (!opened->frame_->doAfterEventProcessing([opened] { releaseAfterEvents(opened); }))
-            opened->release();
+    /// An event may have come while another one was under way, in the loop of a menu. Without memory to wait
+    /// for its end, the hidden frame stays.
+    static void releaseAfterEvents(const std::shared_ptr<OpenFrame>& opened) noexcept {
+        try {
+            // Asked first, as most frames close outside of events, and handing a job over takes memory.
+            if (opened->frame_->inEventProcessing())
+                opened->frame_->doAfterEventProcessing([opened] { releaseAfterEvents(opened); });
+            else
+                opened->release();
+        } catch (const std::bad_alloc&) {
+        }
     }
 
     void release() {
@@ -128,11 +187,13 @@ ToolkitWindow::~ToolkitWindow() {
 }
 
 bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent) {
+    const auto held = VSTGUI::owned(frame);
     frames_.push_back(std::make_shared<OpenFrame>(frame));
+    frame->remember();
     return frames_.back()->open(parent);
 }
 
-void ToolkitWindow::close() {
+void ToolkitWindow::close() noexcept {
     for (const auto& opened : std::exchange(frames_, {}))
         OpenFrame::close(opened);
 }

@@ -67,7 +67,7 @@ class ShortOfMemory : public testing::Test {
         std::ofstream(skin / "skin.xml") << skinText;
         for (const char* picture :
              {"squares.png", "squares.bmp", "squares.gif", "squares.jpg", "glass.png", "torn.png"})
-            std::filesystem::copy(std::filesystem::path(QUILLON_PICTURES) / picture, skin);
+            std::filesystem::copy(std::filesystem::path(QUILLON_PICTURES) / picture, skin / picture);
         platform::replaceModuleFolder((std::filesystem::path(folder.path()) / "").string());
         platform::replaceSettingsStore(&settings);
         platform::replaceMessageBox(

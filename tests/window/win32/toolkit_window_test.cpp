@@ -17,6 +17,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
 #include <ole2.h>
 #include <thread>
 #include <vector>
@@ -163,6 +164,31 @@ TEST_F(ToolkitWindows, DoNotOpenInAWindowThatIsNone) {
         window.close();
         EXPECT_EQ(views, 0);
     }
+}
+
+/// A view for which there is never enough memory.
+class Greedy final : public VSTGUI::CView {
+  public:
+    using CView::CView;
+    VSTGUI::CMouseEventResult onMouseDown(CPoint&, const VSTGUI::CButtonState&) override {
+        ++presses;
+        throw std::bad_alloc();
+    }
+    int presses = 0;
+};
+
+TEST_F(ToolkitWindows, OutliveAMessageThatMemoryIsTooShortFor) {
+    const PlainWindow parent(0, 0, width, height);
+    CFrame* const frame = openFrame(parent.handle());
+    auto* const greedy = new Greedy(CRect(20, 20, 60, 60));
+    frame->addView(greedy);
+    const HWND own = childrenOf(parent.handle()).front();
+    for (int presses = 1; presses <= 2; ++presses) {
+        EXPECT_EQ(SendMessageW(own, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(30, 30)), 0);
+        EXPECT_EQ(greedy->presses, presses);
+    }
+    window.close();
+    EXPECT_EQ(views, 0);
 }
 
 TEST_F(ToolkitWindows, TakeBackEveryFrameTheyWereGiven) {
