@@ -448,6 +448,17 @@ TEST_F(SkinPictures, AreDecodedOnceInAPass) {
     EXPECT_EQ(first->getNbReference(), 1) << "whoever asks again takes no reference";
 }
 
+TEST_F(SkinPictures, TogetherCostNoMoreThanASkinMay) {
+    bench.drawPicture("knob.png", 3, 2);
+    bench.drawPicture("late.png", 3, 2);
+    startPass();
+    context.pictureAllowance.pixels = 101 * 50 + 3 * 2;
+    EXPECT_EQ(sizeOf("ground.png"), "101 x 50");
+    EXPECT_EQ(sizeOf("knob.png"), "3 x 2");
+    EXPECT_EQ(sizeOf("late.png"), "0 x 0");
+    EXPECT_EQ(sizeOf("ground.png"), "101 x 50") << "read once, it costs nothing more";
+}
+
 TEST_F(SkinPictures, OfOneNameInTwoSpellingsAreOne) {
     bench.drawPicture("Bg.PNG", 7, 8);
     startPass();

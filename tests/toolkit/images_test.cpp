@@ -133,6 +133,17 @@ TEST_F(Images, AreFoundInAnyLetterCaseAndWithEitherSlash) {
     EXPECT_EQ(skin::loadImage(folder.path() + "/", "Knobs\\Big.PNG")->getWidth(), 3);
 }
 
+TEST_F(Images, MayLieOutsideTheFolder) {
+    const platform::PrivateFolder folder;
+    std::filesystem::create_directories("My Skin/knobs");
+    std::filesystem::copy(QUILLON_PICTURES "/squares.png", "shared.png");
+    const std::string skin = folder.path() + "/My Skin";
+    for (const char* name : {"../shared.png", "..\\shared.png", "knobs/../../shared.png"})
+        EXPECT_EQ(skin::loadImage(skin, name)->getWidth(), 3) << name;
+    const std::string whole = folder.path() + "/shared.png";
+    EXPECT_FALSE(skin::loadImage(skin, whole)->isLoaded()) << "a name always counts from the folder";
+}
+
 TEST_F(Images, AreFoundUnderNamesWithAccents) {
     const platform::PrivateFolder folder;
     std::filesystem::create_directory(u8"Oberfl\u00E4che");
@@ -243,6 +254,20 @@ TEST_F(MissingImages, StandForAFileThatIsTooLarge) {
     EXPECT_TRUE(skin::loadImage(folder.path(), "large.bmp")->isLoaded());
     std::filesystem::resize_file("large.bmp", (64 << 20) + 1);
     expectMissing(*skin::loadImage(folder.path(), "large.bmp"));
+}
+
+TEST_F(MissingImages, StandForAPictureThatWouldCostMoreThanTheSkinMay) {
+    const auto loads = [](platform::PictureAllowance& allowance) {
+        return skin::loadImage(QUILLON_PICTURES, "squares.bmp", allowance)->isLoaded();
+    };
+    const std::uint64_t bytes = std::filesystem::file_size(QUILLON_PICTURES "/squares.bmp");
+    platform::PictureAllowance fewBytes{.fileBytes = 2 * bytes + bytes / 2};
+    platform::PictureAllowance fewPixels{.pixels = 2 * 6 + 3};
+    for (platform::PictureAllowance* allowance : {&fewBytes, &fewPixels}) {
+        EXPECT_TRUE(loads(*allowance));
+        EXPECT_TRUE(loads(*allowance));
+        EXPECT_FALSE(loads(*allowance));
+    }
 }
 
 /// Draws a control that was made of a picture which is not there, at every value.

@@ -148,7 +148,7 @@ class RecordingEditor final : public editor::myEditor {
     static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {
         return "the picture " + inQuotes(name) +
                (platform::findPicture(context.path, name)
-                    ? " cannot be read as PNG, BMP, JPEG, GIF, TIFF or ICO, or is too large"
+                    ? " cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, GIF, TIFF or ICO"
                     : " is not in the skin's folder");
     }
 

@@ -80,14 +80,18 @@ TEST_F(CheckedSkin, ShowsObjectsThatArePassedOver) {
 TEST_F(CheckedSkin, ShowsEachUseOfAPictureThatIsNotThere) {
     addPicture("torn.png", "torn.png");
     folder.writeText("words.png", "no picture at all");
-    EXPECT_EQ(check("<GUI>\n<background filename=\"bg.png\"/>\n"
-                    "<onoff x=\"1\" y=\"1\" id=\"0\" bitmap_handle=\"images\\Gone.png\"/>\n"
-                    "<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"IMAGES\\gone.png\"/>\n"
-                    "<onoff x=\"1\" y=\"1\" id=\"2\" bitmap_handle=\"words.png\"/>\n</GUI>"),
-              ":3:42: the picture \"images\\Gone.png\" is not in the skin's folder\n"
-              ":4:42: the picture \"IMAGES\\gone.png\" is not in the skin's folder\n"
-              ":5:42: the picture \"words.png\" cannot be read as PNG, BMP, JPEG, GIF, TIFF or ICO, or is "
-              "too large\n");
+    EXPECT_EQ(
+        check("<GUI>\n<background filename=\"bg.png\"/>\n"
+              "<onoff x=\"1\" y=\"1\" id=\"0\" bitmap_handle=\"images\\Gone.png\"/>\n"
+              "<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"IMAGES\\gone.png\"/>\n"
+              "<onoff x=\"1\" y=\"1\" id=\"2\" bitmap_handle=\"words.png\"/>\n"
+              "<onoff x=\"1\" y=\"1\" id=\"3\" bitmap_handle=\"torn.png\"/>\n</GUI>"),
+        ":3:42: the picture \"images\\Gone.png\" is not in the skin's folder\n"
+        ":4:42: the picture \"IMAGES\\gone.png\" is not in the skin's folder\n"
+        ":5:42: the picture \"words.png\" cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, "
+        "GIF, TIFF or ICO\n"
+        ":6:42: the picture \"torn.png\" cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, "
+        "GIF, TIFF or ICO\n");
 }
 
 TEST_F(CheckedSkin, ThatIsRefusedIsNotBuilt) {
