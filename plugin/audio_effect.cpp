@@ -175,7 +175,10 @@ void AudioEffect::release() {
 void AudioEffect::closeForHost() {
     constexpr int hostAndThisCall = 2;
     if (editor && holders_.load(std::memory_order_relaxed) > hostAndThisCall)
-        editor->close();
+        orElse(false, [this] {
+            editor->close();
+            return true;
+        });
     release();
 }
 
