@@ -102,9 +102,21 @@ void serveToolkitWindows();
 /// Draws what is due, takes no input. For a pump inside a long gesture. On the window thread.
 void paintToolkitWindows();
 
-/// Lets other windows have the pointer. On X11 the toolkit keeps it from a press until it has done with the
-/// release, which is too long for a message that is shown meanwhile. On Windows it does nothing. On the
-/// window thread.
-void letPointerGo();
+/// While one of these lives, the open windows of this process take no input, and what the hand does on them
+/// is lost, as it is behind a modal message. Other windows can have the pointer, which on X11 the toolkit
+/// keeps from a press until it has done with the release. On Windows it does nothing, as a message keeps the
+/// input from its owner there. On the window thread.
+class InputPause {
+  public:
+    InputPause();
+    /// A button that was let go meanwhile is released in the windows' eyes too.
+    ~InputPause();
+    InputPause(const InputPause&) = delete;
+    InputPause& operator=(const InputPause&) = delete;
+
+  private:
+    class System;
+    std::unique_ptr<System> system_;
+};
 
 } // namespace platform

@@ -51,10 +51,9 @@ void* windowOf(const VSTGUI::CFrame* frame) {
     return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
 }
 
-/// Makes way for a message: takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms
-/// after a change at the earliest, and while a message stands open not at all.
-void makeWayForMessage() {
-    platform::letPointerGo();
+/// Takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms after a change at the
+/// earliest, and while a message stands open not at all.
+void drawBeforeMessage() {
     platform::sleepMilliseconds(17);
     platform::paintToolkitWindows();
 }
@@ -431,18 +430,22 @@ void xmlGuiEditor::selectSkin(CControl& control) {
     const float choice = control.getValue();
     const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
     const std::int32_t index = trunc(choice);
-    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text)) {
-        makeWayForMessage();
-        platform::showMessage("The new skin has been selected.\n"
-                              "Please close and open this window.\n"
-                              "If nothing changes it's probably because your host only hides\n"
-                              "the editor windows, so you may have to reopen the plug-in",
-                              "SKIN SELECTED!", {.owner = windowOf(frame)});
-    }
+    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text))
+        tellOfChosenSkin();
     if (auto* const menu = dynamic_cast<SkinMenu*>(&control))
         menu->showValue(count);
     else
         control.setValue(count);
+}
+
+void xmlGuiEditor::tellOfChosenSkin() {
+    const platform::InputPause pause;
+    drawBeforeMessage();
+    platform::showMessage("The new skin has been selected.\n"
+                          "Please close and open this window.\n"
+                          "If nothing changes it's probably because your host only hides\n"
+                          "the editor windows, so you may have to reopen the plug-in",
+                          "SKIN SELECTED!", {.owner = windowOf(frame)});
 }
 
 } // namespace skin

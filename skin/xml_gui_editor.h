@@ -176,6 +176,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     void applyParameterControl(VSTGUI::CControl& control, std::int32_t tag);
     void runMenuActions(VSTGUI::CControl& control, std::int32_t tag);
     void selectSkin(VSTGUI::CControl& control);
+    void tellOfChosenSkin();
 
     struct Kind {
         const char* name;

@@ -1,6 +1,7 @@
 #include "platform/toolkit_window.h"
 
 #include "display_connection.h"
+#include "living_frames.h"
 #include "menu_events.h"
 #include "mouse_buttons.h"
 #include "window_loop.h"
@@ -23,19 +24,6 @@
 namespace platform {
 
 namespace {
-
-/// Frames that are open or wait for their end, in the whole process. Never destroyed: a frame may end later
-/// than that would be.
-std::vector<VSTGUI::CFrame*>& livingFrames() {
-    static auto& frames = *new std::vector<VSTGUI::CFrame*>;
-    return frames;
-}
-
-/// The window that the toolkit has made for the frame, or 0.
-std::uint32_t windowOf(const VSTGUI::CFrame& frame) {
-    const auto* onScreen = dynamic_cast<VSTGUI::X11::IX11Frame*>(frame.getPlatformFrame());
-    return onScreen ? onScreen->getX11WindowID() : 0;
-}
 
 /// What cairo remembers of a connection.
 using DrawingDevice = std::unique_ptr<cairo_device_t, decltype(&cairo_device_destroy)>;
@@ -110,8 +98,8 @@ class ToolkitConnection {
         // The toolkit counts one use for each of them, and disconnects at 0.
         int uses = 1;
         std::uint32_t lastWindow = 0;
-        for (const VSTGUI::CFrame* frame : livingFrames())
-            if (const std::uint32_t window = windowOf(*frame)) {
+        for (const LivingFrame& living : livingFrames())
+            if (const std::uint32_t window = windowOf(*living.frame)) {
                 ++uses;
                 lastWindow = std::max(lastWindow, window & idMask());
             }
@@ -189,8 +177,10 @@ void endModalViews(VSTGUI::CFrame& frame) {
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
-    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) { livingFrames().push_back(frame_); }
-    ~OpenFrame() { std::erase(livingFrames(), frame_); }
+    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
+        livingFrames().push_back({frame_, &buttons_});
+    }
+    ~OpenFrame() { leaveLivingFrames(); }
     OpenFrame(const OpenFrame&) = delete;
     OpenFrame& operator=(const OpenFrame&) = delete;
 
@@ -260,8 +250,12 @@ class ToolkitWindow::OpenFrame {
         frame_->unregisterMouseObserver(&buttons_);
         menuEvents_.leave(*frame_);
         frame_->close();
-        std::erase(livingFrames(), frame_);
+        leaveLivingFrames();
         tellDisplay();
+    }
+
+    void leaveLivingFrames() const {
+        std::erase_if(livingFrames(), [this](const LivingFrame& living) { return living.frame == frame_; });
     }
 
     VSTGUI::CFrame* frame_;

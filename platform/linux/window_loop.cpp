@@ -3,12 +3,9 @@
 #include "platform/clock.h"
 #include "platform/toolkit.h"
 
-#include "vstgui/lib/platform/linux/x11platform.h"
-
 #include <algorithm>
 #include <limits>
 #include <new>
-#include <xcb/xcb.h>
 
 namespace platform {
 
@@ -161,14 +158,6 @@ void serveToolkitWindows() {
 
 void paintToolkitWindows() {
     WindowLoop::shared().serveTimers();
-}
-
-void letPointerGo() {
-    xcb_connection_t* const connection = VSTGUI::X11::RunLoop::instance().getXcbConnection();
-    if (!connection)
-        return;
-    xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
-    xcb_flush(connection);
 }
 
 } // namespace platform

@@ -112,6 +112,10 @@ void paintToolkitWindows() {
         DispatchMessageW(&message);
 }
 
-void letPointerGo() {}
+class InputPause::System {};
+
+InputPause::InputPause() = default;
+
+InputPause::~InputPause() = default;
 
 } // namespace platform

@@ -5,6 +5,7 @@
 #include "../platform/child_process.h"
 
 #include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 #include <algorithm>
 #include <atomic>
@@ -61,9 +62,53 @@ class SeparateConnection {
         XFree(children);
         return found;
     }
+    std::vector<Window> childrenOf(Window window) const {
+        Window ignored = None, *children = nullptr;
+        unsigned count = 0;
+        std::vector<Window> found;
+        if (XQueryTree(display_, window, &ignored, &ignored, &children, &count) && children) {
+            found.assign(children, children + count);
+            XFree(children);
+        }
+        return found;
+    }
+    /// Puts a window over all others.
+    Window cover(int x, int y, unsigned width, unsigned height) const {
+        const Window window =
+            XCreateSimpleWindow(display_, DefaultRootWindow(display_), x, y, width, height, 0, 0, 0x123456);
+        XMapRaised(display_, window);
+        XSync(display_, False);
+        return window;
+    }
+    void uncover(Window cover) const {
+        XDestroyWindow(display_, cover);
+        XSync(display_, False);
+    }
     Window transientFor(Window window) const {
         Window owner = None;
         return window != None && XGetTransientForHint(display_, window, &owner) ? owner : None;
+    }
+    // A hand at work while the test's own thread is kept by a message. Places are those of the screen.
+    void press(int x, int y, unsigned button = kLeft) const {
+        XTestFakeMotionEvent(display_, -1, x, y, CurrentTime);
+        XTestFakeButtonEvent(display_, button, True, CurrentTime);
+        XSync(display_, False);
+    }
+    void release(unsigned button = kLeft) const {
+        XTestFakeButtonEvent(display_, button, False, CurrentTime);
+        XSync(display_, False);
+    }
+    void click(int x, int y, unsigned button = kLeft) const {
+        press(x, y, button);
+        release(button);
+    }
+    /// Types into a window, whichever has the keyboard.
+    void typeInto(Window window, KeySym symbol) const {
+        XSetInputFocus(display_, window, RevertToParent, CurrentTime);
+        const KeyCode key = XKeysymToKeycode(display_, symbol);
+        XTestFakeKeyEvent(display_, key, True, CurrentTime);
+        XTestFakeKeyEvent(display_, key, False, CurrentTime);
+        XSync(display_, False);
     }
     /// False while another program has the pointer to itself.
     bool canTakePointer() const {
@@ -125,6 +170,23 @@ class WindowedEditor : public EditorOnScreen {
     static void holdAtLeast(ShownEditor& editor, std::chrono::milliseconds time) {
         const auto end = std::chrono::steady_clock::now() + time;
         ASSERT_TRUE(editor.serveUntil([&] { return std::chrono::steady_clock::now() >= end; }));
+    }
+    /// Chooses the first skin in the menu of skins, does something while the message about it stands, on a
+    /// thread of its own, and acknowledges the message.
+    void chooseSkin(ShownEditor& editor, const std::function<void(const SeparateConnection&)>& meanwhile) {
+        const auto resting = editor.part(100, 92, 70, 50);
+        std::atomic<bool> isDone = false;
+        const platform::MessageWatch watch(
+            [&](const platform::ShownMessage&) {
+                if (!isDone)
+                    meanwhile(SeparateConnection(screen()));
+                isDone = true;
+            },
+            [&] { return isDone.load(); });
+        editor.click(135, 80);
+        ASSERT_TRUE(editor.changes(resting, 100, 92, 70, 50));
+        editor.click(135, 100);
+        ASSERT_TRUE(editor.serveUntil([&] { return isDone.load(); }));
     }
     std::string chosenSkin() const {
         std::ifstream file(std::string(std::getenv("XDG_CONFIG_HOME")) +
@@ -492,6 +554,99 @@ TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHa
     EXPECT_TRUE(menuIsGone);
     EXPECT_TRUE(pointerIsFree) << "else nobody can click on the message";
     EXPECT_EQ(transientFor, editor.window());
+}
+
+TEST_F(WindowedEditor, ThrowsAwayWhatIsDoneToItWhileTheMessageAboutASkinStands) {
+    auto& editor = show();
+    serveAll(editor);
+    editor.plugin().setParameter(kFlat, 0.0f);
+    editor.plugin().setParameter(kTapsKnob, 0.2f);
+    ASSERT_TRUE(editor.becomes(kTapsKnob, 0.2f));
+    const float lamp = editor.value(kLamp), knob = editor.value(kKnob);
+    editor.plugin().clearCalls();
+    chooseSkin(editor, [&](const SeparateConnection& hand) {
+        hand.click(40 + 218, 30 + 18);            // the lamp
+        hand.click(40 + 50, 30 + 80);             // a menu
+        hand.click(40 + 30, 30 + 192, kWheelUp);  // a knob
+        hand.click(40 + 100, 30 + 140, kRight);   // the picture of the echoes
+        hand.press(40 + 30, 30 + 30);             // another knob, dragged
+        hand.click(40 + 30, 30 + 10, kWheelDown); // with a motion
+        hand.release();
+    });
+    // This is worked off behind all the rest.
+    editor.click(262 + 40, 18);
+    ASSERT_TRUE(editor.becomes(kFlat, 1.0f)) << "it takes the hand again";
+    EXPECT_EQ(editor.value(kLamp), lamp);
+    EXPECT_EQ(editor.value(kTapsKnob), 0.2f);
+    EXPECT_EQ(editor.value(kKnob), knob);
+    for (const std::int32_t id : editor.idsTold())
+        EXPECT_EQ(id, kFlat);
+}
+
+TEST_F(WindowedEditor, ThrowsAwayKeysWhileTheMessageAboutASkinStands) {
+    auto& editor = show();
+    serveAll(editor);
+    std::atomic<int> messages = 0;
+    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
+                                       [&] { return messages > 1; });
+    chooseSkin(editor, [&](const SeparateConnection& hand) {
+        const auto own = hand.childrenOf(editor.window());
+        ASSERT_EQ(own.size(), 1u);
+        // The menu of skins is in focus by then, and would take the other one.
+        hand.typeInto(own[0], XK_Up);
+    });
+    const std::string chosen = chosenSkin();
+    serveAll(editor);
+    EXPECT_EQ(messages, 1);
+    EXPECT_EQ(chosenSkin(), chosen);
+}
+
+TEST_F(WindowedEditor, IsDrawnAnewAfterTheMessageAboutASkinWhereItWasUncoveredMeanwhile) {
+    auto& editor = show();
+    serveAll(editor);
+    chooseSkin(editor, [&](const SeparateConnection& display) {
+        const Window cover = display.cover(40, 30, kSkinWidth, kSkinHeight);
+        display.uncover(cover);
+    });
+    EXPECT_TRUE(editor.showsPixel(kSkinWidth - 2, 2, kGrey));
+}
+
+TEST_F(WindowedEditor, EndsADragThatIsLetGoWhileTheMessageOfAnotherInstanceStands) {
+    auto& editor = show();
+    ShownEditor other(library(), screen(), 600, 10);
+    ASSERT_TRUE(other.open());
+    ASSERT_TRUE(other.showsPixel(kSkinWidth - 2, 2, kGrey));
+    // The host's keys then go to that menu.
+    const auto resting = other.part(100, 92, 70, 50);
+    other.click(135, 80);
+    ASSERT_TRUE(other.changes(resting, 100, 92, 70, 50));
+    other.typeKey(XK_Escape);
+    ASSERT_TRUE(other.serveUntil([&] { return other.part(100, 92, 70, 50) == resting; }));
+
+    const float before = editor.value(kKnob);
+    editor.plugin().clearCalls();
+    editor.point(30, 30);
+    editor.press(kLeft);
+    ASSERT_TRUE(editor.serveUntil([&] {
+        editor.point(30, editor.value(kKnob) == before ? 20 : 19);
+        return editor.value(kKnob) != before;
+    }));
+    {
+        std::atomic<bool> isLetGo = false;
+        const platform::MessageWatch watch(
+            [&](const platform::ShownMessage&) {
+                SeparateConnection(screen()).release();
+                isLetGo = true;
+            },
+            [&] { return isLetGo.load(); });
+        other.plugin().dispatch(effEditKeyDown, 0, 12); // up
+        ASSERT_TRUE(isLetGo);
+    }
+    EXPECT_TRUE(editor.serveUntil([&] { return editor.toldOf(kKnob).back() == audioMasterEndEdit; }));
+    const float after = editor.value(kKnob);
+    editor.point(30, 5);
+    serveAll(editor);
+    EXPECT_EQ(editor.value(kKnob), after) << "the knob is no longer in the hand";
 }
 
 TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {

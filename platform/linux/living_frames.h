@@ -1,0 +1,22 @@
+// The frames of this process that are open, or wait for the end of an event to be released.
+#pragma once
+
+#include "mouse_buttons.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace platform {
+
+struct LivingFrame {
+    VSTGUI::CFrame* frame;
+    const MouseButtons* buttons;
+};
+
+/// Never destroyed: a frame may end later than that would be. On the window thread.
+std::vector<LivingFrame>& livingFrames();
+
+/// The window that the toolkit has made for the frame, or 0.
+std::uint32_t windowOf(const VSTGUI::CFrame& frame);
+
+} // namespace platform
