@@ -11,6 +11,12 @@ void SkinMenu::showValue(float newValue) {
     currentIndex = isEntry ? nearest : -1;
 }
 
+void SkinMenu::showNoChoice() {
+    currentIndex = -1;
+    inPopup = false;
+    invalid();
+}
+
 void SkinMenu::valueChanged() {
     const bool isDismissed = inPopup && lastResult < 0;
     if (!isDismissed)

@@ -14,6 +14,9 @@ class SkinMenu final : public VSTGUI::COptionMenu {
     /// Takes the value as it is, where setValue() rounds it or leaves it out. Reports nothing.
     void showValue(float newValue);
 
+    /// Looks closed, with no entry chosen, as long as its value stays.
+    void showNoChoice();
+
     /// Reports a choice, and not the dismissal of the menu, which the toolkit ends in the same way.
     void valueChanged() override;
 };

@@ -430,9 +430,13 @@ void xmlGuiEditor::selectSkin(CControl& control) {
     const float choice = control.getValue();
     const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
     const std::int32_t index = trunc(choice);
-    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text))
+    auto* const menu = dynamic_cast<SkinMenu*>(&control);
+    if (choice < count && index >= 0 && skinSaveName(skinNames[index].text)) {
+        if (menu)
+            menu->showNoChoice();
         tellOfChosenSkin();
-    if (auto* const menu = dynamic_cast<SkinMenu*>(&control))
+    }
+    if (menu)
         menu->showValue(count);
     else
         control.setValue(count);

@@ -649,6 +649,33 @@ TEST_F(WindowedEditor, EndsADragThatIsLetGoWhileTheMessageOfAnotherInstanceStand
     EXPECT_EQ(editor.value(kKnob), after) << "the knob is no longer in the hand";
 }
 
+TEST_F(WindowedEditor, ShowsTheMenuOfSkinsAtRestWhileItsMessageStands) {
+    std::ifstream before(module.folder() + "/Quillon Skin/skin.xml");
+    std::string objects((std::istreambuf_iterator<char>(before)), std::istreambuf_iterator<char>());
+    const std::string plain = R"(<skinselector x="100" y="70" w="70" h="20"/>)";
+    ASSERT_NE(objects.find(plain), std::string::npos);
+    for (const char* pictures : {"", R"( bitmap_bk="handle.png" bitmap_bk_active="ways.png")"}) {
+        SCOPED_TRACE(pictures);
+        std::string skin = objects;
+        skin.insert(objects.find(plain) + plain.size() - 2, pictures);
+        std::ofstream(module.folder() + "/Quillon Skin/skin.xml") << skin;
+        auto& editor = show();
+        serveAll(editor);
+        serveUntilStill(editor, 100, 70, 70, 20);
+        const auto resting = editor.part(100, 70, 70, 20);
+        std::vector<Pixel> seen;
+        chooseSkin(editor, [&](const SeparateConnection& display) {
+            seen = display.part(40 + 100, 30 + 70, 70, 20);
+        });
+        EXPECT_TRUE(seen == resting);
+        serveAll(editor);
+        serveUntilStill(editor, 100, 70, 70, 20);
+        EXPECT_TRUE(editor.part(100, 70, 70, 20) == resting) << "and afterwards";
+        shown_.reset();
+        std::filesystem::remove_all(std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software");
+    }
+}
+
 TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.0f);
