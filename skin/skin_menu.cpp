@@ -23,4 +23,9 @@ void SkinMenu::valueChanged() {
         COptionMenu::valueChanged();
 }
 
+void SkinMenu::endEdit() {
+    if (getListener())
+        COptionMenu::endEdit();
+}
+
 } // namespace skin

@@ -19,6 +19,9 @@ class SkinMenu final : public VSTGUI::COptionMenu {
 
     /// Reports a choice, and not the dismissal of the menu, which the toolkit ends in the same way.
     void valueChanged() override;
+    /// Without a listener nothing: that has ended while it was told of the choice, and the frame would tell
+    /// it of the end of the gesture.
+    void endEdit() override;
 };
 
 } // namespace skin

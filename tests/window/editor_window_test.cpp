@@ -676,6 +676,35 @@ TEST_F(WindowedEditor, ShowsTheMenuOfSkinsAtRestWhileItsMessageStands) {
     }
 }
 
+TEST_F(WindowedEditor, EndsWithTheMenuOfSkinsOpen) {
+    for (const bool closesFirst : {true, false}) {
+        auto& editor = show();
+        const auto resting = editor.part(100, 92, 70, 50);
+        editor.click(135, 80);
+        ASSERT_TRUE(editor.changes(resting, 100, 92, 70, 50));
+        if (closesFirst)
+            editor.close();
+        editor.destroyInstance();
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+        EXPECT_EQ(chosenSkin(), "");
+    }
+    serveAll(show());
+}
+
+TEST_F(WindowedEditor, EndsRightAfterTheMessageAboutASkin) {
+    for (const bool closesFirst : {true, false}) {
+        auto& editor = show();
+        chooseSkin(editor, [](const SeparateConnection&) {});
+        if (closesFirst)
+            editor.close();
+        editor.destroyInstance();
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+        // The next one has the skin that was chosen.
+        std::filesystem::remove_all(std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software");
+    }
+    serveAll(show());
+}
+
 TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {
     auto& editor = show();
     editor.plugin().setParameter(kMenu, 0.0f);
