@@ -152,10 +152,26 @@ bool xmlGuiEditor::open(void* ptr) {
     const bool loaded = loadSkinOrNothing(ptr);
     skinLoaded = 1;
     storeShared(queueRead, 0);
-    if (!std::exchange(isClosedWhileReading_, false))
-        return loaded;
-    close();
-    return false;
+    if (std::exchange(isClosedWhileReading_, false)) {
+        close();
+        return false;
+    }
+    const bool isShown = frame != nullptr;
+    askForFramesSize();
+    // The host may have closed it instead.
+    return loaded && (frame || !isShown);
+}
+
+void xmlGuiEditor::askForFramesSize() {
+    if (!frame || !frame->getPlatformFrame())
+        return;
+    const auto width = static_cast<std::int16_t>(frame->getWidth());
+    const auto height = static_cast<std::int16_t>(frame->getHeight());
+    const vst2::ERect told = std::exchange(rect, {0, 0, height, width});
+    const bool isOther = width != told.right || height != told.bottom;
+    // A host that makes room asks for the size again, in its answer or later, and goes by that.
+    if (isOther && !(theEffect().canHostDo("sizeWindow") && theEffect().sizeWindow(width, height)))
+        rect = told;
 }
 
 void xmlGuiEditor::close() {

@@ -160,6 +160,9 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     bool loadSkinOrNothing(void* parent);
 
     bool hasShown(std::int32_t index, float value);
+    /// If the skin has been changed for one of another size: asks the host to make room. A host that does is
+    /// told the new size from now on, any other the size of the start.
+    void askForFramesSize();
 
     void noteChange(std::int32_t index, float value);
     void showParameter(std::int32_t index, float value);

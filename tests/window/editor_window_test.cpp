@@ -188,6 +188,17 @@ class WindowedEditor : public EditorOnScreen {
         editor.click(135, 100);
         ASSERT_TRUE(editor.serveUntil([&] { return isDone.load(); }));
     }
+    /// As if it had been chosen in another instance.
+    static void chooseBlue() {
+        const std::string folder = std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder + "/Quillon Multitap Delay.conf") << "SkinName=blue\n";
+    }
+    static ERect rectOf(ShownEditor& editor) {
+        ERect* size = nullptr;
+        editor.plugin().dispatch(effEditGetRect, 0, 0, &size);
+        return *size;
+    }
     std::string chosenSkin() const {
         std::ifstream file(std::string(std::getenv("XDG_CONFIG_HOME")) +
                            "/Quillon Software/Quillon Multitap Delay.conf");
@@ -523,11 +534,72 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     editor.close();
     ASSERT_TRUE(editor.open());
     EXPECT_TRUE(editor.showsPixel(100, 100, kBlue));
-    ERect* size = nullptr;
-    editor.plugin().dispatch(effEditGetRect, 0, 0, &size);
-    EXPECT_EQ(size->right, kSkinWidth) << "until the next instance";
     ShownEditor next(library(), screen(), 500, 400);
     EXPECT_EQ(next.width(), 160);
+}
+
+TEST_F(WindowedEditor, KeepsItsFirstSizeForAHostThatMakesNoRoomForASkin) {
+    auto& editor = show();
+    for (const char* refused : {"sizeWindow", ""}) {
+        SCOPED_TRACE(refused);
+        editor.close();
+        chooseBlue();
+        editor.plugin().behaviour().answer = [refused](const host::HostCall& call,
+                                                       void*) -> std::optional<std::intptr_t> {
+            const bool isRefused = call.opcode == audioMasterSizeWindow ||
+                                   (call.opcode == audioMasterCanDo && call.text == refused);
+            return isRefused ? std::optional<std::intptr_t>(0) : std::nullopt;
+        };
+        ASSERT_TRUE(editor.open());
+        EXPECT_TRUE(editor.showsPixel(100, 100, kBlue));
+        EXPECT_EQ(rectOf(editor).right, kSkinWidth);
+        EXPECT_EQ(rectOf(editor).bottom, kSkinHeight);
+    }
+}
+
+TEST_F(WindowedEditor, TellsAHostThatMakesRoomForASkinItsSize) {
+    auto& editor = show();
+    EXPECT_EQ(editor.plugin().callsOf(audioMasterSizeWindow), 0) << "it has the size that the host was told";
+    editor.close();
+    chooseBlue();
+    std::vector<host::HostCall> asked;
+    ERect askedAgain = {};
+    editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                             void*) -> std::optional<std::intptr_t> {
+        if (call.opcode != audioMasterSizeWindow)
+            return std::nullopt;
+        asked.push_back(call);
+        askedAgain = rectOf(editor);
+        return 1;
+    };
+    for (int opening = 0; opening < 2; ++opening) {
+        ASSERT_TRUE(editor.open());
+        EXPECT_TRUE(editor.showsPixel(100, 100, kBlue));
+        EXPECT_EQ(rectOf(editor).right, 160);
+        editor.close();
+    }
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_EQ(asked[0].index, 160);
+    EXPECT_EQ(asked[0].value, askedAgain.bottom);
+    EXPECT_EQ(askedAgain.right, 160) << "while it is asked";
+}
+
+TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToASize) {
+    auto& editor = show();
+    editor.close();
+    chooseBlue();
+    editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                             void*) -> std::optional<std::intptr_t> {
+        if (call.opcode == audioMasterSizeWindow)
+            editor.close();
+        return std::nullopt;
+    };
+    EXPECT_FALSE(editor.open());
+    EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+    editor.serve();
+    editor.plugin().behaviour().answer = nullptr;
+    ASSERT_TRUE(editor.open());
+    EXPECT_TRUE(editor.showsPixel(100, 100, kBlue));
 }
 
 TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHasGone) {
