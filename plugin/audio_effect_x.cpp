@@ -46,7 +46,7 @@ std::intptr_t AudioEffectX::dispatcher(std::int32_t opcode, std::int32_t index, 
         return getSpeakerArrangement(reinterpret_cast<VstSpeakerArrangement**>(value),
                                      static_cast<VstSpeakerArrangement**>(ptr));
     case effSetTotalSampleToProcess:
-        return setTotalSampleToProcess(static_cast<std::int32_t>(value));
+        return setTotalSampleToProcess(value);
     default:
         return AudioEffect::dispatcher(opcode, index, value, ptr, opt);
     }

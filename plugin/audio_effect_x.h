@@ -22,7 +22,7 @@ class AudioEffectX : public AudioEffect {
     virtual bool getOutputProperties(std::int32_t, vst2::VstPinProperties*) { return false; }
     virtual bool getSpeakerArrangement(vst2::VstSpeakerArrangement** input,
                                        vst2::VstSpeakerArrangement** output);
-    virtual std::int32_t setTotalSampleToProcess(std::int32_t value) { return value; }
+    virtual std::intptr_t setTotalSampleToProcess(std::intptr_t value) { return value; }
     /// Writes 33 bytes.
     virtual bool getEffectName(char*) { return false; }
     /// Writes 65 bytes.

@@ -59,10 +59,12 @@ bool isBank(const Image& image) {
     return fxMagic == kPlainBank || fxMagic == kChunkBank;
 }
 
-/// Whether the chunk that a bank announces lies within the image.
+/// Whether the chunk that a bank announces lies within the file. Of a file larger than the image nobody
+/// knows: a chunk that goes on behind the image is then taken as there, and is refused for its size.
 bool holdsItsChunk(const Image& image) {
     const auto chunkSize = wordAt(image, kChunkSizeOffset);
-    return chunkSize && swappedWord(*chunkSize) <= static_cast<std::int64_t>(image.size() - kChunkOffset);
+    return chunkSize && (image.size() == kLargestImage ||
+                         swappedWord(*chunkSize) <= static_cast<std::int64_t>(image.size() - kChunkOffset));
 }
 
 void loadChunkBank(Image& image, BankReceiver& receiver) {

@@ -171,6 +171,19 @@ TEST_F(ChunkBank, WhoseChunkRunsPastTheEndIsNoBank) {
     expectDefaultsAnd(kNoBank, greedy.bytes());
 }
 
+TEST_F(ChunkBank, OfManyMegabytesIsRefusedForItsSize) {
+    constexpr std::size_t size = 20 * 1024 * 1024;
+    const Bytes bank = chunkBank(Bytes(size, 7));
+    EXPECT_EQ(outcomeOf(bank).message, kBankRefused);
+    expectDefaultsAnd(kBankRefused, bank);
+}
+
+TEST_F(ChunkBank, MayHaveManyMegabytesBehindItsChunk) {
+    BankImage image(chunkBank(distinctPrograms()));
+    image.append(Bytes(20 * 1024 * 1024, 0xEE));
+    EXPECT_EQ(startWith(image.bytes(), expectPrograms(distinctPrograms())), "");
+}
+
 TEST_F(ChunkBank, ThatWasKeptFromLongAgoLoadsUnchanged) {
     const auto bank = readFile(QUILLON_SOURCE "/tests/fixtures/bank.fxb");
     const auto chunk = readFile(QUILLON_SOURCE "/tests/fixtures/bank.chunk");

@@ -233,8 +233,10 @@ TEST_F(Dispatcher, HasNoNamesForInputPins) {
 }
 
 TEST_F(Dispatcher, GivesTheSamplesToProcessBack) {
-    for (const std::intptr_t value : {0, 1, -1, 44100, 0x7FFFFFFF})
-        EXPECT_EQ(plugin.dispatch(effSetTotalSampleToProcess, 0, value), value);
+    // A day at 96000 Hz is more than 32 bits hold.
+    for (const std::int64_t value : std::initializer_list<std::int64_t>{
+             0, 1, -1, 44100, 0x7FFFFFFF, 0x80000000, 24ll * 60 * 60 * 96000, -24ll * 60 * 60 * 96000})
+        EXPECT_EQ(plugin.dispatch(effSetTotalSampleToProcess, 0, static_cast<std::intptr_t>(value)), value);
 }
 
 TEST_F(Dispatcher, SetsBothSpeakerArrangementsToNullAndWritesNoFurther) {

@@ -284,11 +284,15 @@ TEST(BankFile, OfAnotherKindIsRefusedInOneLine) {
     EXPECT_EQ("", refusalOf(good));
     EXPECT_EQ("", refusalOf(with(16, "vmdl")));
     EXPECT_EQ("bank.fxb: not an fxb file", refusalOf(with(0, "RIFF")));
-    EXPECT_EQ("bank.fxb: not an fxb file", refusalOf({good.begin(), good.begin() + 100}));
+    EXPECT_EQ("bank.fxb: not an fxb file", refusalOf({}));
+    for (const int size : {4, 100, 159})
+        EXPECT_EQ("bank.fxb: an fxb file that ends within its header",
+                  refusalOf({good.begin(), good.begin() + size}));
     EXPECT_EQ("bank.fxb: not a bank of one chunk", refusalOf(with(8, "FxBk")));
     EXPECT_EQ("bank.fxb: a bank of another plug-in", refusalOf(with(16, "abcd")));
     EXPECT_EQ("bank.fxb: the chunk is not one of 128 programs", refusalOf(with(156, "\0\0\0\x70")));
-    EXPECT_EQ("bank.fxb: the chunk is not one of 128 programs", refusalOf({good.begin(), good.end() - 1}));
+    EXPECT_EQ("bank.fxb: an fxb file that ends before its bank does",
+              refusalOf({good.begin(), good.end() - 1}));
 }
 
 TEST(FactoryBank, IsWhatItsTableCompilesTo) {

@@ -76,8 +76,11 @@ TEST(BankFile, RefusesWhatEndsTooSoon) {
     Bytes bytes = bankFile("FBCh", {1, 2, 3});
     bytes.pop_back();
     expectRefused(bytes, "ends before its bank does");
-    bytes.resize(100);
-    expectRefused(bytes, "ends within its header");
+    for (const std::size_t size : {100, 28, 27, 12, 11, 8, 4}) {
+        SCOPED_TRACE(size);
+        bytes.resize(size);
+        expectRefused(bytes, "ends within its header");
+    }
 }
 
 } // namespace

@@ -89,14 +89,18 @@ std::vector<std::uint8_t> bankFileBytes(const Bank& bank) {
 
 Bank parseBankFile(std::span<const std::uint8_t> bytes, const std::string& fileName) {
     const auto refuse = [&](const std::string& what) { throw BankError(fileName + ": " + what); };
-    if (bytes.size() < kHeaderSize || bigEndian(bytes, kMagicAt) != kChunkMagic)
+    if (bytes.size() < 4 || bigEndian(bytes, kMagicAt) != kChunkMagic)
         refuse("not an fxb file");
+    if (bytes.size() < kHeaderSize)
+        refuse("an fxb file that ends within its header");
     if (bigEndian(bytes, kFxMagicAt) != kOpaqueBankMagic)
         refuse("not a bank of one chunk");
     const std::uint32_t id = bigEndian(bytes, kFxIdAt);
     if (id != kUniqueId && id != kOlderUniqueId)
         refuse("a bank of another plug-in");
-    if (bigEndian(bytes, kChunkSizeAt) != kChunkSize || bytes.size() < kHeaderSize + kChunkSize)
+    if (bytes.size() - kHeaderSize < bigEndian(bytes, kChunkSizeAt))
+        refuse("an fxb file that ends before its bank does");
+    if (bigEndian(bytes, kChunkSizeAt) != kChunkSize)
         refuse("the chunk is not one of " + std::to_string(kNumPrograms) + " programs");
     Bank bank;
     for (std::size_t number = 0; number < bank.size(); ++number) {

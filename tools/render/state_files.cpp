@@ -19,8 +19,10 @@ std::int32_t codeAt(std::span<const std::uint8_t> bytes, std::size_t offset) {
 } // namespace
 
 BankFile parseBankFile(std::span<const std::uint8_t> bytes) {
-    if (bytes.size() < 28 || codeAt(bytes, 0) != vst2::fourCharacterCode("CcnK"))
+    if (bytes.size() < 4 || codeAt(bytes, 0) != vst2::fourCharacterCode("CcnK"))
         throw ToolError("is not a bank file");
+    if (bytes.size() < 28)
+        throw ToolError("ends within its header");
     const std::int32_t kind = codeAt(bytes, 8);
     if (kind == vst2::fourCharacterCode("FxBk"))
         throw ToolError(
