@@ -62,6 +62,14 @@ TEST_F(RenderErrors, OfAnInputWithTooManyChannels) {
     expectProbeError({"surround.wav", "out.wav"}, "surround.wav has 6 channels");
 }
 
+TEST_F(RenderErrors, OfAnInputWhoseRateCannotBe) {
+    for (const int rate : {1, 999, 768001, 2000000000}) {
+        folder.writeSound("fast.wav", noise(100), 1, rate);
+        expectProbeError({"fast.wav", "out.wav"}, "fast.wav has a sample rate of " + std::to_string(rate) +
+                                                      " Hz; only 1000 to 768000 Hz can be played");
+    }
+}
+
 TEST_F(RenderErrors, OfAnInputThatHoldsNoNumbers) {
     auto samples = noise(1000);
     samples[441] = std::numeric_limits<float>::quiet_NaN();

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sndfile.h>
+#include <sndfile.hh>
 #include <thread>
 
 namespace {
@@ -438,6 +438,65 @@ TEST_F(RenderTool, TakesItsUnfinishedFilesAwayWhenItIsStopped) {
         EXPECT_EQ(result.exitCode, 130);
         EXPECT_EQ(result.err, "quillon-render: stopped; nothing was written\n");
         EXPECT_EQ(folder.names(), std::vector<std::string>{"in.wav"});
+    }
+}
+
+/// A WAV file of 16 bits whose header tells of `promised` bytes of sound where there are `present`.
+std::string wavOf(std::uint32_t promised, std::size_t present, std::uint32_t rate = 44100) {
+    const auto word = [](std::uint32_t number, int size) {
+        std::string bytes;
+        for (int i = 0; i < size; ++i)
+            bytes += static_cast<char>(number >> (8 * i));
+        return bytes;
+    };
+    // Who does not know the end has written down only the 8 bytes of the head when the sound begins.
+    const std::uint32_t length = promised == 0 ? 8 : promised + 36;
+    return "RIFF" + word(length, 4) + "WAVEfmt " + word(16, 4) + word(1, 2) + word(1, 2) + word(rate, 4) +
+           word(2 * rate, 4) + word(2, 2) + word(16, 2) + "data" + word(promised, 4) +
+           std::string(present, '\x10');
+}
+
+TEST_F(RenderTool, PlaysWhatIsLeftOfAFileThatIsCutOffAndSaysSo) {
+    folder.writeText("in.wav", wavOf(19200, 4912));
+    const ToolResult result = run({"in.wav", "out.wav", "--tail", "0", "--quiet"});
+    EXPECT_EQ(result.err, "quillon-render: warning: " + folder.file("in.wav") +
+                              " is cut off: 4912 of 19200 bytes of sound are there, and only they are "
+                              "played\n");
+    EXPECT_EQ(output().frames(), 2456u);
+    const json report = runJson({"in.wav", "out.wav", "--tail", "0"});
+    EXPECT_EQ(report["inputFrames"], 2456);
+    ASSERT_EQ(report["warnings"].size(), 1u);
+    EXPECT_NE(report["warnings"][0].get<std::string>().find("is cut off"), std::string::npos);
+}
+
+TEST_F(RenderTool, TakesALengthThatMeansUpToTheEndWithoutAWord) {
+    for (const std::uint32_t length : {4912u, 0u, 0x7ffff000u, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
+        SCOPED_TRACE(length);
+        folder.writeText("in.wav", wavOf(length, 4912));
+        EXPECT_EQ(run({"in.wav", "out.wav", "--tail", "0", "--quiet"}).err, "");
+        EXPECT_EQ(output().frames(), 2456u);
+    }
+}
+
+TEST_F(RenderTool, SaysOfOtherKindsOfFilesThatTheyAreCutOff) {
+    for (const int kind : {SF_FORMAT_AIFF, SF_FORMAT_RF64, SF_FORMAT_WAVEX}) {
+        SCOPED_TRACE(kind);
+        SndfileHandle(folder.file("in.wav"), SFM_WRITE, kind | SF_FORMAT_PCM_24, 2, 48000)
+            .write(noise(20000).data(), 20000);
+        EXPECT_EQ(run({"in.wav", "out.wav", "--tail", "0", "--quiet"}).err, "");
+        std::filesystem::resize_file(folder.file("in.wav"),
+                                     std::filesystem::file_size(folder.file("in.wav")) - 6000);
+        const std::string error = run({"in.wav", "out.wav", "--tail", "0", "--quiet"}).err;
+        EXPECT_NE(error.find(" is cut off: 54"), std::string::npos) << error;
+        EXPECT_EQ(output().frames(), 9000u);
+    }
+}
+
+TEST_F(RenderTool, PlaysFilesOfTheLowestAndTheHighestRate) {
+    for (const int rate : {1000, 768000}) {
+        folder.writeSound("in.wav", noise(100), 1, rate);
+        run({"in.wav", "out.wav", "--tail", "0"});
+        EXPECT_EQ(output().sampleRate, rate);
     }
 }
 

@@ -37,18 +37,27 @@ const Ending& endingOf(const std::filesystem::path& path) {
 /// The most that a plain WAV or AIFF file can hold, with some room for its header.
 constexpr std::int64_t longestPlainFile = (std::int64_t{1} << 32) - 65536;
 
+/// Below the one, in Hz, not even a voice on a telephone is left; beyond the other no converter goes. A
+/// header with another rate is damaged.
+constexpr int lowestRate = 1000;
+constexpr int highestRate = 768000;
+
 } // namespace
 
 AudioReader::AudioReader(const std::filesystem::path& path) : path_(path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
         throw ToolError(path.string() + " is a folder, not a file");
-    file_ = SndfileHandle(path.string());
+    file_ = SndfileHandle(path.c_str());
     if (!file_ || file_.error() != SF_ERR_NO_ERROR)
         throw ToolError(path.string() + " cannot be read: " + printable(trimmed(file_.strError())));
     if (file_.channels() < 1 || file_.channels() > 2)
         throw ToolError(path.string() + " has " + std::to_string(file_.channels()) +
                         " channels; only mono and stereo files can be played");
+    if (file_.samplerate() < lowestRate || file_.samplerate() > highestRate)
+        throw ToolError(path.string() + " has a sample rate of " + std::to_string(file_.samplerate()) +
+                        " Hz; only " + std::to_string(lowestRate) + " to " + std::to_string(highestRate) +
+                        " Hz can be played");
     if (file_.frames() < 1)
         throw ToolError(path.string() + " holds no sound");
 }
@@ -105,7 +114,7 @@ OutputKind outputKind(const std::filesystem::path& path, SampleFormat format, in
 
 AudioWriter::AudioWriter(const std::filesystem::path& path, const std::filesystem::path& target,
                          const OutputKind& kind, int sampleRate, int channels)
-    : target_(target), file_(path.string(), SFM_WRITE, kind.format, channels, sampleRate) {
+    : target_(target), file_(path.c_str(), SFM_WRITE, kind.format, channels, sampleRate) {
     if (!file_ || file_.error() != SF_ERR_NO_ERROR)
         fail();
     // Without this, a sample beyond full scale comes out at the other end of the scale.

@@ -8,6 +8,7 @@
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 #include "tools/render/automation.h"
+#include "tools/render/cut_file.h"
 #include "tools/render/midi_file.h"
 #include "tools/render/plot.h"
 #include "tools/render/report.h"
@@ -69,6 +70,11 @@ Script readScript(const Options& options) {
     return script;
 }
 
+std::string cutText(const files::path& file, const CutSound& cut) {
+    return file.string() + " is cut off: " + std::to_string(cut.present) + " of " +
+           std::to_string(cut.promised) + " bytes of sound are there, and only they are played";
+}
+
 std::vector<MidiEvent> atFrames(const std::vector<TimedMidi>& messages, double sampleRate) {
     std::vector<MidiEvent> events;
     for (const TimedMidi& message : messages) {
@@ -93,6 +99,8 @@ class RenderJob {
     void run() {
         const platform::PrivateFolder folder;
         const host::Library& library = loadForGood(library_);
+        if (const auto cut = cutSound(options_.input))
+            warn(cutText(options_.input, *cut));
         prepare(library);
         play(library);
         for (const std::string& warning : warningsFrom(report_))
