@@ -5,6 +5,8 @@
 #include "bench/runs_file.h"
 #include "bench/suite.h"
 #include "dsp/instruction_set.h"
+#include "host/library_call.h"
+#include "platform/abrupt_end.h"
 #include "platform/display.h"
 #include "platform/host_settings.h"
 #include "platform/measuring.h"
@@ -194,6 +196,7 @@ void run(const Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    const platform::AbruptEndWatch watch("quillon-bench", host::LibraryCall::describe);
     platform::leaveDisplay();
     try {
         Options options;

@@ -37,6 +37,7 @@ struct TextBuffer {
 
 platform::SharedLibrary load(const std::string& path) {
     try {
+        const LibraryCall call(path, "the loading");
         return platform::SharedLibrary(path);
     } catch (const std::runtime_error& error) {
         const std::string reason = error.what();
@@ -68,6 +69,24 @@ void checkRecord(const AEffect* effect, const std::string& path) {
         throw HostError(path + ": the plug-in's record lacks a function");
 }
 
+/// Far beyond what any plug-in has, and little enough for a host to go through one by one.
+constexpr std::int32_t mostPrograms = 65536;
+constexpr std::int32_t mostParameters = 65536;
+constexpr std::int32_t mostChannels = 1024;
+constexpr std::intptr_t largestChunk = 256 * 1024 * 1024;
+
+void checkCounts(const AEffect& effect, const std::string& path) {
+    const auto check = [&](std::int32_t count, std::int32_t most, const char* what) {
+        if (count < 0 || count > most)
+            throw HostError(path + ": the plug-in claims to have " + std::to_string(count) + ' ' + what +
+                            ", which cannot be");
+    };
+    check(effect.numPrograms, mostPrograms, "programs");
+    check(effect.numParams, mostParameters, "parameters");
+    check(effect.numInputs, mostChannels, "inputs");
+    check(effect.numOutputs, mostChannels, "outputs");
+}
+
 } // namespace
 
 Library::Library(const std::string& path, const std::string& entryPoint) : path_(path), library_(load(path)) {
@@ -83,12 +102,16 @@ Library::Library(const std::string& path, const std::string& entryPoint) : path_
         throw HostError(path + ": no entry point " +
                         (entryPoint.empty() ? "VSTPluginMain or main" : entryPoint) + ", not a plug-in");
     entryPoint_ = reinterpret_cast<VstEntryPoint>(address);
+    LibraryCall::noteLoaded(path_);
 }
 
-Plugin::Plugin(const Library& library, HostBehaviour behaviour) : behaviour_(std::move(behaviour)) {
+Plugin::Plugin(const Library& library, HostBehaviour behaviour)
+    : path_(library.path()), behaviour_(std::move(behaviour)) {
     const MakingOf making(this);
+    const LibraryCall call(path_, "its entry point");
     AEffect* effect = library.entryPoint()(&Plugin::callback);
-    checkRecord(effect, library.path());
+    checkRecord(effect, path_);
+    checkCounts(*effect, path_);
     effect_ = effect;
     effect_->resvd1 = reinterpret_cast<std::intptr_t>(this);
 }
@@ -101,6 +124,7 @@ std::intptr_t Plugin::dispatch(std::int32_t opcode, std::int32_t index, std::int
                                float opt) {
     if (!effect_)
         throw HostError("the instance is closed");
+    const LibraryCall call(path_, opcode);
     return effect_->dispatcher(effect_, opcode, index, value, ptr, opt);
 }
 
@@ -113,6 +137,7 @@ void Plugin::start(float sampleRate, std::int32_t blockSize) {
 
 void Plugin::open() {
     dispatch(effOpen);
+    checkCounts(*effect_, path_);
 }
 
 std::intptr_t Plugin::close() {
@@ -206,6 +231,11 @@ std::vector<std::uint8_t> Plugin::getChunk(bool isPreset) {
     const std::intptr_t size = dispatch(effGetChunk, isPreset, 0, &data);
     if (!data || size <= 0)
         return {};
+    if (size > largestChunk)
+        throw HostError(path_ + ": the plug-in claims to have a chunk of " + std::to_string(size) +
+                        " bytes, which cannot be");
+    // What it points at may not be there.
+    const LibraryCall call(path_, effGetChunk);
     const auto* bytes = static_cast<const std::uint8_t*>(data);
     return {bytes, bytes + size};
 }

@@ -9,6 +9,7 @@
 // the way a plain sequencer would and recorded, call by call, for whoever wants to look.
 #pragma once
 
+#include "host/library_call.h"
 #include "platform/shared_library.h"
 #include "vst2/vst2.h"
 
@@ -86,7 +87,8 @@ struct MidiMessage {
 /// back on any thread.
 class Plugin {
   public:
-    /// Calls the entry point. Throws HostError if the library gives no instance or a record that is not one.
+    /// Calls the entry point. Throws HostError if the library gives no instance, or a record that is not one
+    /// or tells of more programs, parameters or channels than any effect has.
     explicit Plugin(const Library& library, HostBehaviour behaviour = {});
     /// Sends effClose if close() has not been called.
     ~Plugin();
@@ -102,6 +104,7 @@ class Plugin {
 
     /// effOpen, sample rate (Hz), block size (frames), then resume.
     void start(float sampleRate, std::int32_t blockSize);
+    /// effOpen. Throws HostError as the constructor does, since some fill their record only now.
     void open();
     /// effClose. The record is gone afterwards. Gives the plug-in's answer.
     std::intptr_t close();
@@ -112,8 +115,14 @@ class Plugin {
 
     std::int32_t numPrograms() const { return effect_->numPrograms; }
     std::int32_t numParams() const { return effect_->numParams; }
-    void setParameter(std::int32_t id, float value) { effect_->setParameter(effect_, id, value); }
-    float getParameter(std::int32_t id) { return effect_->getParameter(effect_, id); }
+    void setParameter(std::int32_t id, float value) {
+        const LibraryCall call(path_, "setParameter");
+        effect_->setParameter(effect_, id, value);
+    }
+    float getParameter(std::int32_t id) {
+        const LibraryCall call(path_, "getParameter");
+        return effect_->getParameter(effect_, id);
+    }
     std::string parameterName(std::int32_t id);
     std::string parameterDisplay(std::int32_t id);
     std::string parameterLabel(std::int32_t id);
@@ -130,7 +139,8 @@ class Plugin {
     std::string product();
     std::int32_t canDo(const std::string& what);
 
-    /// A copy of the chunk: the current program alone, or the whole bank.
+    /// A copy of the chunk: the current program alone, or the whole bank. Throws HostError for one of more
+    /// than 256 MiB.
     std::vector<std::uint8_t> getChunk(bool isPreset);
     std::intptr_t setChunk(std::span<const std::uint8_t> data, bool isPreset);
 
@@ -140,6 +150,7 @@ class Plugin {
 
     /// Plain pass-through to processReplacing: channels x frames, buffers may be shared between in and out.
     void process(float** inputs, float** outputs, std::int32_t frames) {
+        const LibraryCall call(path_, "processReplacing");
         effect_->processReplacing(effect_, inputs, outputs, frames);
         position_ += frames;
     }
@@ -167,6 +178,7 @@ class Plugin {
     vst2::VstTimeInfo* timeInfo();
     std::string text(std::int32_t opcode, std::int32_t index = 0);
 
+    std::string path_; ///< of the library
     HostBehaviour behaviour_;
     vst2::AEffect* effect_ = nullptr;
     std::mutex callsGuard_;

@@ -1,13 +1,17 @@
 // A folder that belongs to one run of a tool or test and vanishes with it.
 #pragma once
 
+#include "platform/abrupt_end.h"
+
+#include <optional>
 #include <string>
 
 namespace platform {
 
 /// Makes an empty private folder the current directory; the destructor goes back and removes the folder with
-/// all that was left in it. Plug-ins may write into the current directory, and that must not be the person's.
-/// Resolve relative paths before. Throws std::runtime_error if no folder can be made.
+/// all that was left in it, and so does an abrupt end of a process that watches for one. Plug-ins may write
+/// into the current directory, and that must not be the person's. Resolve relative paths before. Throws
+/// std::runtime_error if no folder can be made.
 class PrivateFolder {
   public:
     PrivateFolder();
@@ -19,6 +23,7 @@ class PrivateFolder {
   private:
     std::string path_;
     std::string previous_;
+    std::optional<UnfinishedPath> unfinished_;
 };
 
 } // namespace platform

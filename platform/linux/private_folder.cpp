@@ -19,6 +19,7 @@ PrivateFolder::PrivateFolder() {
     if (error || !mkdtemp(path_.data()))
         throw std::runtime_error("no private folder can be made: " +
                                  (error ? error : std::error_code(errno, std::generic_category())).message());
+    unfinished_.emplace(path_, UnfinishedPath::Kind::folder);
     files::current_path(path_, error);
     if (error) {
         std::error_code ignored;

@@ -77,6 +77,10 @@ PrivateFolder::PrivateFolder() {
         fail("the current folder cannot be named");
     previous_ = current;
     path_ = makeFolder();
+    // The name may be one in the code page of the machine; the system knows it in its own letters.
+    wchar_t wide[MAX_PATH] = L"";
+    MultiByteToWideChar(CP_ACP, 0, path_.c_str(), -1, wide, MAX_PATH);
+    unfinished_.emplace(wide, UnfinishedPath::Kind::folder);
     if (!SetCurrentDirectoryA(path_.c_str())) {
         RemoveDirectoryA(path_.c_str());
         fail("the private folder cannot be entered");

@@ -4,6 +4,8 @@
 #include "bank/bank_table.h"
 #include "bank/preset_page.h"
 #include "bank/whole_file.h"
+#include "host/library_call.h"
+#include "platform/abrupt_end.h"
 #include "platform/display.h"
 #include "platform/private_folder.h"
 
@@ -64,6 +66,7 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
 } // namespace
 
 int main(int argc, char** argv) {
+    const platform::AbruptEndWatch watch("quillon-bank", host::LibraryCall::describe);
     // A build must not wait for somebody to click a message of the plug-in away.
     platform::leaveDisplay();
     CLI::App app("The factory bank: a table of 128 programs, and the .fxb file made from it.",

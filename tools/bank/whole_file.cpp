@@ -1,6 +1,7 @@
 #include "bank/whole_file.h"
 
 #include "bank/bank_program.h"
+#include "platform/abrupt_end.h"
 
 #include <filesystem>
 #include <fstream>
@@ -22,6 +23,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path) {
 
 void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
     const std::string unfinished = path + ".unfinished";
+    const platform::UnfinishedPath watched(unfinished, platform::UnfinishedPath::Kind::file);
     std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     file.close();

@@ -1,26 +1,15 @@
 #include "tools/common/interrupt.h"
 
-#include <csignal>
+#include "platform/abrupt_end.h"
 
 namespace tools {
 
-namespace {
-
-volatile std::sig_atomic_t hasCome = 0;
-
-extern "C" void takeNote(int) {
-    hasCome = 1;
-}
-
-} // namespace
-
 void watchForInterrupts() {
-    std::signal(SIGINT, takeNote);
-    std::signal(SIGTERM, takeNote);
+    platform::noteEndRequests();
 }
 
 bool isInterrupted() {
-    return hasCome != 0;
+    return platform::isEndRequested();
 }
 
 void stopIfInterrupted() {

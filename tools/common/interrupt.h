@@ -1,5 +1,5 @@
-// Control-C and a polite request to end: the tool stops between two steps and takes its unfinished files
-// away.
+// Control-C, a closed terminal or a polite request to end: the tool stops between two steps and takes its
+// unfinished files away.
 #pragma once
 
 #include <stdexcept>
@@ -14,7 +14,7 @@ class Interrupted : public std::runtime_error {
         : std::runtime_error(what) {}
 };
 
-/// From here on SIGINT and SIGTERM are taken note of and do not end the process.
+/// From here on a request to end is taken note of and does not end the process at once; a second one does.
 void watchForInterrupts();
 
 /// Whether one has come. Any thread.

@@ -3,7 +3,6 @@
 #include "tools/common/tool_error.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <random>
 #include <string>
 #include <system_error>
@@ -44,10 +43,9 @@ files::path unusedNameBeside(const files::path& target) {
 OutputFile::OutputFile(const files::path& target) : target_(behindLinks(target)) {
     checkTarget(target_);
     temporary_ = unusedNameBeside(target_);
-    std::FILE* file = std::fopen(temporary_.string().c_str(), "wbx");
-    if (!file)
+    unfinished_.emplace(temporary_, platform::UnfinishedPath::Kind::file);
+    if (!platform::makeNewFile(temporary_))
         throw ToolError(target.string() + " cannot be written: " + std::generic_category().message(errno));
-    std::fclose(file);
 }
 
 OutputFile::~OutputFile() {
@@ -62,6 +60,7 @@ void OutputFile::commit() {
     if (error)
         throw ToolError(target_.string() + " cannot be written: " + error.message());
     isCommitted_ = true;
+    unfinished_.reset();
 }
 
 } // namespace tools

@@ -1,12 +1,16 @@
 // A file that appears under its name whole or not at all.
 #pragma once
 
+#include "platform/abrupt_end.h"
+
 #include <filesystem>
+#include <optional>
 
 namespace tools {
 
 /// Reserves a temporary file beside the target, to be written by whoever asks for temporary(); commit() gives
-/// it the target's name in one step, and an object that goes without commit() leaves nothing behind.
+/// it the target's name in one step, and an object that goes without commit() leaves nothing behind, and
+/// nor does an abrupt end of a process that watches for one.
 class OutputFile {
   public:
     /// Throws ToolError, naming the target, if no file can be made there.
@@ -22,6 +26,7 @@ class OutputFile {
   private:
     std::filesystem::path target_;
     std::filesystem::path temporary_;
+    std::optional<platform::UnfinishedPath> unfinished_;
     bool isCommitted_ = false;
 };
 

@@ -1,5 +1,8 @@
 // quillon-render IN OUT: plays an audio file through the plug-in, offline.
 
+#include "host/library_call.h"
+#include "platform/abrupt_end.h"
+#include "platform/arguments.h"
 #include "platform/display.h"
 #include "platform/own_output.h"
 #include "tools/common/interrupt.h"
@@ -30,10 +33,12 @@ void run(const tools::render::Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    const platform::AbruptEndWatch watch("quillon-render", host::LibraryCall::describe);
     // A script that renders overnight must not find an effect's message box in the morning.
     platform::leaveDisplay();
     try {
-        const auto parsed = tools::render::parseOptions(argumentCount, arguments);
+        const platform::CommandLine line(argumentCount, arguments);
+        const auto parsed = tools::render::parseOptions(line.count(), line.words());
         if (const auto* help = std::get_if<tools::render::HelpText>(&parsed))
             std::fputs(help->text.c_str(), stdout);
         else

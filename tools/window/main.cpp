@@ -1,5 +1,8 @@
 // quillon-window: opens the plug-in's editor in a window of its own.
 
+#include "host/library_call.h"
+#include "platform/abrupt_end.h"
+#include "platform/arguments.h"
 #include "platform/own_output.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
@@ -32,8 +35,10 @@ int run(const window::Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    const platform::AbruptEndWatch watch("quillon-window", host::LibraryCall::describe);
     try {
-        const auto parsed = window::parseOptions(argumentCount, arguments);
+        const platform::CommandLine line(argumentCount, arguments);
+        const auto parsed = window::parseOptions(line.count(), line.words());
         if (const auto* help = std::get_if<window::HelpText>(&parsed)) {
             std::fputs(help->text.c_str(), stdout);
             return 0;

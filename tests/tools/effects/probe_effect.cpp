@@ -9,12 +9,15 @@
 //     PROBE_PRINTS                 prints to standard output whenever it is called
 //     PROBE_SHOWS_BLOCKS           puts out the length of each block, divided by 65536, in place of sound
 //     PROBE_BREAKS                 puts out what is not a number from its 200000th frame on
+//     PROBE_CLAIMS                 the member of the record that is 2000000000
+//     PROBE_AT, PROBE_DOES         the opcode, or -1 for processReplacing, where it calls this function below
 
 #include "vst2/vst2.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <limits>
@@ -59,6 +62,50 @@ void say(const char* what) {
         std::printf("the library says: %s\n", what);
         std::fflush(stdout);
     }
+}
+
+// Ways to misbehave, one of which may be PROBE_DOES.
+
+[[maybe_unused]] void behaveWell() {}
+
+[[maybe_unused]] void writeToNowhere() {
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
+}
+
+[[maybe_unused]] void divideByNothing() {
+    volatile int nothing = 0;
+    nothing = 12345 / nothing;
+}
+
+[[maybe_unused]] void giveUp() {
+    std::abort();
+}
+
+/// Comes to an end only where the stack does.
+[[maybe_unused]] int nestDeeper(const volatile char* above) {
+    volatile char block[4096];
+    block[0] = above ? above[0] : '\1';
+    return block[0] ? nestDeeper(block) + block[0] : 0;
+}
+
+[[maybe_unused]] void nestTooDeep() {
+    [[maybe_unused]] volatile int depth = nestDeeper(nullptr);
+}
+
+[[maybe_unused]] void leave() {
+    std::exit(0);
+}
+
+[[maybe_unused]] void hang() {
+    std::ofstream("hanging");
+    for (volatile bool isHanging = true; isHanging;) {
+    }
+}
+
+void misbehave(std::int32_t opcode) {
+    if (opcode == PROBE_AT)
+        PROBE_DOES();
 }
 
 void showParameter(const Probe& probe, int id, char* text) {
@@ -115,6 +162,7 @@ std::intptr_t takeChunk(Probe& probe, bool isPreset, std::intptr_t size, const v
 std::intptr_t dispatch(AEffect* effect, std::int32_t opcode, std::int32_t index, std::intptr_t value,
                        void* ptr, float opt) {
     Probe& probe = probeOf(effect);
+    misbehave(opcode);
     const auto put = [&](const char* text) {
         std::strcpy(static_cast<char*>(ptr), text);
         return std::intptr_t{1};
@@ -191,6 +239,7 @@ void addEvents(Probe& probe, float** outputs, std::int32_t frames) {
 void process(AEffect* effect, float** inputs, float** outputs, std::int32_t frames) {
     Probe& probe = probeOf(effect);
     say("process");
+    misbehave(-1);
     for (std::int32_t i = 0; i < frames; ++i, ++probe.frames, ++probe.position) {
         float in[2] = {};
         for (int channel = 0; channel < PROBE_INPUTS && channel < 2; ++channel)
@@ -224,6 +273,7 @@ void fillRecord(Probe& probe) {
     record.numOutputs = PROBE_OUTPUTS;
     record.flags = effFlagsCanReplacing | effFlagsProgramChunks | PROBE_FLAGS;
     record.uniqueID = fourCharacterCode("Prob");
+    record.PROBE_CLAIMS = 2000000000;
     record.object = &probe;
 }
 

@@ -29,6 +29,15 @@ std::vector<std::string> ScratchFolder::names() const {
     return names;
 }
 
+bool ScratchFolder::holds(const std::string& name) const {
+    std::error_code error;
+    for (files::recursive_directory_iterator entry(path_, error), end; !error && entry != end;
+         entry.increment(error))
+        if (entry->path().filename() == name)
+            return true;
+    return false;
+}
+
 std::string ScratchFolder::writeText(const std::string& name, std::string_view text) const {
     std::ofstream(file(name), std::ios::binary) << text;
     return file(name);

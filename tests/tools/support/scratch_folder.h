@@ -33,6 +33,8 @@ class ScratchFolder {
     std::string file(const std::string& name) const { return (path_ / name).string(); }
     /// Names of all that is in it, hidden files too, sorted.
     std::vector<std::string> names() const;
+    /// Whether anything in it is called so, however deep.
+    bool holds(const std::string& name) const;
 
     /// Each gives the full path of what it wrote.
     std::string writeText(const std::string& name, std::string_view text) const;

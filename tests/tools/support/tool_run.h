@@ -9,8 +9,10 @@
 
 struct ToolResult {
     int exitCode = -1; ///< -1 if a signal, or on Windows an exception of the system, ended it
+    int signal = 0;    ///< that ended it
     std::string out;
     std::string err;
+    std::vector<std::string> leftBehind; ///< among the temporary files
 
     /// Lines of standard error.
     std::vector<std::string> errorLines() const;
@@ -32,13 +34,17 @@ class RunningTool {
     RunningTool(const RunningTool&) = delete;
     RunningTool& operator=(const RunningTool&) = delete;
 
+    /// On Windows, where there are no signals, the console's Control-Break.
     void send(int signal);
     ToolResult wait();
+    /// Whether there is a file of this name among its temporary files, however deep.
+    bool hasTemporaryFile(const std::string& name) const { return temporary_.holds(name); }
 
   private:
     std::string readTerminal();
 
     ScratchFolder own_;
+    ScratchFolder temporary_;
     std::intptr_t process_ = -1; ///< the system's name for it
     int terminal_ = -1;
 };

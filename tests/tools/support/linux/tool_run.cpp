@@ -61,6 +61,7 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
             redirect(STDERR_FILENO, own_.file("err"));
         setenv("HOME", own_.path().c_str(), 1);
         setenv("XDG_CONFIG_HOME", own_.path().c_str(), 1);
+        setenv("TMPDIR", temporary_.path().c_str(), 1);
         unsetenv("DISPLAY");
         if (chdir(folder.path().c_str()) != 0)
             _exit(126);
@@ -91,6 +92,8 @@ ToolResult RunningTool::wait() {
     waitpid(static_cast<pid_t>(process_), &status, 0);
     process_ = -1;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    result.leftBehind = temporary_.names();
     result.out = textOf(own_.file("out"));
     if (terminal_ < 0)
         result.err = textOf(own_.file("err"));

@@ -85,6 +85,7 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
     surroundings.dwFlags = STARTF_USESTDHANDLES;
     surroundings.hStdOutput = out.handle();
     surroundings.hStdError = err.handle();
+    SetEnvironmentVariableW(L"TMP", temporary_.path().c_str());
     PROCESS_INFORMATION started = {};
     if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
                         folder.path().string().c_str(), &surroundings, &started))
@@ -112,6 +113,7 @@ ToolResult RunningTool::wait() {
     process_ = -1;
     ToolResult result;
     result.exitCode = code <= 0xFF ? static_cast<int>(code) : -1;
+    result.leftBehind = temporary_.names();
     result.out = textOf(own_.file("out"));
     result.err = textOf(own_.file("err"));
     return result;
