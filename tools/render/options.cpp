@@ -51,7 +51,12 @@ far back as the Quillon Multitap Delay remembers, but never longer than 120 seco
 then ends with the last sample that reached -80 dBFS.
 
 Files of one channel are played to both inputs of the effect; for an effect with one input, the two channels of a
-file are mixed to one. The output has as many channels as the effect.)";
+file are mixed to one. The output has as many channels as the effect. Rates from 1000 to 768000 Hz are played. Of
+a file that is cut off, what is there is played, with a warning.
+
+How it ends: with 0 if OUT is written, also where there was a warning; with 2 if it is not; with 130 if you stop
+it. If the effect crashes, the tool says in which call, and ends as the crash would end it. Unless OUT is written,
+nothing is left behind.)";
 
 struct Words {
     std::string input, output, library, program, automation, midi, chunk, bank, plot, tail, preRoll, block,

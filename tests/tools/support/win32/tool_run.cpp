@@ -53,6 +53,15 @@ std::string textOf(const std::string& file) {
     return text;
 }
 
+/// Of UTF-8.
+std::wstring wide(const std::string& text) {
+    const int length = static_cast<int>(text.size());
+    std::wstring result(static_cast<std::size_t>(length), 0);
+    result.resize(static_cast<std::size_t>(
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), length, result.data(), length)));
+    return result;
+}
+
 HANDLE handleOf(std::intptr_t process) {
     return reinterpret_cast<HANDLE>(process);
 }
@@ -80,15 +89,16 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
     for (const std::string& argument : arguments)
         command += ' ' + quoted(argument);
     const Redirection out(own_.file("out")), err(own_.file("err"));
-    STARTUPINFOA surroundings = {};
+    STARTUPINFOW surroundings = {};
     surroundings.cb = sizeof surroundings;
     surroundings.dwFlags = STARTF_USESTDHANDLES;
     surroundings.hStdOutput = out.handle();
     surroundings.hStdError = err.handle();
     SetEnvironmentVariableW(L"TMP", temporary_.path().c_str());
     PROCESS_INFORMATION started = {};
-    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                        folder.path().string().c_str(), &surroundings, &started))
+    // A group of its own, so that a request of the console is for it alone.
+    if (!CreateProcessW(nullptr, wide(command).data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
+                        nullptr, folder.path().c_str(), &surroundings, &started))
         throw std::runtime_error("cannot start " + tool + ": error " + std::to_string(GetLastError()));
     CloseHandle(started.hThread);
     process_ = reinterpret_cast<std::intptr_t>(started.hProcess);
@@ -101,8 +111,9 @@ RunningTool::~RunningTool() {
     CloseHandle(handleOf(process_));
 }
 
-void RunningTool::send(int) {
-    throw std::runtime_error("no signal can be sent");
+void RunningTool::send(int signal) {
+    if (!GenerateConsoleCtrlEvent(static_cast<DWORD>(signal), GetProcessId(handleOf(process_))))
+        throw std::runtime_error("no request can be sent");
 }
 
 ToolResult RunningTool::wait() {

@@ -1,0 +1,72 @@
+// Exceptions and the console's requests, and names in letters that the machine's code page does not have.
+
+#include "support/abrupt_end.h"
+
+#include <filesystem>
+#include <fstream>
+#include <windows.h>
+
+namespace {
+
+namespace files = std::filesystem;
+
+TEST_F(AbruptEnd, ByACrashNamesTheLibraryAndTheCall) {
+    struct Case {
+        const char* library;
+        const char* what;
+    };
+    for (const Case& crash : {Case{"probe_crashes_in_open", " in effOpen: access violation"},
+                              Case{"probe_crashes_in_process", " in processReplacing: access violation"},
+                              Case{"probe_crashes_in_close", " in effClose: access violation"},
+                              Case{"probe_divides_by_nothing", " in effMainsChanged: arithmetic error"}}) {
+        SCOPED_TRACE(crash.library);
+        expectEndWith(render(crash.library), "crash of ", crash.library, crash.what);
+    }
+}
+
+TEST_F(AbruptEnd, ByTheConsoleLeavesNothing) {
+    FreeConsole();
+    ASSERT_TRUE(AllocConsole());
+    RunningTool tool(folder, {"in.wav", "out.wav", "--pre-roll", "86400", "--library", probe("probe")});
+    waitForUnfinishedFile();
+    tool.send(CTRL_BREAK_EVENT);
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.exitCode, 130);
+    expectEnd(result, "stopped; nothing was written");
+}
+
+TEST_F(AbruptEnd, ByASecondRequestOfTheConsoleComesAtOnceFromALibraryThatHangs) {
+    FreeConsole();
+    ASSERT_TRUE(AllocConsole());
+    RunningTool tool(folder, {"in.wav", "out.wav", "--library", probe("probe_hangs")});
+    while (!tool.hasTemporaryFile("hanging"))
+        std::this_thread::yield();
+    tool.send(CTRL_BREAK_EVENT);
+    tool.send(CTRL_BREAK_EVENT);
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.exitCode, -1);
+    expectNothingIsLeft(result);
+}
+
+class AnyLetters : public AbruptEnd {};
+
+TEST_F(AnyLetters, MayBeInTheNamesOfAllFiles) {
+    const files::path place = folder.path() / L"\u0395\u03BB\u03BB\u03AC\u03B4\u03B1 \u65E5\u672C";
+    files::create_directory(place);
+    files::rename(folder.path() / "in.wav", place / L"\u03C6\u03C9\u03BD\u03AE.wav");
+    files::copy_file(probe("probe"), place / L"\u97F3.dll");
+    std::ofstream(place / L"\u03BA.txt") << "0.01 Gain 0.5\n";
+    const auto named = [&](const wchar_t* name) {
+        const std::u8string text = (place / name).u8string();
+        return std::string(text.begin(), text.end());
+    };
+    const ToolResult result = runTool(
+        folder, {named(L"\u03C6\u03C9\u03BD\u03AE.wav"), named(L"\u51FA.wav"), "--plot", named(L"\u56F3.png"),
+                 "--automate", named(L"\u03BA.txt"), "--tail", "0", "--library", named(L"\u97F3.dll")});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(files::exists(place / L"\u51FA.wav"));
+    EXPECT_TRUE(files::exists(place / L"\u56F3.png"));
+    EXPECT_NE(result.out.find(named(L"\u51FA.wav")), std::string::npos) << result.out;
+}
+
+} // namespace
