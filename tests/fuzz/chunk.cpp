@@ -104,8 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Chunk chunk = chunkFrom(source, kind);
 
     Unattended::instance();
-    static EffectInstance effect;
-    effect.startAfresh();
+    EffectInstance& effect = EffectInstance::forNextInput();
     effect.dispatch(effSetProgram, 0, program);
     const Bank before = stateOf(effect);
     // A block of exactly the chunk's size, so that a step too far is noticed.

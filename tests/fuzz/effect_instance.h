@@ -1,8 +1,10 @@
 // One instance of the effect as a host holds it: by its record alone, with a host that listens.
 //
-// Its 16 MiB make an instance slow to come by, so a target keeps one for many inputs and has it start afresh
-// by what a host would do: load the first state again, and switch off and on. What only a long row of inputs
-// brings to light shows up as well.
+// Its 16 MiB make an instance slow to come by, so a fuzzer keeps one for many inputs and has it start afresh
+// by what a host would do: load the first state again, and switch off and on. Left over from the inputs
+// before are the states of filters, glides and the sweep. What only a long row of inputs brings to light thus
+// shows up as well, though not with the last of them alone. Where kept inputs are replayed, each has an
+// instance of its own.
 #pragma once
 
 #include "lent_buffer.h"
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,12 +28,30 @@ class EffectInstance {
         const std::intptr_t size = dispatch(vst2::effGetChunk, 0, 0, &state);
         firstState_.assign(static_cast<char*>(state), static_cast<char*>(state) + size);
     }
+    /// The one to try the next input on, as a host has just made it ready.
+    static EffectInstance& forNextInput() {
+        static int inputs = 0;
+        if (inputs++ % QUILLON_INPUTS_PER_INSTANCE == 0)
+            renew();
+        current()->startAfresh();
+        return *current();
+    }
+    /// Closes the one that is tried now, for a new one.
+    static EffectInstance& renew() {
+        current() = nullptr;
+        current() = std::make_unique<EffectInstance>();
+        current()->startAfresh();
+        return *current();
+    }
+
     ~EffectInstance() { promise(dispatch(vst2::effClose) == 1, "a close is answered with one"); }
     EffectInstance(const EffectInstance&) = delete;
     EffectInstance& operator=(const EffectInstance&) = delete;
 
-    /// Programs, selection, rate and engine as they were at first; no message is remembered.
+    /// Without a window; programs, selection, rate and engine as they were at first; no message is
+    /// remembered.
     void startAfresh() {
+        dispatch(vst2::effEditClose);
         dispatch(vst2::effMainsChanged, 0, 0);
         dispatch(vst2::effSetSampleRate, 0, 0, nullptr, 44100.0f);
         dispatch(vst2::effSetChunk, 0, static_cast<std::intptr_t>(firstState_.size()), firstState_.data());
@@ -81,6 +102,10 @@ class EffectInstance {
     }
 
   private:
+    static std::unique_ptr<EffectInstance>& current() {
+        static std::unique_ptr<EffectInstance> instance;
+        return instance;
+    }
     static std::intptr_t listen(vst2::AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t, void*,
                                 float) {
         promise(opcode == vst2::audioMasterAutomate || opcode == vst2::audioMasterVersion ||
