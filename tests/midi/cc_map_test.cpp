@@ -3,6 +3,9 @@
 #include "platform/files.h"
 #include "platform/private_folder.h"
 
+#include <filesystem>
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -50,6 +53,19 @@ TEST_F(ControllerMap, IsWrittenAs84BytesLittleEndian) {
     using Bytes = std::vector<unsigned char>;
     EXPECT_EQ(Bytes(bytes->begin(), bytes->begin() + 8), (Bytes{40, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}));
     EXPECT_EQ(Bytes(bytes->end() - 4, bytes->end()), (Bytes{60, 0, 0, 0}));
+}
+
+TEST_F(ControllerMap, IsReadInTheCurrentDirectoryRatherThanBesideTheLibrary) {
+    const std::string beside = folder.path() + "/beside/";
+    std::filesystem::create_directory(beside);
+    std::filesystem::rename("Pluginccmap.bin", beside + "Pluginccmap.bin");
+    bindController(6, 7);
+    readCcMap(beside);
+    EXPECT_EQ(controllerOf(6), 46);
+    bindController(6, 7);
+    writeCcMap();
+    readCcMap(beside);
+    EXPECT_EQ(controllerOf(6), 7);
 }
 
 } // namespace
