@@ -6,6 +6,7 @@
 #include "platform/private_folder.h"
 #include "plugin/velmo_delay.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -78,6 +79,43 @@ TEST_F(Frame, WithoutAHostAnswersNoToEverythingThatAsksTheHost) {
     effect->masterIdle();
     effect->setParameterAutomated(parameters::kFeedback, 0.25f);
     EXPECT_EQ(effect->getParameter(parameters::kFeedback), 0.25f);
+}
+
+TEST_F(Frame, WithAHostTellsItsChannelsProgramsAndParameters) {
+    const auto effect = make(recordingHost);
+    EXPECT_EQ(effect->getAeffect()->numInputs, 2);
+    EXPECT_EQ(effect->getAeffect()->numOutputs, 2);
+    EXPECT_EQ(effect->getAeffect()->numPrograms, 128);
+    EXPECT_EQ(effect->getAeffect()->numParams, 21);
+    EXPECT_EQ(effect->getAeffect()->uniqueID, fourCharacterCode("qlvd"));
+}
+
+TEST_F(Frame, AsksTheHostFourTimesToReadItsDisplayAnewWhileItComesUp) {
+    const auto effect = make(recordingHost);
+    EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
+                            [](const Call& call) { return call.opcode == audioMasterUpdateDisplay; }),
+              4);
+}
+
+TEST_F(Frame, LeadsQuestionsOfTheHostToTheEffect) {
+    const auto effect = make(recordingHost);
+    AEffect* const record = effect->getAeffect();
+    char text[65] = "";
+    record->dispatcher(record, effGetParamDisplay, parameters::kStereo, 0, text, 0.0f);
+    EXPECT_STREQ(text, "1.000");
+    record->dispatcher(record, effSetSampleRate, 0, 0, nullptr, 48000.0f);
+    EXPECT_EQ(effect->getSampleRate(), 48000.0f);
+    record->dispatcher(record, effSetProgram, 0, 5, nullptr, 0.0f);
+    char name[] = "The sixth";
+    record->dispatcher(record, effSetProgramName, 0, 0, name, 0.0f);
+    record->dispatcher(record, effGetProgramName, 0, 0, text, 0.0f);
+    EXPECT_STREQ(text, "The sixth");
+    VstPinProperties pin = {};
+    EXPECT_EQ(record->dispatcher(record, effGetOutputProperties, 1, 0, &pin, 0.0f), 1);
+    EXPECT_STREQ(pin.label, "Quillon Multitap Delay2");
+    for (const std::string can : {"receiveVstEvents", "receiveVstMidiEvent"})
+        EXPECT_EQ(effect->canDo(can.c_str()), 1) << can;
+    EXPECT_EQ(effect->canDo("receiveVstMidiEvents"), -1);
 }
 
 TEST_F(Frame, TellsTheHostOfAUsersChangeAfterTheParameterHasChanged) {
@@ -270,6 +308,43 @@ TEST_F(ClosedAtAMessage, OfAFaultInTheSkin) {
     EXPECT_EQ(record->dispatcher(record, effEditOpen, 0, 0, nullptr, 0.0f), 0);
     EXPECT_EQ(messages, std::vector<std::string>{"Missing tag x for object knob"}) << "and no further one";
     EXPECT_TRUE(std::filesystem::exists("Pluginccmap.bin"));
+}
+
+/// An effect that notes the buffers of the two forms of processing that most hosts never call.
+class NotingEffect final : public plugin::AudioEffectX {
+  public:
+    using AudioEffectX::AudioEffectX;
+    void processReplacing(float**, float**, std::int32_t) override {}
+    void process(float** inputs, float** outputs, std::int32_t frames) override {
+        added = {inputs, outputs, frames};
+    }
+    void processDoubleReplacing(double** inputs, double** outputs, std::int32_t frames) override {
+        replacedInDouble = {inputs, outputs, frames};
+    }
+
+    template <class Sample>
+    struct Block {
+        Sample** inputs = nullptr;
+        Sample** outputs = nullptr;
+        std::int32_t frames = 0;
+    };
+    Block<float> added;
+    Block<double> replacedInDouble;
+};
+
+TEST_F(Frame, HandsTheOldAndTheDoubleFormOfABlockOnWithTheirBuffersInPlace) {
+    NotingEffect effect(recordingHost, 1, 1);
+    AEffect* const record = effect.getAeffect();
+    float* singles[2] = {};
+    record->process(record, singles, singles + 1, 64);
+    EXPECT_EQ(effect.added.inputs, singles);
+    EXPECT_EQ(effect.added.outputs, singles + 1);
+    EXPECT_EQ(effect.added.frames, 64);
+    double* doubles[2] = {};
+    record->processDoubleReplacing(record, doubles, doubles + 1, 32);
+    EXPECT_EQ(effect.replacedInDouble.inputs, doubles);
+    EXPECT_EQ(effect.replacedInDouble.outputs, doubles + 1);
+    EXPECT_EQ(effect.replacedInDouble.frames, 32);
 }
 
 } // namespace
