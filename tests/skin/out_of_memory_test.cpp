@@ -139,4 +139,16 @@ TEST(GrowArrayOutOfMemory, StartsWithoutRoomAndFindsItLater) {
     EXPECT_EQ(array[0], 7);
 }
 
+TEST(XmlOutOfMemory, ReadsNoFileWithoutRoomForIt) {
+    const char* path = QUILLON_SOURCE "/skins/skin/skin.xml";
+    {
+        const MemoryFor none(0);
+        EXPECT_EQ(xmlReadFile(path), nullptr);
+        EXPECT_EQ(xmlParseFile(path), nullptr);
+    }
+    XmlNode* root = xmlParseFile(path);
+    EXPECT_NE(root, nullptr);
+    xmlFreeNode(root);
+}
+
 } // namespace
