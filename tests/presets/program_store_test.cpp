@@ -59,6 +59,9 @@ class Store : public testing::Test {
 TEST_F(Store, KeepsEveryByteOfABank) {
     take(anyBank(), 0, false);
     EXPECT_EQ(chunk(0, false), anyBank());
+    // In the programs themselves, and not only in the copy that the host gets.
+    store.clearStaging();
+    EXPECT_EQ(chunk(0, false), anyBank());
     EXPECT_EQ(messages, "");
 }
 
