@@ -55,9 +55,10 @@ TEST_F(EditorCalls, BringKeysToTheViewsWithThoseThatAreHeld) {
     vst2::VstKeyCode key = {'b', 0, 1};
     editor.onKeyUp(key);
     editor.frame->unregisterKeyboardHook(&noted);
-    EXPECT_EQ(noted.keys, (std::vector<std::string>{"down 97/7", "down 97/7 shift", "down 97/7 alternate",
-                                                    "down 97/7 command", "down 97/7 control",
-                                                    "down 97/7 shift alternate command control", "up 98/0 shift"}));
+    EXPECT_EQ(noted.keys,
+              (std::vector<std::string>{"down 97/7", "down 97/7 shift", "down 97/7 alternate",
+                                        "down 97/7 command", "down 97/7 control",
+                                        "down 97/7 shift alternate command control", "up 98/0 shift"}));
 }
 
 TEST_F(EditorCalls, OfAnotherThreadRefreshMenusUnscaledUnlessTheyNameMinusOne) {

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "child_process.h"
+#include "support/close_window.h"
 #include "virtual_screen.h"
 
 namespace {
@@ -125,6 +126,36 @@ TEST_F(AnEditorWindow, SaysThatTheEditorDoesNotOpen) {
     EXPECT_FALSE(window.isOpen());
     window.serve(0);
     EXPECT_EQ(story(), "open close ") << "an editor that has failed half way is closed too";
+}
+
+/// Stands between the host and the effect and counts the turns that the editor gets.
+struct CountedTurns {
+    explicit CountedTurns(vst2::AEffect* effect) {
+        behind = effect->dispatcher;
+        count = 0;
+        effect->dispatcher = [](vst2::AEffect* called, std::int32_t opcode, std::int32_t index,
+                                std::intptr_t value, void* ptr, float opt) {
+            count += opcode == vst2::effEditIdle;
+            return behind(called, opcode, index, value, ptr, opt);
+        };
+    }
+    static inline decltype(vst2::AEffect::dispatcher) behind = nullptr;
+    static inline int count = 0;
+};
+
+TEST_F(AnEditorWindow, GivesNoMoreTurnsForAPictureOnceThePersonHasClosedIt) {
+    host::Plugin& effect = load("window_effect_restless");
+    EditorWindow window("title");
+    window.open(effect);
+    const CountedTurns turns(effect.effect());
+    askToClose(screen, screen.waitForWindow());
+    ASSERT_TRUE(test::waitUntil([&] {
+        window.serve(20);
+        return window.isClosed();
+    }));
+    const int before = turns.count;
+    EXPECT_FALSE(window.settledPicture(60000));
+    EXPECT_EQ(turns.count, before);
 }
 
 TEST(AnEditorWindowWithoutADisplay, IsNotMade) {
