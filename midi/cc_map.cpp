@@ -4,6 +4,7 @@
 #include "platform/files.h"
 
 #include <algorithm>
+#include <new>
 
 namespace midi {
 namespace {
@@ -40,11 +41,13 @@ void readCcMap(const std::string& moduleFolder) {
         bindController(id, entries[static_cast<std::size_t>(id)]);
 }
 
-void writeCcMap() {
+void writeCcMap() try {
     Entries entries;
     for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
         entries[static_cast<std::size_t>(id)] = controllerOf(id);
     platform::writeWholeFile(kFileName, entries.data(), sizeof entries);
+} catch (const std::bad_alloc&) {
+    // The file stays as it was.
 }
 
 } // namespace midi

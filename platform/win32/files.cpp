@@ -56,16 +56,20 @@ bool overwrite(const File& file, Bytes bytes) {
            SetEndOfFile(file.handle());
 }
 
-/// Writes into the file itself. If that fails it gets back what it held, as far as it may be read.
-bool writeInPlace(const std::string& path, Bytes bytes) {
-    const auto before = readWholeFile(path);
-    const File file(path, GENERIC_WRITE, 0, OPEN_EXISTING);
+/// Writes into the file itself. If that fails it gets back what it held, as far as it may be read; one that
+/// was not there goes again.
+bool writeInPlace(const std::string& path, Bytes bytes, bool exists) {
+    const auto before = exists ? readWholeFile(path) : std::nullopt;
+    File file(path, GENERIC_WRITE, 0, exists ? OPEN_EXISTING : CREATE_NEW);
     if (!file)
         return false;
     if (overwrite(file, bytes))
         return true;
     if (before)
         overwrite(file, *before);
+    file.close();
+    if (!exists)
+        DeleteFileA(path.c_str());
     return false;
 }
 
@@ -79,11 +83,12 @@ bool isReplaceable(const File& file, const std::string& path) {
 enum class Replacement { done, refused, failed };
 
 /// After a step that changes no file: whether that folder takes no new files, while those that it holds may
-/// still be written. Names of drafts may be longer than those of the files.
+/// still be written. A name of a draft may be too long, and who looks through new files may hold one.
 Replacement refusedOrFailed() {
     const DWORD error = GetLastError();
     const bool isRefused = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT ||
-                           error == ERROR_PATH_NOT_FOUND || error == ERROR_FILENAME_EXCED_RANGE;
+                           error == ERROR_PATH_NOT_FOUND || error == ERROR_FILENAME_EXCED_RANGE ||
+                           error == ERROR_SHARING_VIOLATION;
     return isRefused ? Replacement::refused : Replacement::failed;
 }
 
@@ -156,8 +161,8 @@ bool writeWholeFile(const std::string& path, const void* data, std::size_t size)
         result = replaceFile(path, bytes);
     }
     old.close();
-    if (result == Replacement::refused && exists)
-        return writeInPlace(path, bytes);
+    if (result == Replacement::refused)
+        return writeInPlace(path, bytes, exists);
     return result == Replacement::done;
 }
 
