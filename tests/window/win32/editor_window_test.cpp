@@ -162,10 +162,12 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     auto& editor = show();
     std::vector<platform::ShownMessage> messages;
     HWND owner = nullptr;
+    bool takesInput = true;
     {
         const auto look = [&](const platform::ShownMessage& message) {
             messages.push_back(message);
             owner = GetWindow(FindWindowA(nullptr, message.caption.c_str()), GW_OWNER);
+            takesInput = IsWindowEnabled(owner);
         };
         const platform::MessageWatch watch(look, [] { return true; });
         // Names come in the order of the file system.
@@ -186,6 +188,8 @@ TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     // To the system a child's box belongs to the window that the child lies in.
     EXPECT_NE(owner, nullptr);
     EXPECT_EQ(owner, GetAncestor(editor.own(), GA_ROOT));
+    EXPECT_FALSE(takesInput) << "while the box stands";
+    EXPECT_TRUE(IsWindowEnabled(owner));
     editor.close();
     ASSERT_TRUE(editor.open());
     RECT place = {};
