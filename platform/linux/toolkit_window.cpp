@@ -246,11 +246,14 @@ class ToolkitWindow::OpenFrame {
   private:
     /// May be tried again where it throws.
     void close() {
-        endModalViews(*frame_);
-        frame_->unregisterMouseObserver(&buttons_);
-        menuEvents_.leave(*frame_);
-        frame_->close();
-        leaveLivingFrames();
+        if (frame_) {
+            endModalViews(*frame_);
+            frame_->unregisterMouseObserver(&buttons_);
+            menuEvents_.leave(*frame_);
+            frame_->close();
+            leaveLivingFrames();
+            frame_ = nullptr;
+        }
         tellDisplay();
     }
 
@@ -258,7 +261,7 @@ class ToolkitWindow::OpenFrame {
         std::erase_if(livingFrames(), [this](const LivingFrame& living) { return living.frame == frame_; });
     }
 
-    VSTGUI::CFrame* frame_;
+    VSTGUI::CFrame* frame_; ///< null once it is closed
     MouseButtons buttons_;
     MenuEvents menuEvents_;
     WindowLoop::Jobs closing_;

@@ -29,7 +29,7 @@ class WindowLoop::Turn {
         if (--loop_.turns_ > 0)
             return;
         loop_.forgetUnregistered();
-        loop_.runJobs();
+        loop_.runJobs(loop_.jobs_);
     }
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
@@ -122,11 +122,11 @@ void WindowLoop::forgetUnregistered() {
     std::erase_if(timers_, [](const Timer& timer) { return !timer.handler; });
 }
 
-void WindowLoop::runJobs() noexcept {
+void WindowLoop::runJobs(Jobs& jobs) noexcept {
     Jobs failed;
-    while (!jobs_.empty()) {
+    while (!jobs.empty()) {
         Jobs job;
-        job.splice(job.end(), jobs_, jobs_.begin());
+        job.splice(job.end(), jobs, jobs.begin());
         try {
             job.front()();
         } catch (const std::bad_alloc&) {
@@ -137,9 +137,10 @@ void WindowLoop::runJobs() noexcept {
 }
 
 void WindowLoop::afterServing(Jobs jobs) noexcept {
-    jobs_.splice(jobs_.end(), jobs);
-    if (!isServing())
-        runJobs();
+    if (isServing())
+        jobs_.splice(jobs_.end(), jobs);
+    else
+        runJobs(jobs);
 }
 
 void WindowLoop::afterServing(std::function<void()> job) {

@@ -59,7 +59,7 @@ class WindowLoop final : public VSTGUI::X11::IRunLoop {
 
     void runDueTimers();
     void forgetUnregistered();
-    void runJobs() noexcept;
+    void runJobs(Jobs& jobs) noexcept;
 
     // Who unregisters during a turn leaves a null behind, so that a walk keeps its place.
     std::vector<VSTGUI::X11::IEventHandler*> eventHandlers_;

@@ -41,6 +41,7 @@ TEST_F(WindowShortOfMemory, OpensNextTime) {
 
 TEST_F(WindowShortOfMemory, CloseAndOpenAgain) {
     expectToOpen();
+    expectToOpen();
     const long before = test::livingAllocations();
     atEveryAllocation([this] { close(); }, [this] { expectToOpen(); });
     EXPECT_EQ(test::livingAllocations(), before);
