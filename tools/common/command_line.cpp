@@ -7,7 +7,11 @@
 namespace tools {
 
 std::filesystem::path settled(const std::string& text) {
-    return text.empty() ? std::filesystem::path() : std::filesystem::absolute(text).lexically_normal();
+    if (text.empty())
+        return {};
+    // From a plain text, one system would take each byte for a letter.
+    const std::filesystem::path path(std::u8string(text.begin(), text.end()));
+    return std::filesystem::absolute(path).lexically_normal();
 }
 
 std::optional<std::string> parseOrHelp(CLI::App& app, int argumentCount, const char* const* arguments) {
