@@ -24,23 +24,30 @@ bool replay(const std::filesystem::path& path) {
     return true;
 }
 
+/// The files that are named, and those of folders that are. Whole paths, as a target may work in a folder of
+/// its own.
+std::vector<std::filesystem::path> filesOf(int argumentCount, char** arguments) {
+    std::vector<std::filesystem::path> files;
+    for (int i = 1; i < argumentCount; ++i) {
+        const auto path = std::filesystem::absolute(arguments[i]);
+        if (!std::filesystem::is_directory(path)) {
+            files.push_back(path);
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(path))
+            if (entry.is_regular_file())
+                files.push_back(entry.path());
+    }
+    return files;
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    int replayed = 0;
+    const auto files = filesOf(argumentCount, arguments);
     bool allRead = true;
-    for (int i = 1; i < argumentCount; ++i) {
-        if (!std::filesystem::is_directory(arguments[i])) {
-            allRead &= replay(arguments[i]);
-            ++replayed;
-            continue;
-        }
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(arguments[i]))
-            if (entry.is_regular_file()) {
-                allRead &= replay(entry.path());
-                ++replayed;
-            }
-    }
-    std::printf("%d inputs\n", replayed);
-    return allRead && replayed > 0 ? 0 : 1;
+    for (const auto& file : files)
+        allRead &= replay(file);
+    std::printf("%d inputs\n", static_cast<int>(files.size()));
+    return allRead && !files.empty() ? 0 : 1;
 }
