@@ -17,6 +17,7 @@
 #include <X11/keysym.h>
 #include <algorithm>
 #include <cairo-xlib.h>
+#include <functional>
 
 namespace {
 
@@ -27,15 +28,15 @@ using test::VirtualScreen;
 
 constexpr Pixel restingButton = 0xE0A030, litButton = 0xE9B14D, pressedButton = 0xC2851C;
 
-/// The smallest place on the screen that holds every pixel of the colour.
-Place findColour(VirtualScreen& screen, Place within, Pixel colour) {
+/// The smallest place on the screen that holds every pixel that is one of those.
+Place findPixels(VirtualScreen& screen, Place within, const std::function<bool(Pixel)>& isOneOfThose) {
     XImage* image =
         XGetImage(screen.display(), screen.root(), within.x, within.y, static_cast<unsigned>(within.width),
                   static_cast<unsigned>(within.height), AllPlanes, ZPixmap);
     int left = within.width, right = -1, top = within.height, bottom = -1;
     for (int y = 0; image && y < within.height; ++y)
         for (int x = 0; x < within.width; ++x)
-            if ((XGetPixel(image, x, y) & 0xFFFFFF) == colour) {
+            if (isOneOfThose(XGetPixel(image, x, y) & 0xFFFFFF)) {
                 left = std::min(left, x);
                 right = std::max(right, x);
                 top = std::min(top, y);
@@ -46,6 +47,10 @@ Place findColour(VirtualScreen& screen, Place within, Pixel colour) {
     if (right < 0)
         return {};
     return {within.x + left, within.y + top, right - left + 1, bottom - top + 1};
+}
+
+Place findColour(VirtualScreen& screen, Place within, Pixel colour) {
+    return findPixels(screen, within, [colour](Pixel pixel) { return pixel == colour; });
 }
 
 /// A box on a screen, ready for the hand: shown, drawn, with the keyboard.
@@ -365,6 +370,56 @@ TEST_F(MessageWindow, IsALightPageWithSlateTypeAndAnAmberButton) {
     EXPECT_GT(type.x, place.x + 10);
     EXPECT_LT(type.x + type.width, place.x + place.width - 10) << "and stays inside";
     EXPECT_GT(button.width, 60);
+}
+
+TEST_F(MessageWindow, HasItsButtonsWordInTheButtonsMiddle) {
+    show();
+    const auto isDark = [](Pixel pixel) { return (pixel >> 16) < 0x80; };
+    Place word;
+    ASSERT_TRUE(test::waitUntil([&] {
+        word = findPixels(screen, button, isDark);
+        return word.height > 5;
+    }));
+    const int above = word.y - button.y, below = button.y + button.height - (word.y + word.height);
+    EXPECT_NEAR(above, below, 3);
+    const int left = word.x - button.x, right = button.x + button.width - (word.x + word.width);
+    EXPECT_NEAR(left, right, 3);
+}
+
+/// A box of a host whose window has others around it, none of them shown.
+class MessageWindowOfAnOwner : public MessageWindow {
+  protected:
+    Window windowIn(Window parent) {
+        return XCreateSimpleWindow(screen.display(), parent, 0, 0, 100, 100, 0, 0, 0);
+    }
+    /// The window that the box is said to belong to.
+    Window hostOfABoxFor(Window owner) {
+        XSync(screen.display(), False);
+        box = std::make_unique<ChildProcess>(
+            std::vector<std::string>{QUILLON_SHOW_MESSAGE, "owner=" + std::to_string(owner), "text",
+                                     "caption"},
+            ChildProcess::Setting{.environment = {{"DISPLAY", screen.name()}}, .currentDirectory = {}});
+        window = screen.waitForWindow();
+        Window host = None;
+        XGetTransientForHint(screen.display(), window, &host);
+        return host;
+    }
+
+    const Window outermost = windowIn(screen.root());
+    const Window between = windowIn(outermost);
+    const Window innermost = windowIn(between);
+};
+
+TEST_F(MessageWindowOfAnOwner, BelongsToTheOutermostWindowAroundIt) {
+    EXPECT_EQ(hostOfABoxFor(innermost), outermost);
+}
+
+TEST_F(MessageWindowOfAnOwner, BelongsToTheWindowThatAManagerLooksAfter) {
+    const Atom state = XInternAtom(screen.display(), "WM_STATE", False);
+    const long normal[] = {1, None};
+    XChangeProperty(screen.display(), between, state, state, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(normal), 2);
+    EXPECT_EQ(hostOfABoxFor(innermost), between);
 }
 
 TEST(MessageWindowOnAPoorScreen, TurnsIntoALine) {
