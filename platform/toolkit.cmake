@@ -6,8 +6,8 @@ if(WIN32)
 else()
   quillon_pkg_config(PLATFORM_TOOLKIT xcb cairo-xcb gdk-pixbuf-2.0)
   set(system_sources
-      linux/bitmap_file.cpp linux/display_connection.cpp linux/input_pause.cpp linux/living_frames.cpp
-      linux/menu_events.cpp linux/mouse_buttons.cpp linux/toolkit.cpp linux/toolkit_answers.cpp
+      linux/bitmap_file.cpp linux/display_connection.cpp linux/input_pause.cpp linux/keyboard_focus.cpp
+      linux/living_frames.cpp linux/menu_events.cpp linux/mouse_buttons.cpp linux/toolkit.cpp linux/toolkit_answers.cpp
       linux/toolkit_window.cpp linux/window_bitmap.cpp linux/window_loop.cpp)
   set(system_libraries PkgConfig::PLATFORM_TOOLKIT)
 endif()

@@ -1,6 +1,7 @@
 // The frames of this process that are open, or wait for the end of an event to be released.
 #pragma once
 
+#include "keyboard_focus.h"
 #include "mouse_buttons.h"
 
 #include <cstdint>
@@ -11,6 +12,7 @@ namespace platform {
 struct LivingFrame {
     VSTGUI::CFrame* frame;
     const MouseButtons* buttons;
+    KeyboardFocus* keyboard;
 };
 
 /// Never destroyed: a frame may end later than that would be. On the window thread.

@@ -178,7 +178,7 @@ void endModalViews(VSTGUI::CFrame& frame) {
 class ToolkitWindow::OpenFrame {
   public:
     explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
-        livingFrames().push_back({frame_, &buttons_});
+        livingFrames().push_back({frame_, &buttons_, &keyboard_});
     }
     ~OpenFrame() { leaveLivingFrames(); }
     OpenFrame(const OpenFrame&) = delete;
@@ -186,6 +186,7 @@ class ToolkitWindow::OpenFrame {
 
     bool open(void* parent) {
         frame_->registerMouseObserver(&buttons_);
+        frame_->registerMouseObserver(&keyboard_);
         menuEvents_.watch(*frame_);
         const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
         if (!DisplayConnection().hasWindow(window) || !connectToolkit())
@@ -249,6 +250,7 @@ class ToolkitWindow::OpenFrame {
         if (frame_) {
             endModalViews(*frame_);
             frame_->unregisterMouseObserver(&buttons_);
+            frame_->unregisterMouseObserver(&keyboard_);
             menuEvents_.leave(*frame_);
             frame_->close();
             leaveLivingFrames();
@@ -263,6 +265,7 @@ class ToolkitWindow::OpenFrame {
 
     VSTGUI::CFrame* frame_; ///< null once it is closed
     MouseButtons buttons_;
+    KeyboardFocus keyboard_;
     MenuEvents menuEvents_;
     WindowLoop::Jobs closing_;
     std::function<void()> afterEvent_;

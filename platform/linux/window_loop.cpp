@@ -1,5 +1,7 @@
 #include "window_loop.h"
 
+#include "living_frames.h"
+
 #include "platform/clock.h"
 #include "platform/toolkit.h"
 
@@ -155,6 +157,8 @@ void WindowLoop::inNextTurn(Jobs jobs) noexcept {
 
 void serveToolkitWindows() {
     WindowLoop::shared().serve();
+    for (const LivingFrame& living : livingFrames())
+        living.keyboard->giveBack(*living.frame, living.buttons->held());
 }
 
 void paintToolkitWindows() {

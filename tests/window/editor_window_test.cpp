@@ -789,6 +789,68 @@ TEST_F(WindowedEditor, TakesKeysFromTheHostForTheMenuInFocus) {
     EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
 }
 
+// The keyboard
+
+/// A host's window that has the keyboard.
+class HostAtTheKeyboard : public WindowedEditor {
+  protected:
+    ShownEditor& showInTheHostsWindow() {
+        auto& editor = show();
+        XSetInputFocus(screen().display(), editor.window(), RevertToParent, CurrentTime);
+        XSync(screen().display(), False);
+        return editor;
+    }
+    bool hasTheKeyboard(const ShownEditor& editor) {
+        Window owner = None;
+        int revert = 0;
+        XGetInputFocus(screen().display(), &owner, &revert);
+        return owner == editor.window();
+    }
+};
+
+TEST_F(HostAtTheKeyboard, HasItBackAfterADrag) {
+    auto& editor = showInTheHostsWindow();
+    const float before = editor.value(kKnob);
+    ASSERT_TRUE(editor.drag(30, 30, 30, -30, [&] { return editor.value(kKnob) != before; }));
+    EXPECT_TRUE(editor.serveUntil([&] { return hasTheKeyboard(editor); }));
+}
+
+TEST_F(HostAtTheKeyboard, HasItBackWhenAMenuHasGone) {
+    auto& editor = showInTheHostsWindow();
+    editor.plugin().setParameter(kMenu, 0.0f);
+    openMenu(editor);
+    EXPECT_FALSE(hasTheKeyboard(editor)) << "the menu is used by keys too";
+    for (const KeySym key : {XK_Down, XK_Down, XK_Return})
+        editor.typeKey(key);
+    EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
+    EXPECT_TRUE(editor.serveUntil([&] { return hasTheKeyboard(editor); }));
+}
+
+TEST_F(HostAtTheKeyboard, DoesNotGetItFromAnotherWindow) {
+    auto& editor = showInTheHostsWindow();
+    const Window other = XCreateSimpleWindow(screen().display(), screen().root(), 500, 30, 20, 20, 0, 0, 0);
+    XMapWindow(screen().display(), other);
+    const float before = editor.value(kKnob);
+    editor.point(30, 30);
+    editor.press(kLeft);
+    ASSERT_TRUE(editor.serveUntil([&] { return !hasTheKeyboard(editor); }));
+    XSetInputFocus(screen().display(), other, RevertToParent, CurrentTime);
+    XSync(screen().display(), False);
+    editor.point(30, 0);
+    ASSERT_TRUE(editor.serveUntil([&] { return editor.value(kKnob) != before; }));
+    editor.release(kLeft);
+    ASSERT_TRUE(editor.serveUntil([&] {
+        const auto told = editor.toldOf(kKnob);
+        return !told.empty() && told.back() == audioMasterEndEdit;
+    }));
+    editor.serve();
+    Window owner = None;
+    int revert = 0;
+    XGetInputFocus(screen().display(), &owner, &revert);
+    EXPECT_EQ(owner, other);
+    XDestroyWindow(screen().display(), other);
+}
+
 // Overlays
 
 TEST_F(WindowedEditor, OffersAMenuAboutControllersAtARightClick) {
