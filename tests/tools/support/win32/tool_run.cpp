@@ -94,12 +94,18 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
     surroundings.dwFlags = STARTF_USESTDHANDLES;
     surroundings.hStdOutput = out.handle();
     surroundings.hStdError = err.handle();
+    wchar_t own[MAX_PATH] = L"";
+    GetEnvironmentVariableW(L"TMP", own, MAX_PATH);
     SetEnvironmentVariableW(L"TMP", temporary_.path().c_str());
     PROCESS_INFORMATION started = {};
     // A group of its own, so that a request of the console is for it alone.
-    if (!CreateProcessW(nullptr, wide(command).data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
-                        nullptr, folder.path().c_str(), &surroundings, &started))
-        throw std::runtime_error("cannot start " + tool + ": error " + std::to_string(GetLastError()));
+    const bool isStarted =
+        CreateProcessW(nullptr, wide(command).data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
+                       nullptr, folder.path().c_str(), &surroundings, &started);
+    const DWORD error = GetLastError();
+    SetEnvironmentVariableW(L"TMP", own);
+    if (!isStarted)
+        throw std::runtime_error("cannot start " + tool + ": error " + std::to_string(error));
     CloseHandle(started.hThread);
     process_ = reinterpret_cast<std::intptr_t>(started.hProcess);
 }
