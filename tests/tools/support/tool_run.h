@@ -34,7 +34,6 @@ class RunningTool {
     RunningTool(const RunningTool&) = delete;
     RunningTool& operator=(const RunningTool&) = delete;
 
-    /// On Windows, where there are no signals, the console's Control-Break.
     void send(int signal);
     ToolResult wait();
     /// Whether there is a file of this name among its temporary files, however deep.

@@ -1,4 +1,4 @@
-// Exceptions and the console's requests, and names in letters that the machine's code page does not have.
+// Exceptions, and names in letters that the machine's code page does not have.
 
 #include "support/abrupt_end.h"
 
@@ -22,30 +22,6 @@ TEST_F(AbruptEnd, ByACrashNamesTheLibraryAndTheCall) {
         SCOPED_TRACE(crash.library);
         expectEndWith(render(crash.library), "crash of ", crash.library, crash.what);
     }
-}
-
-TEST_F(AbruptEnd, ByTheConsoleLeavesNothing) {
-    FreeConsole();
-    ASSERT_TRUE(AllocConsole());
-    RunningTool tool(folder, {"in.wav", "out.wav", "--pre-roll", "86400", "--library", probe("probe")});
-    waitForUnfinishedFile();
-    tool.send(CTRL_BREAK_EVENT);
-    const ToolResult result = tool.wait();
-    EXPECT_EQ(result.exitCode, 130);
-    expectEnd(result, "stopped; nothing was written");
-}
-
-TEST_F(AbruptEnd, ByASecondRequestOfTheConsoleComesAtOnceFromALibraryThatHangs) {
-    FreeConsole();
-    ASSERT_TRUE(AllocConsole());
-    RunningTool tool(folder, {"in.wav", "out.wav", "--library", probe("probe_hangs")});
-    while (!tool.hasTemporaryFile("hanging"))
-        std::this_thread::yield();
-    tool.send(CTRL_BREAK_EVENT);
-    tool.send(CTRL_BREAK_EVENT);
-    const ToolResult result = tool.wait();
-    EXPECT_EQ(result.exitCode, -1);
-    expectNothingIsLeft(result);
 }
 
 class AnyLetters : public AbruptEnd {};

@@ -98,10 +98,8 @@ RunningTool::RunningTool(const ScratchFolder& folder, const std::vector<std::str
     GetEnvironmentVariableW(L"TMP", own, MAX_PATH);
     SetEnvironmentVariableW(L"TMP", temporary_.path().c_str());
     PROCESS_INFORMATION started = {};
-    // A group of its own, so that a request of the console is for it alone.
-    const bool isStarted =
-        CreateProcessW(nullptr, wide(command).data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
-                       nullptr, folder.path().c_str(), &surroundings, &started);
+    const bool isStarted = CreateProcessW(nullptr, wide(command).data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                          folder.path().c_str(), &surroundings, &started);
     const DWORD error = GetLastError();
     SetEnvironmentVariableW(L"TMP", own);
     if (!isStarted)
@@ -117,9 +115,8 @@ RunningTool::~RunningTool() {
     CloseHandle(handleOf(process_));
 }
 
-void RunningTool::send(int signal) {
-    if (!GenerateConsoleCtrlEvent(static_cast<DWORD>(signal), GetProcessId(handleOf(process_))))
-        throw std::runtime_error("no request can be sent");
+void RunningTool::send(int) {
+    throw std::runtime_error("no signal can be sent");
 }
 
 ToolResult RunningTool::wait() {
