@@ -140,6 +140,18 @@ TEST_F(Coefficients, AreOneWholeSetAfterTwoWriters) {
                  });
 }
 
+TEST_F(Coefficients, AreOneWholeSetAfterAWriterWhomAnotherHasLappedManyTimes) {
+    const auto publishManyTimes = [this] {
+        for (int i = 0; i < 20; ++i)
+            shared.publish(kOther);
+    };
+    tryAllOrders([this] { start(); }, [this] { shared.publish(kOne); }, publishManyTimes,
+                 [this](const std::string& when) {
+                     read();
+                     return seenIsOneOf(when, {kOne, kOther});
+                 });
+}
+
 // --- Rewrites of the tap tables ---
 
 TEST(Rewrites, TellTheOneThatEndsLastWhereverTheOtherInterruptsIt) {
