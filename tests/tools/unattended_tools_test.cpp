@@ -54,4 +54,11 @@ TEST_F(UnattendedTool, RefusesToDescribeAnotherBankWithoutWaiting) {
     EXPECT_NE(result.err.find("is not made from this table"), std::string::npos) << result.err;
 }
 
+TEST_F(UnattendedTool, FailsWhereItsListFindsNoRoom) {
+    const ToolResult result =
+        runTool(folder, {"-c", "exec \"$0\" --list >/dev/full", QUILLON_RENDER}, ErrorEnd::file, "/bin/sh");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.err.find("standard output cannot be written"), std::string::npos) << result.err;
+}
+
 } // namespace
