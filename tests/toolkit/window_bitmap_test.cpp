@@ -120,7 +120,8 @@ TEST_F(WindowBitmaps, ShowTheSamePixelsAsOrdinaryOnes) {
     for (const char* name : {"squares.png", "glass.png"}) {
         std::vector<Pixel> shown[2];
         for (const bool isCopied : {false, true}) {
-            const auto bitmap = skin::loadImage(folder, name, isCopied ? memory : nullptr);
+            platform::PictureAllowance allowance;
+            const auto bitmap = skin::loadImage(folder, name, allowance, isCopied ? memory : nullptr);
             openWindow(nullptr);
             frame->setBackgroundColor(CColor(0x20, 0x90, 0x40));
             auto* const view = new VSTGUI::CView(CRect(0, 0, 4, 3));
