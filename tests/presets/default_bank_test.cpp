@@ -7,7 +7,6 @@
 #include "support/program_bank.h"
 #include "vst2/vst2.h"
 
-#include <bit>
 #include <string>
 
 #include <gtest/gtest.h>

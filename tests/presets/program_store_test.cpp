@@ -3,8 +3,10 @@
 #include "presets/program_store.h"
 #include "support/program_bank.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
+#include <string>
 
 #include <gtest/gtest.h>
 
