@@ -41,9 +41,17 @@ TEST_F(WindowShortOfMemory, OpensNextTime) {
 
 TEST_F(WindowShortOfMemory, CloseAndOpenAgain) {
     expectToOpen();
+    // What the test's own library allocates with its first trace is not counted.
+    atEveryAllocation([] {}, [] {});
+    dispatch(effect, effEditIdle);
     expectToOpen();
     const long before = test::livingAllocations();
-    atEveryAllocation([this] { close(); }, [this] { expectToOpen(); });
+    atEveryAllocation([this] { close(); },
+                      [this] {
+                          // What a closing had no memory for is done in the next turn.
+                          dispatch(effect, effEditIdle);
+                          expectToOpen();
+                      });
     EXPECT_EQ(test::livingAllocations(), before);
 }
 
