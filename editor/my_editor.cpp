@@ -48,7 +48,10 @@ myEditor::myEditor(plugin::AudioEffectX* owner, TapGains tapGain)
 bool myEditor::open(void* ptr) {
     viewTaps = nullptr;
     noteDisplay = nullptr;
-    opened = xmlGuiEditor::open(ptr) && hasOverlays();
+    // A host that is asked for room may close the window and open it again, overlays and all.
+    const int opening = ++openings_;
+    const bool isShown = xmlGuiEditor::open(ptr);
+    opened = isShown && (opening != openings_ || hasOverlays());
     if (!opened) {
         viewTaps = nullptr;
         noteDisplay = nullptr;

@@ -69,6 +69,7 @@ class myEditor : public skin::xmlGuiEditor {
     std::int8_t note = 0;
     std::int32_t noteMode = kNoNote;
     bool opened = false;
+    int openings_ = 0; ///< so far
 };
 
 } // namespace editor

@@ -171,14 +171,18 @@ void AudioEffect::release() {
         delete this;
 }
 
-/// The host has ended the effect. If another call of it has not returned, only the window goes now.
+/// The host has ended the effect. If another call of it has not returned, only the window goes now, and the
+/// host, which has thrown the record away, is told nothing more.
 void AudioEffect::closeForHost() {
     constexpr int hostAndThisCall = 2;
-    if (editor && holders_.load(std::memory_order_relaxed) > hostAndThisCall)
+    if (holders_.load(std::memory_order_relaxed) > hostAndThisCall) {
         orElse(false, [this] {
-            editor->close();
+            if (editor)
+                editor->close();
             return true;
         });
+        audioMaster = nullptr;
+    }
     release();
 }
 

@@ -170,7 +170,7 @@ void xmlGuiEditor::askForFramesSize() {
     const vst2::ERect told = std::exchange(rect, {0, 0, height, width});
     const bool isOther = width != told.right || height != told.bottom;
     // A host that makes room asks for the size again, in its answer or later, and goes by that.
-    if (isOther && !(theEffect().canHostDo("sizeWindow") && theEffect().sizeWindow(width, height)))
+    if (isOther && !(theEffect().canHostDo("sizeWindow") && frame && theEffect().sizeWindow(width, height)))
         rect = told;
 }
 
@@ -396,20 +396,29 @@ std::int32_t xmlGuiEditor::tagBeingTurned() const {
 void xmlGuiEditor::valueChanged(CControl* control) {
     const VSTGUI::SharedPointer<CControl> held(control);
     const std::weak_ptr<bool> life = life_;
-    const std::int32_t tag = control->getTag();
-    if (isParameter(tag))
-        applyParameterControl(*control, tag);
-    else if (tag >= kFirstActionMenuTag && tag <= kLastActionMenuTag)
-        runMenuActions(*control, tag);
-    else if (tag == kSkinSelectorTag)
-        selectSkin(*control);
-    if (life.expired()) {
+    // A menu answers where the toolkit lets no exception through.
+    try {
+        act(*control);
+        if (!life.expired())
+            markUpdateLinks(control->getTag());
+    } catch (const std::bad_alloc&) {
+        // What could not be done is lost; the next change brings all of it up to date.
+    }
+    if (life.expired())
         // While the message stood open, the host has ended the effect.
         control->setListener(nullptr);
-        return;
-    }
-    markUpdateLinks(tag);
-    control->setDirty(true);
+    else
+        control->setDirty(true);
+}
+
+void xmlGuiEditor::act(CControl& control) {
+    const std::int32_t tag = control.getTag();
+    if (isParameter(tag))
+        applyParameterControl(control, tag);
+    else if (tag >= kFirstActionMenuTag && tag <= kLastActionMenuTag)
+        runMenuActions(control, tag);
+    else if (tag == kSkinSelectorTag)
+        selectSkin(control);
 }
 
 void xmlGuiEditor::beginEdit(std::int32_t index) {

@@ -176,6 +176,8 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     void showHint();
     std::int32_t tagBeingTurned() const;
 
+    /// Does what a control that was used is for.
+    void act(VSTGUI::CControl& control);
     void applyParameterControl(VSTGUI::CControl& control, std::int32_t tag);
     void runMenuActions(VSTGUI::CControl& control, std::int32_t tag);
     void selectSkin(VSTGUI::CControl& control);

@@ -51,7 +51,7 @@ static_assert(std::atomic<int>::is_always_lock_free);
 UnfinishedPaths<char, PATH_MAX> unfinished;
 
 /// The thread that has run out of its stack needs another one for the handler.
-alignas(16) std::array<unsigned char, 65536> handlerStack;
+alignas(16) std::array<unsigned char, std::size_t{256} << 10> handlerStack;
 
 /// One line of text, cut where it would not fit.
 class Line {

@@ -61,8 +61,9 @@ std::optional<PausedWindow> pause(xcb_connection_t* connection, xcb_window_t win
 
 /// Tells the toolkit of buttons that it takes to be held and that have been let go during the pause.
 void sendMissedReleases(xcb_connection_t* connection, xcb_window_t window, const MouseButtons& known) {
-    const auto pointer =
-        ownedXcb(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, window), nullptr));
+    // Not to be freed: see toolkit_answers.cpp.
+    const xcb_query_pointer_reply_t* const pointer =
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, window), nullptr);
     if (!pointer)
         return;
     for (const Button& button : buttons) {
@@ -92,6 +93,7 @@ class InputPause::System {
     System() : connection_(VSTGUI::X11::RunLoop::instance().getXcbConnection()) {
         if (!connection_)
             return;
+        windows_.reserve(livingFrames().size());
         for (const LivingFrame& living : livingFrames())
             if (const auto paused = pause(connection_, windowOf(*living.frame)))
                 windows_.push_back(*paused);

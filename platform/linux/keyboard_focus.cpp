@@ -11,6 +11,17 @@ namespace platform {
 
 namespace {
 
+/// The window around `window` that the window manager, or nobody, holds.
+xcb_window_t outermost(xcb_connection_t* connection, xcb_window_t window) {
+    for (;;) {
+        const auto tree =
+            ownedXcb(xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+        if (!tree || tree->parent == tree->root || tree->parent == XCB_NONE)
+            return tree ? window : XCB_NONE;
+        window = tree->parent;
+    }
+}
+
 auto focusOf(xcb_connection_t* connection) {
     using Reply = xcb_get_input_focus_reply_t;
     return ownedXcb<Reply>(
@@ -23,8 +34,20 @@ auto focusOf(xcb_connection_t* connection) {
 void KeyboardFocus::onMouseEvent(VSTGUI::MouseEvent& event, VSTGUI::CFrame* frame) {
     if (event.type != VSTGUI::EventType::MouseDown)
         return;
-    const auto now = focusOf(VSTGUI::X11::RunLoop::instance().getXcbConnection());
-    if (!now || now->focus == windowOf(*frame))
+    xcb_connection_t* const connection = VSTGUI::X11::RunLoop::instance().getXcbConnection();
+    const auto now = focusOf(connection);
+    const std::uint32_t own = windowOf(*frame);
+    if (!now || now->focus == own)
+        return;
+    for (const LivingFrame& living : livingFrames())
+        if (windowOf(*living.frame) == now->focus) {
+            // Another window of ours, which will have it back from whoever had it before.
+            *this = *living.keyboard;
+            return;
+        }
+    // A press may come before the host has the keyboard from another program, which is not to get it back.
+    const bool isAWindow = now->focus != XCB_NONE && now->focus != XCB_INPUT_FOCUS_POINTER_ROOT;
+    if (isAWindow && outermost(connection, now->focus) != outermost(connection, own))
         return;
     isTaken_ = true;
     owner_ = now->focus;
