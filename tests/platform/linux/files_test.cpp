@@ -91,7 +91,7 @@ class WholeFiles : public testing::Test {
 };
 
 TEST_F(WholeFiles, AreNotBegunOnAFullDisk) {
-    for (const rlim_t room : {0, 40, 99}) {
+    for (const rlim_t room : {0u, 40u, 99u}) {
         const FullDisk disk(room);
         EXPECT_FALSE(platform::writeWholeFile("file", longer.data(), longer.size())) << room;
         EXPECT_EQ(names("."), std::vector<std::string>()) << room;
@@ -100,7 +100,7 @@ TEST_F(WholeFiles, AreNotBegunOnAFullDisk) {
 
 TEST_F(WholeFiles, KeepWhatTheyHeldOnAFullDisk) {
     ASSERT_TRUE(platform::writeWholeFile("file", "before", 6));
-    for (const rlim_t room : {0, 3, 40, 99}) {
+    for (const rlim_t room : {0u, 3u, 40u, 99u}) {
         const FullDisk disk(room);
         EXPECT_FALSE(platform::writeWholeFile("file", longer.data(), longer.size())) << room;
         EXPECT_EQ(platform::readWholeFile("file"), bytesOf("before")) << room;
@@ -132,7 +132,7 @@ TEST_F(WholeFiles, AreWrittenInPlaceInAReadOnlyFolder) {
 
 TEST_F(WholeFiles, AreAsTheyWereWhereTheyCannotBeWrittenInPlaceToTheirEnd) {
     const ReadOnlyFolder closed;
-    for (const rlim_t room : {6, 40, 99}) {
+    for (const rlim_t room : {6u, 40u, 99u}) {
         const FullDisk disk(room);
         EXPECT_FALSE(platform::writeWholeFile("closed/file", longer.data(), longer.size())) << room;
         EXPECT_EQ(platform::readWholeFile("closed/file"), bytesOf("before")) << room;
@@ -157,7 +157,7 @@ TEST_F(WholeFiles, KeepTheirPermissions) {
     const mode_t mask = umask(022);
     ASSERT_TRUE(platform::writeWholeFile("file", "before", 6));
     EXPECT_EQ(modeOf("file"), 0644u) << "as every new file";
-    for (const mode_t mode : {0600, 0664, 0755}) {
+    for (const mode_t mode : {0600u, 0664u, 0755u}) {
         ASSERT_EQ(chmod("file", mode), 0);
         ASSERT_TRUE(platform::writeWholeFile("file", "later", 5));
         EXPECT_EQ(modeOf("file"), mode);
