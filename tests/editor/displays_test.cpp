@@ -285,7 +285,7 @@ TEST_F(Help, OpensWithoutASignWhereThereIsNoBrowser) {
 }
 
 TEST_F(Help, OpensFromBelowALongPath) {
-    for (const std::size_t length : {300, 1000}) {
+    for (const std::size_t length : {300u, 1000u}) {
         const std::string folder = "/" + std::string(length, 'd') + "/";
         platform::replaceModuleFolder(folder);
         opened.clear();

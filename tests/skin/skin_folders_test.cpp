@@ -167,7 +167,7 @@ TEST_F(SkinFolders, AreNotSoughtInTheCurrentFolderWhenTheirOwnHasTooLongAPath) {
 }
 
 TEST_F(SkinFolders, AreFoundBelowALongPath) {
-    for (const std::size_t length : {300, 1000, 3900}) {
+    for (const std::size_t length : {300u, 1000u, 3900u}) {
         SCOPED_TRACE(length);
         std::string below;
         while (bench.folder().size() + below.size() < length)

@@ -8,6 +8,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -226,7 +227,7 @@ TEST_F(WindowedEditor, ShowsTheSkinInTheSizeThatTheHostWasTold) {
 TEST_F(WindowedEditor, OpensFromBelowALongPath) {
     const std::string settings = std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software";
     std::filesystem::create_directories(settings);
-    for (const std::size_t length : {300, 1000}) {
+    for (const std::size_t length : {300u, 1000u}) {
         SCOPED_TRACE(length);
         std::string place = here("");
         while (place.size() < length)
@@ -820,7 +821,7 @@ TEST_F(HostAtTheKeyboard, HasItBackWhenAMenuHasGone) {
     editor.plugin().setParameter(kMenu, 0.0f);
     openMenu(editor);
     EXPECT_FALSE(hasTheKeyboard(editor)) << "the menu is used by keys too";
-    for (const KeySym key : {XK_Down, XK_Down, XK_Return})
+    for (const KeySym key : std::array<KeySym, 3>{XK_Down, XK_Down, XK_Return})
         editor.typeKey(key);
     EXPECT_TRUE(editor.becomes(kMenu, 0.5f)) << editor.value(kMenu);
     EXPECT_TRUE(editor.serveUntil([&] { return hasTheKeyboard(editor); }));

@@ -26,7 +26,7 @@ void closeOnAFullDisk(host::Plugin& plugin, rlim_t bytes) {
 using MapOnAFullDisk = QuietPlugin;
 
 TEST_F(MapOnAFullDisk, IsNotBegun) {
-    for (const rlim_t room : {0, 80}) {
+    for (const rlim_t room : {0u, 80u}) {
         host::Plugin plugin(library());
         closeOnAFullDisk(plugin, room);
         EXPECT_FALSE(files::exists(here(kMapFile))) << room;
