@@ -76,7 +76,7 @@ TEST(BankFile, RefusesWhatEndsTooSoon) {
     Bytes bytes = bankFile("FBCh", {1, 2, 3});
     bytes.pop_back();
     expectRefused(bytes, "ends before its bank does");
-    for (const std::size_t size : {100, 28, 27, 12, 11, 8, 4}) {
+    for (const std::size_t size : {100u, 28u, 27u, 12u, 11u, 8u, 4u}) {
         SCOPED_TRACE(size);
         bytes.resize(size);
         expectRefused(bytes, "ends within its header");
