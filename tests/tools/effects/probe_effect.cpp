@@ -73,7 +73,7 @@ void say(const char* what) {
     *nowhere = 1;
 }
 
-[[maybe_unused]] void divideByNothing() {
+[[maybe_unused]] __attribute__((no_sanitize("undefined"))) void divideByNothing() {
     volatile int nothing = 0;
     nothing = 12345 / nothing;
 }
@@ -285,7 +285,9 @@ extern "C" __attribute__((visibility("default"))) AEffect* VSTPluginMain(audioMa
         return nullptr;
     // Nobody will close an instance whose record is refused.
     static Probe refused;
-    Probe* const probe = fourCharacterCode(PROBE_MAGIC) == kVstMagic ? new Probe : &refused;
+    const bool isTaken = fourCharacterCode(PROBE_MAGIC) == kVstMagic &&
+                         &refused.record.PROBE_CLAIMS == &refused.record.version;
+    Probe* const probe = isTaken ? new Probe : &refused;
     for (int i = 0; i < kNumPrograms; ++i)
         probe->programs[i].values[kGain] = 1.0f - 0.1f * static_cast<float>(i);
     fillRecord(*probe);
