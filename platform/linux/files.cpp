@@ -37,14 +37,16 @@ class Descriptor {
 
 using Bytes = std::span<const unsigned char>;
 
-std::optional<struct stat> statusOf(const Descriptor& file) {
+/// All zeros, which is no kind of file, if the system does not tell.
+struct stat statusOf(const Descriptor& file) {
     struct stat status = {};
-    return fstat(file.number(), &status) == 0 ? std::optional(status) : std::nullopt;
+    if (fstat(file.number(), &status) != 0)
+        status = {};
+    return status;
 }
 
 bool isRegularFile(const Descriptor& file) {
-    const auto status = statusOf(file);
-    return status && S_ISREG(status->st_mode);
+    return S_ISREG(statusOf(file).st_mode);
 }
 
 bool writeAll(const Descriptor& file, Bytes bytes) {
@@ -117,16 +119,16 @@ Descriptor makeDraft(std::string& folder) {
 
 /// Gives the new file the owner and the permissions of the old one.
 bool takesAfter(const Descriptor& file, const struct stat& old) {
-    const auto own = statusOf(file);
-    const bool isOwners = own && own->st_uid == old.st_uid && own->st_gid == old.st_gid;
+    const struct stat own = statusOf(file);
+    const bool isOwners = S_ISREG(own.st_mode) && own.st_uid == old.st_uid && own.st_gid == old.st_gid;
     return (isOwners || fchown(file.number(), old.st_uid, old.st_gid) == 0) &&
            fchmod(file.number(), old.st_mode & 07777) == 0;
 }
 
 /// Writes a new file and puts it in the place of `path`: a rename is the one step that cannot be seen half
 /// done. It is on the disk by then, so that a power cut leaves one of the two. `old` is the status of what
-/// is there.
-Replacement replaceFile(const std::string& path, Bytes bytes, const std::optional<struct stat>& old) {
+/// is there, or null.
+Replacement replaceFile(const std::string& path, Bytes bytes, const struct stat* old) {
     std::string draft = folderOf(path);
     Descriptor file = makeDraft(draft);
     if (!file)
@@ -174,10 +176,10 @@ bool writeWholeFile(const std::string& path, const void* data, std::size_t size)
     const Descriptor old(path, O_WRONLY | O_NONBLOCK);
     if (!old && errno != ENOENT)
         return false;
-    const auto status = old ? statusOf(old) : std::nullopt;
-    const bool isReplaceable = !old || (status && S_ISREG(status->st_mode) && status->st_nlink == 1);
+    const struct stat status = statusOf(old);
+    const bool isReplaceable = !old || (S_ISREG(status.st_mode) && status.st_nlink == 1);
     const Replacement result =
-        isReplaceable ? replaceFile(behindLinks(path), bytes, status) : Replacement::refused;
+        isReplaceable ? replaceFile(behindLinks(path), bytes, old ? &status : nullptr) : Replacement::refused;
     if (result == Replacement::refused && old)
         return writeInPlace(old, path, bytes);
     return result == Replacement::done;
