@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -286,7 +287,7 @@ extern "C" __attribute__((visibility("default"))) AEffect* VSTPluginMain(audioMa
     // Nobody will close an instance whose record is refused.
     static Probe refused;
     const bool isTaken = fourCharacterCode(PROBE_MAGIC) == kVstMagic &&
-                         &refused.record.PROBE_CLAIMS == &refused.record.version;
+                         offsetof(AEffect, PROBE_CLAIMS) == offsetof(AEffect, version);
     Probe* const probe = isTaken ? new Probe : &refused;
     for (int i = 0; i < kNumPrograms; ++i)
         probe->programs[i].values[kGain] = 1.0f - 0.1f * static_cast<float>(i);
