@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace platform {
@@ -255,8 +256,12 @@ bool isEndRequested() {
     return requestNoted != 0;
 }
 
-UnfinishedPath::UnfinishedPath(const std::filesystem::path& path, Kind kind)
-    : place_(unfinished.add(path.native(), kind)) {}
+UnfinishedPath::UnfinishedPath(const std::filesystem::path& path, Kind kind) {
+    // The current directory may be another one at the end.
+    std::error_code error;
+    const std::filesystem::path whole = std::filesystem::absolute(path, error);
+    place_ = unfinished.add((error ? path : whole).native(), kind);
+}
 
 UnfinishedPath::~UnfinishedPath() {
     unfinished.remove(place_);

@@ -15,7 +15,7 @@ PrivateFolder::PrivateFolder() {
     previous_ = files::current_path(error).string();
     if (error)
         throw std::runtime_error("the current folder cannot be named: " + error.message());
-    path_ = (files::temp_directory_path(error) / "quillon-XXXXXX").string();
+    path_ = (files::path(previous_) / files::temp_directory_path(error) / "quillon-XXXXXX").string();
     if (error || !mkdtemp(path_.data()))
         throw std::runtime_error("no private folder can be made: " +
                                  (error ? error : std::error_code(errno, std::generic_category())).message());

@@ -28,17 +28,45 @@ TEST(PrivateFolder, LeavesWhatALinkInItPointsTo) {
     EXPECT_TRUE(files::exists("kept/file"));
 }
 
+/// Where the system keeps temporary files as long as this object lives.
+class TemporaryFolder {
+  public:
+    explicit TemporaryFolder(const char* path) {
+        if (const char* usual = std::getenv("TMPDIR"))
+            usual_ = usual;
+        setenv("TMPDIR", path, 1);
+    }
+    ~TemporaryFolder() {
+        if (usual_)
+            setenv("TMPDIR", usual_->c_str(), 1);
+        else
+            unsetenv("TMPDIR");
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  private:
+    std::optional<std::string> usual_;
+};
+
 TEST(PrivateFolder, ThrowsIfNoneCanBeMade) {
-    const char* usual = std::getenv("TMPDIR");
-    const std::optional<std::string> saved = usual ? std::optional<std::string>(usual) : std::nullopt;
     const files::path before = files::current_path();
-    setenv("TMPDIR", "/no/such/folder", 1);
+    const TemporaryFolder temporary("/no/such/folder");
     EXPECT_THROW(PrivateFolder(), std::runtime_error);
-    if (saved)
-        setenv("TMPDIR", saved->c_str(), 1);
-    else
-        unsetenv("TMPDIR");
     EXPECT_EQ(files::current_path(), before);
+}
+
+TEST(PrivateFolder, HasAWholePathWhereTheSystemsIsNamedFromTheCurrentFolder) {
+    const PrivateFolder outer;
+    const TemporaryFolder temporary(".");
+    std::string path;
+    {
+        const PrivateFolder inner;
+        path = inner.path();
+        EXPECT_TRUE(files::path(path).is_absolute()) << path;
+        EXPECT_TRUE(files::equivalent(files::current_path(), path));
+    }
+    EXPECT_FALSE(files::exists(path));
 }
 
 } // namespace

@@ -27,6 +27,15 @@ TEST_F(AbruptEnd, ByACrashNamesTheLibraryAndTheCall) {
     }
 }
 
+TEST_F(AbruptEnd, LeavesNothingWhereTheTemporaryFolderIsNamedFromTheCurrentOne) {
+    const ToolResult result = runTool(folder,
+                                      {"TMPDIR=.", QUILLON_RENDER, "in.wav", "out.wav", "--plot", "out.png",
+                                       "--quiet", "--library", probe("probe_crashes_in_process")},
+                                      ErrorEnd::file, "/usr/bin/env");
+    EXPECT_EQ(result.signal, SIGSEGV);
+    expectNothingIsLeft(result);
+}
+
 TEST_F(AbruptEnd, ByAnyRequestLeavesNothing) {
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
         SCOPED_TRACE(signal);
