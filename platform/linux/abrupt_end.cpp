@@ -30,11 +30,10 @@ struct NamedSignal {
     const char* name;
 };
 
-constexpr NamedSignal crashes[] = {{SIGSEGV, "segmentation fault"},
-                                   {SIGBUS, "bus error"},
-                                   {SIGFPE, "arithmetic error"},
-                                   {SIGILL, "illegal instruction"},
-                                   {SIGABRT, "abort"}};
+constexpr NamedSignal crashes[] = {
+    {SIGSEGV, "segmentation fault"}, {SIGBUS, "bus error"}, {SIGFPE, "arithmetic error"},
+    {SIGILL, "illegal instruction"}, {SIGABRT, "abort"},    {SIGTRAP, "breakpoint"},
+    {SIGSYS, "bad system call"}};
 /// A person or a system asks the process to end.
 constexpr int requests[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 /// Would end the process by themselves: nobody reads its output any more, or a limit is reached.

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -81,6 +82,11 @@ void say(const char* what) {
 
 [[maybe_unused]] void giveUp() {
     std::abort();
+}
+
+template <int signal>
+[[maybe_unused]] void raise() {
+    std::raise(signal);
 }
 
 /// Comes to an end only where the stack does.

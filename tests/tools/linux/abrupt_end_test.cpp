@@ -19,7 +19,9 @@ TEST_F(AbruptEnd, ByACrashNamesTheLibraryAndTheCall) {
           Case{"probe_crashes_in_close", "effClose", "segmentation fault", SIGSEGV},
           Case{"probe_divides_by_nothing", "effMainsChanged", "arithmetic error", SIGFPE},
           Case{"probe_aborts", "effSetSampleRate", "abort", SIGABRT},
-          Case{"probe_nests_too_deep", "effSetBlockSize", "segmentation fault", SIGSEGV}}) {
+          Case{"probe_nests_too_deep", "effSetBlockSize", "segmentation fault", SIGSEGV},
+          Case{"probe_stops_at_a_trap", "effOpen", "breakpoint", SIGTRAP},
+          Case{"probe_asks_for_no_call", "effClose", "bad system call", SIGSYS}}) {
         SCOPED_TRACE(crash.library);
         const ToolResult result = render(crash.library);
         EXPECT_EQ(result.signal, crash.signal);
