@@ -100,33 +100,42 @@ PictureSize jpegSize(const Header& header) {
     return size;
 }
 
-/// Past the colours and what else there is. The first picture may be larger than the screen that the file
+/// How many bytes of colours follow a header of a GIF whose flags stand there.
+size_t gifColours(const Header& header, size_t flags) {
+    const unsigned value = header.byte(flags);
+    return value & 0x80 ? size_t{3} << ((value & 7) + 1) : 0;
+}
+
+size_t firstGifBlock(const Header& header) {
+    return 13 + gifColours(header, 10);
+}
+
+/// From there on. Bytes that begin no block lie between some, and decoders pass over them.
+size_t nextGifBlock(const Header& header, size_t at) {
+    while (std::string_view("!,;").find(static_cast<char>(header.byte(at))) == std::string_view::npos)
+        ++at;
+    return at;
+}
+
+/// Of a picture or an extension, with all its data.
+size_t endOfGifBlock(const Header& header, size_t at) {
+    at += header.byte(at) == ',' ? 11 + gifColours(header, at + 9) : 2;
+    while (header.byte(at) != 0)
+        at += 1 + header.byte(at);
+    return at + 1;
+}
+
+/// Of the first picture, which is the one that is shown. It may be larger than the screen that the file
 /// speaks of, and the other way round.
 PictureSize gifSize(const Header& header) {
-    const auto colours = [&](size_t flags) {
-        const unsigned value = header.byte(flags);
-        return value & 0x80 ? size_t{3} << ((value & 7) + 1) : 0;
-    };
-    const auto behindBlocks = [&](size_t at) {
-        while (header.byte(at) != 0)
-            at += 1 + header.byte(at);
-        return at + 1;
-    };
-    PictureSize size;
-    size_t at = 13 + colours(10);
-    for (; header.byte(at) != ';';) {
-        if (header.byte(at) == '!') {
-            at = behindBlocks(at + 2);
-        } else if (header.byte(at) == ',') {
-            if (size.width == 0)
-                size = {std::max(header.fromLow16(6), header.fromLow16(at + 5)),
-                        std::max(header.fromLow16(8), header.fromLow16(at + 7))};
-            at = behindBlocks(at + 11 + colours(at + 9));
-        } else {
-            return {};
-        }
-    }
-    return size;
+    size_t at = nextGifBlock(header, firstGifBlock(header));
+    while (header.byte(at) == '!')
+        at = nextGifBlock(header, endOfGifBlock(header, at));
+    if (header.byte(at) == ';')
+        return {};
+    endOfGifBlock(header, at);
+    return {std::max(header.fromLow16(6), header.fromLow16(at + 5)),
+            std::max(header.fromLow16(8), header.fromLow16(at + 7))};
 }
 
 /// A list of numbers in a TIFF.
@@ -200,6 +209,10 @@ size_t largestIcoEntry(const Header& header) {
     return largest;
 }
 
+bool isGif(const Header& header) {
+    return header.stands(0, "GIF8");
+}
+
 bool isTiff(const Header& header) {
     return header.stands(0, std::string_view("II*\0", 4)) || header.stands(0, std::string_view("MM\0*", 4));
 }
@@ -240,6 +253,22 @@ FileBytes largestOf(const FileBytes& ico) {
     return alone;
 }
 
+/// A GIF with the first picture alone, and nothing that is spare.
+FileBytes firstOf(const FileBytes& gif) {
+    const Header header(gif);
+    const auto place = [&](size_t at) { return gif.begin() + static_cast<std::ptrdiff_t>(at); };
+    FileBytes alone(gif.begin(), place(firstGifBlock(header)));
+    bool isPicture = false;
+    for (size_t end = alone.size(); !isPicture;) {
+        const size_t at = nextGifBlock(header, end);
+        isPicture = header.byte(at) == ',';
+        end = endOfGifBlock(header, at);
+        alone.insert(alone.end(), place(at), place(end));
+    }
+    alone.push_back(';');
+    return alone;
+}
+
 bool isDrawable(const PictureSize& size) {
     return size.width > 0 && size.height > 0 && size.width <= kLongestPictureSide &&
            size.height <= kLongestPictureSide && size.width * size.height <= kMostPicturePixels;
@@ -263,7 +292,7 @@ std::optional<PictureSize> promisedSize(const FileBytes& file) try {
         return bmpSize(header);
     if (header.stands(0, "\xFF\xD8"))
         return jpegSize(header);
-    if (header.stands(0, "GIF8"))
+    if (isGif(header))
         return gifSize(header);
     if (isTiff(header))
         return tiffSize(header, header.stands(0, "II"));
@@ -287,6 +316,8 @@ std::optional<FileBytes> readPictureFile(const std::string& path, PictureAllowan
     if (size && isIco(Header(*file))) {
         file = largestOf(*file);
         size = promisedSize(*file);
+    } else if (size && isGif(Header(*file)) && size->width > 0) {
+        file = firstOf(*file);
     }
     return takes(size, allowance) ? file : std::nullopt;
 }

@@ -22,14 +22,14 @@ struct PictureSize {
 };
 
 /// What the header of a PNG, BMP, JPEG, GIF, TIFF or ICO promises, for the first picture in the file (of an
-/// ICO, for the largest); nothing if this is none of them or does not reach to its own end.
+/// ICO, for the largest); nothing if this is none of them or that picture is cut off.
 std::optional<PictureSize> promisedSize(const FileBytes& file);
 
 bool isTiff(const FileBytes& file);
 
 /// The file at `path`, which is as findPicture() gives it, for the system's decoder; of an ICO, the largest
-/// picture alone. Nothing if it is no file, is none of the formats, is cut off, or is larger than may be
-/// drawn or than `allowance` has left. Takes from `allowance` what it costs.
+/// picture alone, and of a GIF the first. Nothing if it is no file, is none of the formats, is cut off, or is
+/// larger than may be drawn or than `allowance` has left. Takes from `allowance` what it costs.
 std::optional<FileBytes> readPictureFile(const std::string& path, PictureAllowance& allowance);
 
 /// The content of a file; nothing if it is none or has more than `limit` bytes, of which none is read then.
