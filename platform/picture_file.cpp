@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
+#include <tuple>
 
 namespace platform {
 
@@ -163,30 +164,62 @@ class TiffField {
     size_t at_ = 0;
 };
 
-/// Of the first picture, whose strips or tiles may lie anywhere.
-PictureSize tiffSize(const Header& header, bool isLow) {
+/// What is told of the first picture in a TIFF.
+struct TiffPicture {
+    PictureSize size;
+    std::int64_t bitsPerSample = 1, samplesPerPixel = 1;
+    bool isPacked = false;
+    std::optional<TiffField> offsets, lengths; ///< of the strips or tiles
+
+    /// All rows in one strip.
+    std::int64_t unpackedLength() const {
+        return (std::min(size.width, kLongestPictureSide) * bitsPerSample * samplesPerPixel + 7) / 8 *
+               std::min(size.height, kLongestPictureSide);
+    }
+};
+
+TiffPicture tiffPicture(const Header& header, bool isLow) {
     const size_t directory = isLow ? header.fromLow32(4) : header.fromHigh32(4);
     const size_t entries = isLow ? header.fromLow16(directory) : header.fromHigh16(directory);
-    PictureSize size;
-    std::optional<TiffField> offsets, lengths;
+    TiffPicture picture;
     for (size_t i = 0; i < entries; ++i) {
         const size_t entry = directory + 2 + 12 * i;
         const unsigned tag = isLow ? header.fromLow16(entry) : header.fromHigh16(entry);
         const auto field = [&] { return TiffField(header, isLow, entry); };
         if (tag == 256)
-            size.width = field()[0];
+            picture.size.width = field()[0];
         else if (tag == 257)
-            size.height = field()[0];
+            picture.size.height = field()[0];
+        else if (tag == 258)
+            picture.bitsPerSample = std::min(field()[0], 64u);
+        else if (tag == 259)
+            picture.isPacked = field()[0] != 1;
+        else if (tag == 277)
+            picture.samplesPerPixel = std::min(field()[0], 64u);
         else if (tag == 273 || tag == 324)
-            offsets.emplace(field());
+            picture.offsets.emplace(field());
         else if (tag == 279 || tag == 325)
-            lengths.emplace(field());
+            picture.lengths.emplace(field());
     }
-    if (!offsets || !lengths || offsets->count() != lengths->count())
+    return picture;
+}
+
+/// Its strips or tiles may lie anywhere. The length of a single strip may be missing or, where the rows tell
+/// it as well, be too large: decoders find it by themselves.
+PictureSize tiffSize(const Header& header, bool isLow) {
+    const TiffPicture picture = tiffPicture(header, isLow);
+    const auto& [offsets, lengths] = std::tie(picture.offsets, picture.lengths);
+    const bool isOneStrip = offsets && offsets->count() == 1;
+    if (!offsets || (!lengths && !isOneStrip) || (lengths && offsets->count() != lengths->count()))
         return {};
-    for (size_t i = 0; i < offsets->count(); ++i)
-        header.expect((*offsets)[i], (*lengths)[i]);
-    return size;
+    for (size_t i = 0; i < offsets->count(); ++i) {
+        const size_t at = (*offsets)[i];
+        std::int64_t length = lengths ? (*lengths)[i] : 1;
+        if (isOneStrip && !picture.isPacked && (!lengths || at + static_cast<size_t>(length) > header.size()))
+            length = picture.unpackedLength();
+        header.expect(at, length);
+    }
+    return picture.size;
 }
 
 constexpr size_t kIcoHeader = 6, kIcoEntry = 16;
@@ -196,11 +229,21 @@ PictureSize icoEntrySize(const Header& header, size_t entry) {
     return {side(entry), side(entry + 1)};
 }
 
+/// In bits, as the picture itself says; many a directory says nothing of it.
+unsigned icoEntryDepth(const Header& header, size_t entry) {
+    constexpr unsigned deepest = 32;
+    constexpr size_t bits = 14;
+    const size_t picture = header.fromLow32(entry + 12);
+    if (picture + bits + 2 > header.size())
+        return 0;
+    return header.stands(picture, "\x89PNG") ? deepest : header.fromLow16(picture + bits);
+}
+
 /// The entry of the largest picture, and of those the one with the most colours, the first in the file.
 size_t largestIcoEntry(const Header& header) {
     const auto rank = [&](size_t entry) {
         const PictureSize size = icoEntrySize(header, entry);
-        return std::pair(size.width * size.height, header.fromLow16(entry + 6));
+        return std::pair(size.width * size.height, icoEntryDepth(header, entry));
     };
     size_t largest = kIcoHeader;
     for (size_t i = 1; i < header.fromLow16(4); ++i)

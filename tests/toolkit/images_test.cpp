@@ -187,6 +187,19 @@ Bytes with(Bytes file, std::size_t place, const Bytes& inserted) {
     return file;
 }
 
+/// squares.tif without the entry of its directory that tells how many bytes the strip has.
+Bytes tiffWithoutLength() {
+    constexpr std::size_t directory = 8, entry = 12;
+    Bytes file = bytesOf("squares.tif");
+    const std::size_t entries = file[directory];
+    const std::size_t last = directory + 2 + entry * (entries - 1);
+    EXPECT_EQ(file[last], 279 & 255) << "the entry of the lengths";
+    file[directory] = static_cast<unsigned char>(entries - 1);
+    // What stands behind the directory stays where it is.
+    std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(last), 4, std::uint8_t{0});
+    return file;
+}
+
 /// Files that are not by the book.
 class LooseFiles : public Images {
   protected:
@@ -230,6 +243,62 @@ TEST_F(LooseFiles, OfMovingGifsShowTheirFirstPictureIfALaterOneIsCutOff) {
     const Bytes gif = bytesOf("moving.gif");
     ASSERT_TRUE(loads({gif.begin(), gif.end() - 4}));
     EXPECT_EQ(pixel(*skin::loadImage(folder.path(), "picture"), 0, 0), red);
+}
+
+TEST_F(LooseFiles, OfTiffsShowWithoutTheLengthOfTheirOneStrip) {
+    const Bytes tiff = tiffWithoutLength();
+    expectSquares(tiff);
+    EXPECT_FALSE(loads({tiff.begin(), tiff.end() - 1})) << "a pixel is missing";
+}
+
+TEST_F(LooseFiles, OfTiffsShowWithALengthBeyondTheirEnd) {
+    Bytes tiff = bytesOf("squares.tif");
+    const std::size_t length = 8 + 2 + 12 * 8 + 8;
+    ASSERT_EQ(tiff[length], 3 * 2 * 3);
+    tiff[length + 1] = 1;
+    expectSquares(tiff);
+    tiff.pop_back();
+    EXPECT_FALSE(loads(tiff)) << "a pixel is missing";
+}
+
+TEST_F(LooseFiles, OfIconsShowWhereTheirDirectoryTellsNoDepth) {
+    Bytes icon = bytesOf("squares.ico");
+    for (const std::size_t entry : {6, 22})
+        icon[entry + 6] = 0;
+    expectSquares(icon);
+    icon.pop_back();
+    EXPECT_FALSE(loads(icon));
+}
+
+TEST_F(LooseFiles, OfIconsShowTheDeepestPictureWhereTheirDirectoryTellsNoDepth) {
+    // One bit a pixel, all black, before the other two: an entry of the directory, then header, two colours,
+    // rows, and rows that say what is not to be seen.
+    constexpr unsigned char length = 40 + 2 * 4 + 2 * 4 + 2 * 4;
+    Bytes monochrome(length);
+    const std::pair<std::size_t, unsigned char> numbers[] = {{0, 40}, {4, 3}, {8, 4}, {12, 1}, {14, 1}};
+    for (const auto& [place, number] : numbers)
+        monochrome[place] = number;
+    Bytes icon = bytesOf("squares.ico");
+    icon[4] = 3;
+    for (const std::size_t entry : {6, 22}) {
+        icon[entry + 6] = 0;
+        icon[entry + 12] = static_cast<unsigned char>(icon[entry + 12] + 16);
+    }
+    const auto at = static_cast<unsigned char>(icon.size() + 16);
+    icon = with(icon, 6, {3, 2, 0, 0, 1, 0, 0, 0, length, 0, 0, 0, at, 0, 0, 0});
+    expectSquares(with(icon, icon.size(), monochrome));
+}
+
+TEST_F(LooseFiles, InArithmeticJpegShow) {
+    const auto image = load("arithmetic.jpg");
+    ASSERT_TRUE(image->isLoaded());
+    EXPECT_NEAR(pixel(*image, 8, 8).red, 255, 6);
+    EXPECT_NEAR(pixel(*image, 40, 24).green, 64, 6);
+    Bytes jpeg = bytesOf("arithmetic.jpg");
+    while (!jpeg.empty()) {
+        jpeg.pop_back();
+        ASSERT_FALSE(loads(jpeg)) << jpeg.size();
+    }
 }
 
 /// Everything that is no picture.

@@ -8,6 +8,7 @@ moving.gif  2 x 2: a red picture, then a blue one.
 squares.ico has a smaller picture before that one; in png.ico it is kept as a PNG.
 giant.*     a header that promises more pixels than anybody can draw.
 torn.*      the first half of a good file.
+arithmetic.jpg is not made here: jpegtran -arithmetic -copy none squares.jpg > arithmetic.jpg
 """
 import struct
 import zlib
