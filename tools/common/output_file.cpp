@@ -38,6 +38,43 @@ files::path unusedNameBeside(const files::path& target) {
     return target.parent_path() / (".quillon-" + std::to_string(random()) + ".part");
 }
 
+/// What is under a name, so that it can be brought back.
+class KeptFile {
+  public:
+    explicit KeptFile(const files::path& target) : target_(target), kept_(unusedNameBeside(target)) {
+        std::error_code error;
+        wasThere_ = files::exists(target, error);
+        if (!wasThere_)
+            return;
+        unfinished_.emplace(kept_, platform::UnfinishedPath::Kind::file);
+        files::create_hard_link(target, kept_, error);
+        if (error) // not every disk has them
+            files::copy_file(target, kept_, error);
+    }
+    ~KeptFile() {
+        std::error_code ignored;
+        files::remove(kept_, ignored);
+    }
+    KeptFile(const KeptFile&) = delete;
+    KeptFile& operator=(const KeptFile&) = delete;
+
+    /// Whether that is under its name again.
+    bool putBack() const {
+        std::error_code error;
+        if (wasThere_)
+            files::rename(kept_, target_, error);
+        else
+            files::remove(target_, error);
+        return !error;
+    }
+
+  private:
+    files::path target_;
+    files::path kept_;
+    bool wasThere_ = false;
+    std::optional<platform::UnfinishedPath> unfinished_;
+};
+
 } // namespace
 
 OutputFile::OutputFile(const files::path& target) : target_(behindLinks(target)) {
@@ -61,6 +98,18 @@ void OutputFile::commit() {
         throw ToolError(target_.string() + " cannot be written: " + error.message());
     isCommitted_ = true;
     unfinished_.reset();
+}
+
+void commitBoth(OutputFile& first, OutputFile& second) {
+    const KeptFile before(first.target());
+    first.commit();
+    try {
+        second.commit();
+    } catch (const ToolError& error) {
+        if (before.putBack())
+            throw;
+        throw ToolError(error.what() + std::string("; ") + first.target().string() + " is written");
+    }
 }
 
 } // namespace tools

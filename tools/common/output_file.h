@@ -22,6 +22,7 @@ class OutputFile {
     const std::filesystem::path& temporary() const { return temporary_; }
     /// Puts the file in its place, over an older one if there is one. Throws ToolError.
     void commit();
+    const std::filesystem::path& target() const { return target_; }
 
   private:
     std::filesystem::path target_;
@@ -29,5 +30,9 @@ class OutputFile {
     std::optional<platform::UnfinishedPath> unfinished_;
     bool isCommitted_ = false;
 };
+
+/// Puts both in their places, or neither: if the second cannot be, what the first one has replaced is there
+/// again. Throws ToolError, which names the first if that could not be done.
+void commitBoth(OutputFile& first, OutputFile& second);
 
 } // namespace tools

@@ -216,8 +216,18 @@ class RenderJob {
     /// The files take their names last, when nothing can go wrong any more but that itself.
     void finish() {
         if (plotFile_)
-            plotFile_->commit();
-        outputFile_.commit();
+            commitBoth(*plotFile_, outputFile_);
+        else
+            outputFile_.commit();
+        try {
+            printReport();
+        } catch (const ToolError& error) {
+            throw ToolError(std::string(error.what()) + "; " + options_.output.string() +
+                            (plotFile_ ? " and " + options_.plot.string() + " are" : " is") + " written");
+        }
+    }
+
+    void printReport() const {
         if (options_.json)
             print(output_, reportJson(report_));
         else if (!options_.quiet)
