@@ -22,7 +22,7 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
 
 /// Makes the file hold exactly these bytes, whatever it held before. False if that failed; then the file is
 /// as it was, and where there was none there is none. A new file takes the old one's place in one step. Where
-/// the folder does not allow that, and for a file with several names, the bytes go into the old file itself.
+/// the folder does not allow that, and for a file with several names, the bytes go into the file itself.
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size);
 
 } // namespace platform

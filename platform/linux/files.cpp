@@ -79,6 +79,17 @@ bool writeInPlace(const Descriptor& file, const std::string& path, Bytes bytes) 
     return false;
 }
 
+/// Writes where there is no file. If that fails there is none again.
+bool writeNewInPlace(const std::string& path, Bytes bytes) {
+    Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL);
+    if (!file)
+        return false;
+    const bool isWritten = writeAll(file, bytes) && file.close();
+    if (!isWritten)
+        unlink(path.c_str());
+    return isWritten;
+}
+
 std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
@@ -99,10 +110,11 @@ std::string behindLinks(std::string path) {
 
 enum class Replacement { done, refused, failed };
 
-/// After a step that changes no file: whether that folder takes no new files, while those that it holds may
-/// still be written.
+/// After a step that changes no file: whether that folder takes no draft, while the file itself may still be
+/// written.
 Replacement refusedOrFailed() {
-    const bool isRefused = errno == EACCES || errno == EPERM || errno == EROFS || errno == EBUSY;
+    const bool isRefused =
+        errno == EACCES || errno == EPERM || errno == EROFS || errno == EBUSY || errno == ENAMETOOLONG;
     return isRefused ? Replacement::refused : Replacement::failed;
 }
 
@@ -178,10 +190,11 @@ bool writeWholeFile(const std::string& path, const void* data, std::size_t size)
         return false;
     const struct stat status = statusOf(old);
     const bool isReplaceable = !old || (S_ISREG(status.st_mode) && status.st_nlink == 1);
+    const std::string place = behindLinks(path);
     const Replacement result =
-        isReplaceable ? replaceFile(behindLinks(path), bytes, old ? &status : nullptr) : Replacement::refused;
-    if (result == Replacement::refused && old)
-        return writeInPlace(old, path, bytes);
+        isReplaceable ? replaceFile(place, bytes, old ? &status : nullptr) : Replacement::refused;
+    if (result == Replacement::refused)
+        return old ? writeInPlace(old, path, bytes) : writeNewInPlace(place, bytes);
     return result == Replacement::done;
 }
 

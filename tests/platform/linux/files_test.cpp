@@ -2,6 +2,8 @@
 
 #include "platform/private_folder.h"
 
+#include <algorithm>
+#include <climits>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -194,6 +196,40 @@ TEST_F(WholeFiles, MayHaveTheLongestNameThatThereIs) {
         EXPECT_TRUE(platform::writeWholeFile(name, text, 5));
         EXPECT_EQ(names("."), std::vector<std::string>{name});
     }
+}
+
+/// Folders within each other; the innermost is the current directory and has a path of `length` characters.
+void enterFolderWithPathOf(std::size_t length) {
+    std::string path = files::current_path();
+    while (path.size() < length) {
+        std::size_t step = std::min<std::size_t>(length - path.size() - 1, 200);
+        if (length - path.size() - 1 - step == 1)
+            --step; // a slash needs a name behind it
+        const std::string name(step, 'd');
+        ASSERT_TRUE(files::create_directory(name));
+        ASSERT_EQ(chdir(name.c_str()), 0);
+        path += "/" + name;
+    }
+}
+
+TEST_F(WholeFiles, MayHaveTheLongestPathThatThereIs) {
+    constexpr std::size_t longest = PATH_MAX - 1;
+    const std::string name = "file.bin";
+    ASSERT_NO_FATAL_FAILURE(enterFolderWithPathOf(longest - name.size() - 1));
+    const std::string path = files::current_path() / name;
+    ASSERT_EQ(path.size(), longest);
+    for (const char* text : {"before", "later"}) {
+        EXPECT_TRUE(platform::writeWholeFile(path, text, 5));
+        EXPECT_EQ(platform::readWholeFile(path), bytesOf(std::string(text).substr(0, 5).c_str()));
+        EXPECT_EQ(names("."), std::vector<std::string>{name});
+    }
+    const FullDisk disk(40);
+    EXPECT_FALSE(platform::writeWholeFile(path, longer.data(), longer.size()));
+    EXPECT_EQ(platform::readWholeFile(path), bytesOf("later"));
+    files::remove(name);
+    EXPECT_FALSE(platform::writeWholeFile(path, longer.data(), longer.size()));
+    EXPECT_EQ(names("."), std::vector<std::string>());
+    ASSERT_EQ(chdir(folder.path().c_str()), 0);
 }
 
 } // namespace
