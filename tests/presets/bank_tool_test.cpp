@@ -64,6 +64,14 @@ TEST(BankTool, NamesAFileThatCannotBeReadOrWritten) {
     EXPECT_TRUE(folder.names().empty());
 }
 
+TEST(BankTool, WritesAFileOfTheLongestNameThatThereIs) {
+    const ScratchFolder folder;
+    const std::string name = std::string(251, 'n') + ".fxb";
+    const ToolResult result = runBankTool(folder, {"compile", kTable, "-o", folder.file(name)});
+    EXPECT_EQ(0, result.exitCode) << result.err;
+    EXPECT_EQ(std::vector<std::string>{name}, folder.names());
+}
+
 TEST(BankTool, RefusesAFileThatIsNoBank) {
     const ScratchFolder folder;
     const std::string file = folder.writeText("song.fxb", "nothing of the kind");

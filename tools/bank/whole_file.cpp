@@ -1,7 +1,8 @@
 #include "bank/whole_file.h"
 
 #include "bank/bank_program.h"
-#include "platform/abrupt_end.h"
+#include "tools/common/output_file.h"
+#include "tools/common/tool_error.h"
 
 #include <filesystem>
 #include <fstream>
@@ -22,17 +23,15 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path) {
 }
 
 void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
-    const std::string unfinished = path + ".unfinished";
-    const platform::UnfinishedPath watched(unfinished, platform::UnfinishedPath::Kind::file);
-    std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    std::error_code error;
-    if (file)
-        std::filesystem::rename(unfinished, path, error);
-    if (!file || error) {
-        std::error_code ignored;
-        std::filesystem::remove(unfinished, ignored);
+    try {
+        tools::OutputFile output(std::filesystem::absolute(path));
+        std::ofstream file(output.temporary(), std::ios::binary | std::ios::trunc);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file)
+            throw BankError(path + ": cannot be written");
+        output.commit();
+    } catch (const tools::ToolError&) {
         throw BankError(path + ": cannot be written");
     }
 }
