@@ -1,6 +1,7 @@
 // quillon-bank as a person runs it.
 #include "support/tool_run.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace {
@@ -78,6 +79,18 @@ TEST(BankTool, RefusesAFileThatIsNoBank) {
     const ToolResult result = runBankTool(folder, {"table", file, "-o", folder.file("out.tsv")});
     EXPECT_EQ(2, result.exitCode);
     EXPECT_EQ(file + ": not an fxb file\n", result.err);
+}
+
+TEST(BankTool, NamesTheLibraryThatCrashesAndTheCall) {
+    const ScratchFolder folder;
+    const std::string library = PROBES "/probe_crashes_in_close.so";
+    const ToolResult result =
+        runBankTool(folder, {"page", kTable, "-o", folder.file("page.md"), "--pictures",
+                             folder.file("pictures"), "--library", library, "--speech", QUILLON_SPEECH});
+    EXPECT_EQ("quillon-bank: crash of " + library + " in effClose: segmentation fault\n", result.err);
+    EXPECT_EQ(SIGSEGV, result.signal);
+    EXPECT_TRUE(result.leftBehind.empty());
+    EXPECT_TRUE(folder.names().empty());
 }
 
 TEST(BankTool, AsksForACommand) {

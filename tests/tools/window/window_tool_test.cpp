@@ -294,6 +294,22 @@ TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
                       " lies in the skin that is watched; give another folder");
 }
 
+TEST_F(WindowTool, NamesTheLibraryThatCrashesAndTheCall) {
+    const std::string probe = EFFECTS "/probe_crashes_in_open.so",
+                      open = EFFECTS "/window_effect_crashing_in_open.so",
+                      idle = EFFECTS "/window_effect_crashing_in_idle.so";
+    for (const auto& [crashing, call] :
+         {std::pair(probe, "effOpen"), std::pair(open, "effEditOpen"), std::pair(idle, "effEditIdle")}) {
+        const ToolResult result = run({"--library", crashing, "--screenshot", "picture.png"});
+        EXPECT_EQ(result.err,
+                  "quillon-window: crash of " + crashing + " in " + call + ": segmentation fault\n");
+        EXPECT_EQ(result.signal, SIGSEGV);
+        EXPECT_EQ(result.out, "");
+        EXPECT_FALSE(files::exists(folder.file("picture.png")));
+        expectNothingIsLeft();
+    }
+}
+
 TEST_F(WindowTool, ExplainsItself) {
     const ToolResult help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);

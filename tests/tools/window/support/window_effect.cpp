@@ -5,6 +5,7 @@
 
 #include <X11/Xlib.h>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -71,6 +72,8 @@ void close() {
 
 std::intptr_t dispatcher(AEffect* effect, std::int32_t opcode, std::int32_t, std::intptr_t, void* ptr,
                          float) {
+    if (opcode == CRASHES_AT)
+        std::raise(SIGSEGV);
     switch (opcode) {
     case effClose:
         delete effect;
