@@ -2,7 +2,6 @@
 
 #include "host/editor_window.h"
 #include "platform/clock.h"
-#include "platform/files.h"
 #include "platform/message_watch.h"
 #include "platform/private_folder.h"
 #include "platform/virtual_display.h"
@@ -16,7 +15,6 @@
 #include "tools/window/skin_folder.h"
 #include "tools/window/stage.h"
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -114,11 +112,17 @@ class Showing {
     void open() {
         closeInstance();
         isSkinAtFault_ = false;
-        if (!skin_.empty() && !canBeShown())
-            return;
+        std::optional<SkinText> text;
+        if (!skin_.empty()) {
+            isSkinAtFault_ = true;
+            text.emplace(skin_);
+            if (!canBeShown(*text))
+                return;
+            isSkinAtFault_ = false;
+        }
         if (stage_)
             stage_->bringUpToDate();
-        const auto findings = options_.watch ? checkSkin(stage_->skin()) : std::vector<Finding>();
+        const auto findings = options_.watch ? text->findingsBuiltIn(stage_->skin()) : std::vector<Finding>();
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
@@ -135,25 +139,15 @@ class Showing {
 
     /// What the plug-in would not survive it must not see; what it refuses without a word gets one here.
     /// False if the skin's author goes on working at it.
-    bool canBeShown() {
-        isSkinAtFault_ = true;
-        const files::path file = skinFile(skin_);
-        const auto bytes = platform::readWholeFile(file.string());
-        if (!bytes)
-            throw ToolError(file.string() + " cannot be read");
-        const std::string text(bytes->begin(), bytes->end());
-        const SkinSource source = readSkinSource(text);
-        const auto findings = checkSkinText(text);
-        const auto fatal = std::ranges::find_if(findings, &Finding::endsTheHost);
-        if (source.root && fatal == findings.end()) {
-            isSkinAtFault_ = false;
+    bool canBeShown(const SkinText& text) const {
+        const Finding* const obstacle = text.obstacle();
+        if (!obstacle)
             return true;
-        }
         if (options_.watch) {
-            tellFaults(findings);
+            tellFaults(text.findings());
             return false;
         }
-        std::string line = lineFor(file, source.root ? *fatal : findings.back());
+        std::string line = lineFor(skinFile(skin_), *obstacle);
         line.pop_back();
         throw ToolError(line);
     }

@@ -48,27 +48,33 @@ std::vector<Finding> judged(const SkinSource& source) {
     return findings;
 }
 
-bool canBeBuilt(const SkinSource& source, const std::vector<Finding>& findings) {
-    return source.root && equalIgnoringCase(source.root->name, "GUI") &&
-           std::none_of(findings.begin(), findings.end(),
-                        [](const Finding& finding) { return finding.endsTheHost; });
-}
-
 } // namespace
 
 std::vector<Finding> checkSkinText(std::string_view text) {
     return judged(readSkinSource(text));
 }
 
+SkinText::SkinText(const std::filesystem::path& folder)
+    : source_(readSkinSource(contentOf(skinFile(folder)))), findings_(judged(source_)) {}
+
+const Finding* SkinText::obstacle() const {
+    if (!source_.root)
+        return &findings_.back();
+    const auto fatal = std::ranges::find_if(findings_, &Finding::endsTheHost);
+    return fatal == findings_.end() ? nullptr : &*fatal;
+}
+
+std::vector<Finding> SkinText::findingsBuiltIn(const std::filesystem::path& folder) const {
+    std::vector<Finding> all = findings_;
+    if (obstacle() || !equalIgnoringCase(source_.root->name, "GUI"))
+        return all;
+    std::ranges::move(buildRecorded(folder, *source_.root), std::back_inserter(all));
+    arrange(all);
+    return all;
+}
+
 std::vector<Finding> checkSkin(const std::filesystem::path& folder) {
-    const std::string text = contentOf(skinFile(folder));
-    const SkinSource source = readSkinSource(text);
-    std::vector<Finding> findings = judged(source);
-    if (!canBeBuilt(source, findings))
-        return findings;
-    std::ranges::move(buildRecorded(folder, *source.root), std::back_inserter(findings));
-    arrange(findings);
-    return findings;
+    return SkinText(folder).findingsBuiltIn(folder);
 }
 
 std::string lineFor(const std::filesystem::path& file, const Finding& finding) {

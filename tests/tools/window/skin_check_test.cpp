@@ -45,6 +45,21 @@ TEST_F(CheckedSkin, IsInOrder) {
         "");
 }
 
+TEST_F(CheckedSkin, IsJudgedByTheTextThatWasRead) {
+    const std::string good = "<GUI>\n<background filename=\"bg.png\" colour=\"red\"/>\n<knoob/></GUI>";
+    folder.writeText("skin.xml", good);
+    const tools::window::SkinText text(folder.path());
+    folder.writeText("skin.xml", "<GUI>\n<knob");
+    EXPECT_EQ(text.obstacle(), nullptr);
+    EXPECT_EQ(text.findings().size(), 1u) << "the tag that no background has";
+    const tools::window::SkinText later(folder.path());
+    ASSERT_NE(later.obstacle(), nullptr);
+    EXPECT_EQ(later.obstacle()->place.line, 2);
+    EXPECT_EQ(later.findingsBuiltIn(folder.path()).size(), later.findings().size());
+    folder.writeText("skin.xml", good);
+    EXPECT_EQ(text.findingsBuiltIn(folder.path()).size(), 2u) << "that, and the object of no kind";
+}
+
 TEST_F(CheckedSkin, IsReadInAnyLetterCaseOfItsFile) {
     folder.writeText("Skin.XML", "<GUI><background filename=\"bg.png\"/></GUI>");
     EXPECT_TRUE(checkSkin(folder.path()).empty());
