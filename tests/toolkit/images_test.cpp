@@ -263,7 +263,7 @@ TEST_F(LooseFiles, OfTiffsShowWithALengthBeyondTheirEnd) {
 
 TEST_F(LooseFiles, OfIconsShowWhereTheirDirectoryTellsNoDepth) {
     Bytes icon = bytesOf("squares.ico");
-    for (const std::size_t entry : {6, 22})
+    for (const std::size_t entry : {6u, 22u})
         icon[entry + 6] = 0;
     expectSquares(icon);
     icon.pop_back();
@@ -280,7 +280,7 @@ TEST_F(LooseFiles, OfIconsShowTheDeepestPictureWhereTheirDirectoryTellsNoDepth) 
         monochrome[place] = number;
     Bytes icon = bytesOf("squares.ico");
     icon[4] = 3;
-    for (const std::size_t entry : {6, 22}) {
+    for (const std::size_t entry : {6u, 22u}) {
         icon[entry + 6] = 0;
         icon[entry + 12] = static_cast<unsigned char>(icon[entry + 12] + 16);
     }
