@@ -2,6 +2,7 @@
 // controller map, skins, help) is found from here.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace platform {
@@ -10,6 +11,9 @@ namespace platform {
 /// same for the library's whole life: a host that changes its current directory changes nothing. Any thread
 /// but the audio thread.
 const std::string& moduleFolder();
+
+/// The folder of the program, if this code is part of one, in any letters.
+std::filesystem::path programFolder();
 
 /// Puts another folder, ending in a separator, in its place, so that a test or a tool can deliver other files
 /// to the same code; an empty one brings the module's back. Process-wide; set it before other threads run.

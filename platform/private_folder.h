@@ -3,6 +3,7 @@
 
 #include "platform/abrupt_end.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -18,11 +19,12 @@ class PrivateFolder {
     ~PrivateFolder();
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;
-    const std::string& path() const { return path_; }
+    /// As a plug-in in this folder would name it (see path_text.h); empty if it cannot.
+    std::string path() const;
 
   private:
-    std::string path_;
-    std::string previous_;
+    std::filesystem::path path_;
+    std::filesystem::path previous_;
     std::optional<UnfinishedPath> unfinished_;
 };
 

@@ -26,6 +26,10 @@ std::string findModuleFolder() {
     return folder;
 }
 
+std::filesystem::path programFolder() {
+    return moduleFolder();
+}
+
 namespace {
 
 /// The loader may know the library by a relative name only, which means something just now, while it is

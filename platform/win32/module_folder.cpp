@@ -1,10 +1,14 @@
 // The loader tells a library its own handle once, in DllMain. A program has no DllMain and needs none: for
 // the loader, a null handle means the program.
 
+#include "platform/module_folder.h"
+
 #include "../own_module_folder.h"
 
 #include "ansi_path.h"
 #include "module_handle.h"
+
+#include <string>
 
 namespace platform {
 
@@ -26,6 +30,17 @@ std::string findModuleFolder() {
     if (length == 0 || length >= MAX_PATH)
         return {};
     return {path, folderLength({path, length})};
+}
+
+std::filesystem::path programFolder() {
+    std::wstring path(MAX_PATH, L'\0');
+    DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    while (length == path.size()) {
+        path.resize(2 * path.size());
+        length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    }
+    path.resize(length);
+    return std::filesystem::path(path).parent_path() / "";
 }
 
 } // namespace platform

@@ -1,8 +1,13 @@
+// In the system's own letters throughout: the person's name, and with it the path of their temporary files,
+// may have letters that the code page of the machine lacks.
+
 #include "platform/private_folder.h"
 
-#include "platform/folders.h"
+#include "platform/path_text.h"
 
-#include <cstdio>
+#include <array>
+#include <cwchar>
+#include <functional>
 #include <stdexcept>
 #include <system_error>
 #include <windows.h>
@@ -16,20 +21,32 @@ namespace {
                              std::system_category().message(static_cast<int>(GetLastError())));
 }
 
+/// Calls `visit` with each entry of a folder but the folder itself and the one above it.
+void forEachEntry(const std::wstring& folder, const std::function<void(const WIN32_FIND_DATAW&)>& visit) {
+    WIN32_FIND_DATAW entry;
+    const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE)
+        return;
+    do {
+        if (std::wcscmp(entry.cFileName, L".") != 0 && std::wcscmp(entry.cFileName, L"..") != 0)
+            visit(entry);
+    } while (FindNextFileW(search, &entry));
+    FindClose(search);
+}
+
 /// A link to a folder goes, and what it leads to stays; what is write-protected goes too.
-void removeFolder(const std::string& folder) {
-    for (const std::string& name : listFolder(folder)) {
-        const std::string path = folder + '\\' + name;
-        const DWORD attributes = GetFileAttributesA(path.c_str());
-        SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (!(attributes & FILE_ATTRIBUTE_DIRECTORY))
-            DeleteFileA(path.c_str());
-        else if (attributes & FILE_ATTRIBUTE_REPARSE_POINT)
-            RemoveDirectoryA(path.c_str());
+void removeFolder(const std::wstring& folder) {
+    forEachEntry(folder, [&](const WIN32_FIND_DATAW& entry) {
+        const std::wstring path = folder + L'\\' + entry.cFileName;
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
+            DeleteFileW(path.c_str());
+        else if (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)
+            RemoveDirectoryW(path.c_str());
         else
             removeFolder(path);
-    }
-    RemoveDirectoryA(folder.c_str());
+    });
+    RemoveDirectoryW(folder.c_str());
 }
 
 bool isRunning(DWORD process) {
@@ -43,25 +60,27 @@ bool isRunning(DWORD process) {
 
 /// A library that is loaded for good keeps its file to the end of the process, and with it the folder.
 /// Whoever comes next takes that away.
-void removeLeftOvers(const std::string& place) {
-    for (const std::string& name : listFolder(place)) {
+void removeLeftOvers(const std::wstring& place) {
+    forEachEntry(place, [&](const WIN32_FIND_DATAW& entry) {
         unsigned process = 0, number = 0;
         int length = 0;
-        std::sscanf(name.c_str(), "quillon-%u-%u%n", &process, &number, &length);
-        if (length > 0 && static_cast<std::size_t>(length) == name.size() && !isRunning(process))
-            removeFolder(place + name);
-    }
+        std::swscanf(entry.cFileName, L"quillon-%u-%u%n", &process, &number, &length);
+        if (length > 0 && static_cast<std::size_t>(length) == std::wcslen(entry.cFileName) &&
+            !isRunning(process))
+            removeFolder(place + entry.cFileName);
+    });
 }
 
 /// Makes a new folder among the person's own temporary files, which others cannot read.
-std::string makeFolder() {
-    char place[MAX_PATH + 1] = "";
-    GetTempPathA(sizeof place, place);
-    removeLeftOvers(place);
-    const std::string process = std::to_string(GetCurrentProcessId());
+std::wstring makeFolder() {
+    std::array<wchar_t, MAX_PATH + 1> place = {};
+    GetTempPathW(static_cast<DWORD>(place.size()), place.data());
+    removeLeftOvers(place.data());
+    const std::wstring process = std::to_wstring(GetCurrentProcessId());
     for (unsigned number = 0;; ++number) {
-        std::string folder = std::string(place) + "quillon-" + process + '-' + std::to_string(number);
-        if (CreateDirectoryA(folder.c_str(), nullptr))
+        std::wstring folder =
+            std::wstring(place.data()) + L"quillon-" + process + L'-' + std::to_wstring(number);
+        if (CreateDirectoryW(folder.c_str(), nullptr))
             return folder;
         if (GetLastError() != ERROR_ALREADY_EXISTS)
             fail("no private folder can be made");
@@ -71,25 +90,26 @@ std::string makeFolder() {
 } // namespace
 
 PrivateFolder::PrivateFolder() {
-    char current[MAX_PATH] = "";
-    const DWORD length = GetCurrentDirectoryA(sizeof current, current);
-    if (length == 0 || length >= sizeof current)
+    std::array<wchar_t, MAX_PATH> current = {};
+    const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(current.size()), current.data());
+    if (length == 0 || length >= current.size())
         fail("the current folder cannot be named");
-    previous_ = current;
+    previous_ = current.data();
     path_ = makeFolder();
-    // The name may be one in the code page of the machine; the system knows it in its own letters.
-    wchar_t wide[MAX_PATH] = L"";
-    MultiByteToWideChar(CP_ACP, 0, path_.c_str(), -1, wide, MAX_PATH);
-    unfinished_.emplace(wide, UnfinishedPath::Kind::folder);
-    if (!SetCurrentDirectoryA(path_.c_str())) {
-        RemoveDirectoryA(path_.c_str());
+    unfinished_.emplace(path_, UnfinishedPath::Kind::folder);
+    if (!SetCurrentDirectoryW(path_.c_str())) {
+        RemoveDirectoryW(path_.c_str());
         fail("the private folder cannot be entered");
     }
 }
 
 PrivateFolder::~PrivateFolder() {
-    SetCurrentDirectoryA(previous_.c_str());
-    removeFolder(path_);
+    SetCurrentDirectoryW(previous_.c_str());
+    removeFolder(path_.native());
+}
+
+std::string PrivateFolder::path() const {
+    return textOfPath(path_).value_or(std::string());
 }
 
 } // namespace platform

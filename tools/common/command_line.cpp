@@ -6,12 +6,14 @@
 
 namespace tools {
 
-std::filesystem::path settled(const std::string& text) {
-    if (text.empty())
-        return {};
+std::filesystem::path pathFromWord(const std::string& text) {
     // From a plain text, one system would take each byte for a letter.
-    const std::filesystem::path path(std::u8string(text.begin(), text.end()));
-    return std::filesystem::absolute(path).lexically_normal();
+    return std::u8string(text.begin(), text.end());
+}
+
+std::filesystem::path settled(const std::string& text) {
+    return text.empty() ? std::filesystem::path()
+                        : std::filesystem::absolute(pathFromWord(text)).lexically_normal();
 }
 
 std::optional<std::string> parseOrHelp(CLI::App& app, int argumentCount, const char* const* arguments) {

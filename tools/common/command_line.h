@@ -11,6 +11,9 @@ class App;
 
 namespace tools {
 
+/// The path that a word of the command line (UTF-8) means.
+std::filesystem::path pathFromWord(const std::string& text);
+
 /// The path made absolute; nothing stays nothing. A library runs in a folder of its own, so every path must
 /// be settled before one is loaded.
 std::filesystem::path settled(const std::string& text);

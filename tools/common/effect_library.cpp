@@ -18,7 +18,7 @@ files::path libraryPath(const files::path& asked) {
             throw ToolError(asked.string() + ": there is no such library");
         return asked;
     }
-    const files::path own = platform::moduleFolder();
+    const files::path own = platform::programFolder();
     for (const files::path& folder : {own, own / ".." / "stage"}) {
         const files::path candidate = (folder / QUILLON_LIBRARY_FILE).lexically_normal();
         if (files::exists(candidate, error))

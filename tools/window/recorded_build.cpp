@@ -4,6 +4,7 @@
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
+#include "platform/path_text.h"
 #include "platform/settings.h"
 #include "platform/toolkit.h"
 #include "plugin/audio_effect_x.h"
@@ -11,6 +12,7 @@
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
 #include "tools/common/text.h"
+#include "tools/common/tool_error.h"
 #include "tools/window/skin_rules.h"
 
 #include "vstgui/lib/cbitmap.h"
@@ -50,8 +52,8 @@ struct Message {
 /// Takes the messages, the skins and the settings of this process in hand.
 class Arrangement {
   public:
-    explicit Arrangement(const std::filesystem::path& folder) : choice_(folder.filename().string()) {
-        platform::replaceModuleFolder((folder.parent_path() / "").string());
+    explicit Arrangement(const std::filesystem::path& folder) : choice_(textOf(folder.filename())) {
+        platform::replaceModuleFolder(textOf(folder.parent_path() / ""));
         platform::replaceSettingsStore(&choice_);
         platform::replaceMessageBox(note, this);
     }
@@ -66,6 +68,12 @@ class Arrangement {
     std::vector<Message> takeMessages() { return std::exchange(messages_, {}); }
 
   private:
+    static std::string textOf(const std::filesystem::path& path) {
+        if (const auto text = platform::textOfPath(path))
+            return *text;
+        throw ToolError(path.string() + " has letters that a plug-in cannot name");
+    }
+
     static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
         static_cast<Arrangement*>(context)->messages_.push_back({text, caption});
     }

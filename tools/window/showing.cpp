@@ -3,6 +3,7 @@
 #include "host/editor_window.h"
 #include "platform/clock.h"
 #include "platform/message_watch.h"
+#include "platform/path_text.h"
 #include "platform/private_folder.h"
 #include "platform/virtual_display.h"
 #include "tools/common/effect_library.h"
@@ -247,6 +248,14 @@ void checkPlaces(const Options& options, const files::path& skin) {
                         " lies in the skin that is watched; give another folder");
 }
 
+/// As a library finds it, which looks around in the code page of the machine.
+files::path placeForStage(const platform::PrivateFolder& folder) {
+    if (folder.path().empty())
+        throw ToolError("the folder of temporary files has letters that a plug-in cannot name; "
+                        "set TMP to another one");
+    return platform::pathFromText(folder.path());
+}
+
 } // namespace
 
 void openEditor(const Options& options) {
@@ -256,7 +265,7 @@ void openEditor(const Options& options) {
     const platform::PrivateFolder folder;
     std::optional<Stage> stage;
     if (!skin.empty())
-        stage.emplace(folder.path(), asked, skin);
+        stage.emplace(placeForStage(folder), asked, skin);
     const auto display = displayFor(options);
     const bool isUnattended = !options.screenshot.empty();
     const platform::MessageWatch messages(
@@ -272,7 +281,7 @@ bool checkSkinFor(const Options& options, std::FILE* output) {
     const files::path skin = skinFolderFor(options.skin, library);
     const files::path file = skinFile(skin);
     const platform::PrivateFolder folder;
-    const Stage stage(folder.path(), library, skin);
+    const Stage stage(placeForStage(folder), library, skin);
     const auto findings = checkSkin(stage.skin());
     for (const Finding& finding : findings)
         if (std::fputs(lineFor(file, finding).c_str(), output) < 0)

@@ -1,6 +1,5 @@
 #include "tools/window/skin_check.h"
 
-#include "platform/files.h"
 #include "skin/ascii.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -14,13 +13,6 @@
 namespace tools::window {
 
 namespace {
-
-std::string contentOf(const std::filesystem::path& file) {
-    const auto bytes = platform::readWholeFile(file.string());
-    if (!bytes)
-        throw ToolError(file.string() + " cannot be read");
-    return {bytes->begin(), bytes->end()};
-}
 
 /// In the order of the file. Of two about the same place, the first is closer to the cause.
 void arrange(std::vector<Finding>& findings) {
@@ -55,7 +47,7 @@ std::vector<Finding> checkSkinText(std::string_view text) {
 }
 
 SkinText::SkinText(const std::filesystem::path& folder)
-    : source_(readSkinSource(contentOf(skinFile(folder)))), findings_(judged(source_)) {}
+    : source_(readSkinSource(skinText(skinFile(folder)))), findings_(judged(source_)) {}
 
 const Finding* SkinText::obstacle() const {
     if (!source_.root)

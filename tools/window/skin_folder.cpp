@@ -1,11 +1,15 @@
 #include "tools/window/skin_folder.h"
 
+#include "platform/files.h"
 #include "platform/folders.h"
+#include "platform/path_text.h"
 #include "tools/common/command_line.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
 namespace tools::window {
 
@@ -20,8 +24,11 @@ files::path asFolder(const std::string& text) {
 }
 
 std::string namesOfSkinsIn(const files::path& folder) {
-    std::vector<std::string> names = platform::listFolder(folder.string());
-    std::erase_if(names, [&](const std::string& name) { return !findSkinFile(folder / name); });
+    std::vector<std::string> names;
+    std::error_code error;
+    for (files::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+        if (findSkinFile(entry->path()))
+            names.push_back(entry->path().filename().string());
     std::sort(names.begin(), names.end());
     std::string list;
     for (const std::string& name : names)
@@ -29,11 +36,33 @@ std::string namesOfSkinsIn(const files::path& folder) {
     return list;
 }
 
+/// In any letters that the system knows; where it tells small letters from capitals, in any letter case too.
+std::optional<files::path> findIn(const files::path& folder, const std::string& name) {
+    const files::path exact = folder / pathFromWord(name);
+    std::error_code error;
+    if (files::exists(exact, error))
+        return exact;
+    const auto text = platform::textOfPath(folder);
+    const auto found = text ? platform::findPath(*text, name) : std::nullopt;
+    return found ? std::optional(platform::pathFromText(*found)) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<files::path> findSkinFile(const files::path& folder) {
-    const auto file = platform::findPath(folder.string(), "skin.xml");
-    return file ? std::optional<files::path>(*file) : std::nullopt;
+    return findIn(folder, "skin.xml");
+}
+
+std::string skinText(const files::path& file) {
+    const auto text = platform::textOfPath(file);
+    if (!text) {
+        std::ifstream stream(file, std::ios::binary);
+        if (stream)
+            return {std::istreambuf_iterator<char>(stream), {}};
+    } else if (const auto bytes = platform::readWholeFile(*text)) {
+        return {bytes->begin(), bytes->end()};
+    }
+    throw ToolError(file.string() + " cannot be read");
 }
 
 files::path skinFile(const files::path& folder) {
@@ -45,13 +74,12 @@ files::path skinFile(const files::path& folder) {
 }
 
 files::path skinFolderFor(const std::string& nameOrFolder, const files::path& library) {
-    const bool isPath =
-        nameOrFolder.find('/') != std::string::npos || nameOrFolder == "." || nameOrFolder == "..";
+    const bool isPath = nameOrFolder.find('/') != std::string::npos || nameOrFolder == "." ||
+                        nameOrFolder == ".." || pathFromWord(nameOrFolder).is_absolute();
     if (!isPath) {
         const files::path home = library.parent_path();
-        const auto file = platform::findPath(home.string(), nameOrFolder + "/skin.xml");
-        if (file)
-            return files::path(*file).parent_path();
+        if (const auto file = findIn(home, nameOrFolder + "/skin.xml"))
+            return file->parent_path();
         if (!findSkinFile(asFolder(nameOrFolder))) {
             const std::string names = namesOfSkinsIn(home);
             throw ToolError("there is no skin " + inQuotes(nameOrFolder) +

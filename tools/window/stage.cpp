@@ -2,6 +2,7 @@
 
 #include "platform/host_settings.h"
 #include "platform/links.h"
+#include "platform/path_text.h"
 #include "platform/settings.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -21,11 +22,16 @@ void linkEverythingBeside(const files::path& library, const files::path& stage) 
 }
 
 /// In place of those that answer to the same name. Whether the skin is seen there as it changes.
-bool linkSkin(const files::path& skin, const files::path& stage) {
-    for (const files::directory_entry& entry : files::directory_iterator(stage))
-        if (sameName(entry.path().filename().string(), skin.filename().string()))
+bool linkSkin(const files::path& skin, const files::path& link) {
+    for (const files::directory_entry& entry : files::directory_iterator(link.parent_path()))
+        if (sameName(entry.path().filename().string(), link.filename().string()))
             platform::removeLink(entry.path());
-    return platform::makeLink(skin, stage / skin.filename());
+    return platform::makeLink(skin, link);
+}
+
+/// Its own, unless that has letters that the library cannot name.
+files::path nameInStage(const files::path& skin) {
+    return platform::textOfPath(skin.filename()) ? skin.filename() : files::path("skin on stage");
 }
 
 } // namespace
@@ -35,13 +41,14 @@ Stage::Stage(const files::path& folder, const files::path& library, const files:
     const files::path stage = folder / "stage";
     files::create_directory(stage);
     library_ = stage / library.filename();
-    skin_ = stage / skin.filename();
+    skin_ = stage / nameInStage(skin);
     linkEverythingBeside(library, stage);
-    isSkinLinked_ = linkSkin(skin, stage);
+    isSkinLinked_ = linkSkin(skin, skin_);
     // The library looks around where its own file really is, so it cannot be a link.
     files::copy_file(library, library_);
     platform::keepSettingsIn((folder / "settings").string());
-    if (!platform::writeSetting("SkinName", skin.filename().string()))
+    const auto name = platform::textOfPath(skin_.filename());
+    if (!name || !platform::writeSetting("SkinName", *name))
         throw ToolError("the skin cannot be chosen in " + folder.string());
 } catch (const files::filesystem_error& error) {
     throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
@@ -49,7 +56,7 @@ Stage::Stage(const files::path& folder, const files::path& library, const files:
 
 void Stage::bringUpToDate() try {
     if (!isSkinLinked_)
-        isSkinLinked_ = linkSkin(original_, skin_.parent_path());
+        isSkinLinked_ = linkSkin(original_, skin_);
 } catch (const files::filesystem_error& error) {
     throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
 }

@@ -9,7 +9,8 @@ namespace tools::window {
 class Stage {
   public:
     /// Lays out below `folder`, which is private to this process, a copy of `library`, links to everything
-    /// that lies beside it, and `skin`, chosen, under its own name. From here on the process keeps its
+    /// that lies beside it, and `skin`, chosen, under its own name or, if the
+    /// library could not name that, another. From here on the process keeps its
     /// settings there. Call it before any library is loaded and any thread runs. Throws ToolError.
     Stage(const std::filesystem::path& folder, const std::filesystem::path& library,
           const std::filesystem::path& skin);

@@ -64,6 +64,38 @@ TEST(PrivateFolderHere, ComesAndGoesForSomebodyWithAnAccentInTheirName) {
     EXPECT_TRUE(files::is_empty(L"J\u00F6rg"));
 }
 
+TEST(PrivateFolderHere, ComesAndGoesForSomebodyWhoseNameTheCodePageLacks) {
+    const PrivateFolder outer;
+    const files::path place = files::current_path() / L"\u65E5\u672C";
+    files::create_directory(place);
+    wchar_t before[MAX_PATH] = L"";
+    GetEnvironmentVariableW(L"TMP", before, MAX_PATH);
+    SetEnvironmentVariableW(L"TMP", place.c_str());
+    {
+        const PrivateFolder folder;
+        std::ofstream("Pluginccmap.bin") << "left over";
+        std::ofstream(files::path(L"\u97F3")) << "left over";
+        EXPECT_FALSE(files::is_empty(place));
+        EXPECT_NE(GetFileAttributesA((folder.path() + "\\Pluginccmap.bin").c_str()), INVALID_FILE_ATTRIBUTES)
+            << folder.path();
+    }
+    SetEnvironmentVariableW(L"TMP", before);
+    EXPECT_TRUE(files::is_empty(place));
+    EXPECT_TRUE(files::equivalent(files::current_path(), outer.path()));
+}
+
+TEST(PrivateFolderHere, ComesBackToAFolderThatTheCodePageLacks) {
+    const PrivateFolder outer;
+    const files::path place = files::current_path() / L"\u65E5\u672C";
+    files::create_directory(place);
+    files::current_path(place);
+    {
+        const PrivateFolder folder;
+    }
+    EXPECT_EQ(files::current_path(), place);
+    files::current_path(outer.path());
+}
+
 TEST(PrivateFolderHere, TakesAwayWhatAProcessThatIsOverHasLeft) {
     const PrivateFolder outer;
     const TemporaryFiles place(outer.path());

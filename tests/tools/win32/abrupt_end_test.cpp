@@ -45,4 +45,16 @@ TEST_F(AnyLetters, MayBeInTheNamesOfAllFiles) {
     EXPECT_NE(result.out.find(named(L"\u51FA.wav")), std::string::npos) << result.out;
 }
 
+TEST_F(AnyLetters, MayBeInTheNameOfTheToolsOwnFolder) {
+    const files::path place = folder.path() / L"\u65E5\u672C";
+    files::create_directory(place);
+    const files::path library = QUILLON_LIBRARY;
+    files::copy_file(QUILLON_RENDER, place / "render.exe");
+    files::copy_file(library, place / library.filename());
+    const std::u8string tool = (place / "render.exe").u8string();
+    const ToolResult result = runTool(folder, {"--list"}, ErrorEnd::file, {tool.begin(), tool.end()});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("Feedback"), std::string::npos) << result.out;
+}
+
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
@@ -91,6 +92,51 @@ TEST_F(WindowTool, ShowsASkinUntilItsWindowIsClosedAndChoosesItForNobody) {
                            "SkinName", RRF_RT_ANY, nullptr, text, &size),
               ERROR_SUCCESS)
         << text;
+}
+
+class SkinInAnyLetters : public WindowTool {
+  protected:
+    SkinInAnyLetters() {
+        files::create_directory(place.parent_path());
+        files::rename(skin(), place);
+    }
+
+    std::string name() const {
+        const std::u8string text = place.u8string();
+        return {text.begin(), text.end()};
+    }
+
+    const files::path place = folder.path() / L"\u0395\u03BB\u03BB\u03AC\u03B4\u03B1" / L"\u65E5\u672C";
+};
+
+TEST_F(SkinInAnyLetters, IsChecked) {
+    const ToolResult good = run({"--skin", name(), "--check"});
+    EXPECT_EQ(good.exitCode, 0) << good.err;
+    EXPECT_EQ(good.out, "");
+    std::ofstream(place / "skin.xml") << "<GUI>\n<knob id=\"6\"/>\n</GUI>";
+    const ToolResult bad = run({"--skin", name(), "--check"});
+    EXPECT_EQ(bad.exitCode, 1) << bad.err;
+    EXPECT_NE(bad.out.find("\xE6\x97\xA5\xE6\x9C\xAC\\skin.xml:2:"), std::string::npos) << bad.out;
+}
+
+TEST_F(SkinInAnyLetters, IsShown) {
+    RunningTool tool(folder, {"--skin", name()}, ErrorEnd::file, QUILLON_WINDOW);
+    EXPECT_TRUE(waitUntil([] { return editorWidth().has_value(); }));
+    EXPECT_EQ(editorWidth(), 160);
+    PostMessageW(toolWindow(), WM_CLOSE, 0, 0);
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+}
+
+TEST_F(WindowTool, ShowsASkinWithAnAccentInItsName) {
+    const files::path accent = folder.path() / L"Gr\u00FCn";
+    files::rename(skin(), accent);
+    const std::u8string name = accent.u8string();
+    RunningTool tool(folder, {"--skin", {name.begin(), name.end()}}, ErrorEnd::file, QUILLON_WINDOW);
+    EXPECT_TRUE(waitUntil([] { return editorWidth().has_value(); }));
+    EXPECT_EQ(editorWidth(), 160);
+    PostMessageW(toolWindow(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(tool.wait().exitCode, 0);
 }
 
 TEST_F(WindowTool, OpensTheEditorAnewWhenTheSkinHasChanged) {
