@@ -157,7 +157,7 @@ class ToolkitWindow::OpenFrame {
     }
 
     /// An event may have come while another one was under way, in the loop of a menu. Without memory to wait
-    /// for its end, the hidden frame stays.
+    /// for its end, the hidden frame stays for good, and so does its use of the toolkit.
     static void releaseAfterEvents(const std::shared_ptr<OpenFrame>& opened) noexcept {
         try {
             // Asked first, as most frames close outside of events, and handing a job over takes memory.
@@ -166,6 +166,7 @@ class ToolkitWindow::OpenFrame {
             else
                 opened->release();
         } catch (const std::bad_alloc&) {
+            opened->self_ = opened;
         }
     }
 
@@ -178,6 +179,7 @@ class ToolkitWindow::OpenFrame {
 
     VSTGUI::CFrame* frame_;
     std::shared_ptr<ToolkitUse> use_;
+    std::shared_ptr<OpenFrame> self_; ///< keeps one that cannot be released
 };
 
 ToolkitWindow::ToolkitWindow() = default;

@@ -14,6 +14,8 @@
 
 #include <atomic>
 #include <barrier>
+#include <cstddef>
+#include <cstdlib>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -21,6 +23,28 @@
 #include <ole2.h>
 #include <thread>
 #include <vector>
+
+namespace {
+
+thread_local bool isMemoryOut = false;
+
+} // namespace
+
+// What this program has for new, with an end of memory that a test can bring about.
+
+void* operator new(std::size_t size) {
+    if (void* const block = isMemoryOut ? nullptr : std::malloc(size))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
 
 namespace {
 
@@ -257,6 +281,48 @@ TEST(AToolkitWindow, MayGoWithTheLastEditorOfAllInsideItsOwnEvent) {
         EXPECT_EQ(toolkit, nullptr);
         EXPECT_FALSE(IsWindow(own));
     }
+}
+
+/// While it lives, this program's memory is at its end.
+class NoMemory {
+  public:
+    NoMemory() { isMemoryOut = true; }
+    ~NoMemory() { isMemoryOut = false; }
+    NoMemory(const NoMemory&) = delete;
+    NoMemory& operator=(const NoMemory&) = delete;
+};
+
+TEST(AToolkitWindow, KeepsTheToolkitInUseWhereMemoryIsTooShortToWaitForTheEndOfItsEvent) {
+    const PlainWindow parent(0, 0, 100, 100);
+    Listener listener;
+    auto toolkit = std::make_unique<Toolkit>();
+    auto window = std::make_unique<ToolkitWindow>();
+    auto* const frame = new CFrame(CRect(0, 0, 100, 100), nullptr);
+    frame->addView(new VSTGUI::CKnob(CRect(20, 20, 60, 60), &listener, 7, nullptr, nullptr));
+    ASSERT_TRUE(window->open(frame, parent.handle()));
+    const HWND own = childrenOf(parent.handle()).front();
+    const auto* const factory = VSTGUI::getPlatformFactory().asWin32Factory();
+    listener.action = [&] {
+        {
+            const NoMemory isShort;
+            window->close();
+        }
+        window.reset();
+        toolkit.reset();
+    };
+    SendMessageW(own, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(25, 40));
+    SendMessageW(own, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(25, 30));
+    EXPECT_EQ(listener.changes, 1);
+    EXPECT_TRUE(IsWindow(own)) << "it has nobody to take it away";
+    EXPECT_FALSE(IsWindowVisible(own));
+    // Another editor comes and goes; the frame that stays still needs what the toolkit has.
+    {
+        const Toolkit next;
+    }
+    ASSERT_EQ(VSTGUI::getPlatformFactory().asWin32Factory(), factory);
+    EXPECT_NE(factory->getD2DFactory(), nullptr);
+    InvalidateRect(own, nullptr, FALSE);
+    SendMessageW(own, WM_PAINT, 0, 0);
 }
 
 TEST_F(ToolkitWindows, PaintOneWindowAtATimeInsideALongGesture) {
