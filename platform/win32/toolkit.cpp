@@ -33,16 +33,13 @@ void setUses(int count) {
     uses.notify_all();
 }
 
-/// The library stays loaded as long as the toolkit is in use, whatever the host does: the system calls the
-/// toolkit's windows, and nothing of the toolkit may be given back while the loader holds its lock.
-void holdLibrary() {
+/// Once it has used the toolkit the library stays loaded to the end of the process, whatever the host does:
+/// the system calls the toolkit's windows, nothing of the toolkit may be given back while the loader holds
+/// its lock, and the last close of a host that has unloaded the library returns through the library's code.
+void pinLibrary() {
     HMODULE module = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<const char*>(&uses), &module);
-}
-
-void endUse() {
-    setUses(0);
-    FreeLibrary(moduleHandle());
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<const char*>(&uses), &module);
 }
 
 } // namespace
@@ -50,14 +47,14 @@ void endUse() {
 ToolkitUse::ToolkitUse() {
     if (changeUses([](int count) { return count == 0 ? changing : count + 1; }) > 0)
         return;
-    holdLibrary();
+    pinLibrary();
     try {
         // With the library's own handle: windows are made of a class that is found under it, and the host's
         // program may bring a toolkit of its own.
         VSTGUI::init(moduleHandle());
     } catch (...) {
         VSTGUI::exit();
-        endUse();
+        setUses(0);
         throw;
     }
     setUses(1);
@@ -67,7 +64,7 @@ ToolkitUse::~ToolkitUse() {
     if (changeUses([](int count) { return count == 1 ? changing : count - 1; }) > 1)
         return;
     VSTGUI::exit();
-    endUse();
+    setUses(0);
 }
 
 namespace {

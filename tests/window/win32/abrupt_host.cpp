@@ -1,5 +1,5 @@
-// A host that ends without closing the effect, whose window is open: it unloads the library, or ends its
-// process at once. The exit code tells what went wrong, 0 that nothing did.
+// A host that ends without closing the effect, whose window is open: it unloads the library, which it may
+// close after that, or ends its process at once. The exit code tells what went wrong, 0 that nothing did.
 #include "vst2/vst2.h"
 
 #include <d2d1.h>
@@ -89,6 +89,10 @@ int main(int count, char** arguments) {
     if (!GetModuleHandleA(path))
         ExitProcess(unloadedInUse);
     serveMessages(10);
+    if (end == "close") {
+        effect->dispatcher(effect, effEditClose, 0, 0, nullptr, 0.0f);
+        effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0f);
+    }
     DestroyWindow(window);
     serveMessages(10);
     isLoaderAtWork = true;
