@@ -33,11 +33,13 @@ const char* toolName = nullptr;
 CallDescription describeCall = nullptr;
 HANDLE mainThread = nullptr;
 /// Handlers may run on several threads at once; one of them ends the process.
-std::atomic<bool> isWatched = false, areRequestsNoted = false, isRequestNoted = false, isEnding = false;
+std::atomic<bool> isWatched = false, areRequestsNoted = false, isRequestNoted = false;
+std::atomic<DWORD> endingThread = 0;
 
 UnfinishedPaths<wchar_t, longestPath> unfinished;
 
-/// One line of text, cut where it would not fit.
+/// One line of text, cut where it would not fit. For the thread that ends the process, which may have little
+/// stack left.
 class Line {
   public:
     Line() {
@@ -63,7 +65,7 @@ class Line {
     }
 
   private:
-    std::array<char, longestDescription> text_;
+    static inline std::array<char, longestDescription> text_;
     std::size_t length_ = 0;
 };
 
@@ -158,10 +160,23 @@ void removeUnfinished() {
         Sleep(INFINITE);
 }
 
-/// Whether this thread is the one to end the process; another waits for that.
-void becomeTheOneToEnd() {
-    while (isEnding.exchange(true))
+/// Makes this thread the one to end the process; another waits for that. One that comes by again has failed
+/// at its work, and ends the process without more of it.
+void becomeTheOneToEnd(UINT status) {
+    const DWORD thread = GetCurrentThreadId();
+    DWORD other = 0;
+    if (endingThread.compare_exchange_strong(other, thread))
+        return;
+    if (other == thread)
+        TerminateProcess(GetCurrentProcess(), status);
+    for (;;)
         Sleep(INFINITE);
+}
+
+/// What an end needs of a stack is kept for it, so that also a stack overflow can be told of.
+void keepStackForTheEnd() {
+    ULONG size = 16 * longestPath;
+    SetThreadStackGuarantee(&size);
 }
 
 const char* exceptionName(DWORD code) {
@@ -191,8 +206,8 @@ void addCrash(Line& line) {
 }
 
 LONG WINAPI handleException(EXCEPTION_POINTERS* exception) {
-    becomeTheOneToEnd();
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    becomeTheOneToEnd(code);
     Line line;
     addCrash(line);
     if (const char* name = exceptionName(code)) {
@@ -206,12 +221,12 @@ LONG WINAPI handleException(EXCEPTION_POINTERS* exception) {
 }
 
 extern "C" void handleAbort(int) {
-    becomeTheOneToEnd();
+    constexpr UINT abortStatus = 3; // as without a handler
+    becomeTheOneToEnd(abortStatus);
     Line line;
     addCrash(line);
     line.add("abort");
     line.send();
-    constexpr UINT abortStatus = 3; // as without a handler
     endProcess(abortStatus);
 }
 
@@ -219,8 +234,8 @@ DWORD WINAPI endUnlessDone(void* patience) {
     if (WaitForSingleObject(mainThread, static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(patience))) ==
         WAIT_OBJECT_0)
         return 0;
-    becomeTheOneToEnd();
     constexpr UINT controlC = 0xC000013A;
+    becomeTheOneToEnd(controlC);
     endProcess(controlC);
 }
 
@@ -243,7 +258,7 @@ BOOL WINAPI handleConsole(DWORD event) {
 void handleExit() {
     if (!isWatched)
         return;
-    becomeTheOneToEnd();
+    becomeTheOneToEnd(exitFailure);
     static std::array<char, longestDescription> call;
     const bool isInCall = describeCall(call.data(), call.size());
     Line line;
@@ -253,8 +268,11 @@ void handleExit() {
     endProcess(exitFailure);
 }
 
-/// For libraries whose C runtime is not this one, the system's own way out comes by here.
-void NTAPI handleDetach(void*, DWORD reason, void*) {
+/// On each thread that begins, whoever made it. For libraries whose C runtime is not this one, the system's
+/// own way out comes by here too.
+void NTAPI handleLoader(void*, DWORD reason, void*) {
+    if (reason == DLL_THREAD_ATTACH && isWatched)
+        keepStackForTheEnd();
     if (reason == DLL_PROCESS_DETACH)
         handleExit();
 }
@@ -262,7 +280,7 @@ void NTAPI handleDetach(void*, DWORD reason, void*) {
 } // namespace
 
 // A name that the linker keeps, in the table of what the system calls for each thread and for the process.
-extern "C" __attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK quillonDetach = handleDetach;
+extern "C" __attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK quillonLoader = handleLoader;
 
 AbruptEndWatch::AbruptEndWatch(const char* tool, CallDescription description) {
     toolName = tool;
@@ -270,6 +288,7 @@ AbruptEndWatch::AbruptEndWatch(const char* tool, CallDescription description) {
     DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &mainThread, SYNCHRONIZE,
                     FALSE, 0);
     isWatched = true;
+    keepStackForTheEnd();
     SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     SetUnhandledExceptionFilter(handleException);
     std::signal(SIGABRT, handleAbort);

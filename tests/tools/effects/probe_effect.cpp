@@ -23,6 +23,7 @@
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -98,6 +99,10 @@ template <int signal>
 
 [[maybe_unused]] void nestTooDeep() {
     [[maybe_unused]] volatile int depth = nestDeeper(nullptr);
+}
+
+[[maybe_unused]] void nestTooDeepElsewhere() {
+    std::thread(nestTooDeep).join();
 }
 
 [[maybe_unused]] void leave() {

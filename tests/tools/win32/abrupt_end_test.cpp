@@ -18,10 +18,16 @@ TEST_F(AbruptEnd, ByACrashNamesTheLibraryAndTheCall) {
     for (const Case& crash : {Case{"probe_crashes_in_open", " in effOpen: access violation"},
                               Case{"probe_crashes_in_process", " in processReplacing: access violation"},
                               Case{"probe_crashes_in_close", " in effClose: access violation"},
-                              Case{"probe_divides_by_nothing", " in effMainsChanged: arithmetic error"}}) {
+                              Case{"probe_divides_by_nothing", " in effMainsChanged: arithmetic error"},
+                              Case{"probe_nests_too_deep", " in effSetBlockSize: stack overflow"}}) {
         SCOPED_TRACE(crash.library);
         expectEndWith(render(crash.library), "crash of ", crash.library, crash.what);
     }
+}
+
+TEST_F(AbruptEnd, ByACrashOnAThreadOfTheLibrarysOwnNamesTheLibrary) {
+    expectEndWith(render("probe_nests_on_a_thread"), "crash outside of the calls of ",
+                  "probe_nests_on_a_thread", ": stack overflow");
 }
 
 class AnyLetters : public AbruptEnd {};
