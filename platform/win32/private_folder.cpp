@@ -5,6 +5,8 @@
 
 #include "platform/path_text.h"
 
+#include "left_over.h"
+
 #include <array>
 #include <cwchar>
 #include <functional>
@@ -62,11 +64,7 @@ bool isRunning(DWORD process) {
 /// Whoever comes next takes that away.
 void removeLeftOvers(const std::wstring& place) {
     forEachEntry(place, [&](const WIN32_FIND_DATAW& entry) {
-        unsigned process = 0, number = 0;
-        int length = 0;
-        std::swscanf(entry.cFileName, L"quillon-%u-%u%n", &process, &number, &length);
-        if (length > 0 && static_cast<std::size_t>(length) == std::wcslen(entry.cFileName) &&
-            !isRunning(process))
+        if (isLeftOver(entry))
             removeFolder(place + entry.cFileName);
     });
 }
@@ -88,6 +86,17 @@ std::wstring makeFolder() {
 }
 
 } // namespace
+
+bool isLeftOver(const WIN32_FIND_DATAW& entry) {
+    if ((entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) !=
+        FILE_ATTRIBUTE_DIRECTORY)
+        return false;
+    unsigned process = 0, number = 0;
+    int length = 0;
+    std::swscanf(entry.cFileName, L"quillon-%u-%u%n", &process, &number, &length);
+    return length > 0 && static_cast<std::size_t>(length) == std::wcslen(entry.cFileName) &&
+           !isRunning(process);
+}
 
 PrivateFolder::PrivateFolder() {
     std::array<wchar_t, MAX_PATH> current = {};

@@ -1,7 +1,10 @@
 // What stands in the way of removing a folder here.
 
+#include "platform/links.h"
 #include "platform/private_folder.h"
+#include "platform/win32/left_over.h"
 
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -112,6 +115,34 @@ TEST(PrivateFolderHere, TakesAwayWhatAProcessThatIsOverHasLeft) {
     EXPECT_TRUE(files::exists(ofThisProcess + "\\library.dll"));
     EXPECT_TRUE(files::exists(ofNobody + "x\\library.dll"));
     EXPECT_TRUE(files::exists("quillon-\\library.dll"));
+}
+
+TEST(PrivateFolderHere, TakesNoFileAndNoLinkForWhatAProcessHasLeft) {
+    WIN32_FIND_DATAW entry = {};
+    std::wcscpy(entry.cFileName, L"quillon-4294967288-0");
+    entry.dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY;
+    EXPECT_TRUE(platform::isLeftOver(entry));
+    entry.dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    EXPECT_FALSE(platform::isLeftOver(entry));
+    entry.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+    EXPECT_FALSE(platform::isLeftOver(entry));
+}
+
+TEST(PrivateFolderHere, LeavesWhatLiesBehindALinkThatIsNamedLikeALeftOver) {
+    const PrivateFolder outer;
+    files::create_directory("mine");
+    std::ofstream("mine\\precious") << "kept";
+    files::create_directory("temporary");
+    const files::path link = files::current_path() / "temporary" / "quillon-4294967288-0";
+    if (!platform::makeLink(files::current_path() / "mine", link))
+        GTEST_SKIP() << "this file system knows no junctions";
+    const TemporaryFiles place(outer.path() + "\\temporary");
+    {
+        const PrivateFolder folder;
+    }
+    EXPECT_TRUE(files::exists("mine\\precious"));
+    EXPECT_TRUE(files::exists(link));
+    platform::removeLink(link);
 }
 
 TEST(PrivateFolderHere, ThrowsIfNoneCanBeMade) {
