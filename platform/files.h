@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace platform {
@@ -24,5 +26,9 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
 /// as it was, and where there was none there is none. A new file takes the old one's place in one step. Where
 /// the folder does not allow that, and for a file with several names, the bytes go into the file itself.
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size);
+
+/// Gives the file `draft` the name `target`, over an older file in one step if there is one. Where the system
+/// can, that one's rights and attributes stay. On failure nothing has changed.
+std::error_code giveName(const std::filesystem::path& draft, const std::filesystem::path& target);
 
 } // namespace platform

@@ -182,6 +182,12 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
     return content;
 }
 
+std::error_code giveName(const std::filesystem::path& draft, const std::filesystem::path& target) {
+    std::error_code error;
+    std::filesystem::rename(draft, target, error);
+    return error;
+}
+
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size) {
     const Bytes bytes(static_cast<const unsigned char*>(data), size);
     // What may not be written may not be replaced either. Non-blocking, as a pipe may have that name.

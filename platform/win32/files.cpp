@@ -1,5 +1,7 @@
 #include "platform/files.h"
 
+#include "platform/path_text.h"
+
 #include "ansi_path.h"
 
 #include <algorithm>
@@ -84,8 +86,7 @@ enum class Replacement { done, refused, failed };
 
 /// After a step that changes no file: whether that folder takes no new files, while those that it holds may
 /// still be written. A name of a draft may be too long, and who looks through new files may hold one.
-Replacement refusedOrFailed() {
-    const DWORD error = GetLastError();
+Replacement refusedOrFailed(DWORD error) {
     const bool isRefused = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT ||
                            error == ERROR_PATH_NOT_FOUND || error == ERROR_FILENAME_EXCED_RANGE ||
                            error == ERROR_SHARING_VIOLATION;
@@ -109,17 +110,46 @@ Replacement replaceFile(const std::string& path, Bytes bytes) {
     std::string draft = path.substr(0, folderLength(path));
     File file = makeDraft(draft);
     if (!file)
-        return refusedOrFailed();
+        return refusedOrFailed(GetLastError());
     const bool isWritten = writeAll(file, bytes) && FlushFileBuffers(file.handle());
     file.close();
     Replacement result = Replacement::failed;
-    if (isWritten &&
-        MoveFileExA(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-        return Replacement::done;
-    if (isWritten)
-        result = refusedOrFailed();
+    if (isWritten) {
+        const std::error_code error = giveName(pathFromText(draft), pathFromText(path));
+        if (!error)
+            return Replacement::done;
+        result = refusedOrFailed(static_cast<DWORD>(error.value()));
+    }
     DeleteFileA(draft.c_str());
     return result;
+}
+
+/// Who may do what with a file; empty if the system would not say.
+using Security = std::vector<unsigned char>;
+
+Security securityOf(const std::filesystem::path& file) {
+    DWORD size = 0;
+    GetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    Security security(size);
+    const bool isRead =
+        size > 0 && GetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, security.data(), size, &size);
+    return isRead ? security : Security();
+}
+
+void setSecurity(const std::filesystem::path& file, Security security) {
+    if (!security.empty())
+        SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, security.data());
+}
+
+/// Gives `draft` the rights of `target` and what else a person has marked it with.
+void takeOver(const std::filesystem::path& target, const std::filesystem::path& draft) {
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return;
+    constexpr DWORD marks =
+        FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    SetFileAttributesW(draft.c_str(), (attributes & marks) | FILE_ATTRIBUTE_ARCHIVE);
+    setSecurity(draft, securityOf(target));
 }
 
 } // namespace
@@ -144,6 +174,20 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
         content.insert(content.end(), piece.data(), piece.data() + got);
     }
     return content;
+}
+
+std::error_code giveName(const std::filesystem::path& draft, const std::filesystem::path& target) {
+    const Security own = securityOf(draft);
+    takeOver(target, draft);
+    // Keeps more of the old file, such as its second streams, but needs one, and a file system that can.
+    if (ReplaceFileW(target.c_str(), draft.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                     nullptr) ||
+        MoveFileExW(draft.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return {};
+    const auto error = static_cast<int>(GetLastError());
+    // Whoever made the draft must be able to remove it.
+    setSecurity(draft, own);
+    return {error, std::system_category()};
 }
 
 bool writeWholeFile(const std::string& path, const void* data, std::size_t size) {

@@ -1,5 +1,6 @@
 #include "tools/common/output_file.h"
 
+#include "platform/files.h"
 #include "tools/common/tool_error.h"
 
 #include <cerrno>
@@ -92,9 +93,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::commit() {
-    std::error_code error;
-    files::rename(temporary_, target_, error);
-    if (error)
+    if (const std::error_code error = platform::giveName(temporary_, target_))
         throw ToolError(target_.string() + " cannot be written: " + error.message());
     isCommitted_ = true;
     unfinished_.reset();

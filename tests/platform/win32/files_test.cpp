@@ -9,6 +9,9 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <windows.h>
+// After it, as they need its types.
+#include <aclapi.h>
+#include <sddl.h>
 
 namespace {
 
@@ -90,6 +93,60 @@ TEST_F(SharedFiles, LeaveNothingBesideThem) {
     std::vector<std::string> names = platform::listFolder(".");
     std::ranges::sort(names);
     EXPECT_EQ(names, (std::vector<std::string>{"another", "file"}));
+}
+
+TEST_F(SharedFiles, ThatAreReplacedKeepTheirAttributes) {
+    constexpr DWORD attributes = FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN;
+    if (!SetFileAttributesA("file", attributes) || GetFileAttributesA("file") != attributes)
+        GTEST_SKIP() << "this file system keeps no such attributes";
+    EXPECT_TRUE(platform::writeWholeFile("file", "new", 3));
+    EXPECT_EQ(platform::readWholeFile("file"), (Bytes{'n', 'e', 'w'}));
+    EXPECT_EQ(GetFileAttributesA("file"), attributes);
+}
+
+/// Who may do what with a file, as text.
+std::string rightsOf(const char* path) {
+    PSECURITY_DESCRIPTOR security = nullptr;
+    char* text = nullptr;
+    if (GetNamedSecurityInfoA(path, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr,
+                              nullptr, &security) != ERROR_SUCCESS)
+        return "unknown";
+    ConvertSecurityDescriptorToStringSecurityDescriptorA(security, SDDL_REVISION_1, DACL_SECURITY_INFORMATION,
+                                                         &text, nullptr);
+    const std::string rights = text ? text : "no text";
+    LocalFree(text);
+    LocalFree(security);
+    return rights;
+}
+
+/// Lets everybody do anything with a file, which a new one does not.
+void openToEverybody(const char* path) {
+    PSECURITY_DESCRIPTOR security = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA("D:P(A;;FA;;;WD)", SDDL_REVISION_1,
+                                                                     &security, nullptr));
+    EXPECT_TRUE(SetFileSecurityA(path, DACL_SECURITY_INFORMATION, security));
+    LocalFree(security);
+}
+
+TEST_F(SharedFiles, ThatAreReplacedKeepTheRightsOfOthers) {
+    std::ofstream("new") << "new";
+    openToEverybody("file");
+    const std::string rights = rightsOf("file");
+    ASSERT_NE(rights, rightsOf("new"));
+    EXPECT_TRUE(platform::writeWholeFile("file", "new", 3));
+    EXPECT_EQ(rightsOf("file"), rights);
+    openToEverybody("file");
+    EXPECT_EQ(platform::giveName("new", "file"), std::error_code());
+    EXPECT_EQ(rightsOf("file"), rights);
+    EXPECT_FALSE(platform::fileExists("new"));
+}
+
+TEST_F(SharedFiles, AreGivenANameThatNothingHas) {
+    EXPECT_EQ(platform::giveName("file", "another"), std::error_code());
+    EXPECT_EQ(platform::readWholeFile("another"), old);
+    EXPECT_FALSE(platform::fileExists("file"));
+    EXPECT_TRUE(platform::giveName("missing", "another"));
+    EXPECT_EQ(platform::readWholeFile("another"), old);
 }
 
 TEST_F(SharedFiles, ThatHaveTwoNamesKeepBoth) {
