@@ -148,6 +148,41 @@ TEST_F(WindowTool, OpensTheEditorAnewWhenTheSkinHasChanged) {
     EXPECT_EQ(tool.wait().exitCode, 0);
 }
 
+/// A console that this program and those that it starts share, for the length of a test.
+class Console {
+  public:
+    Console() {
+        FreeConsole();
+        EXPECT_TRUE(AllocConsole());
+    }
+    ~Console() {
+        FreeConsole();
+        SetConsoleCtrlHandler(nullptr, FALSE);
+    }
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    /// For all programs but this one. Those that are started from here on hear it no more either.
+    void pressControlC() {
+        SetConsoleCtrlHandler(nullptr, TRUE);
+        EXPECT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) << GetLastError();
+    }
+};
+
+TEST(RenderToolInAConsole, TakesItsUnfinishedFilesAwayOnControlC) {
+    ScratchFolder folder;
+    folder.writeSound("in.wav", noise(1000));
+    Console console;
+    RunningTool tool(folder, {"in.wav", "out.wav", "--quiet", "--pre-roll", "86400"});
+    ASSERT_TRUE(waitUntil([&] { return folder.names().size() > 1; }));
+    console.pressControlC();
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.exitCode, 130);
+    EXPECT_EQ(result.err, "quillon-render: stopped; nothing was written\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"in.wav"});
+    EXPECT_EQ(result.leftBehind, std::vector<std::string>{});
+}
+
 TEST_F(WindowTool, WritesAPictureOrSaysThatThereIsNone) {
     const std::string picture = folder.file("picture.png");
     const ToolResult result = run({"--skin", skin().string(), "--screenshot", picture});
