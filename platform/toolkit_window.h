@@ -24,8 +24,8 @@ class ToolkitWindow {
     /// maker had, also where it throws std::bad_alloc. False if there is no display or no such window; the
     /// frame then exists unseen, and views may be added to it as to any other. A second frame may be opened
     /// beside the first one. When the display is gone and another one is there, the next window opens on
-    /// that.
-    bool open(VSTGUI::CFrame* frame, void* parent);
+    /// that. `owner` is what the views call: it is let go when they have ended, and may end with that.
+    bool open(VSTGUI::CFrame* frame, void* parent, std::shared_ptr<void> owner = nullptr);
 
     /// Closes and releases what open() was given: menus and other modal views end, the system's window goes.
     /// May be called from inside an event of the frame itself, as hosts do; then the frame and its views live

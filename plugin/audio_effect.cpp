@@ -171,8 +171,13 @@ void AudioEffect::release() {
         delete this;
 }
 
+std::shared_ptr<void> AudioEffect::keepAlive() {
+    return std::make_shared<Hold>(*this);
+}
+
 /// The host has ended the effect. If another call of it has not returned, only the window goes now, and the
-/// host, which has thrown the record away, is told nothing more.
+/// host, which has thrown the record away, is told nothing more. An event of the window is such a call, also
+/// where another effect serves it.
 void AudioEffect::closeForHost() {
     constexpr int hostAndThisCall = 2;
     if (holders_.load(std::memory_order_relaxed) > hostAndThisCall) {

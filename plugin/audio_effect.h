@@ -65,6 +65,10 @@ class AudioEffect {
     /// Takes the editor over and tells the host that there is one.
     void setEditor(AEffEditor* newEditor);
 
+    /// While what it gives lives, the effect does, also where the host has closed it: it then goes with the
+    /// last of them. Throws std::bad_alloc.
+    std::shared_ptr<void> keepAlive();
+
     AEffEditor* getEditor() { return editor.get(); }
     vst2::AEffect* getAeffect() { return &cEffect; }
     float getSampleRate() const { return parameters::loadShared(sampleRate); }
@@ -113,7 +117,7 @@ class AudioEffect {
     static void setParameterClass(vst2::AEffect* effect, std::int32_t index, float value);
     static float getParameterClass(vst2::AEffect* effect, std::int32_t index);
 
-    /// The host, until it closes the effect, and each of its calls that has not returned.
+    /// The host, until it closes the effect, each of its calls that has not returned, and who keeps it alive.
     std::atomic<int> holders_ = 1;
 };
 

@@ -7,6 +7,8 @@
 
 #include "vstgui/lib/events.h"
 
+#include <utility>
+
 namespace skin {
 
 using parameters::trunc;
@@ -55,9 +57,10 @@ bool AEffGUIEditor::open(void* ptr) {
 
 bool AEffGUIEditor::openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent) {
     noteWindowThread();
+    auto keptAlive = theEffect().keepAlive();
     auto* const newFrame = new CFrame(CRect(0, 0, width, height), this);
     newFrame->setBackground(background);
-    const bool isShown = window_.open(newFrame, parent);
+    const bool isShown = window_.open(newFrame, parent, std::move(keptAlive));
     // Behind a first frame, a second one stays unseen instead: views of the first are in use.
     if (parent && !isShown && !hasFrame()) {
         closeFrame();

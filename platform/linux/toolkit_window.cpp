@@ -177,7 +177,7 @@ void endModalViews(VSTGUI::CFrame& frame) {
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
-    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame) {
+    OpenFrame(VSTGUI::CFrame* frame, std::shared_ptr<void> owner) : owner_(std::move(owner)), frame_(frame) {
         livingFrames().push_back({frame_, &buttons_, &keyboard_});
     }
     ~OpenFrame() { leaveLivingFrames(); }
@@ -263,6 +263,7 @@ class ToolkitWindow::OpenFrame {
         std::erase_if(livingFrames(), [this](const LivingFrame& living) { return living.frame == frame_; });
     }
 
+    std::shared_ptr<void> owner_;
     VSTGUI::CFrame* frame_; ///< null once it is closed
     MouseButtons buttons_;
     KeyboardFocus keyboard_;
@@ -278,9 +279,9 @@ ToolkitWindow::~ToolkitWindow() {
     close();
 }
 
-bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent) {
+bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent, std::shared_ptr<void> owner) {
     const auto held = VSTGUI::owned(frame);
-    const auto opened = std::make_shared<OpenFrame>(frame);
+    const auto opened = std::make_shared<OpenFrame>(frame, std::move(owner));
     frames_.reserve(frames_.size() + 1);
     OpenFrame::prepareToFinish(opened);
     frames_.push_back(opened);

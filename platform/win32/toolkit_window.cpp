@@ -117,7 +117,8 @@ void resizeWithContainers(HWND window, Size size) {
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
-    explicit OpenFrame(VSTGUI::CFrame* frame) : frame_(frame), use_(std::make_shared<ToolkitUse>()) {
+    OpenFrame(VSTGUI::CFrame* frame, std::shared_ptr<void> owner)
+        : owner_(std::move(owner)), frame_(frame), use_(std::make_shared<ToolkitUse>()) {
         lateUse().reset();
     }
     OpenFrame(const OpenFrame&) = delete;
@@ -177,6 +178,7 @@ class ToolkitWindow::OpenFrame {
             lateUse() = std::move(use_);
     }
 
+    std::shared_ptr<void> owner_;
     VSTGUI::CFrame* frame_;
     std::shared_ptr<ToolkitUse> use_;
     std::shared_ptr<OpenFrame> self_; ///< keeps one that cannot be released
@@ -188,9 +190,9 @@ ToolkitWindow::~ToolkitWindow() {
     close();
 }
 
-bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent) {
+bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent, std::shared_ptr<void> owner) {
     const auto held = VSTGUI::owned(frame);
-    frames_.push_back(std::make_shared<OpenFrame>(frame));
+    frames_.push_back(std::make_shared<OpenFrame>(frame, std::move(owner)));
     frame->remember();
     return frames_.back()->open(parent);
 }

@@ -1177,6 +1177,78 @@ TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToTheLearnMenu) {
     serveAll(editor);
 }
 
+/// An editor in whose gestures the host ends it, while another one serves both.
+class EndedInAGesture : public WindowedEditor {
+  protected:
+    EndedInAGesture() : server_(show()), ended_(library(), screen(), 500, 400) {
+        EXPECT_TRUE(ended_.open());
+        EXPECT_TRUE(ended_.showsPixel(kSkinWidth - 2, 2, kGrey));
+    }
+
+    /// Ends the instance in the next call with this opcode.
+    void endAt(std::int32_t opcode) {
+        ended_.plugin().behaviour().answer = [this, opcode](const host::HostCall& call,
+                                                            void*) -> std::optional<std::intptr_t> {
+            callsAfterEnd_ += isEnded_ ? 1 : 0;
+            if (call.opcode == opcode && !std::exchange(isEnded_, true)) {
+                EXPECT_EQ(ended_.plugin().close(), 1);
+                EXPECT_EQ(childrenOf(ended_.window()).size(), 0u);
+            }
+            return std::nullopt;
+        };
+    }
+    void expectEnd() {
+        EXPECT_TRUE(server_.serveUntil([this] { return isEnded_; }));
+        serveAll(server_);
+        EXPECT_EQ(callsAfterEnd_, 0);
+        EXPECT_TRUE(std::filesystem::exists("Pluginccmap.bin")) << "which the instance's end writes";
+        ended_.destroyInstance();
+    }
+
+    ShownEditor& server_;
+    ShownEditor ended_;
+
+  private:
+    bool isEnded_ = false;
+    int callsAfterEnd_ = 0;
+};
+
+class EndedInADrag : public EndedInAGesture, public testing::WithParamInterface<std::int32_t> {};
+
+TEST_P(EndedInADrag, GoesWhenItsEventIsOver) {
+    endAt(GetParam());
+    ended_.point(30, 30);
+    ended_.press(kLeft);
+    ended_.point(30, 20);
+    ended_.point(30, 10);
+    ended_.release(kLeft);
+    expectEnd();
+}
+
+INSTANTIATE_TEST_SUITE_P(At, EndedInADrag,
+                         testing::Values(audioMasterBeginEdit, audioMasterAutomate, audioMasterEndEdit));
+
+class EndedInAMenu : public EndedInAGesture, public testing::WithParamInterface<std::int32_t> {};
+
+TEST_P(EndedInAMenu, GoesWhenItsEventIsOver) {
+    openMenu(ended_);
+    endAt(GetParam());
+    ended_.click(50, 120);
+    expectEnd();
+}
+
+TEST_P(EndedInAMenu, AboutAControllerGoesWhenItsEventIsOver) {
+    serveAll(ended_);
+    const auto before = ended_.part(30, 30, 90, 24);
+    ended_.click(30, 30, kRight);
+    ASSERT_TRUE(ended_.changes(before, 30, 30, 90, 24));
+    endAt(GetParam());
+    ended_.click(60, 40);
+    expectEnd();
+}
+
+INSTANTIATE_TEST_SUITE_P(At, EndedInAMenu, testing::Values(audioMasterAutomate, audioMasterEndEdit));
+
 TEST_F(WindowedEditor, DiesWithItsWindowOpen) {
     auto& editor = show();
     editor.destroyInstance();

@@ -305,6 +305,30 @@ TEST_F(WindowedEditor, ClosesFromInsideTheHostsAnswerToAGesture) {
     editor.serveAll();
 }
 
+TEST_F(WindowedEditor, EndsFromInsideTheHostsAnswerToAGesture) {
+    ShownEditor server(library());
+    ASSERT_TRUE(server.open());
+    for (const std::int32_t opcode : {audioMasterBeginEdit, audioMasterAutomate, audioMasterEndEdit}) {
+        SCOPED_TRACE(opcode);
+        auto& editor = show();
+        bool isEnded = false;
+        int callsAfterEnd = 0;
+        editor.plugin().behaviour().answer = [&](const host::HostCall& call,
+                                                 void*) -> std::optional<std::intptr_t> {
+            callsAfterEnd += isEnded ? 1 : 0;
+            if (call.opcode == opcode && !std::exchange(isEnded, true))
+                EXPECT_EQ(editor.plugin().close(), 1);
+            return std::nullopt;
+        };
+        editor.postDrag(30, 30, 30, 10);
+        ASSERT_TRUE(server.serveUntil([&] { return isEnded; }));
+        server.serveAll();
+        EXPECT_EQ(callsAfterEnd, 0);
+        EXPECT_EQ(childrenOf(editor.window()).size(), 0u);
+        editor.destroyInstance();
+    }
+}
+
 /// What a host's own timer does while a menu keeps the thread.
 std::function<void()> onTimer;
 
