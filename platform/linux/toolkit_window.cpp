@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cairo-xcb.h>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <new>
 #include <utility>
@@ -211,23 +210,20 @@ class ToolkitWindow::OpenFrame {
     /// Makes what finish() needs, while the opening may still fail for want of memory. From here on the
     /// object lives until finish() has done its work.
     static void prepareToFinish(const std::shared_ptr<OpenFrame>& self) {
-        WindowLoop::Jobs closing;
-        closing.emplace_back([self] { self->close(); });
-        self->afterEvent_ = [self] { WindowLoop::shared().afterServing(std::move(self->closing_)); };
-        self->closing_ = std::move(closing);
+        self->closing_.emplace_back([self] { self->close(); });
     }
 
-    /// Releases the frame, now or when its event is over. An event comes out of a turn of the loop, or out of
-    /// a key that the host has passed on.
+    /// Releases the frame, now or when its last event is over. An event comes out of a turn of the loop,
+    /// which then has to be over too, or out of a key that the host has passed on, and may come inside
+    /// another one.
     void finish() noexcept {
         WindowLoop& loop = WindowLoop::shared();
-        auto afterEvent = std::move(afterEvent_);
-        if (loop.isServing() || !frame_->inEventProcessing()) {
+        if (!frame_->inEventProcessing()) {
             loop.afterServing(std::move(closing_));
             return;
         }
         try {
-            frame_->doAfterEventProcessing(std::move(afterEvent));
+            frame_->doAfterEventProcessing([this] { finish(); });
         } catch (const std::bad_alloc&) {
             loop.inNextTurn(std::move(closing_));
         }
@@ -248,6 +244,9 @@ class ToolkitWindow::OpenFrame {
     /// May be tried again where it throws.
     void close() {
         if (frame_) {
+            // There was no memory to wait for the end of its event. Tried again after the next turn.
+            if (frame_->inEventProcessing())
+                throw std::bad_alloc();
             endModalViews(*frame_);
             frame_->unregisterMouseObserver(&buttons_);
             frame_->unregisterMouseObserver(&keyboard_);
@@ -268,9 +267,8 @@ class ToolkitWindow::OpenFrame {
     MouseButtons buttons_;
     KeyboardFocus keyboard_;
     MenuEvents menuEvents_;
-    WindowLoop::Jobs closing_;
-    std::function<void()> afterEvent_;
-    int generation_ = 0; ///< of the connection that it was opened over
+    WindowLoop::Jobs closing_; ///< keeps this object until it has been run
+    int generation_ = 0;       ///< of the connection that it was opened over
 };
 
 ToolkitWindow::ToolkitWindow() = default;

@@ -10,6 +10,7 @@
 #include "vstgui/lib/controls/coptionmenu.h"
 #include "vstgui/lib/controls/csplashscreen.h"
 #include "vstgui/lib/controls/ctextlabel.h"
+#include "vstgui/lib/cvstguitimer.h"
 #include "vstgui/lib/events.h"
 
 #include <cstdlib>
@@ -407,6 +408,64 @@ TEST_F(ToolkitWindows, MayBeClosedFromInsideAKeyThatTheHostHasPassedOn) {
     EXPECT_TRUE(static_cast<bool>(key.consumed));
     EXPECT_EQ(listener.values.size(), 1U);
     EXPECT_EQ(viewsInsideTheEvent, 1);
+    EXPECT_EQ(views, 0);
+}
+
+/// A window that gets a key from its host, which serves all windows before the key is worked off.
+class WindowServedInAKey : public ToolkitWindows {
+  protected:
+    WindowServedInAKey() {
+        openFrame();
+        knob = new VSTGUI::CKnob(CRect(20, 20, 60, 60), &listener, 7, nullptr, nullptr);
+        frame->addView(knob);
+        frame->addView(new CountedView(views));
+        frame->setFocusView(knob);
+    }
+
+    /// `whenTurned` is called when the key has turned the knob.
+    void typeUp(const std::function<void()>& whenTurned) {
+        listener.action = [&](VSTGUI::CControl*) { whenTurned(); };
+        VSTGUI::KeyboardEvent key;
+        key.type = VSTGUI::EventType::KeyDown;
+        key.virt = VSTGUI::VirtualKey::Up;
+        frame->dispatchEvent(key);
+        EXPECT_TRUE(static_cast<bool>(key.consumed));
+    }
+
+    VSTGUI::CKnob* knob = nullptr;
+};
+
+TEST_F(WindowServedInAKey, MayBeClosedWhileItIsServed) {
+    typeUp([this] {
+        bool closed = false;
+        const auto timer = VSTGUI::makeOwned<VSTGUI::CVSTGUITimer>(
+            [&](VSTGUI::CVSTGUITimer* rung) {
+                rung->stop();
+                window.close();
+                closed = true;
+            },
+            1);
+        ASSERT_TRUE(serveUntil([&] { return closed; }));
+        EXPECT_EQ(views, 1) << "in the middle of the key";
+    });
+    EXPECT_EQ(views, 0);
+}
+
+TEST_F(WindowServedInAKey, MayBeClosedInAGestureThatIsServed) {
+    ASSERT_TRUE(showsPixel(5, 5, grey));
+    typeUp([this] {
+        bool closed = false;
+        listener.action = [&](VSTGUI::CControl*) {
+            window.close();
+            closed = true;
+        };
+        point(25, 40);
+        press(1);
+        point(25, 30);
+        ASSERT_TRUE(serveUntil([&] { return closed; }));
+        release(1);
+        EXPECT_EQ(views, 1) << "in the middle of the key";
+    });
     EXPECT_EQ(views, 0);
 }
 
