@@ -316,8 +316,9 @@ TEST_F(WindowedEditor, EndsFromInsideTheHostsAnswerToAGesture) {
         editor.plugin().behaviour().answer = [&](const host::HostCall& call,
                                                  void*) -> std::optional<std::intptr_t> {
             callsAfterEnd += isEnded ? 1 : 0;
-            if (call.opcode == opcode && !std::exchange(isEnded, true))
+            if (call.opcode == opcode && !std::exchange(isEnded, true)) {
                 EXPECT_EQ(editor.plugin().close(), 1);
+            }
             return std::nullopt;
         };
         editor.postDrag(30, 30, 30, 10);
