@@ -264,6 +264,27 @@ TEST_F(Frame, KeepsAnEffectThatIsClosedInTheMiddleOfACallUntilThatReturns) {
     EXPECT_EQ(notes, "close chunk effect gone gone ") << "the window goes at once";
 }
 
+/// An effect that goes on talking to its host behind its end.
+class TalkingBehindItsEnd final : public plugin::AudioEffectX {
+  public:
+    TalkingBehindItsEnd() : AudioEffectX(recordingHost, 1, 1) {}
+    void processReplacing(float**, float**, std::int32_t) override {}
+    std::int32_t getChunk(void**, bool) override {
+        EXPECT_EQ(closeByRecord(getAeffect()), 1);
+        calls.clear();
+        answer = 1;
+        setParameterAutomated(0, 0.5f);
+        masterIdle();
+        return beginEdit(0) || endEdit(0) || updateDisplay() || canHostDo("sizeWindow") || sizeWindow(1, 1);
+    }
+};
+
+TEST_F(Frame, TellsTheHostNothingOnceThatHasClosedTheEffectInTheMiddleOfACall) {
+    AEffect* const record = (new TalkingBehindItsEnd)->getAeffect();
+    EXPECT_EQ(record->dispatcher(record, effGetChunk, 0, 0, nullptr, 0.0f), 0);
+    EXPECT_EQ(calls.size(), 0u);
+}
+
 /// An effect in whose messages the host ends it.
 class ClosedAtAMessage : public Frame {
   protected:
