@@ -21,6 +21,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <thread>
@@ -95,6 +96,17 @@ template <int signal>
     volatile char block[4096];
     block[0] = above ? above[0] : '\1';
     return block[0] ? nestDeeper(block) + block[0] : 0;
+}
+
+/// With folders as deep as calls, as many as a tool takes away from its own one.
+[[maybe_unused]] void nestFoldersAndCallsTooDeep() {
+    std::filesystem::path folder = std::filesystem::current_path();
+    for (int depth = 1; depth <= 16; ++depth) {
+        folder /= "deeper";
+        std::filesystem::create_directory(folder);
+        std::ofstream(folder / "left");
+    }
+    [[maybe_unused]] volatile int depth = nestDeeper(nullptr);
 }
 
 [[maybe_unused]] void nestTooDeep() {

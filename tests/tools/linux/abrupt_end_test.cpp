@@ -38,6 +38,13 @@ TEST_F(AbruptEnd, LeavesNothingWhereTheTemporaryFolderIsNamedFromTheCurrentOne) 
     expectNothingIsLeft(result);
 }
 
+TEST_F(AbruptEnd, ByAStackThatIsUsedUpLeavesNoFolderHoweverDeep) {
+    const ToolResult result = render("probe_nests_folders");
+    EXPECT_EQ(result.signal, SIGSEGV);
+    expectEnd(result,
+              "crash of " + probe("probe_nests_folders") + " in processReplacing: segmentation fault");
+}
+
 TEST_F(AbruptEnd, ByAnyRequestLeavesNothing) {
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
         SCOPED_TRACE(signal);
