@@ -828,6 +828,24 @@ TEST_F(HostAtTheKeyboard, HasItBackWhenAMenuHasGone) {
     EXPECT_TRUE(editor.serveUntil([&] { return hasTheKeyboard(editor); }));
 }
 
+TEST_F(HostAtTheKeyboard, IsNoOtherProgramThatHadItBeforeThePress) {
+    auto& editor = show();
+    const Window other = XCreateSimpleWindow(screen().display(), screen().root(), 500, 30, 20, 20, 0, 0, 0);
+    XMapWindow(screen().display(), other);
+    XSetInputFocus(screen().display(), other, RevertToParent, CurrentTime);
+    XSync(screen().display(), False);
+    const float before = editor.value(kKnob);
+    ASSERT_TRUE(editor.drag(30, 30, 30, -30, [&] { return editor.value(kKnob) != before; }));
+    // The second click is served when what the drag has left to do is done.
+    serveAll(editor);
+    serveAll(editor);
+    Window owner = None;
+    int revert = 0;
+    XGetInputFocus(screen().display(), &owner, &revert);
+    EXPECT_EQ(owner, childrenOf(editor.window()).at(0));
+    XDestroyWindow(screen().display(), other);
+}
+
 TEST_F(HostAtTheKeyboard, DoesNotGetItFromAnotherWindow) {
     auto& editor = showInTheHostsWindow();
     const Window other = XCreateSimpleWindow(screen().display(), screen().root(), 500, 30, 20, 20, 0, 0, 0);
