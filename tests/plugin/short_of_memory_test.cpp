@@ -67,6 +67,16 @@ TEST_F(WindowShortOfMemory, AreServed) {
     EXPECT_GT(shortages, 0);
 }
 
+TEST_F(WindowShortOfMemory, TakeKeys) {
+    expectToOpen();
+    atEveryAllocation(
+        [this] {
+            dispatch(effect, effEditKeyDown, 'a');
+            dispatch(effect, effEditKeyUp, 'a');
+        },
+        [] {});
+}
+
 TEST_F(WindowShortOfMemory, KeepWhatAHostSets) {
     expectToOpen();
     float value = 0.0f;
