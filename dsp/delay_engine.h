@@ -8,6 +8,7 @@
 // too, given by reference. The object is a little over 16 MiB and belongs on the heap.
 #pragma once
 
+#include "base/shared.h"
 #include "dsp/biquad.h"
 #include "dsp/feedback_path.h"
 #include "dsp/instruction_set.h"
@@ -31,17 +32,15 @@ class DelayEngine {
     void startUp();
 
     /// A parameter's live value. Any thread.
-    float parameterValue(std::int32_t id) const {
-        return parameters::loadShared(params[static_cast<std::size_t>(id)]);
-    }
+    float parameterValue(std::int32_t id) const { return params[static_cast<std::size_t>(id)].load(); }
     /// Any thread. The value is taken as it is; computeTapPattern brings it into the pattern.
     void setParameterValue(std::int32_t id, float value) {
-        parameters::storeInOrder(params[static_cast<std::size_t>(id)], value);
+        params[static_cast<std::size_t>(id)].storeInOrder(value);
     }
 
     /// Renews tap times and gains, the read mode and the sweep's rate from the parameters, as far as they are
     /// not up to date. Limits the live "Amp Decay" to just under 1. `sampleRate` in Hz. Any thread.
-    void computeTapPattern(const float& sampleRate);
+    void computeTapPattern(const base::Shared<float>& sampleRate);
 
     /// Forgets every echo. Any thread.
     void clearDelayMemory() { delay.clearDelayMemory(); }
@@ -49,15 +48,15 @@ class DelayEngine {
     /// Prepares for a sample rate, in Hz, and forgets every echo. The tap times are zero afterwards: all taps
     /// sit on the write position until the next computeTapPattern. Filters, feedback, glides and the sweep's
     /// phase go on from where they were. Any thread.
-    void prepare(const float& sampleRate);
+    void prepare(const base::Shared<float>& sampleRate);
 
     /// Masks the jump of the taps that a new pattern brings in the whole-sample mode: the wet signal fades in
     /// and out for the next four blocks. Any thread.
     void armFade();
 
     /// Redesign one input filter from its parameter, by the law for a value that was just set. Any thread.
-    void designLowPassOnChange(const float& sampleRate);
-    void designHighPassOnChange(const float& sampleRate);
+    void designLowPassOnChange(const base::Shared<float>& sampleRate);
+    void designHighPassOnChange(const base::Shared<float>& sampleRate);
 
     /// Renders one block: 2 channels x `sampleFrames` in, the same out. Buffers may be the same, also
     /// crossed. Any length; below 1 only the fade's counting takes place. Audio thread. Allocates nothing,
@@ -122,10 +121,10 @@ class DelayEngine {
         double resonance;
     };
 
-    void designFilter(Biquad& filter, const FilterLaw& law, const float& sampleRate);
-    PatternSettings patternSettings(const float& sampleRate);
-    void renewPattern(const float& sampleRate);
-    void collapsePattern(const float& sampleRate);
+    void designFilter(Biquad& filter, const FilterLaw& law, const base::Shared<float>& sampleRate);
+    PatternSettings patternSettings(const base::Shared<float>& sampleRate);
+    void renewPattern(const base::Shared<float>& sampleRate);
+    void collapsePattern(const base::Shared<float>& sampleRate);
     Fade beginBlock(std::int32_t sampleFrames);
     void readControls();
     void readPattern();
@@ -152,10 +151,10 @@ class DelayEngine {
     void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade);
     void mixOutput(std::int32_t frames, float* left, float* right) const;
 
-    const TapKernels* kernels = &chosenKernels();               ///< the loops for this processor
-    std::array<float, parameters::kNumLiveParameters> params{}; ///< normalised, by id; shared
-    TapPattern pattern;                                         ///< shared
-    PatternRecord patternRecord;                                ///< what it was computed from; shared
+    const TapKernels* kernels = &chosenKernels(); ///< the loops for this processor
+    std::array<base::Shared<float>, parameters::kNumLiveParameters> params{}; ///< normalised, by id
+    TapPattern pattern;                                                       ///< shared
+    PatternRecord patternRecord; ///< what it was computed from; shared
     ModuleDelay delay;
     FeedbackPath feedbackPath; ///< audio thread
     ModuleFMop lfo;
@@ -163,11 +162,11 @@ class DelayEngine {
     Smoother dcBlockLeft, dcBlockRight;
     OnePole stereoSmoother, mixSmoother, panSmoother, depthSmoother; ///< audio thread
     std::array<OnePole, kMaxTaps> tapSmoother;                       ///< audio thread
-    bool tapsRest = false;           ///< no tap moves until the pattern or the mode changes; audio thread
-    std::int32_t fadeBlockCount = 0; ///< blocks since the fade was armed; shared
-    std::uint8_t fadeArmed = 0;      ///< a jump waits to be masked; shared
-    Controls controls;               ///< audio thread
-    SubBlock block;                  ///< audio thread
+    bool tapsRest = false; ///< no tap moves until the pattern or the mode changes; audio thread
+    base::Shared<std::int32_t> fadeBlockCount; ///< blocks since the fade was armed
+    base::Shared<bool> fadeArmed;              ///< a jump waits to be masked
+    Controls controls;                         ///< audio thread
+    SubBlock block;                            ///< audio thread
 };
 
 } // namespace dsp

@@ -9,8 +9,8 @@
 // kept until the next one, so that each tap can be read as the memory stood at any of its samples.
 #pragma once
 
+#include "base/shared.h"
 #include "dsp/tap_kernels.h"
-#include "parameters/shared_field.h"
 
 #include <algorithm>
 #include <array>
@@ -28,11 +28,11 @@ using Row = std::array<float, kSubBlockFrames>;
 struct ModuleDelay {
     std::int32_t writeIndex = 0; ///< next slot to write; audio thread
     std::int32_t written = 0; ///< slots below this one hold signal, those above count as zero; audio thread
-    std::array<float, kMaxTaps> tapOut{}; ///< what each tap read last; audio thread
-    float lfoOffset = 0.0f;               ///< read offset in samples, zero or negative; audio thread
-    std::int32_t interpMode = 1;          ///< 0 cubic, 1 linear, 2 none; shared
-    std::uint32_t clearRequested = 0;     ///< shared
-    alignas(64) Row writePositions{};     ///< of the sub-block; audio thread
+    std::array<float, kMaxTaps> tapOut{};      ///< what each tap read last; audio thread
+    float lfoOffset = 0.0f;                    ///< read offset in samples, zero or negative; audio thread
+    base::Shared<std::int32_t> interpMode = 1; ///< 0 cubic, 1 linear, 2 none
+    base::Shared<bool> clearRequested;
+    alignas(64) Row writePositions{};                           ///< of the sub-block; audio thread
     alignas(64) std::array<float, kOvertakenSlots> overtaken{}; ///< what it overwrites; audio thread
     /// Holds anything until it is written, since nothing is read before.
     alignas(64) std::array<float, kDelaySize> samples;
@@ -46,13 +46,13 @@ struct ModuleDelay {
     }
 
     /// Forgets every echo and starts at the first slot again, from the next sample on. Any thread.
-    void clearDelayMemory() { parameters::storeShared(clearRequested, std::uint32_t{1}); }
+    void clearDelayMemory() { clearRequested.store(true); }
 
     /// Carries out what clearDelayMemory asked for. Audio thread.
     void serveClearRequest() {
-        if (parameters::loadShared(clearRequested) == 0)
+        if (!clearRequested.load())
             return;
-        parameters::storeShared(clearRequested, std::uint32_t{0});
+        clearRequested.store(false);
         writeIndex = 0;
         written = 0;
         tapOut.fill(0.0f);

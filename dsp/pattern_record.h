@@ -3,7 +3,7 @@
 //
 // Any thread may rewrite the tables at any time and nobody waits. Two that do so at once leave a mixture,
 // which is no pattern of anybody's: the record then holds nothing, and the one that ends last is told to
-// compute again. All accesses are sequentially consistent (parameters/recompute.h).
+// compute again. All accesses are sequentially consistent (base/recompute.h).
 #pragma once
 
 #include <array>

@@ -8,6 +8,7 @@
 // sample.
 #include "dsp/delay_engine.h"
 
+#include "base/truncation.h"
 #include "dsp/tap_reader.h"
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 
 namespace dsp {
 
+using namespace base;
 using namespace parameters;
 
 namespace {
@@ -103,13 +105,13 @@ void DelayEngine::processReplacing(const float* const* inputs, float* const* out
 DelayEngine::Fade DelayEngine::beginBlock(std::int32_t sampleFrames) {
     const float tenth = static_cast<float>(sampleFrames) * 0.104f;
     Fade fade{false, sampleFrames, trunc(tenth), 1.0f / tenth, 1.0f};
-    const std::int32_t count = parameters::loadShared(fadeBlockCount);
-    if (parameters::loadShared(delay.interpMode) != kWholeSamples || count >= 4) {
-        parameters::storeShared(fadeArmed, std::uint8_t{0});
+    const std::int32_t count = fadeBlockCount.load();
+    if (delay.interpMode.load() != kWholeSamples || count >= 4) {
+        fadeArmed.store(false);
         return fade;
     }
-    parameters::storeShared(fadeBlockCount, count + 1);
-    fade.armed = parameters::loadShared(fadeArmed) != 0;
+    fadeBlockCount.store(count + 1);
+    fade.armed = fadeArmed.load();
     fade.level = fade.armed ? 0.0f : 1.0f;
     return fade;
 }
@@ -127,7 +129,7 @@ float DelayEngine::Fade::next(std::int32_t i) {
 
 /// The tables are copied only where they are new: they are long and change seldom.
 void DelayEngine::readPattern() {
-    const std::int32_t interpMode = parameters::loadShared(delay.interpMode);
+    const std::int32_t interpMode = delay.interpMode.load();
     const std::uint32_t edition = patternRecord.edition();
     const bool sameTables = edition == controls.patternEdition && edition != PatternRecord::kNone;
     tapsRest = tapsRest && sameTables && interpMode == controls.interpMode;
@@ -135,11 +137,11 @@ void DelayEngine::readPattern() {
     if (sameTables)
         return;
     controls.patternEdition = edition;
-    controls.numTaps = parameters::loadShared(pattern.numTaps);
+    controls.numTaps = pattern.numTaps.load();
     // One more than are heard: with an odd count the last pair takes in the entry behind the last tap.
     for (std::size_t tap = 0; tap < at((controls.numTaps + 1) / 2 * 2); ++tap) {
-        controls.gain[tap] = parameters::loadShared(pattern.tapGain[tap]);
-        controls.target[tap] = parameters::loadShared(pattern.tapTimeTarget[tap]);
+        controls.gain[tap] = pattern.tapGain[tap].load();
+        controls.target[tap] = pattern.tapTimeTarget[tap].load();
     }
     controls.wetLevel = wetLevelOf(controls.gain, controls.numTaps);
 }
@@ -153,10 +155,10 @@ void DelayEngine::readControls() {
     controls.prePan = parameterValue(kPrePan);
     controls.feedback = feedbackFactor(parameterValue(kFeedback));
     // Audio that runs always runs at full input gain, and the host is shown so.
-    parameters::storeShared(params[kPreGain], 1.0f);
+    params[kPreGain].store(1.0f);
     controls.lfoStep = lfo.step();
-    controls.dcRadiansLeft = parameters::loadShared(dcBlockLeft.radiansPerSample);
-    controls.dcRadiansRight = parameters::loadShared(dcBlockRight.radiansPerSample);
+    controls.dcRadiansLeft = dcBlockLeft.radiansPerSample.load();
+    controls.dcRadiansRight = dcBlockRight.radiansPerSample.load();
     preLowPass.coefficients.load(controls.lowPass);
     preHighPass.coefficients.load(controls.highPass);
 }

@@ -28,7 +28,7 @@ class SharedCoefficients {
   public:
     /// Makes `set` the current one. If all slots are taken, others are publishing at this moment and nothing
     /// is stored: each of them sees what this thread stored before, when it looks at the parameters again
-    /// after its own publish (parameters/recompute.h). Any thread; never waits.
+    /// after its own publish (base/recompute.h). Any thread; never waits.
     void publish(const BiquadCoefficients& set) {
         const std::uint32_t first = current_.load(std::memory_order_relaxed) + 1;
         for (std::uint32_t tried = 0; tried < kSlots; ++tried)

@@ -1,17 +1,17 @@
 // Takes DC out of the wet signal.
 #pragma once
 
-#include "parameters/recompute.h"
+#include "base/recompute.h"
 
 namespace dsp {
 
 /// A first-order high-pass at 32 Hz: the input less its own low-passed self.
 struct Smoother {
-    float state = 0.0f;            ///< the low-passed signal; audio thread
-    float radiansPerSample = 0.0f; ///< of one Hz; shared
+    float state = 0.0f;                   ///< the low-passed signal; audio thread
+    base::Shared<float> radiansPerSample; ///< of one Hz
 
     /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { parameters::renewShared(radiansPerSample, 6.28319f / sampleRate); }
+    void setSampleRate(float sampleRate) { radiansPerSample.renew(6.28319f / sampleRate); }
 
     /// One sample of a signal whose low-passed self is `state`. `radians` is radiansPerSample as it stood at
     /// the start of the sub-block. Audio thread.

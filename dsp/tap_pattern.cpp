@@ -1,16 +1,16 @@
 #include "dsp/tap_pattern.h"
 
+#include "base/truncation.h"
 #include "parameters/pattern_laws.h"
-#include "parameters/truncation.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace dsp {
 
+using base::trunc;
 using parameters::numTapsOf;
 using parameters::stretchBend;
-using parameters::trunc;
 
 namespace {
 
@@ -47,6 +47,14 @@ std::int32_t baseLengthOf(float baseLength, float sampleRate) {
     return trunc((baseLength * baseLength * sampleRate) * 2.0f + 1.0f);
 }
 
+void clearTaps(TapPattern& pattern) {
+    pattern.numTaps.store(1);
+    for (std::size_t entry = 0; entry < kMaxTaps; ++entry) {
+        pattern.tapGain[entry].store(0.0f);
+        pattern.tapTimeTarget[entry].store(0.0f);
+    }
+}
+
 void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate) {
     const double bend = static_cast<double>(stretchBend(parameters.stretch));
     const double length = static_cast<double>(baseLengthOf(parameters.baseLength, sampleRate));
@@ -54,7 +62,7 @@ void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float
     const float inverseCount = 1.0f / static_cast<float>(numTaps);
     const float exponent = parameters.curve * 1.5f + 0.5f;
 
-    parameters::storeShared(pattern.numTaps, numTaps);
+    pattern.numTaps.store(numTaps);
     std::int32_t position = 0;
     for (std::int32_t tap = 0; tap < numTaps; ++tap) {
         const auto entry = static_cast<std::size_t>(tap);
@@ -63,14 +71,13 @@ void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float
         const float gain = std::pow(ramp(parameters.ampDecay, inverseCount, numTaps, tap) + 1.0f, exponent);
         position = accumulated(((1.0 - (w + w)) * bend + w) * length + static_cast<double>(position));
         const float time = limitedTime(static_cast<float>(position));
-        parameters::storeShared(pattern.tapTimeTarget[entry], time);
-        parameters::storeShared(pattern.tapGain[entry], limitedGain(gain, time));
+        pattern.tapTimeTarget[entry].store(time);
+        pattern.tapGain[entry].store(limitedGain(gain, time));
     }
     // Taps out of use keep their place, silent, for when they come back.
     for (auto entry = static_cast<std::size_t>(numTaps); entry < kMaxTaps; ++entry) {
-        parameters::storeShared(pattern.tapTimeTarget[entry],
-                                limitedTime(parameters::loadShared(pattern.tapTimeTarget[entry])));
-        parameters::storeShared(pattern.tapGain[entry], 0.0f);
+        pattern.tapTimeTarget[entry].store(limitedTime(pattern.tapTimeTarget[entry].load()));
+        pattern.tapGain[entry].store(0.0f);
     }
 }
 

@@ -2,6 +2,7 @@
 // follows from here: the audio loop only reads the result.
 #pragma once
 
+#include "base/shared.h"
 #include "dsp/module_delay.h"
 #include "parameters/parameter_table.h"
 
@@ -15,11 +16,11 @@ constexpr float kLastTapTime = 4194302.0f;
 /// The earliest time of a tap, in samples.
 constexpr float kFirstTapTime = 3.0f;
 
-/// The tap tables. Shared: any thread rewrites them in place, entry by entry, while the audio thread reads.
+/// The tap tables. Any thread rewrites them in place, entry by entry, while the audio thread reads.
 struct TapPattern {
-    std::int32_t numTaps = 1;                    ///< taps in use, 1..128
-    std::array<float, kMaxTaps> tapGain{};       ///< 0..1; zero from numTaps on
-    std::array<float, kMaxTaps> tapTimeTarget{}; ///< delay from the input in whole samples
+    base::Shared<std::int32_t> numTaps = 1;                    ///< taps in use, 1..128
+    std::array<base::Shared<float>, kMaxTaps> tapGain{};       ///< 0..1; zero from numTaps on
+    std::array<base::Shared<float>, kMaxTaps> tapTimeTarget{}; ///< delay from the input in whole samples
 };
 
 /// The base length in samples, from "Bs Lgh 1", normalised, at `sampleRate` Hz.
@@ -35,6 +36,9 @@ struct PatternSettings {
     PatternParameters parameters;
     float sampleRate;
 };
+
+/// One tap, and everything at zero. Any thread.
+void clearTaps(TapPattern& pattern);
 
 /// Computes all taps and stores them. `ampDecay` must be below 1. Any thread; audio may run.
 void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate);

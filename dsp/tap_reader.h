@@ -6,8 +6,8 @@
 // memory; that is how this echo sounds, and projects rely on it.
 #pragma once
 
+#include "base/truncation.h"
 #include "dsp/module_delay.h"
-#include "parameters/truncation.h"
 
 namespace dsp {
 
@@ -21,7 +21,7 @@ inline float readPosition(const MemoryMoment& memory, float time, float lfoOffse
 struct CubicReader {
     static float read(const MemoryMoment& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
-        const std::int32_t whole = parameters::trunc(p);
+        const std::int32_t whole = base::trunc(p);
         const float f = p - static_cast<float>(whole);
         const auto i = static_cast<std::uint32_t>(whole);
         const float s0 = memory.at(i - 1);
@@ -40,7 +40,7 @@ struct CubicReader {
 struct LinearReader {
     static float read(const MemoryMoment& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
-        std::int32_t i = parameters::trunc(p);
+        std::int32_t i = base::trunc(p);
         if (i < 0)
             i += kDelaySize;
         const float f = p - static_cast<float>(i);
@@ -55,7 +55,7 @@ struct LinearReader {
 /// The nearest whole sample, untouched by the sweep.
 struct WholeSampleReader {
     static float read(const MemoryMoment& memory, float time, float) {
-        std::int32_t i = memory.writeIndex() - parameters::trunc(time);
+        std::int32_t i = memory.writeIndex() - base::trunc(time);
         if (i < 0)
             i += kDelaySize;
         if (i > kDelaySize - 1)

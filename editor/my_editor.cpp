@@ -1,11 +1,10 @@
 #include "editor/my_editor.h"
 
+#include "base/ascii.h"
+#include "base/truncation.h"
 #include "editor/midi_learn.h"
 #include "editor/view_taps.h"
 #include "parameters/parameter_table.h"
-#include "parameters/shared_field.h"
-#include "parameters/truncation.h"
-#include "skin/ascii.h"
 #include "skin/object_reader.h"
 
 #include <cstdio>
@@ -14,9 +13,7 @@
 
 namespace editor {
 
-using parameters::loadShared;
-using parameters::storeShared;
-using parameters::trunc;
+using base::trunc;
 using skin::SkinContext;
 using skin::SkinObject;
 
@@ -102,35 +99,35 @@ void myEditor::updateTapView(float tapsValue, float stretchValue, float lengthVa
                              TapGains tapGain) {
     if (!isOpen() || !hasFrame())
         return;
-    storeShared(pattern_.taps, tapsValue);
-    storeShared(pattern_.stretch, stretchValue);
-    storeShared(pattern_.length, lengthValue);
-    storeShared(pattern_.sampleRate, sampleRate);
+    pattern_.taps.store(tapsValue);
+    pattern_.stretch.store(stretchValue);
+    pattern_.length.store(lengthValue);
+    pattern_.sampleRate.store(sampleRate);
     for (std::size_t tap = 0; tap < tapGain.size(); ++tap)
-        storeShared(pattern_.gain[tap], loadShared(tapGain[tap]));
+        pattern_.gain[tap].store(tapGain[tap].load());
     if (onWindowThread())
         showPattern();
     else
-        storeShared(patternNoted_, 1u);
+        patternNoted_.store(true);
 }
 
 void myEditor::showPattern() {
     if (!viewTaps)
         return;
-    const std::int32_t taps = parameters::numTapsOf(loadShared(pattern_.taps));
+    const std::int32_t taps = parameters::numTapsOf(pattern_.taps.load());
     std::array<float, parameters::kMaxTaps> gain;
     for (std::size_t tap = 0; tap < gain.size(); ++tap)
-        gain[tap] = loadShared(pattern_.gain[tap]);
-    viewTaps->showPattern(
-        gain.data(), shownMilliseconds(loadShared(pattern_.length), loadShared(pattern_.sampleRate), taps),
-        taps, parameters::stretchBend(loadShared(pattern_.stretch)));
+        gain[tap] = pattern_.gain[tap].load();
+    viewTaps->showPattern(gain.data(),
+                          shownMilliseconds(pattern_.length.load(), pattern_.sampleRate.load(), taps), taps,
+                          parameters::stretchBend(pattern_.stretch.load()));
 }
 
 void myEditor::showNotedChanges() {
     xmlGuiEditor::showNotedChanges();
-    if (loadShared(patternNoted_) == 0)
+    if (!patternNoted_.load())
         return;
-    storeShared(patternNoted_, 0u);
+    patternNoted_.store(false);
     showPattern();
 }
 
@@ -140,11 +137,11 @@ int myEditor::createControls(const char* name, SkinObject* object, SkinContext* 
     const int result = xmlGuiEditor::createControls(name, object, context);
     if (result != skin::kUnknownKind)
         return result;
-    if (equalIgnoringCase(name, "ViewTaps"))
+    if (base::equalIgnoringCase(name, "ViewTaps"))
         return buildViewTaps(object, context);
-    if (equalIgnoringCase(name, "NoteDisplay"))
+    if (base::equalIgnoringCase(name, "NoteDisplay"))
         return buildNoteDisplay(object, context);
-    if (equalIgnoringCase(name, "PresetsDisplay"))
+    if (base::equalIgnoringCase(name, "PresetsDisplay"))
         return readPresetsDisplay(object, context);
     return skin::kUnknownKind;
 }

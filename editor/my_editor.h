@@ -3,6 +3,7 @@
 // state of learning one.
 #pragma once
 
+#include "base/shared.h"
 #include "editor/note_display.h"
 #include "midi/learn_machine.h"
 #include "parameters/pattern_laws.h"
@@ -18,7 +19,7 @@ namespace editor {
 class ViewTaps;
 
 /// The levels of all taps, linear, 0..1.
-using TapGains = std::span<const float, parameters::kMaxTaps>;
+using TapGains = std::span<const base::Shared<float>, parameters::kMaxTaps>;
 
 class myEditor : public skin::xmlGuiEditor {
   public:
@@ -46,10 +47,10 @@ class myEditor : public skin::xmlGuiEditor {
     void showNotedChanges() override;
 
   private:
-    /// A pattern on its way to the window, each number shared.
+    /// A pattern on its way to the window.
     struct Pattern {
-        float taps, stretch, length, sampleRate;
-        std::array<float, parameters::kMaxTaps> gain;
+        base::Shared<float> taps, stretch, length, sampleRate;
+        std::array<base::Shared<float>, parameters::kMaxTaps> gain;
     };
 
     int buildViewTaps(const skin::SkinObject* object, skin::SkinContext* context);
@@ -60,8 +61,8 @@ class myEditor : public skin::xmlGuiEditor {
     void showPattern();
 
     TapGains effectGains_;
-    Pattern pattern_ = {};
-    std::uint32_t patternNoted_ = 0; ///< 1 if a thread has left a pattern to be shown; shared
+    Pattern pattern_;
+    base::Shared<bool> patternNoted_; ///< a thread has left a pattern to be shown
 
     ViewTaps* viewTaps = nullptr;        ///< not owned
     CNoteDisplay* noteDisplay = nullptr; ///< not owned

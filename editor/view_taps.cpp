@@ -1,7 +1,6 @@
 #include "editor/view_taps.h"
 
-#include "parameters/shared_field.h"
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 #include "vstgui/lib/cdrawcontext.h"
 #include "vstgui/lib/cfont.h"
@@ -15,9 +14,7 @@
 
 namespace editor {
 
-using parameters::loadShared;
-using parameters::storeShared;
-using parameters::trunc;
+using base::trunc;
 using VSTGUI::CButtonState;
 using VSTGUI::CColor;
 using VSTGUI::CCoord;
@@ -110,12 +107,12 @@ ViewTaps::ViewTaps(const CRect& size) : CControl(size, nullptr, -1) {}
 
 void ViewTaps::showPattern(const float* gains, std::int32_t milliseconds, std::int32_t taps, float stretch) {
     for (std::size_t i = 0; i < tapGain.size(); ++i)
-        storeShared(tapGain[i], gains[i]);
-    storeShared(shownMs, milliseconds);
-    storeShared(numTaps, std::clamp(taps, 1, kMaxTaps));
+        tapGain[i].store(gains[i]);
+    shownMs.store(milliseconds);
+    numTaps.store(std::clamp(taps, 1, kMaxTaps));
     setDirty(true);
-    storeShared(bend, stretch);
-    storeShared(stretched, 1);
+    bend.store(stretch);
+    stretched.store(1);
 }
 
 void ViewTaps::draw(CDrawContext* context) {
@@ -143,9 +140,9 @@ std::int64_t ViewTaps::drawBars(CDrawContext& context) {
     const CRect view = getViewSize();
     const std::int32_t height = trunc(view.bottom - view.top);
     const std::int64_t unit = 2 * std::int64_t{trunc(view.right - view.left)} / 128;
-    const std::int32_t taps = loadShared(numTaps);
-    const double shape = loadShared(bend);
-    const bool wide = loadShared(stretched) != 0;
+    const std::int32_t taps = numTaps.load();
+    const double shape = bend.load();
+    const bool wide = stretched.load() != 0;
     const float inv = 1.0f / static_cast<float>(taps);
     const float add = wide ? static_cast<float>(taps) * 0.022779042f : 0.0f;
     const float mul = wide ? inv * 45.9f : 1.0f;
@@ -156,7 +153,7 @@ std::int64_t ViewTaps::drawBars(CDrawContext& context) {
         const double s = 1 / (std::exp(4.0 - t * 8.0) + 1);
         const std::int64_t next =
             trunc((s + (1 - 2 * s) * shape) * static_cast<double>(unit) * mul + add + static_cast<double>(x));
-        const float gain = loadShared(tapGain[static_cast<std::size_t>(i)]);
+        const float gain = tapGain[static_cast<std::size_t>(i)].load();
         const auto full = static_cast<float>(height);
         const double y = (full - full * gain) + view.top - 1.0;
         for (std::int64_t column = 0; column < 3 && x + column <= next + 1; ++column) {
@@ -188,10 +185,10 @@ void ViewTaps::drawText(CDrawContext& context, std::int64_t end) {
     const CCoord x = trunc(static_cast<double>(end + 2) + view.left);
     const CCoord y = trunc(trunc(view.bottom - view.top) / 3 + view.top);
     char text[32];
-    std::snprintf(text, sizeof text, "%d", loadShared(shownMs));
+    std::snprintf(text, sizeof text, "%d", shownMs.load());
     drawMeasured(context, 0, text, CRect(x, y, x + 46, y + 14));
     drawMeasured(context, 1, " ms for", CRect(x, y + 14, x + 46, y + 28));
-    std::snprintf(text, sizeof text, "Taps: %d", loadShared(numTaps));
+    std::snprintf(text, sizeof text, "Taps: %d", numTaps.load());
     drawMeasured(context, 2, text, CRect(x, y + 28, x + 46, y + 42));
     context.drawRect(CRect(x, y + 43, x + 46, y + 51), VSTGUI::kDrawStroked);
     context.drawRect(CRect(x, y - 9, x + 46, y - 1), VSTGUI::kDrawStroked);
@@ -215,12 +212,12 @@ void ViewTaps::drawMeasured(CDrawContext& context, std::size_t place, const char
 
 /// Whether a warning is due; if so, takes its sign away, so that it is given once.
 bool ViewTaps::takeWarning() {
-    std::int32_t seen = loadShared(shownMs);
+    const std::int32_t seen = shownMs.load();
     if (seen >= 0)
         return false;
     const auto positive = static_cast<std::int32_t>(-static_cast<std::int64_t>(seen));
     // A pattern that arrives right now keeps its own number.
-    std::atomic_ref<std::int32_t>(shownMs).compare_exchange_strong(seen, positive, std::memory_order_relaxed);
+    shownMs.replace(seen, positive);
     return true;
 }
 

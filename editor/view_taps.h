@@ -6,6 +6,7 @@
 
 #include "parameters/pattern_laws.h"
 
+#include "base/shared.h"
 #include "vstgui/lib/controls/ccontrol.h"
 
 #include <array>
@@ -58,12 +59,12 @@ class ViewTaps final : public VSTGUI::CControl {
                       const VSTGUI::CRect& area);
     bool takeWarning();
 
-    // Shared with the thread that changes parameters: each is read and written atomically.
-    std::int32_t numTaps = kMaxTaps;
-    float bend = 0.5f;
-    std::array<float, kMaxTaps> tapGain = {};
-    std::int32_t shownMs = 0;
-    std::int32_t stretched = 1; ///< not 0: bars wide apart
+    // Written by the thread that changes parameters.
+    base::Shared<std::int32_t> numTaps = kMaxTaps;
+    base::Shared<float> bend = 0.5f;
+    std::array<base::Shared<float>, kMaxTaps> tapGain = {};
+    base::Shared<std::int32_t> shownMs;
+    base::Shared<std::int32_t> stretched = 1; ///< not 0: bars wide apart
     // The window's own.
     struct MeasuredText {
         std::string text;

@@ -1,6 +1,5 @@
 #include "midi/cc_map.h"
 
-#include "parameters/shared_field.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -21,14 +20,14 @@ Entries allEntries(std::int32_t controller) {
 
 } // namespace
 
-Entries ccMap = allEntries(kNoController);
+std::array<SharedController, parameters::kNumParameters> ccMap;
 
 std::int32_t controllerOf(std::int32_t id) {
-    return parameters::loadShared(ccMap[static_cast<std::size_t>(id)]);
+    return ccMap[static_cast<std::size_t>(id)].load();
 }
 
 void bindController(std::int32_t id, std::int32_t controller) {
-    parameters::storeShared(ccMap[static_cast<std::size_t>(id)], controller);
+    ccMap[static_cast<std::size_t>(id)].store(controller);
 }
 
 void readCcMap(const std::string& moduleFolder) {

@@ -2,6 +2,7 @@
 // each controller that arrives, and sees at once what another has changed.
 #pragma once
 
+#include "base/shared.h"
 #include "parameters/parameter_table.h"
 
 #include <array>
@@ -13,8 +14,13 @@ namespace midi {
 /// The entry of a parameter that no controller drives.
 constexpr std::int32_t kNoController = -1;
 
-/// The controller number of each parameter id. Shared by all instances and threads; use the functions below.
-extern std::array<std::int32_t, parameters::kNumParameters> ccMap;
+/// The controller of one parameter; none at first.
+struct SharedController : base::Shared<std::int32_t> {
+    constexpr SharedController() : Shared(kNoController) {}
+};
+
+/// The controller number of each parameter id, for all instances.
+extern std::array<SharedController, parameters::kNumParameters> ccMap;
 
 /// The controller of a parameter id in 0..20, or kNoController. Any thread.
 std::int32_t controllerOf(std::int32_t id);

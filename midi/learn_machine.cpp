@@ -2,12 +2,8 @@
 
 #include "midi/cc_map.h"
 #include "parameters/parameter_table.h"
-#include "parameters/shared_field.h"
 
 namespace midi {
-
-using parameters::loadShared;
-using parameters::storeShared;
 
 namespace {
 
@@ -18,19 +14,19 @@ constexpr int kControlChange = 0xB0;
 void LearnMachine::controlChanged(std::int32_t tag, float value) {
     const bool isOverlay = tag >= kLearnTagBase && tag < kLearnTagBase + parameters::kNumParameters;
     if (isOverlay && value == 1.0f)
-        storeShared(learnTarget, tag);
+        learnTarget.store(tag);
 }
 
 void LearnMachine::disarm() {
-    storeShared(learnTarget, kNobody);
+    learnTarget.store(kNobody);
 }
 
 void LearnMachine::bind(std::int32_t controller) {
-    const std::int32_t tag = loadShared(learnTarget);
+    const std::int32_t tag = learnTarget.load();
     if (tag == kNobody)
         return;
     bindController(tag - kLearnTagBase, controller);
-    storeShared(learnTarget, kNobody);
+    learnTarget.store(kNobody);
 }
 
 void LearnMachine::learnFromMidi(const std::uint8_t* midiData) {
@@ -39,7 +35,7 @@ void LearnMachine::learnFromMidi(const std::uint8_t* midiData) {
 }
 
 bool LearnMachine::isArmed() const {
-    return loadShared(learnTarget) != kNobody;
+    return learnTarget.load() != kNobody;
 }
 
 } // namespace midi

@@ -3,6 +3,8 @@
 // today, it stays idle; bindings come from the map's file.
 #pragma once
 
+#include "base/shared.h"
+
 #include <cstdint>
 
 namespace midi {
@@ -11,7 +13,7 @@ namespace midi {
 constexpr std::int32_t kLearnTagBase = 0x100000;
 
 /// Idle, or armed with the one overlay that waits for a controller. Armed on the window's thread, read and
-/// disarmed by whatever thread brings MIDI; the one field that both touch is accessed atomically.
+/// disarmed by whatever thread brings MIDI.
 class LearnMachine {
   public:
     /// A control has reported a value, normalised: exactly 1 from the overlay of a parameter arms it, in
@@ -31,7 +33,7 @@ class LearnMachine {
 
   private:
     static constexpr std::int32_t kNobody = -1;
-    std::int32_t learnTarget = kNobody; ///< the tag of the overlay that waits; shared
+    base::Shared<std::int32_t> learnTarget = kNobody; ///< the tag of the overlay that waits
 };
 
 } // namespace midi

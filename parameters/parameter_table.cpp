@@ -1,7 +1,7 @@
 #include "parameters/parameter_table.h"
 
-#include "parameters/number_text.h"
-#include "parameters/truncation.h"
+#include "base/number_text.h"
+#include "base/truncation.h"
 
 #include <algorithm>
 #include <string>
@@ -19,20 +19,20 @@ void write(const std::string& display, char* text) {
 }
 
 std::string threeDecimals(float value) {
-    return fixedText(static_cast<double>(value), 3);
+    return base::fixedText(static_cast<double>(value), 3);
 }
 
 void displayBaseLength(float p, char* text) {
-    write(std::to_string(trunc(p * p * 1000.0f * 2.0f + 1.0f)), text);
+    write(std::to_string(base::trunc(p * p * 1000.0f * 2.0f + 1.0f)), text);
 }
 void displayTaps(float p, char* text) {
-    write(std::to_string(trunc(p * 127.0f + 1.0f)), text);
+    write(std::to_string(base::trunc(p * 127.0f + 1.0f)), text);
 }
 void displayLfoRate(float p, char* text) {
     write(threeDecimals(p * 14.0f * p), text);
 }
 void displayStretch(float p, char* text) {
-    write(std::to_string(trunc(p * 60.0f - 30.0f)) + " %", text);
+    write(std::to_string(base::trunc(p * 60.0f - 30.0f)) + " %", text);
 }
 void displayBipolar(float p, char* text) {
     write(threeDecimals(2.0f * p - 1.0f), text);
@@ -44,13 +44,13 @@ void displaySet(float p, char* text) {
     write(interpolationModeOf(p) == kWholeSamples ? "LFO Off,Use Pitch Off" : "LFO On,Use Pitch On", text);
 }
 void displayLowPass(float p, char* text) {
-    write(std::to_string(trunc(p * 20090.0f * p + 500.0f)), text);
+    write(std::to_string(base::trunc(p * 20090.0f * p + 500.0f)), text);
 }
 void displayHighPass(float p, char* text) {
-    write(std::to_string(trunc(p * 2400.0f * p + 102.0f)), text);
+    write(std::to_string(base::trunc(p * 2400.0f * p + 102.0f)), text);
 }
 void displayGain(float p, char* text) {
-    dB2string(p, text, 8);
+    base::dB2string(p, text, 8);
 }
 void displayDryWet(float p, char* text) {
     write(threeDecimals(1.0f - p) + " / " + threeDecimals(p), text);
@@ -94,7 +94,7 @@ std::array<float, kNumParameters> defaultValues() {
 }
 
 std::int32_t interpolationModeOf(float set) {
-    return trunc(2.0f - (set + set));
+    return base::trunc(2.0f - (set + set));
 }
 
 } // namespace parameters

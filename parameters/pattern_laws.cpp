@@ -1,6 +1,6 @@
 #include "parameters/pattern_laws.h"
 
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,7 @@ float stretchBend(float stretch) {
 }
 
 std::int32_t numTapsOf(float taps) {
-    return std::clamp(trunc(taps * 127.0f + 1.0f), 1, kMaxTaps);
+    return std::clamp(base::trunc(taps * 127.0f + 1.0f), 1, kMaxTaps);
 }
 
 } // namespace parameters

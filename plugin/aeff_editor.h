@@ -2,7 +2,7 @@
 // runs on the host's window thread.
 #pragma once
 
-#include "parameters/shared_field.h"
+#include "base/shared.h"
 #include "vst2/vst2.h"
 
 #include <cstdint>
@@ -26,12 +26,12 @@ class AEffEditor {
     }
     /// `ptr` is the host's parent window.
     virtual bool open(void* ptr) {
-        parameters::storeShared(systemWindow, ptr);
+        systemWindow.store(ptr);
         return false;
     }
-    virtual void close() { parameters::storeShared<void*>(systemWindow, nullptr); }
+    virtual void close() { systemWindow.store(nullptr); }
     /// Any thread.
-    virtual bool isOpen() { return parameters::loadShared(systemWindow) != nullptr; }
+    virtual bool isOpen() { return systemWindow.load() != nullptr; }
     virtual void idle() {}
     /// True if the key was used.
     virtual bool onKeyDown(vst2::VstKeyCode&) { return false; }
@@ -40,8 +40,8 @@ class AEffEditor {
     virtual bool setKnobMode(std::int32_t) { return false; }
 
   protected:
-    AudioEffect* effect;          ///< not owned
-    void* systemWindow = nullptr; ///< the host's; shared
+    AudioEffect* effect;              ///< not owned
+    base::Shared<void*> systemWindow; ///< the host's
 };
 
 } // namespace plugin

@@ -1,6 +1,6 @@
 #include "plugin/audio_effect.h"
 
-#include "parameters/number_text.h"
+#include "base/number_text.h"
 
 namespace plugin {
 
@@ -123,23 +123,23 @@ void AudioEffect::setEditor(AEffEditor* newEditor) {
 }
 
 void AudioEffect::dB2string(float value, char* text, std::size_t maxLen) const {
-    parameters::dB2string(value, text, maxLen);
+    base::dB2string(value, text, maxLen);
 }
 
 void AudioEffect::Hz2string(float samples, char* text, std::size_t maxLen) const {
-    parameters::float2string(samples == 0.0f ? 0.0f : sampleRate / samples, text, maxLen);
+    base::float2string(samples == 0.0f ? 0.0f : getSampleRate() / samples, text, maxLen);
 }
 
 void AudioEffect::ms2string(float samples, char* text, std::size_t maxLen) const {
-    parameters::float2string(samples * 1000.0f / sampleRate, text, maxLen);
+    base::float2string(samples * 1000.0f / getSampleRate(), text, maxLen);
 }
 
 void AudioEffect::float2string(float value, char* text, std::size_t maxLen) const {
-    parameters::float2string(value, text, maxLen);
+    base::float2string(value, text, maxLen);
 }
 
 void AudioEffect::int2string(std::int32_t value, char* text, std::size_t maxLen) const {
-    parameters::int2string(value, text, maxLen);
+    base::int2string(value, text, maxLen);
 }
 
 std::intptr_t AudioEffect::callHost(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,

@@ -5,7 +5,7 @@
 // No lock is taken anywhere in the frame, and nothing is assumed about the calling thread.
 #pragma once
 
-#include "parameters/shared_field.h"
+#include "base/shared.h"
 #include "plugin/aeff_editor.h"
 #include "vst2/vst2.h"
 
@@ -31,7 +31,7 @@ class AudioEffect {
     virtual void close() {}
     virtual void suspend() {}
     virtual void resume() {}
-    virtual void setSampleRate(float rate) { sampleRate = rate; }
+    virtual void setSampleRate(float rate) { sampleRate.store(rate); }
     virtual void setBlockSize(std::int32_t frames) { blockSize = frames; }
 
     /// Audio: channels x frames. The audio thread.
@@ -45,8 +45,8 @@ class AudioEffect {
     /// For a change made by the person: sets the parameter, then tells the host.
     virtual void setParameterAutomated(std::int32_t id, float value);
 
-    virtual std::int32_t getProgram() { return curProgram; }
-    virtual void setProgram(std::int32_t program) { curProgram = program; }
+    virtual std::int32_t getProgram() { return curProgram.load(); }
+    virtual void setProgram(std::int32_t program) { curProgram.store(program); }
     virtual void setProgramName(char*) {}
     virtual void getProgramName(char* text) { *text = '\0'; }
     virtual void getParameterLabel(std::int32_t, char* text) { *text = '\0'; }
@@ -71,13 +71,13 @@ class AudioEffect {
 
     AEffEditor* getEditor() { return editor.get(); }
     vst2::AEffect* getAeffect() { return &cEffect; }
-    float getSampleRate() const { return parameters::loadShared(sampleRate); }
+    float getSampleRate() const { return sampleRate.load(); }
     std::int32_t getBlockSize() const { return blockSize; }
 
     /// Lets the host do its own idle work.
     void masterIdle() { callHost(vst2::audioMasterIdle); }
 
-    /// Numbers as hosts show them; `text` holds maxLen + 1 bytes. See parameters/number_text.h.
+    /// Numbers as hosts show them; `text` holds maxLen + 1 bytes. See base/number_text.h.
     void dB2string(float value, char* text, std::size_t maxLen) const;
     void Hz2string(float samples, char* text, std::size_t maxLen) const;
     void ms2string(float samples, char* text, std::size_t maxLen) const;
@@ -91,11 +91,11 @@ class AudioEffect {
 
     vst2::audioMasterCallback audioMaster;
     std::unique_ptr<AEffEditor> editor;
-    float sampleRate = 44100.0f; ///< Hz; shared
+    base::Shared<float> sampleRate = 44100.0f; ///< Hz
     std::int32_t blockSize = 1024;
     std::int32_t numPrograms;
     std::int32_t numParams;
-    std::int32_t curProgram = 0; ///< shared
+    base::Shared<std::int32_t> curProgram;
     vst2::AEffect cEffect = {};
 
   private:

@@ -1,6 +1,6 @@
 #include "plugin/audio_effect_x.h"
 
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 namespace plugin {
 
@@ -65,7 +65,7 @@ std::intptr_t AudioEffectX::editKey(std::int32_t opcode, std::int32_t character,
     if (!editor)
         return 0;
     VstKeyCode key = {character, static_cast<unsigned char>(virtualKey),
-                      static_cast<unsigned char>(parameters::trunc(modifier))};
+                      static_cast<unsigned char>(base::trunc(modifier))};
     return opcode == effEditKeyDown ? editor->onKeyDown(key) : editor->onKeyUp(key);
 }
 

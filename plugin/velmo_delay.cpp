@@ -1,10 +1,10 @@
 #include "plugin/velmo_delay.h"
 
+#include "base/number_text.h"
+#include "base/recompute.h"
 #include "editor/my_editor.h"
 #include "midi/cc_map.h"
-#include "parameters/number_text.h"
 #include "parameters/parameter_table.h"
-#include "parameters/recompute.h"
 #include "platform/large_pages.h"
 #include "platform/module_folder.h"
 
@@ -14,6 +14,7 @@
 
 namespace plugin {
 
+using base::copyText;
 using namespace parameters;
 
 namespace {
@@ -75,9 +76,9 @@ void velmo_delay::startUp() {
     notes = {};
     engine.startUp();
     programs.clearStaging();
-    parameters::storeShared(sampleRate, 44100.0f);
+    sampleRate.store(44100.0f);
     loadDefaultBank();
-    setProgram(curProgram);
+    setProgram(getProgram());
     updateDisplay();
 }
 
@@ -93,7 +94,7 @@ void velmo_delay::resume() {
 }
 
 void velmo_delay::setSampleRate(float newRate) {
-    parameters::storeInOrder(sampleRate, newRate);
+    sampleRate.storeInOrder(newRate);
     engine.prepare(sampleRate);
 }
 
@@ -145,9 +146,9 @@ void velmo_delay::loadParameter(std::int32_t id) {
         std::int32_t program;
         float value;
     };
-    computeFrom(
+    base::computeFrom(
         [&] {
-            const std::int32_t program = loadInOrder(curProgram);
+            const std::int32_t program = curProgram.loadInOrder();
             return Stored{program, programs.value(program, id)};
         },
         [&](const Stored& stored) { engine.setParameterValue(id, stored.value); });
@@ -161,7 +162,7 @@ void velmo_delay::setProgram(std::int32_t program) {
     engine.clearDelayMemory();
     if (program < 0 || program >= programs.size())
         return;
-    parameters::storeInOrder(curProgram, program);
+    curProgram.storeInOrder(program);
     for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
         loadParameter(id);
     engine.computeTapPattern(sampleRate);

@@ -3,7 +3,7 @@
 //
 // What crosses from one thread to another, and how. No lock guards any of it; every such field is a plain
 // 32-bit value (or a byte), written and read by relaxed atomic accesses. What follows from other fields is
-// computed again if they have changed meanwhile (parameters/recompute.h), so that no race of two writers
+// computed again if they have changed meanwhile (base/recompute.h), so that no race of two writers
 // outlives them.
 //
 //   field                        written by                              read by
@@ -59,7 +59,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     float getParameter(std::int32_t id) override;
     /// Forgets every echo, whatever the number; then selects the program if there is one. Any thread.
     void setProgram(std::int32_t program) override;
-    std::int32_t getProgram() override { return parameters::loadShared(curProgram); }
+    std::int32_t getProgram() override { return curProgram.load(); }
     void setProgramName(char* name) override;
     void getProgramName(char* text) override;
     /// Writes an empty text: there are no unit labels.
@@ -85,7 +85,7 @@ class velmo_delay final : public AudioEffectX, private presets::BankReceiver, pr
     void drawPattern();
     void storeParameter(std::int32_t id, float value);
     void loadParameter(std::int32_t id);
-    float rate() const { return parameters::loadShared(sampleRate); }
+    float rate() const { return sampleRate.load(); }
 
     std::int32_t uniqueID() override { return cEffect.uniqueID; }
     void programChange(std::int32_t program) override { setProgram(program); }

@@ -1,6 +1,6 @@
 #include "presets/delay_program.h"
 
-#include "parameters/number_text.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 

@@ -5,8 +5,10 @@
 // what a host was handed stays as it was while the programs go on changing.
 #pragma once
 
+#include "base/shared.h"
 #include "presets/delay_program.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -16,6 +18,21 @@ namespace presets {
 constexpr std::int32_t kNumPrograms = 128;
 constexpr std::int32_t kPresetChunkSize = sizeof(DelayProgram);
 constexpr std::int32_t kBankChunkSize = kNumPrograms * kPresetChunkSize;
+
+/// A program of the store. Its values may change on any thread while a host saves or loads; the rest belongs
+/// to the host's own thread.
+struct StoredProgram {
+    /// The default program.
+    StoredProgram() { store({}); }
+
+    DelayProgram load() const;
+    void store(const DelayProgram& program);
+
+    std::array<base::Shared<float>, parameters::kNumParameters> values; ///< normalised, by id
+    char name[kProgramNameLength];
+    char terminator;
+    char reserved[3];
+};
 
 class ProgramStore {
   public:
@@ -47,7 +64,9 @@ class ProgramStore {
     void setChunk(const void* data, std::int32_t byteSize, std::int32_t program, bool isPreset);
 
   private:
-    std::unique_ptr<DelayProgram[]> programs;
+    void stagePrograms();
+
+    std::unique_ptr<StoredProgram[]> programs;
     DelayProgram chunkPrograms[kNumPrograms];
 };
 

@@ -1,7 +1,6 @@
 #include "skin/aeff_gui_editor.h"
 
-#include "parameters/shared_field.h"
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 #include "platform/clock.h"
 #include "platform/threads.h"
 
@@ -11,7 +10,7 @@
 
 namespace skin {
 
-using parameters::trunc;
+using base::trunc;
 using VSTGUI::CFrame;
 using VSTGUI::CPoint;
 using VSTGUI::CRect;
@@ -36,7 +35,7 @@ VSTGUI::Modifiers modifiersOf(const vst2::VstKeyCode& key) {
 
 } // namespace
 
-std::int32_t AEffGUIEditor::knobMode = VSTGUI::kCircularMode;
+base::Shared<std::int32_t> AEffGUIEditor::knobMode = VSTGUI::kCircularMode;
 
 AEffGUIEditor::AEffGUIEditor(plugin::AudioEffectX* owner)
     : AEffEditor(owner), lastTicks(platform::milliseconds()), effectX_(owner) {
@@ -51,7 +50,7 @@ bool AEffGUIEditor::getRect(vst2::ERect** size) {
 }
 
 bool AEffGUIEditor::open(void* ptr) {
-    parameters::storeShared(systemWindow, ptr);
+    systemWindow.store(ptr);
     return openFrame(rect.right - rect.left, rect.bottom - rect.top, nullptr, ptr);
 }
 
@@ -76,19 +75,20 @@ void AEffGUIEditor::closeFrame() {
 }
 
 void AEffGUIEditor::setFrame(CFrame* newFrame) {
-    std::atomic_ref<CFrame*>(frame).store(newFrame, std::memory_order_relaxed);
+    frame = newFrame;
+    hasFrame_.store(newFrame != nullptr);
 }
 
 bool AEffGUIEditor::hasFrame() const {
-    return std::atomic_ref<CFrame*>(const_cast<CFrame*&>(frame)).load(std::memory_order_relaxed) != nullptr;
+    return hasFrame_.load();
 }
 
 void AEffGUIEditor::noteWindowThread() {
-    windowThread_.store(platform::currentThread(), std::memory_order_relaxed);
+    windowThread_.store(platform::currentThread());
 }
 
 bool AEffGUIEditor::onWindowThread() const {
-    return windowThread_.load(std::memory_order_relaxed) == platform::currentThread();
+    return windowThread_.load() == platform::currentThread();
 }
 
 void AEffGUIEditor::idle() {
@@ -132,12 +132,12 @@ bool AEffGUIEditor::onWheel(float distance) {
 }
 
 bool AEffGUIEditor::setKnobMode(std::int32_t value) {
-    parameters::storeShared(knobMode, value);
+    knobMode.store(value);
     return true;
 }
 
 std::int32_t AEffGUIEditor::getKnobMode() const {
-    return parameters::loadShared(knobMode);
+    return knobMode.load();
 }
 
 void AEffGUIEditor::beginEdit(std::int32_t index) {

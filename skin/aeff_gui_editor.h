@@ -11,6 +11,7 @@
 #include "plugin/audio_effect_x.h"
 #include "vst2/vst2.h"
 
+#include "base/shared.h"
 #include "vstgui/lib/cframe.h"
 
 #include <atomic>
@@ -75,9 +76,10 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     platform::Toolkit toolkit_;
     platform::ToolkitWindow window_;
     plugin::AudioEffectX* effectX_;
-    std::atomic<std::uint64_t> windowThread_;
+    base::Shared<std::uint64_t> windowThread_;
+    base::Shared<bool> hasFrame_ = false;
 
-    static std::int32_t knobMode; ///< of all editors; shared
+    static base::Shared<std::int32_t> knobMode; ///< of all editors
 };
 
 } // namespace skin

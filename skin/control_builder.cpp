@@ -3,11 +3,11 @@
 // those before it.
 #include "skin/xml_gui_editor.h"
 
+#include "base/ascii.h"
+#include "base/truncation.h"
 #include "editor/about.h"
 #include "editor/displays.h"
-#include "parameters/truncation.h"
 #include "platform/message_box.h"
-#include "skin/ascii.h"
 #include "skin/object_reader.h"
 #include "skin/skin_menu.h"
 #include "skin/skin_slider.h"
@@ -28,7 +28,7 @@
 
 namespace skin {
 
-using parameters::trunc;
+using base::trunc;
 using VSTGUI::CBitmap;
 using VSTGUI::CControl;
 using VSTGUI::COptionMenu;
@@ -68,7 +68,7 @@ void readColour(const char* text, VSTGUI::CColor& colour) {
 
 /// A folder's name as the menu of skins shows it.
 std::string skinTitle(const char* name) {
-    if (equalIgnoringCase(name, "skin"))
+    if (base::equalIgnoringCase(name, "skin"))
         return "Default Skin";
     std::string title = name;
     if (!title.empty() && title[0] >= 'a' && title[0] <= 'z')
@@ -161,7 +161,7 @@ const xmlGuiEditor::Kind* xmlGuiEditor::kindOf(const char* name) {
         {"vumeter", &Editor::buildVuMeter},
     };
     for (const Kind& known : kinds)
-        if (equalIgnoringCase(name, known.name))
+        if (base::equalIgnoringCase(name, known.name))
             return &known;
     return nullptr;
 }
@@ -374,10 +374,10 @@ int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
 
 void xmlGuiEditor::addEntries(COptionMenu* menu, const SkinObject& object, std::int32_t id) {
     const XmlNode* const list = object.node->child;
-    if (!list || !equalIgnoringCase(list->name, "list"))
+    if (!list || !base::equalIgnoringCase(list->name, "list"))
         return fillOptionMenu(menu, id);
     for (const XmlNode* entry = list->child; entry; entry = entry->next)
-        if (equalIgnoringCase(entry->name, "entry"))
+        if (base::equalIgnoringCase(entry->name, "entry"))
             menu->addEntry(entry->text ? entry->text : "");
 }
 

@@ -1,6 +1,6 @@
 #include "skin/expression.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 
 #include <cstdlib>
 #include <limits>
@@ -78,7 +78,7 @@ const char* skipBlanks(const char* at) {
 }
 
 bool beginsName(char byte) {
-    return isLetter(byte) || byte == '_';
+    return base::isLetter(byte) || byte == '_';
 }
 
 /// The same for names that differ only in case.
@@ -95,7 +95,7 @@ std::uint8_t hashOf(std::string_view name) {
 ExprEntry* findConstant(ExprTable& table, std::string_view name) {
     const std::uint8_t hash = hashOf(name);
     for (ExprEntry& entry : table)
-        if (entry.hash == hash && equalIgnoringCase(entry.name, name))
+        if (entry.hash == hash && base::equalIgnoringCase(entry.name, name))
             return &entry;
     return nullptr;
 }
@@ -178,7 +178,7 @@ bool Evaluation::readOperand(const char** at, double* value) {
         ++*at;
         return readLevel(at, value, groupPriority);
     }
-    if (isDigit(**at))
+    if (base::isDigit(**at))
         return readNumber(at, value);
     if (beginsName(**at))
         return readConstant(at, value);
@@ -189,7 +189,7 @@ bool Evaluation::readNumber(const char** at, double* value) {
     double digits = 0.0;
     double scale = 1.0;
     bool pointSeen = false;
-    for (; isDigit(**at) || **at == '.'; ++*at) {
+    for (; base::isDigit(**at) || **at == '.'; ++*at) {
         if (**at == '.') {
             if (pointSeen)
                 return false;
@@ -205,7 +205,7 @@ bool Evaluation::readNumber(const char** at, double* value) {
 }
 
 bool Evaluation::readConstant(const char** at, double* value) {
-    const std::string_view name = nameAt(*at);
+    const std::string_view name = base::nameAt(*at);
     if (name.size() > longestName)
         std::abort();
     const ExprEntry* entry = findConstant(constants_, name);
@@ -222,7 +222,7 @@ bool exprEvaluate(ExprTable* table, const char* text, int* position, double* res
     const char* at = skipBlanks(text + *position);
     if (!beginsName(*at))
         return exprParse(table, text, position, result, 0);
-    const std::string_view name = nameAt(at);
+    const std::string_view name = base::nameAt(at);
     at += name.size();
     // The room for a name at the head is counted from the start of the text, blanks before it included.
     if (static_cast<std::size_t>(at - text) > longestName)

@@ -1,10 +1,10 @@
 #include "skin/object_reader.h"
 
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 namespace skin {
 
-using parameters::trunc;
+using base::trunc;
 using VSTGUI::CBitmap;
 
 double xmlGuiEditor::ObjectReader::number(const char* tag) {

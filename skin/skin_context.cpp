@@ -1,10 +1,10 @@
 #include "skin/skin_context.h"
 
+#include "base/ascii.h"
 #include "platform/folders.h"
 #include "platform/module_folder.h"
 #include "platform/settings.h"
 #include "platform/toolkit.h"
-#include "skin/ascii.h"
 #include "skin/fixed_text.h"
 #include "skin/images.h"
 #include "skin/xml_gui_editor.h"
@@ -89,7 +89,7 @@ void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xm
 
 VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {
     for (const SkinBitmap& known : context->bitmaps)
-        if (equalIgnoringCase(known.name, name))
+        if (base::equalIgnoringCase(known.name, name))
             return known.bitmap;
     const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap =
         loadImage(context->path, name, context->pictureAllowance, context->displayMemory);

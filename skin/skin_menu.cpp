@@ -1,12 +1,12 @@
 #include "skin/skin_menu.h"
 
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 namespace skin {
 
 void SkinMenu::showValue(float newValue) {
     value = newValue;
-    const std::int32_t nearest = parameters::trunc(newValue + 0.5f);
+    const std::int32_t nearest = base::trunc(newValue + 0.5f);
     const bool isEntry = newValue >= 0.0f && nearest < getNbEntries();
     currentIndex = isEntry ? nearest : -1;
 }

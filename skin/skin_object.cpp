@@ -1,6 +1,6 @@
 #include "skin/skin_object.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 #include "skin/fixed_text.h"
 
 namespace skin {
@@ -16,7 +16,7 @@ SkinObject::SkinObject(XmlNode* element) : text(element->text), node(element) {
 
 const SkinTag* findTag(const SkinObject& object, const char* name) {
     for (const SkinTag& tag : object.tags)
-        if (equalIgnoringCase(tag.name, name))
+        if (base::equalIgnoringCase(tag.name, name))
             return &tag;
     return nullptr;
 }

@@ -1,14 +1,13 @@
 #include "skin/xml_gui_editor.h"
 
+#include "base/ascii.h"
+#include "base/truncation.h"
 #include "editor/default_values.h"
 #include "editor/displays.h"
 #include "parameters/parameter_table.h"
-#include "parameters/shared_field.h"
-#include "parameters/truncation.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/message_box.h"
-#include "skin/ascii.h"
 #include "skin/skin_menu.h"
 #include "skin/skin_object.h"
 
@@ -27,9 +26,7 @@
 
 namespace skin {
 
-using parameters::loadShared;
-using parameters::storeShared;
-using parameters::trunc;
+using base::trunc;
 using VSTGUI::CControl;
 
 namespace {
@@ -63,7 +60,8 @@ void drawBeforeMessage() {
 xmlGuiEditor::xmlGuiEditor(plugin::AudioEffectX* owner) : AEffGUIEditor(owner) {
     editor::resetOnlyControlsWithDefault();
     // No id, so that the first one is not taken for a repetition.
-    std::ranges::fill(updateQueue, std::numeric_limits<std::int32_t>::min());
+    for (base::Shared<std::int32_t>& entry : updateQueue)
+        entry.store(std::numeric_limits<std::int32_t>::min());
     loadSkin(nullptr, true);
 }
 
@@ -116,12 +114,12 @@ bool xmlGuiEditor::readSkin(SkinContext& context) {
         std::printf("%s%s skin file missing\n", context.path, "skin.xml");
         return false;
     }
-    if (!equalIgnoringCase(root->name, "GUI")) {
+    if (!base::equalIgnoringCase(root->name, "GUI")) {
         std::printf("<GUI> node missing\n");
         return false;
     }
     for (XmlNode* child = root->child; child; child = child->next) {
-        if (context.backgroundOnly && !equalIgnoringCase(child->name, "background"))
+        if (context.backgroundOnly && !base::equalIgnoringCase(child->name, "background"))
             continue;
         SkinObject object(child);
         createControls(child->name, &object, &context);
@@ -146,12 +144,12 @@ bool xmlGuiEditor::open(void* ptr) {
         return false;
     // A host that opens twice gets its second window in place of the first.
     closeFrame();
-    storeShared(systemWindow, ptr);
+    systemWindow.store(ptr);
     resetLists();
-    storeShared(notedChanges_, 0u);
+    notedChanges_.store(0u);
     const bool loaded = loadSkinOrNothing(ptr);
     skinLoaded = 1;
-    storeShared(queueRead, 0);
+    queueRead.store(0);
     if (std::exchange(isClosedWhileReading_, false)) {
         close();
         return false;
@@ -234,12 +232,11 @@ void xmlGuiEditor::noteChange(std::int32_t index, float value) {
         bits = kRefreshScaledBit;
     else if (index >= 0 && index < parameters::kNumParameters)
         bits = 1u << index;
-    std::atomic_ref<std::uint32_t>(notedChanges_).fetch_or(bits, std::memory_order_relaxed);
+    notedChanges_.setBits(bits);
 }
 
 void xmlGuiEditor::showNotedChanges() {
-    const std::uint32_t bits =
-        std::atomic_ref<std::uint32_t>(notedChanges_).exchange(0, std::memory_order_relaxed);
+    const std::uint32_t bits = notedChanges_.exchange(0);
     if (bits & kRefreshAllBit)
         showAllParameters();
     if (bits & kRefreshScaledBit)
@@ -323,14 +320,14 @@ void xmlGuiEditor::markUpdateLinks(std::int32_t src) {
 void xmlGuiEditor::queueParameterUpdate(std::int32_t id) {
     if (!hasFrame())
         return;
-    const std::int32_t write = loadShared(queueWrite) & kQueueMask;
+    const std::int32_t write = queueWrite.load() & kQueueMask;
     const std::int32_t next = (write + 1) & kQueueMask;
-    const bool isFull = next == loadShared(queueRead);
-    const bool isRepeated = loadShared(updateQueue[(write - 1) & kQueueMask]) == id;
+    const bool isFull = next == queueRead.load();
+    const bool isRepeated = updateQueue[(write - 1) & kQueueMask].load() == id;
     if (isFull || isRepeated)
         return;
-    storeShared(updateQueue[write], id);
-    storeShared(queueWrite, next);
+    updateQueue[write].store(id);
+    queueWrite.store(next);
 }
 
 // Time
@@ -346,10 +343,10 @@ void xmlGuiEditor::idle() {
 }
 
 void xmlGuiEditor::serveQueue() {
-    const std::int32_t read = loadShared(queueRead);
-    if (read == (loadShared(queueWrite) & kQueueMask))
+    const std::int32_t read = queueRead.load();
+    if (read == (queueWrite.load() & kQueueMask))
         return;
-    const std::int32_t id = loadShared(updateQueue[read]);
+    const std::int32_t id = updateQueue[read].load();
     const std::vector<CControl*> views = controls();
     const auto found = std::ranges::find(views, id, &CControl::getTag);
     if (found != views.end()) {
@@ -357,7 +354,7 @@ void xmlGuiEditor::serveQueue() {
         if (!isBehind)
             (*found)->setDirty(true);
     }
-    storeShared(queueRead, (read + 1) & kQueueMask);
+    queueRead.store((read + 1) & kQueueMask);
 }
 
 void xmlGuiEditor::showHint() {

@@ -12,6 +12,7 @@
 #include "skin/grow_array.h"
 #include "skin/skin_context.h"
 
+#include "base/shared.h"
 #include "vstgui/lib/controls/icontrollistener.h"
 
 #include <cstdint>
@@ -138,10 +139,10 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     std::uint8_t skinLoaded = 0;                        ///< from open() to close()
     GrowArray<editor::CParamDisplayLink*> displayLinks; ///< not owned
     GrowArray<UpdateLink> updateLinks;
-    std::int32_t updateQueue[256] = {}; ///< a ring of parameter ids; shared
-    std::int32_t queueRead = 0;         ///< 0..255; shared
-    std::int32_t queueWrite = 0;        ///< 0..255; shared
-    GrowArray<std::int32_t> menuIds;    ///< parameters that are shown by a menu
+    base::Shared<std::int32_t> updateQueue[256]; ///< a ring of parameter ids
+    base::Shared<std::int32_t> queueRead;        ///< 0..255
+    base::Shared<std::int32_t> queueWrite;       ///< 0..255
+    GrowArray<std::int32_t> menuIds;             ///< parameters that are shown by a menu
     GrowArray<MenuAction> menuActions;
     std::int32_t aboutCount = 0;
     VSTGUI::CSplashScreen* aboutBoxes[4] = {}; ///< not owned
@@ -211,7 +212,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     bool isReading_ = false;                                ///< a skin, which may show messages
     bool isClosedWhileReading_ = false;                     ///< by the host, while such a message stood open
     std::shared_ptr<bool> life_ = std::make_shared<bool>(); ///< ends with the editor
-    std::uint32_t notedChanges_ = 0; ///< a bit for each parameter, and those for all of them; shared
+    base::Shared<std::uint32_t> notedChanges_; ///< a bit for each parameter, and those for all of them
 };
 
 } // namespace skin

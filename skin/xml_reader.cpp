@@ -1,6 +1,6 @@
 #include "skin/xml_reader.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 
 #include <atomic>
 #include <climits>
@@ -126,8 +126,8 @@ const char* parseValue(const char* at, std::string_view name, XmlAttr**& tail) {
 const char* parseAttributes(const char* at, XmlNode* node) {
     XmlAttr** tail = &node->attrs;
     at = skipSpace(at);
-    while (at && (isLetter(*at) || *at == '_')) {
-        const std::string_view name = nameAt(at);
+    while (at && (base::isLetter(*at) || *at == '_')) {
+        const std::string_view name = base::nameAt(at);
         at = skipSpace(at + name.size());
         if (!at || *at != '=')
             continue; // a bare name is dropped
@@ -154,11 +154,11 @@ const char* parseClosingTag(const char* at, const char* openingName) {
     at = skipSpace(at);
     if (!at)
         return nullptr;
-    const std::string_view name = nameAt(at);
+    const std::string_view name = base::nameAt(at);
     if (name.size() > longestClosingName)
         std::abort();
     at = skipSpace(at + name.size());
-    if (!at || *at != '>' || !equalIgnoringCase(name, openingName))
+    if (!at || *at != '>' || !base::equalIgnoringCase(name, openingName))
         return nullptr;
     return at + 1;
 }
@@ -192,12 +192,12 @@ const char* parseElement(const char* at, XmlNode** result, int depth) {
         return nullptr;
     *result = node;
     at = skipSpace(at);
-    if (!at || at[0] != '<' || !isLetter(at[1])) {
+    if (!at || at[0] != '<' || !base::isLetter(at[1])) {
         spareRecords.giveBack(node);
         *result = nullptr;
         return nullptr;
     }
-    const std::string_view name = nameAt(at + 1);
+    const std::string_view name = base::nameAt(at + 1);
     node->name = copyOf(name);
     at = node->name ? parseAttributes(at + 1 + name.size(), node) : nullptr;
     if (!at)

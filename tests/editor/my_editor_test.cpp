@@ -25,7 +25,7 @@ using VSTGUI::CColor;
 using VSTGUI::CControl;
 using VSTGUI::CRect;
 
-std::array<float, parameters::kMaxTaps> gains;
+std::array<base::Shared<float>, parameters::kMaxTaps> gains;
 
 /// With the table of the test for the effect's.
 class Exposed final : public editor::myEditor {
@@ -53,7 +53,8 @@ class MyEditor : public testing::Test {
     MyEditor() {
         // It knows no pictures, and none is needed: a background that is missing gives a frame too.
         test::useRecordedToolkit();
-        gains.fill(0.5f);
+        for (auto& gain : gains)
+            gain.store(0.5f);
     }
 
     Exposed& openWith(const std::string& objects) {

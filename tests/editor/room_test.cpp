@@ -16,7 +16,7 @@
 
 namespace {
 
-std::array<float, parameters::kMaxTaps> gains;
+std::array<base::Shared<float>, parameters::kMaxTaps> gains;
 
 class Exposed final : public editor::myEditor {
   public:

@@ -2,8 +2,8 @@
 // nothing, or has a value, which does not depend on the case of its letters.
 #include "skin/expression.h"
 
+#include "base/ascii.h"
 #include "promise.h"
-#include "skin/ascii.h"
 
 #include <bit>
 #include <cstdint>
@@ -29,10 +29,10 @@ bool sameValue(double one, double other) {
 
 std::size_t endOfHeadName(std::string_view line) {
     const std::size_t begin = line.find_first_not_of(" \t");
-    if (begin == std::string_view::npos || isDigit(line[begin]))
+    if (begin == std::string_view::npos || base::isDigit(line[begin]))
         return 0;
     std::size_t end = begin;
-    while (end < line.size() && isNameByte(line[end]))
+    while (end < line.size() && base::isNameByte(line[end]))
         ++end;
     return end == begin ? 0 : end;
 }
@@ -41,7 +41,7 @@ std::size_t longestName(std::string_view line) {
     std::size_t longest = 0;
     std::size_t length = 0;
     for (const char byte : line) {
-        const bool belongs = length > 0 ? isNameByte(byte) : isLetter(byte) || byte == '_';
+        const bool belongs = length > 0 ? base::isNameByte(byte) : base::isLetter(byte) || byte == '_';
         length = belongs ? length + 1 : 0;
         longest = length > longest ? length : longest;
     }
@@ -55,7 +55,7 @@ bool mayEndTheProcess(std::string_view line) {
 
 std::string withOtherCase(std::string text) {
     for (char& byte : text)
-        if (isLetter(byte))
+        if (base::isLetter(byte))
             byte = static_cast<char>(byte ^ 0x20);
     return text;
 }

@@ -4,8 +4,8 @@
 #include "skin_bench.h"
 #include "skin_pictures.h"
 
+#include "base/ascii.h"
 #include "editor/my_editor.h"
-#include "skin/ascii.h"
 #include "skin/xml_reader.h"
 
 #include <cstdint>
@@ -23,7 +23,7 @@ bool mayEndTheProcess(std::string_view text) {
     for (char byte : text) {
         const bool isBlank = byte == ' ' || byte == '\t';
         const bool endsLine = byte == '<' || byte == '\n' || byte == '\r' || byte == ',';
-        nameLength = isNameByte(byte) || isBlank ? nameLength + 1 : 0;
+        nameLength = base::isNameByte(byte) || isBlank ? nameLength + 1 : 0;
         lineLength = endsLine ? 0 : lineLength + 1;
         if (nameLength >= 60 || lineLength >= 256)
             return true;
@@ -40,13 +40,12 @@ class Room {
     }
 
     test::SkinBench bench;
-    std::vector<float> gains = std::vector<float>(parameters::kMaxTaps, 0.5f);
+    std::array<base::Shared<float>, parameters::kMaxTaps> gains;
 };
 
 class Editor final : public test::ExposedEditor<editor::myEditor> {
   public:
-    explicit Editor(Room& room)
-        : ExposedEditor(&room.bench.effect(), editor::TapGains(room.gains.data(), parameters::kMaxTaps)) {}
+    explicit Editor(Room& room) : ExposedEditor(&room.bench.effect(), editor::TapGains(room.gains)) {}
 };
 
 /// Whether the file is a skin at all, and of how many objects.
@@ -56,7 +55,7 @@ bool isSkin(const std::string& path, std::size_t& objects) {
         return false;
     for (const XmlNode* child = root->child; child; child = child->next)
         ++objects;
-    const bool named = equalIgnoringCase(root->name, "GUI");
+    const bool named = base::equalIgnoringCase(root->name, "GUI");
     xmlFreeNode(root);
     return named;
 }

@@ -2,8 +2,8 @@
 // tree that is written out in the dialect comes back the same.
 #include "skin/xml_reader.h"
 
+#include "base/ascii.h"
 #include "promise.h"
-#include "skin/ascii.h"
 
 #include <cstdint>
 #include <cstring>
@@ -20,7 +20,7 @@ bool mayEndTheProcess(std::string_view text) {
         if (begin == std::string_view::npos)
             return false;
         std::size_t end = begin;
-        while (end < text.size() && isNameByte(text[end]))
+        while (end < text.size() && base::isNameByte(text[end]))
             ++end;
         if (end - begin >= 256)
             return true;
@@ -30,8 +30,8 @@ bool mayEndTheProcess(std::string_view text) {
 
 void expectName(const char* name, bool mayBeginWithUnderscore) {
     promise(name != nullptr, "a name");
-    promise(isLetter(name[0]) || (mayBeginWithUnderscore && name[0] == '_'), "a name's first byte");
-    promise(nameAt(name).size() == std::strlen(name), "a name's further bytes");
+    promise(base::isLetter(name[0]) || (mayBeginWithUnderscore && name[0] == '_'), "a name's first byte");
+    promise(base::nameAt(name).size() == std::strlen(name), "a name's further bytes");
 }
 
 void expectDialect(const XmlNode* node) {

@@ -50,7 +50,7 @@ bool feedsBack(const BankProgram& program) {
 
 /// One tap that repeats itself in whole samples, so that nothing but the feedback wears a pass down.
 bool isExactLoop(const BankProgram& program) {
-    return patternOf(program).numTaps == 1 && program.value(kSet) == 0.0f && feedsBack(program);
+    return patternOf(program).numTaps.load() == 1 && program.value(kSet) == 0.0f && feedsBack(program);
 }
 
 /// The numbers of all programs for which `isMeant` holds; under the sanitizers, which slow everything down,
@@ -121,11 +121,11 @@ double remaining(const StereoSignal& signal, double seconds) {
 double implied(const dsp::TapPattern& pattern, double seconds) {
     double all = 0.0;
     double left = 0.0;
-    for (std::size_t tap = 0; tap < static_cast<std::size_t>(pattern.numTaps); ++tap) {
-        const double time = static_cast<double>(pattern.tapTimeTarget[tap]) / kAuditionRate;
+    for (std::size_t tap = 0; tap < static_cast<std::size_t>(pattern.numTaps.load()); ++tap) {
+        const double time = static_cast<double>(pattern.tapTimeTarget[tap].load()) / kAuditionRate;
         if (time > kTailSeconds)
             continue;
-        const double energy = std::pow(static_cast<double>(pattern.tapGain[tap]), 2.0);
+        const double energy = std::pow(static_cast<double>(pattern.tapGain[tap].load()), 2.0);
         all += energy;
         left += time >= seconds ? energy : 0.0;
     }
@@ -133,10 +133,10 @@ double implied(const dsp::TapPattern& pattern, double seconds) {
 }
 
 double narrowestGapSeconds(const dsp::TapPattern& pattern) {
-    double narrowest = static_cast<double>(pattern.tapTimeTarget[0]);
-    for (std::size_t tap = 1; tap < static_cast<std::size_t>(pattern.numTaps); ++tap)
-        narrowest = std::min(narrowest, static_cast<double>(pattern.tapTimeTarget[tap]) -
-                                            static_cast<double>(pattern.tapTimeTarget[tap - 1]));
+    double narrowest = static_cast<double>(pattern.tapTimeTarget[0].load());
+    for (std::size_t tap = 1; tap < static_cast<std::size_t>(pattern.numTaps.load()); ++tap)
+        narrowest = std::min(narrowest, static_cast<double>(pattern.tapTimeTarget[tap].load()) -
+                                            static_cast<double>(pattern.tapTimeTarget[tap - 1].load()));
     return narrowest / kAuditionRate;
 }
 
@@ -190,10 +190,10 @@ TEST_P(ProgramWithoutFeedback, EndsWithItsPattern) {
         return;
     for (const double part : {0.25, 0.5, 0.75}) {
         const double seconds = part * std::min(patternEnd(), kTailSeconds);
-        const auto isNear = [&](float time) {
-            return std::abs(static_cast<double>(time) / kAuditionRate - seconds) < kRingSeconds;
+        const auto isNear = [&](const base::Shared<float>& time) {
+            return std::abs(static_cast<double>(time.load()) / kAuditionRate - seconds) < kRingSeconds;
         };
-        const auto end = pattern.tapTimeTarget.begin() + pattern.numTaps;
+        const auto end = pattern.tapTimeTarget.begin() + pattern.numTaps.load();
         if (std::any_of(pattern.tapTimeTarget.begin(), end, isNear))
             continue;
         EXPECT_NEAR(implied(pattern, seconds), remaining(answer, seconds), kAgreementDecibels)
@@ -219,7 +219,7 @@ TEST_P(LoopOfOneTap, LivesForAllItsPasses) {
     const FeedbackTail tail = feedbackTail(program());
     // One tap counts as the first and the last, so each pass keeps twice the gain.
     const double pass = decibels(2.0 * std::abs(tail.loopGain));
-    const double seconds = static_cast<double>(pattern.tapTimeTarget[0]) / kAuditionRate;
+    const double seconds = static_cast<double>(pattern.tapTimeTarget[0].load()) / kAuditionRate;
     const StereoSignal answer = clickAnswer();
     const int passes =
         std::min(8, static_cast<int>(static_cast<double>(answer.frames()) / kAuditionRate / seconds) - 1);

@@ -4,8 +4,8 @@
 #include "bank/bank_table.h"
 #include "bank/cell_text.h"
 #include "bank/whole_file.h"
+#include "base/truncation.h"
 #include "parameters/pattern_laws.h"
-#include "parameters/truncation.h"
 
 #include <algorithm>
 #include <bit>

@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -295,7 +296,7 @@ TEST_F(Engine, KeepsAPersonsAmpDecayBesideAChangeOfAnotherParameter) {
 class Rates : public Engine {
   protected:
     void setRate(float rate) {
-        storeInOrder(sampleRate, rate);
+        sampleRate.storeInOrder(rate);
         raced->prepare(sampleRate);
     }
     void setParameter(std::int32_t id, float value) {
@@ -309,23 +310,25 @@ class Rates : public Engine {
                     {raced->parameterValue(kBaseLength), raced->parameterValue(kTaps),
                      raced->parameterValue(kStretch), raced->parameterValue(kAmpDecay),
                      raced->parameterValue(kCurve)},
-                    sampleRate);
+                    sampleRate.load());
         const dsp::TapPattern& taps = raced->tapPattern();
-        EXPECT_EQ(taps.numTaps, fresh.numTaps) << when;
-        EXPECT_EQ(taps.tapGain, fresh.tapGain) << when;
-        const auto used = static_cast<std::size_t>(fresh.numTaps);
-        const auto has = [&](float time) {
-            return std::all_of(taps.tapTimeTarget.begin(), taps.tapTimeTarget.begin() + fresh.numTaps,
-                               [&](float t) { return t == time; });
+        const auto used = static_cast<std::size_t>(fresh.numTaps.load());
+        EXPECT_EQ(taps.numTaps.load(), fresh.numTaps.load()) << when;
+        const auto same = [](const base::Shared<float>& a, const base::Shared<float>& b) {
+            return a.load() == b.load();
         };
-        EXPECT_TRUE(has(0.0f) || std::equal(taps.tapTimeTarget.begin(),
-                                            taps.tapTimeTarget.begin() + static_cast<std::ptrdiff_t>(used),
-                                            fresh.tapTimeTarget.begin()))
+        EXPECT_TRUE(std::equal(taps.tapGain.begin(), taps.tapGain.end(), fresh.tapGain.begin(), same))
+            << when;
+        const auto times = std::span(taps.tapTimeTarget).first(used);
+        const auto has = [&](float time) {
+            return std::all_of(times.begin(), times.end(), [&](const auto& t) { return t.load() == time; });
+        };
+        EXPECT_TRUE(has(0.0f) || std::equal(times.begin(), times.end(), fresh.tapTimeTarget.begin(), same))
             << when;
         return !HasFailure();
     }
 
-    float sampleRate = kRate;
+    base::Shared<float> sampleRate = kRate;
 };
 
 TEST_F(Rates, LeaveAPatternOfTheNewRateWhereverAChangeIsInterrupted) {

@@ -141,7 +141,7 @@ TEST_F(Editor, OpensNothingForASkinWithoutABackground) {
     EXPECT_TRUE(editor.open(nullptr));
     EXPECT_EQ(editor.frame, nullptr);
     EXPECT_EQ(editor.skinLoaded, 1);
-    editor.queueWrite = 3;
+    editor.queueWrite.store(3);
     editor.idle();
     editor.setParameter(6, 0.5f);
     editor.close();
@@ -242,7 +242,7 @@ TEST_F(Editor, TakesTimeKeysAndChangesWithoutAWindow) {
     editor.close();
     editor.close();
     tryAll();
-    EXPECT_EQ(editor.queueWrite, 0);
+    EXPECT_EQ(editor.queueWrite.load(), 0);
 }
 
 // The queue
@@ -269,7 +269,7 @@ TEST_F(Editor, UsesUpAnIdThatNoViewHas) {
     editor.queueParameterUpdate(6);
     editor.idle();
     EXPECT_FALSE(editor.controlOf(6)->isDirty());
-    EXPECT_EQ(editor.queueRead, 1);
+    EXPECT_EQ(editor.queueRead.load(), 1);
     editor.idle();
     EXPECT_TRUE(editor.controlOf(6)->isDirty());
 }
@@ -280,7 +280,7 @@ TEST_F(Editor, LeavesAControlAloneThatIsBehindItsParameter) {
     editor.queueParameterUpdate(6);
     editor.idle();
     EXPECT_FALSE(editor.controlOf(6)->isDirty());
-    EXPECT_EQ(editor.queueRead, 1);
+    EXPECT_EQ(editor.queueRead.load(), 1);
 }
 
 TEST_F(Editor, ServesTheFirstViewOfATagOnly) {
@@ -304,30 +304,30 @@ TEST_F(Editor, QueuesARunOfOneIdOnce) {
     auto& editor = openWith("");
     for (const std::int32_t id : {0, 0, 5, 5, 5})
         editor.queueParameterUpdate(id);
-    EXPECT_EQ(editor.queueWrite, 2);
-    EXPECT_EQ(editor.updateQueue[0], 0);
-    EXPECT_EQ(editor.updateQueue[1], 5);
+    EXPECT_EQ(editor.queueWrite.load(), 2);
+    EXPECT_EQ(editor.updateQueue[0].load(), 0);
+    EXPECT_EQ(editor.updateQueue[1].load(), 5);
 }
 
 TEST_F(Editor, QueuesAnIdAgainAfterAnother) {
     auto& editor = openWith("");
     for (const std::int32_t id : {4, 5, 4})
         editor.queueParameterUpdate(id);
-    EXPECT_EQ(editor.queueWrite, 3);
+    EXPECT_EQ(editor.queueWrite.load(), 3);
 }
 
 TEST_F(Editor, HoldsTwoHundredAndFiftyFiveIdsAndDropsTheRest) {
     auto& editor = openWith(knob(6));
     for (std::int32_t i = 0; i < 300; ++i)
         editor.queueParameterUpdate(1000 + i);
-    EXPECT_EQ(editor.queueWrite, 255);
+    EXPECT_EQ(editor.queueWrite.load(), 255);
     for (int i = 0; i < 255; ++i)
-        EXPECT_EQ(editor.updateQueue[i], 1000 + i);
+        EXPECT_EQ(editor.updateQueue[i].load(), 1000 + i);
     for (int i = 0; i < 300; ++i)
         editor.idle();
-    EXPECT_EQ(editor.queueRead, 255);
+    EXPECT_EQ(editor.queueRead.load(), 255);
     editor.queueParameterUpdate(6);
-    EXPECT_EQ(editor.queueWrite, 0);
+    EXPECT_EQ(editor.queueWrite.load(), 0);
     editor.idle();
     EXPECT_TRUE(editor.controlOf(6)->isDirty());
 }
@@ -348,8 +348,8 @@ TEST_F(Editor, WorksOffInANewWindowWhatWasQueuedInTheOld) {
     editor.queueParameterUpdate(6);
     editor.close();
     editor.open(nullptr);
-    EXPECT_EQ(editor.queueRead, 0);
-    EXPECT_EQ(editor.queueWrite, 2);
+    EXPECT_EQ(editor.queueRead.load(), 0);
+    EXPECT_EQ(editor.queueWrite.load(), 2);
     clean(editor);
     editor.idle();
     editor.idle();

@@ -122,7 +122,8 @@ class OddSkin : public testing::Test {
 
     OddSkin() {
         drawPictures();
-        tapGains.fill(0.5f);
+        for (auto& gain : tapGains)
+            gain.store(0.5f);
         for (std::size_t id = 0; id < tapGains.size() && id < bench.effect().values.size(); ++id)
             bench.effect().values[id] = 0.25f + 0.03f * static_cast<float>(id);
     }
@@ -208,7 +209,7 @@ class OddSkin : public testing::Test {
     }
 
     test::SkinBench bench;
-    std::array<float, parameters::kMaxTaps> tapGains = {};
+    std::array<base::Shared<float>, parameters::kMaxTaps> tapGains;
     test::ExposedEditor<editor::myEditor>* editor = nullptr;
     Window parent = None;
 };

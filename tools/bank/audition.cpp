@@ -84,22 +84,22 @@ double sweepSamples(const BankProgram& program) {
 
 FeedbackTail feedbackTail(const BankProgram& program) {
     const dsp::TapPattern pattern = patternOf(program);
-    const auto lastTap = static_cast<std::size_t>(pattern.numTaps - 1);
+    const auto lastTap = static_cast<std::size_t>(pattern.numTaps.load() - 1);
     const double gain = static_cast<double>(program.value(kFeedback) * 0.9f) - 0.45;
     constexpr double kInaudible = 1e-3;
     if (std::abs(gain) < kInaudible)
         return {gain, 0.0};
-    const double first = static_cast<double>(pattern.tapTimeTarget[0]) + sweepSamples(program);
-    const double last = static_cast<double>(pattern.tapTimeTarget[lastTap]) + sweepSamples(program);
+    const double first = static_cast<double>(pattern.tapTimeTarget[0].load()) + sweepSamples(program);
+    const double last = static_cast<double>(pattern.tapTimeTarget[lastTap].load()) + sweepSamples(program);
     const double r = slowestDecay(std::abs(gain), first, last);
     return {gain, std::log(1e-3) / std::log(r) / kAuditionRate};
 }
 
 double patternSeconds(const dsp::TapPattern& pattern) {
     double last = 0.0;
-    for (std::size_t tap = 0; tap < static_cast<std::size_t>(pattern.numTaps); ++tap)
-        if (pattern.tapGain[tap] > 0.0f)
-            last = static_cast<double>(pattern.tapTimeTarget[tap]);
+    for (std::size_t tap = 0; tap < static_cast<std::size_t>(pattern.numTaps.load()); ++tap)
+        if (pattern.tapGain[tap].load() > 0.0f)
+            last = static_cast<double>(pattern.tapTimeTarget[tap].load());
     return last / kAuditionRate;
 }
 

@@ -1,6 +1,6 @@
 #include "bank/preset_page.h"
 
-#include "parameters/number_text.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 
 namespace bank {
 
-using parameters::fixedText;
+using base::fixedText;
 
 namespace {
 
@@ -66,7 +66,7 @@ ProgramNumbers measureOne(const Audition& audition, std::size_t number, const Ba
                           const std::vector<Signal>& sources) {
     ProgramNumbers numbers;
     const dsp::TapPattern pattern = patternOf(program);
-    numbers.firstSeconds = static_cast<double>(pattern.tapTimeTarget[0]) / kAuditionRate;
+    numbers.firstSeconds = static_cast<double>(pattern.tapTimeTarget[0].load()) / kAuditionRate;
     numbers.patternSeconds = patternSeconds(pattern);
 
     const double tail = std::min(feedbackTail(program).secondsTo60dB, kLongestTail);

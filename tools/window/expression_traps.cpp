@@ -1,6 +1,6 @@
 #include "tools/window/expression_traps.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 #include "tools/common/text.h"
 
 namespace tools::window {
@@ -64,7 +64,7 @@ class Reading {
     void assignment() {
         skipBlanks();
         const std::size_t begin = at_;
-        if (isDigit(here()))
+        if (base::isDigit(here()))
             return;
         skipName();
         if (at_ > begin && at_ > longestName)
@@ -75,7 +75,7 @@ class Reading {
     }
 
     void skipName() {
-        while (isNameByte(here()))
+        while (base::isNameByte(here()))
             ++at_;
     }
 
@@ -113,8 +113,8 @@ class Reading {
             ++at_;
             isInGroup_ = true;
             level(-1);
-        } else if (isDigit(here())) {
-            while (isDigit(here()) || here() == '.')
+        } else if (base::isDigit(here())) {
+            while (base::isDigit(here()) || here() == '.')
                 ++at_;
         } else if (skipName(); at_ - begin > longestName) {
             stop(begin, "a name of 60 characters or more ends the host", true);

@@ -1,5 +1,6 @@
 #include "tools/window/recorded_build.h"
 
+#include "base/ascii.h"
 #include "editor/my_editor.h"
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
@@ -8,7 +9,6 @@
 #include "platform/settings.h"
 #include "platform/toolkit.h"
 #include "plugin/audio_effect_x.h"
-#include "skin/ascii.h"
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
 #include "tools/common/text.h"
@@ -125,7 +125,7 @@ class RecordingEditor final : public editor::myEditor {
 
   private:
     static editor::TapGains levels() {
-        static constexpr std::array<float, parameters::kMaxTaps> silence = {};
+        static const std::array<base::Shared<float>, parameters::kMaxTaps> silence = {};
         return silence;
     }
 
@@ -147,10 +147,10 @@ class RecordingEditor final : public editor::myEditor {
 
     /// Whether the name was asked for and gave a picture of no size.
     static bool isEmpty(const std::string& name, const skin::SkinContext& context) {
-        return std::any_of(context.bitmaps.begin(), context.bitmaps.end(),
-                           [&](const skin::SkinBitmap& known) {
-                               return equalIgnoringCase(known.name, name) && known.bitmap->getWidth() <= 0;
-                           });
+        return std::any_of(
+            context.bitmaps.begin(), context.bitmaps.end(), [&](const skin::SkinBitmap& known) {
+                return base::equalIgnoringCase(known.name, name) && known.bitmap->getWidth() <= 0;
+            });
     }
 
     static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {

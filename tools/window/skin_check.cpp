@@ -1,6 +1,7 @@
 #include "tools/window/skin_check.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
+#include "platform/files.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 #include "tools/window/recorded_build.h"
@@ -58,7 +59,7 @@ const Finding* SkinText::obstacle() const {
 
 std::vector<Finding> SkinText::findingsBuiltIn(const std::filesystem::path& folder) const {
     std::vector<Finding> all = findings_;
-    if (obstacle() || !equalIgnoringCase(source_.root->name, "GUI"))
+    if (obstacle() || !base::equalIgnoringCase(source_.root->name, "GUI"))
         return all;
     std::ranges::move(buildRecorded(folder, *source_.root), std::back_inserter(all));
     arrange(all);

@@ -1,6 +1,6 @@
 #include "tools/window/skin_rules.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 #include "tools/common/text.h"
 #include "tools/window/expression_traps.h"
 
@@ -86,7 +86,7 @@ bool isPlainFlag(std::string_view value) {
 class Judge {
   public:
     std::vector<Finding> judge(const SourceElement& root) {
-        if (!equalIgnoringCase(root.name, "GUI")) {
+        if (!base::equalIgnoringCase(root.name, "GUI")) {
             find(root.place, "a skin is one element <GUI>, and this one is <" + printable(root.name) + ">");
             return std::move(findings_);
         }
@@ -193,7 +193,7 @@ class Judge {
     }
 
     void judgeMenu(const SourceElement& menu) {
-        if (menu.children.empty() || !equalIgnoringCase(menu.children.front().name, "list")) {
+        if (menu.children.empty() || !base::equalIgnoringCase(menu.children.front().name, "list")) {
             find(menu.place,
                  "<optionmenu> needs a <list> of entries as its first element; without one it shows "
                  "entries that mean nothing");
@@ -201,7 +201,7 @@ class Judge {
         }
         judgeText(menu.children.front());
         for (const SourceElement& entry : menu.children.front().children)
-            if (!equalIgnoringCase(entry.name, "entry"))
+            if (!base::equalIgnoringCase(entry.name, "entry"))
                 find(entry.place, "a <list> holds elements <entry>; this one is passed over");
         for (std::size_t i = 1; i < menu.children.size(); ++i)
             find(menu.children[i].place, "only the first element of <optionmenu> is read");
@@ -220,14 +220,14 @@ std::span<const KindRule> skinKinds() {
 
 const KindRule* kindNamed(std::string_view name) {
     const auto kinds = skinKinds();
-    const auto found =
-        std::ranges::find_if(kinds, [&](const KindRule& kind) { return equalIgnoringCase(kind.name, name); });
+    const auto found = std::ranges::find_if(
+        kinds, [&](const KindRule& kind) { return base::equalIgnoringCase(kind.name, name); });
     return found == kinds.end() ? nullptr : &*found;
 }
 
 const TagRule* tagNamed(const KindRule& kind, std::string_view name) {
     const auto found = std::ranges::find_if(
-        kind.tags, [&](const TagRule& tag) { return equalIgnoringCase(tag.name, name); });
+        kind.tags, [&](const TagRule& tag) { return base::equalIgnoringCase(tag.name, name); });
     return found == kind.tags.end() ? nullptr : &*found;
 }
 

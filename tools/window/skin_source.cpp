@@ -1,6 +1,6 @@
 #include "tools/window/skin_source.h"
 
-#include "skin/ascii.h"
+#include "base/ascii.h"
 #include "tools/common/text.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ class Scanner {
 
     std::string name() {
         const std::size_t begin = position_;
-        while (isNameByte(here()))
+        while (base::isNameByte(here()))
             ++position_;
         return std::string(text_.substr(begin, position_ - begin));
     }
@@ -98,7 +98,7 @@ class Scanner {
     SourceElement element(int depth) {
         skipBlanks();
         const std::size_t begin = position_;
-        if (here() != '<' || !isLetter(at(begin + 1)))
+        if (here() != '<' || !base::isLetter(at(begin + 1)))
             throw Refused{begin, whyNoElement(begin)};
         if (depth >= deepestElement)
             throw Refused{begin, "elements are nested deeper than any skin needs"};
@@ -136,7 +136,7 @@ class Scanner {
 
     void attributes(SourceElement& owner) {
         skipBlanksInTag(owner);
-        while (isLetter(here()) || here() == '_') {
+        while (base::isLetter(here()) || here() == '_') {
             const std::size_t begin = position_;
             SourceAttribute attribute;
             attribute.place = place(begin);
@@ -216,7 +216,7 @@ class Scanner {
         skipBlanks();
         if (here() != '>')
             throw Refused{position_, "the tag that closes " + opened + " must end with \">\""};
-        if (!equalIgnoringCase(closed, owner.name))
+        if (!base::equalIgnoringCase(closed, owner.name))
             throw Refused{begin, "</" + printable(closed) + "> stands where " + opened + " must be closed"};
         ++position_;
     }
@@ -251,7 +251,7 @@ class Scanner {
     void lookForEntities(std::size_t begin, std::string_view text) {
         for (std::size_t from = 0; (from = text.find('&', from)) != std::string_view::npos; ++from) {
             std::size_t end = from + 1;
-            while (end < text.size() && (isNameByte(text[end]) || text[end] == '#'))
+            while (end < text.size() && (base::isNameByte(text[end]) || text[end] == '#'))
                 ++end;
             if (end > from + 1 && end < text.size() && text[end] == ';')
                 find(begin + from, inQuotes(text.substr(from, end + 1 - from)) +
@@ -276,7 +276,7 @@ class Scanner {
 
 const SourceAttribute* SourceElement::find(std::string_view wanted) const {
     const auto found = std::ranges::find_if(attributes, [&](const SourceAttribute& attribute) {
-        return equalIgnoringCase(attribute.name, wanted);
+        return base::equalIgnoringCase(attribute.name, wanted);
     });
     return found == attributes.end() ? nullptr : &*found;
 }

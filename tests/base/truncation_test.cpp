@@ -1,5 +1,5 @@
 // The one conversion to integer that the engine uses.
-#include "parameters/truncation.h"
+#include "base/truncation.h"
 
 #include <cmath>
 #include <limits>
@@ -8,7 +8,7 @@
 
 namespace {
 
-using parameters::trunc;
+using base::trunc;
 constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 
 TEST(Truncation, GoesTowardZero) {

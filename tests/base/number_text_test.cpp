@@ -1,5 +1,5 @@
 // Numbers as hosts show them, down to the byte that ends them.
-#include "parameters/number_text.h"
+#include "base/number_text.h"
 
 #include <array>
 #include <clocale>
@@ -24,20 +24,20 @@ struct Written {
 
 Written floatText(float value) {
     Written result;
-    parameters::float2string(value, result.bytes.data(), kLimit);
+    base::float2string(value, result.bytes.data(), kLimit);
     return result;
 }
 
 std::string intText(std::int32_t value) {
     Written result;
-    parameters::int2string(value, result.bytes.data(), kLimit);
+    base::int2string(value, result.bytes.data(), kLimit);
     EXPECT_TRUE(result.endsAtTheLimit());
     return result.text();
 }
 
 std::string decibelText(float value) {
     Written result;
-    parameters::dB2string(value, result.bytes.data(), kLimit);
+    base::dB2string(value, result.bytes.data(), kLimit);
     EXPECT_TRUE(result.endsAtTheLimit());
     return result.text();
 }
@@ -100,19 +100,19 @@ TEST(DecibelText, IsCutToEightCharacters) {
 }
 
 TEST(FixedText, RoundsToNearestLikeAnyPrinter) {
-    EXPECT_EQ(parameters::fixedText(0.0005, 3), "0.001");
-    EXPECT_EQ(parameters::fixedText(-1.0, 3), "-1.000");
-    EXPECT_EQ(parameters::fixedText(3.4999, 3), "3.500");
+    EXPECT_EQ(base::fixedText(0.0005, 3), "0.001");
+    EXPECT_EQ(base::fixedText(-1.0, 3), "-1.000");
+    EXPECT_EQ(base::fixedText(3.4999, 3), "3.500");
 }
 
 TEST(CopiedText, FillsTheRestWithNulsAndEndsOneBehindTheLimit) {
     Written result;
-    parameters::copyText(result.bytes.data(), "abc", kLimit);
+    base::copyText(result.bytes.data(), "abc", kLimit);
     EXPECT_EQ(result.text(), "abc");
     for (std::size_t i = 3; i <= kLimit; ++i)
         EXPECT_EQ(result.bytes[i], '\0') << i;
     EXPECT_TRUE(result.endsAtTheLimit());
-    parameters::copyText(result.bytes.data(), "abcdefghijklmnop", kLimit);
+    base::copyText(result.bytes.data(), "abcdefghijklmnop", kLimit);
     EXPECT_EQ(result.text(), "abcdefghij");
     EXPECT_TRUE(result.endsAtTheLimit());
 }

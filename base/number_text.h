@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-namespace parameters {
+namespace base {
 
 /// The number with exactly `decimals` decimals, rounded to nearest.
 std::string fixedText(double value, int decimals);
@@ -26,4 +26,4 @@ void int2string(std::int32_t value, char* text, std::size_t maxLen);
 /// A gain factor in decibels, "-oo" at 0 and below.
 void dB2string(float value, char* text, std::size_t maxLen);
 
-} // namespace parameters
+} // namespace base

@@ -1,11 +1,11 @@
-#include "parameters/number_text.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 
-namespace parameters {
+namespace base {
 
 std::string fixedText(double value, int decimals) {
     char digits[512];
@@ -53,4 +53,4 @@ void dB2string(float value, char* text, std::size_t maxLen) {
         float2string(static_cast<float>(20.0 * std::log10(static_cast<double>(value))), text, maxLen);
 }
 
-} // namespace parameters
+} // namespace base

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <string_view>
 
+namespace base {
+
 constexpr bool isLetter(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
 }
@@ -34,3 +36,5 @@ constexpr std::string_view nameAt(const char* text) {
 constexpr bool equalIgnoringCase(std::string_view one, std::string_view other) {
     return std::ranges::equal(one, other, {}, toLowerCase, toLowerCase);
 }
+
+} // namespace base

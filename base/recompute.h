@@ -10,30 +10,13 @@
 // would have replaced it.
 #pragma once
 
-#include "parameters/shared_field.h"
+#include "base/shared.h"
 
-#include <cstring>
-#include <type_traits>
-
-namespace parameters {
+namespace base {
 
 /// A thread computes a result so many times at most. Each time but the first, another thread has changed a
 /// parameter during the time before, which takes it longer than the computation.
 constexpr int kMostComputations = 8;
-
-/// Whether two plain values are the same, bit by bit. No padding.
-template <class T>
-bool sameBits(const T& a, const T& b) {
-    static_assert(std::is_trivially_copyable_v<T>);
-    return std::memcmp(&a, &b, sizeof(T)) == 0;
-}
-
-/// Stores a result, unless it stands there already. Any thread.
-template <class T>
-void renewShared(T& field, T value) {
-    if (!sameBits(loadInOrder(field), value))
-        storeInOrder(field, value);
-}
 
 /// Calls `compute` with what `look` gives, and again while `look` then gives something else. `look` and
 /// `compute` use accesses as said above. Any thread.
@@ -49,4 +32,4 @@ void computeFrom(Look look, Compute compute) {
     }
 }
 
-} // namespace parameters
+} // namespace base

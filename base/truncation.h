@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace parameters {
+namespace base {
 
 /// `value` without its fraction. NaN, infinities and everything beyond 32 bits give the lowest integer, which
 /// is what the processor's conversion yields; a plain cast of those would be undefined. Any thread.
@@ -19,4 +19,4 @@ constexpr std::int32_t trunc(float value) {
                                                             : std::numeric_limits<std::int32_t>::min();
 }
 
-} // namespace parameters
+} // namespace base

@@ -1,6 +1,6 @@
 // A shared field that follows from another, while the other changes.
-#include "parameters/recompute.h"
-#include "parameters/shared_field.h"
+#include "base/recompute.h"
+#include "base/shared.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace parameters;
+using namespace base;
 
 /// A parameter that changes by itself after each of the first computations.
 struct Changing {
@@ -52,12 +52,12 @@ TEST(ComputeFrom, TakesAValueThatIsNoNumberForUnchanged) {
 }
 
 TEST(LimitShared, LowersWhatIsAboveTheLimitAndLeavesTheRest) {
-    float field = 1.0f;
-    EXPECT_EQ(limitShared(field, 0.75f), 0.75f);
-    EXPECT_EQ(field, 0.75f);
-    field = 0.25f;
-    EXPECT_EQ(limitShared(field, 0.75f), 0.25f);
-    EXPECT_EQ(field, 0.25f);
+    base::Shared<float> field = 1.0f;
+    EXPECT_EQ(field.limit(0.75f), 0.75f);
+    EXPECT_EQ(field.load(), 0.75f);
+    field.store(0.25f);
+    EXPECT_EQ(field.limit(0.75f), 0.25f);
+    EXPECT_EQ(field.load(), 0.25f);
 }
 
 } // namespace
