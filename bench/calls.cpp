@@ -4,7 +4,7 @@
 #include "bench/player.h"
 #include "dsp/delay_engine.h"
 #include "platform/large_pages.h"
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <array>
 #include <cstdint>

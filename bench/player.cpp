@@ -1,7 +1,7 @@
 #include "bench/player.h"
 
 #include "bench/cold_caches.h"
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <algorithm>
 #include <array>

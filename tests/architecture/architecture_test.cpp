@@ -25,6 +25,7 @@ using Names = std::set<std::string>;
 const std::map<std::string, Names> allowed = {
     {"base", {}},
     {"vst2", {}},
+    {"reference", {}},
     {"platform", {}},
     {"parameters", {"base"}},
     {"dsp", {"base", "parameters"}},
@@ -184,7 +185,7 @@ TEST(Rooms, AreNotLeftByAPathThatClimbsOut) {
     const files::path house = QUILLON_SOURCE;
     int seen = 0;
     for (const char* room : {"base", "vst2", "platform", "parameters", "dsp", "presets", "midi", "plugin",
-                             "skin", "editor", "host", "tools"}) {
+                             "skin", "editor", "host", "reference", "tools"}) {
         if (!files::exists(house / room))
             continue;
         for (const files::directory_entry& entry : files::recursive_directory_iterator(house / room)) {

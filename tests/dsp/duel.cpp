@@ -1,7 +1,7 @@
 #include "duel.h"
 
 #include "library_under_test.h"
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <algorithm>
 #include <array>

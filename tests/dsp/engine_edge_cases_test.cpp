@@ -2,7 +2,7 @@
 // nothing but its outputs to judge by.
 
 #include "library_under_test.h"
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <gtest/gtest.h>
 

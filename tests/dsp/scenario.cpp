@@ -1,6 +1,6 @@
 #include "scenario.h"
 
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <algorithm>
 #include <array>

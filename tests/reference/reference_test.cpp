@@ -1,6 +1,6 @@
 // The reference against numbers worked out by hand: what everything else is measured with is measured first.
 
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <gtest/gtest.h>
 

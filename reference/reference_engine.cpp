@@ -1,4 +1,4 @@
-#include "reference_engine.h"
+#include "reference/reference_engine.h"
 
 #include <bit>
 #include <cmath>
