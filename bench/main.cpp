@@ -4,15 +4,15 @@
 #include "bench/player.h"
 #include "bench/runs_file.h"
 #include "bench/suite.h"
+#include "desk/abrupt_end.h"
+#include "desk/display.h"
+#include "desk/host_settings.h"
+#include "desk/measuring.h"
+#include "desk/own_output.h"
+#include "desk/private_folder.h"
+#include "desk/virtual_display.h"
 #include "dsp/instruction_set.h"
 #include "host/library_call.h"
-#include "platform/abrupt_end.h"
-#include "platform/display.h"
-#include "platform/host_settings.h"
-#include "platform/measuring.h"
-#include "platform/own_output.h"
-#include "platform/private_folder.h"
-#include "platform/virtual_display.h"
 #include "tools/common/command_line.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -84,8 +84,8 @@ void checkUsable(const std::string& set) {
 void checkPeers() {
     if (!std::filesystem::exists(QUILLON_FAUST_PROGRAMS))
         throw tools::ToolError("--peers: there are no Faust programs; `./quillon bench --peers` builds them");
-    platform::processorSecondsOf({"ffmpeg", "-version"});
-    platform::processorSecondsOf({"csound", "--version"});
+    desk::processorSecondsOf({"ffmpeg", "-version"});
+    desk::processorSecondsOf({"csound", "--version"});
 }
 
 /// The effect held to an instruction set, with all that is delivered beside it, as a copy in the folder.
@@ -122,7 +122,7 @@ void printRow(std::FILE* output, const Result& row) {
 
 /// With other programs too, or without: what they cost does not depend on the effect's instruction set.
 Run measure(const HeldLibrary& held, const Options& options, bool programs, std::FILE* output) {
-    Run run{now(), platform::processorName(), held.instructionSet, {}};
+    Run run{now(), desk::processorName(), held.instructionSet, {}};
     if (!options.json)
         std::fprintf(output, "%-62s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
                      "other", "times", "which is");
@@ -164,20 +164,20 @@ void run(const Options& options) {
         checkUsable(set);
     if (options.peers && !options.redraw)
         checkPeers();
-    std::FILE* const output = platform::takeOwnOutput();
+    std::FILE* const output = desk::takeOwnOutput();
     const std::string kept = options.page + "/performance_runs.tsv";
     // A file that is spoilt is noticed now and not when all is measured.
     if (!options.page.empty())
         static_cast<void>(readRuns(kept));
     if (!options.redraw) {
         // Before this process stays on one processor, where the server would be in its way.
-        std::optional<platform::VirtualDisplay> display;
+        std::optional<desk::VirtualDisplay> display;
         if (options.window)
             display.emplace(kDisplayWidth, kDisplayHeight);
-        platform::stayOnThisProcessor();
-        platform::takeLargeBlocksFresh();
-        const platform::PrivateFolder privateFolder;
-        platform::keepSettingsIn(privateFolder.path());
+        desk::stayOnThisProcessor();
+        desk::takeLargeBlocksFresh();
+        const desk::PrivateFolder privateFolder;
+        desk::keepSettingsIn(privateFolder.path());
         std::vector<Run> runs;
         for (const HeldLibrary& held : librariesFor(options.sets, privateFolder.path())) {
             runs.push_back(measure(held, options, options.peers && runs.empty(), output));
@@ -196,8 +196,8 @@ void run(const Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    const platform::AbruptEndWatch watch("quillon-bench", host::LibraryCall::describe);
-    platform::leaveDisplay();
+    const desk::AbruptEndWatch watch("quillon-bench", host::LibraryCall::describe);
+    desk::leaveDisplay();
     try {
         Options options;
         if (const auto help = readOptions(options, argumentCount, arguments))

@@ -1,20 +1,25 @@
-# A room is one CMake target whose headers can be seen only by the rooms that link it. Its headers are reached as
-# "folder/header.h" through a folder of links made for this target alone, so an include that the house does not
+# A room is one folder and one CMake target, whose headers can be seen only by the rooms that link it. They are reached
+# as "folder/header.h" through a folder of links made for this target alone, so an include that the house does not
 # allow does not compile.
 #
-#   quillon_room(dsp FOLDER dsp HEADERS module_delay.h SOURCES module_delay.cpp LINKS vst2)
+#   quillon_room(dsp HEADERS module_delay.h SOURCES module_delay.cpp LINKS parameters)
 function(quillon_room target)
-  cmake_parse_arguments(ROOM "" "FOLDER" "HEADERS;SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "HEADERS;SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  get_property(other DIRECTORY PROPERTY QUILLON_ROOM)
+  if(other)
+    message(FATAL_ERROR "${CMAKE_CURRENT_SOURCE_DIR} is the folder of ${other} already: ${target} wants one of its own.")
+  endif()
+  set_property(DIRECTORY PROPERTY QUILLON_ROOM ${target})
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
   set(view ${CMAKE_BINARY_DIR}/rooms/${target})
   # A header that has left the room must not stay to be seen.
   file(REMOVE_RECURSE ${view})
   foreach(header ${ROOM_HEADERS})
-    get_filename_component(subfolder ${ROOM_FOLDER}/${header} DIRECTORY)
+    get_filename_component(subfolder ${folder}/${header} DIRECTORY)
     file(MAKE_DIRECTORY ${view}/${subfolder})
-    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${ROOM_FOLDER}/${header} ${view}/${ROOM_FOLDER}/${header} SYMBOLIC)
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${header} ${view}/${folder}/${header} SYMBOLIC)
   endforeach()
   if(ROOM_SOURCES)
-    list(TRANSFORM ROOM_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/${ROOM_FOLDER}/)
     add_library(${target} STATIC ${ROOM_SOURCES})
     target_include_directories(${target} PUBLIC ${view})
     target_link_libraries(${target} PUBLIC ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS} quillon_compile_options)

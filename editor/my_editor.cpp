@@ -2,8 +2,8 @@
 
 #include "base/ascii.h"
 #include "base/truncation.h"
-#include "editor/midi_learn.h"
-#include "editor/view_taps.h"
+#include "controls/midi_learn.h"
+#include "controls/view_taps.h"
 #include "parameters/parameter_table.h"
 #include "skin/object_reader.h"
 
@@ -82,7 +82,7 @@ void myEditor::layOverlays() {
     for (std::int32_t id = 0; id < numParams(); ++id)
         for (VSTGUI::CControl* control : covered)
             if (control->getTag() == id) {
-                const auto overlay = VSTGUI::makeOwned<CMidiLearn>(
+                const auto overlay = VSTGUI::makeOwned<controls::CMidiLearn>(
                     control->getViewSize(), this, midi::kLearnTagBase + id, control, &theEffect());
                 overlay->setRefresh([this](VSTGUI::CControl& below) { bringUpToDate(below); });
                 addControl(overlay);
@@ -154,7 +154,7 @@ int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
     const float taps = theEffect().getParameter(parameters::kTaps);
     const float stretch = theEffect().getParameter(parameters::kStretch);
     const float length = theEffect().getParameter(parameters::kBaseLength);
-    const auto view = VSTGUI::makeOwned<ViewTaps>(place);
+    const auto view = VSTGUI::makeOwned<controls::ViewTaps>(place);
     addControl(view);
     viewTaps = view;
     updateTapView(taps, stretch, length, theEffect().getSampleRate(), effectGains_);
@@ -168,7 +168,7 @@ int myEditor::buildNoteDisplay(const SkinObject* object, SkinContext* context) {
     const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
     if (tags.isLost() || !frame)
         return skin::kPassedOver;
-    const auto display = VSTGUI::makeOwned<CNoteDisplay>(place, this, id, &note, &noteMode);
+    const auto display = VSTGUI::makeOwned<controls::CNoteDisplay>(place, this, id, &note, &noteMode);
     display->setBackColor(clearColour(backColour.c_str()));
     display->setFontColor(clearColour(fontColour.c_str()));
     addControl(display);

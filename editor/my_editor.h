@@ -4,7 +4,7 @@
 #pragma once
 
 #include "base/shared.h"
-#include "editor/note_display.h"
+#include "controls/note_display.h"
 #include "midi/learn_machine.h"
 #include "parameters/pattern_laws.h"
 #include "platform/lock.h"
@@ -14,9 +14,11 @@
 #include <cstdint>
 #include <span>
 
-namespace editor {
-
+namespace controls {
 class ViewTaps;
+} // namespace controls
+
+namespace editor {
 
 /// The levels of all taps, linear, 0..1.
 using TapGains = std::span<const base::Shared<float>, parameters::kMaxTaps>;
@@ -64,11 +66,11 @@ class myEditor : public skin::xmlGuiEditor {
     Pattern pattern_;
     base::Shared<bool> patternNoted_; ///< a thread has left a pattern to be shown
 
-    ViewTaps* viewTaps = nullptr;        ///< not owned
-    CNoteDisplay* noteDisplay = nullptr; ///< not owned
-    platform::Lock lock;                 ///< for whoever would write notes while the window closes
+    controls::ViewTaps* viewTaps = nullptr;        ///< not owned
+    controls::CNoteDisplay* noteDisplay = nullptr; ///< not owned
+    platform::Lock lock;                           ///< for whoever would write notes while the window closes
     std::int8_t note = 0;
-    std::int32_t noteMode = kNoNote;
+    std::int32_t noteMode = controls::kNoNote;
     bool opened = false;
     int openings_ = 0; ///< so far
 };

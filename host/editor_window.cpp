@@ -18,8 +18,8 @@ constexpr int firstWidth = 480, firstHeight = 160;
 constexpr int restMilliseconds = 20;
 constexpr int turnsAtRest = 10;
 
-platform::HostWindow makeWindow(const std::string& title) try {
-    return platform::HostWindow(title, firstWidth, firstHeight);
+desk::HostWindow makeWindow(const std::string& title) try {
+    return desk::HostWindow(title, firstWidth, firstHeight);
 } catch (const std::runtime_error& error) {
     throw HostError(error.what());
 }
@@ -95,9 +95,9 @@ void EditorWindow::serve(int milliseconds) {
     window_.serve(milliseconds);
 }
 
-std::optional<platform::Picture> EditorWindow::settledPicture(int patienceMilliseconds) {
+std::optional<desk::Picture> EditorWindow::settledPicture(int patienceMilliseconds) {
     const std::uint32_t begin = platform::milliseconds();
-    std::optional<platform::Picture> last;
+    std::optional<desk::Picture> last;
     int unchanged = 0;
     while (unchanged < turnsAtRest && !isClosed()) {
         if (platform::milliseconds() - begin > static_cast<std::uint32_t>(patienceMilliseconds))

@@ -9,8 +9,8 @@
 // All on one thread, the window thread of the plug-in.
 #pragma once
 
+#include "desk/host_window.h"
 #include "host/plugin.h"
-#include "platform/host_window.h"
 
 #include <optional>
 #include <string>
@@ -49,17 +49,17 @@ class EditorWindow {
     bool isClosed() const { return window_.isClosed(); }
 
     /// What is to be seen now; nothing if that cannot be told.
-    std::optional<platform::Picture> picture() const { return window_.picture(); }
+    std::optional<desk::Picture> picture() const { return window_.picture(); }
     /// The picture when it has come to rest: when the editor has had its turn several times and nothing
     /// changed. Gives the last one if it goes on changing for `patienceMilliseconds`, and nothing if there is
     /// none to be had or the person closes the window.
-    std::optional<platform::Picture> settledPicture(int patienceMilliseconds);
+    std::optional<desk::Picture> settledPicture(int patienceMilliseconds);
 
   private:
     void answerSizeRequests();
     void fitTo(Plugin& plugin);
 
-    platform::HostWindow window_;
+    desk::HostWindow window_;
     Plugin* plugin_ = nullptr; ///< of the editor that is open
     decltype(HostBehaviour::answer) answerBefore_;
 };

@@ -35,10 +35,10 @@ struct TextBuffer {
     }
 };
 
-platform::SharedLibrary load(const std::string& path) {
+desk::SharedLibrary load(const std::string& path) {
     try {
         const LibraryCall call(path, "the loading");
-        return platform::SharedLibrary(path);
+        return desk::SharedLibrary(path);
     } catch (const std::runtime_error& error) {
         const std::string reason = error.what();
         throw HostError(reason.find(path) == std::string::npos ? path + ": " + reason : reason);

@@ -9,8 +9,8 @@
 // the way a plain sequencer would and recorded, call by call, for whoever wants to look.
 #pragma once
 
+#include "desk/shared_library.h"
 #include "host/library_call.h"
-#include "platform/shared_library.h"
 #include "vst2/vst2.h"
 
 #include <cstddef>
@@ -44,7 +44,7 @@ class Library {
 
   private:
     std::string path_;
-    platform::SharedLibrary library_;
+    desk::SharedLibrary library_;
     vst2::VstEntryPoint entryPoint_ = nullptr;
 };
 

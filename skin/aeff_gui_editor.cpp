@@ -97,7 +97,7 @@ void AEffGUIEditor::idle() {
         return;
     if (frame)
         frame->idle();
-    platform::serveToolkitWindows();
+    toolkit::serveToolkitWindows();
 }
 
 bool AEffGUIEditor::dispatchKey(const vst2::VstKeyCode& key, bool isDown) {
@@ -157,7 +157,7 @@ void AEffGUIEditor::doIdleStuff() {
             return;
     }
     idle();
-    platform::paintToolkitWindows();
+    toolkit::paintToolkitWindows();
     lastTicks = ticks + 100;
     inIdleStuff = true;
     theEffect().masterIdle();

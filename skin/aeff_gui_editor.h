@@ -5,10 +5,10 @@
 // Everything runs on the host's window thread, unless it says otherwise.
 #pragma once
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
 #include "plugin/aeff_editor.h"
 #include "plugin/audio_effect_x.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 #include "vst2/vst2.h"
 
 #include "base/shared.h"
@@ -73,8 +73,8 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     bool dispatchKey(const vst2::VstKeyCode& key, bool isDown);
     void setFrame(VSTGUI::CFrame* newFrame);
 
-    platform::Toolkit toolkit_;
-    platform::ToolkitWindow window_;
+    toolkit::Toolkit toolkit_;
+    toolkit::ToolkitWindow window_;
     plugin::AudioEffectX* effectX_;
     base::Shared<std::uint64_t> windowThread_;
     base::Shared<bool> hasFrame_ = false;

@@ -5,8 +5,8 @@
 
 #include "base/ascii.h"
 #include "base/truncation.h"
-#include "editor/about.h"
-#include "editor/displays.h"
+#include "controls/about.h"
+#include "controls/displays.h"
 #include "platform/message_box.h"
 #include "skin/object_reader.h"
 #include "skin/skin_menu.h"
@@ -320,7 +320,7 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     if (object.isLost() || !frame)
         return kPassedOver;
     const auto display =
-        VSTGUI::makeOwned<editor::CParamDisplayLink>(&theEffect(), link, place, id, ground, style);
+        VSTGUI::makeOwned<controls::CParamDisplayLink>(&theEffect(), link, place, id, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
     displayLinks.append(display);
     addControl(display);
@@ -335,19 +335,19 @@ int xmlGuiEditor::buildDisplay(ObjectReader& object) {
 
 int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
     object.callIt("display");
-    editor::CDisplay* const display = buildText(object, object.box(), kAnyDisplayTag);
+    controls::CDisplay* const display = buildText(object, object.box(), kAnyDisplayTag);
     if (!display)
         return kPassedOver;
     anyDisplay = display;
     return kDone;
 }
 
-editor::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& place, std::int32_t tag) {
+controls::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& place, std::int32_t tag) {
     const std::int32_t style = object.integer("style", 0);
     CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
     if (object.isLost() || !frame)
         return nullptr;
-    const auto display = VSTGUI::makeOwned<editor::CDisplay>(place, ground, style);
+    const auto display = VSTGUI::makeOwned<controls::CDisplay>(place, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
     display->setTag(tag);
     addControl(display);
@@ -457,7 +457,7 @@ int xmlGuiEditor::buildAbout(ObjectReader& object) {
     const std::int32_t tag = kFirstAboutTag + aboutCount;
     VSTGUI::SharedPointer<VSTGUI::CSplashScreen> box;
     if (aboutCount == 0)
-        box = VSTGUI::makeOwned<editor::CAbout>(area, this, tag, picture, shown);
+        box = VSTGUI::makeOwned<controls::CAbout>(area, this, tag, picture, shown);
     else
         box = VSTGUI::makeOwned<VSTGUI::CSplashScreen>(area, this, tag, picture, shown);
     if (aboutCount < static_cast<std::int32_t>(std::size(aboutBoxes)))

@@ -1,6 +1,6 @@
 #include "skin/images.h"
 
-#include "platform/toolkit.h"
+#include "toolkit/toolkit.h"
 
 #include <new>
 
@@ -10,9 +10,9 @@ namespace {
 
 /// Null if there is no such picture, or no memory for it.
 VSTGUI::PlatformBitmapPtr readImage(const std::string& folder, const std::string& name,
-                                    platform::PictureAllowance& allowance) try {
-    const auto path = platform::findPicture(folder, name);
-    return path ? platform::readBitmap(*path, allowance) : nullptr;
+                                    toolkit::PictureAllowance& allowance) try {
+    const auto path = toolkit::findPicture(folder, name);
+    return path ? toolkit::readBitmap(*path, allowance) : nullptr;
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
@@ -20,16 +20,16 @@ VSTGUI::PlatformBitmapPtr readImage(const std::string& folder, const std::string
 } // namespace
 
 VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name,
-                                                 platform::PictureAllowance& allowance,
-                                                 const std::shared_ptr<platform::DisplayMemory>& memory) {
+                                                 toolkit::PictureAllowance& allowance,
+                                                 const std::shared_ptr<toolkit::DisplayMemory>& memory) {
     const auto picture = readImage(folder, name, allowance);
     if (!picture)
         return VSTGUI::makeOwned<MissingImage>();
-    return memory ? platform::makeWindowBitmap(picture, memory) : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
+    return memory ? toolkit::makeWindowBitmap(picture, memory) : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
 }
 
 VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name) {
-    platform::PictureAllowance allowance;
+    toolkit::PictureAllowance allowance;
     return loadImage(folder, name, allowance);
 }
 

@@ -8,10 +8,10 @@
 #include <memory>
 #include <string>
 
-namespace platform {
+namespace toolkit {
 class DisplayMemory;
 struct PictureAllowance;
-} // namespace platform
+} // namespace toolkit
 
 namespace skin {
 
@@ -19,10 +19,10 @@ namespace skin {
 /// its parts, in PNG, BMP, JPEG, GIF, TIFF or ICO. Never null. A picture that is missing, cannot be decoded
 /// or costs more than is left of `allowance` or of memory gives a MissingImage. Nothing is kept: each call
 /// decodes anew. What the picture keeps on the display comes out of `memory`, which may be null: then it
-/// keeps nothing there. A platform::Toolkit must live. On the window thread.
+/// keeps nothing there. A toolkit::Toolkit must live. On the window thread.
 VSTGUI::SharedPointer<VSTGUI::CBitmap>
-loadImage(const std::string& folder, const std::string& name, platform::PictureAllowance& allowance,
-          const std::shared_ptr<platform::DisplayMemory>& memory = nullptr);
+loadImage(const std::string& folder, const std::string& name, toolkit::PictureAllowance& allowance,
+          const std::shared_ptr<toolkit::DisplayMemory>& memory = nullptr);
 
 /// A picture by itself.
 VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name);

@@ -4,10 +4,10 @@
 #include "platform/folders.h"
 #include "platform/module_folder.h"
 #include "platform/settings.h"
-#include "platform/toolkit.h"
 #include "skin/fixed_text.h"
 #include "skin/images.h"
 #include "skin/xml_gui_editor.h"
+#include "toolkit/toolkit.h"
 
 #include <algorithm>
 #include <optional>
@@ -84,7 +84,7 @@ void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xm
     copyWholeText(context->path, skinFolder(folder, name).c_str());
     context->backgroundOnly = backgroundOnly;
     context->parent = parent;
-    context->displayMemory = std::make_shared<platform::DisplayMemory>(kMostDisplayMemory);
+    context->displayMemory = std::make_shared<toolkit::DisplayMemory>(kMostDisplayMemory);
 }
 
 VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {

@@ -5,9 +5,9 @@
 // Everything here runs on the thread that constructs or opens the editor.
 #pragma once
 
-#include "platform/toolkit.h"
-#include "skin/expression.h"
-#include "skin/grow_array.h"
+#include "skin_language/expression.h"
+#include "skin_language/grow_array.h"
+#include "toolkit/toolkit.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -48,9 +48,9 @@ struct SkinContext {
     char path[kPathSize] = "";   ///< the skin's folder with a separator behind it
     bool backgroundOnly = false; ///< true in the pass that only measures
     ExprTable constants;
-    platform::PictureAllowance pictureAllowance;            ///< what the pictures may still cost
-    std::shared_ptr<platform::DisplayMemory> displayMemory; ///< what the pictures may keep on the display
-    bool isWindowMissing = false;                           ///< the display does not know `parent`
+    toolkit::PictureAllowance pictureAllowance;            ///< what the pictures may still cost
+    std::shared_ptr<toolkit::DisplayMemory> displayMemory; ///< what the pictures may keep on the display
+    bool isWindowMissing = false;                          ///< the display does not know `parent`
 };
 
 /// Decides which skin it is, and adds the names of all that there are to the editor's list.

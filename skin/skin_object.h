@@ -2,8 +2,8 @@
 // tags.
 #pragma once
 
-#include "skin/grow_array.h"
-#include "skin/xml_reader.h"
+#include "skin_language/grow_array.h"
+#include "skin_language/xml_reader.h"
 
 #include <cstddef>
 

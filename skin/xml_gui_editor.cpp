@@ -2,8 +2,8 @@
 
 #include "base/ascii.h"
 #include "base/truncation.h"
-#include "editor/default_values.h"
-#include "editor/displays.h"
+#include "controls/default_values.h"
+#include "controls/displays.h"
 #include "parameters/parameter_table.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
@@ -52,13 +52,13 @@ void* windowOf(const VSTGUI::CFrame* frame) {
 /// earliest, and while a message stands open not at all.
 void drawBeforeMessage() {
     platform::sleepMilliseconds(17);
-    platform::paintToolkitWindows();
+    toolkit::paintToolkitWindows();
 }
 
 } // namespace
 
 xmlGuiEditor::xmlGuiEditor(plugin::AudioEffectX* owner) : AEffGUIEditor(owner) {
-    editor::resetOnlyControlsWithDefault();
+    controls::resetOnlyControlsWithDefault();
     // No id, so that the first one is not taken for a repetition.
     for (base::Shared<std::int32_t>& entry : updateQueue)
         entry.store(std::numeric_limits<std::int32_t>::min());
@@ -281,7 +281,7 @@ void xmlGuiEditor::setShownValue(CControl& control, std::int32_t tag, float valu
 void xmlGuiEditor::bringUpToDate(CControl& control) {
     const std::int32_t tag = control.getTag();
     const bool isBoundMenu = dynamic_cast<SkinMenu*>(&control) && isMenuId(tag);
-    if (!isParameter(tag) || !(isBoundMenu || editor::hasDefault(control)))
+    if (!isParameter(tag) || !(isBoundMenu || controls::hasDefault(control)))
         return;
     setShownValue(control, tag, theEffect().getParameter(tag));
     // Drawn soon, and not dirty: a gesture that is cancelled goes back to the value that was shown last, and
@@ -304,7 +304,7 @@ void xmlGuiEditor::showAllParameters() {
 }
 
 void xmlGuiEditor::markLinkedDisplay(std::int32_t id) {
-    for (editor::CParamDisplayLink* display : displayLinks)
+    for (controls::CParamDisplayLink* display : displayLinks)
         if (display->getLink() == id)
             return display->setDirty(true);
 }
@@ -465,7 +465,7 @@ void xmlGuiEditor::selectSkin(CControl& control) {
 }
 
 void xmlGuiEditor::tellOfChosenSkin() {
-    const platform::InputPause pause;
+    const toolkit::InputPause pause;
     drawBeforeMessage();
     platform::showMessage("The new skin has been selected.\n"
                           "Please close and open this window.\n"

@@ -9,8 +9,8 @@
 #pragma once
 
 #include "skin/aeff_gui_editor.h"
-#include "skin/grow_array.h"
 #include "skin/skin_context.h"
+#include "skin_language/grow_array.h"
 
 #include "base/shared.h"
 #include "vstgui/lib/controls/icontrollistener.h"
@@ -19,10 +19,10 @@
 #include <memory>
 #include <vector>
 
-namespace editor {
+namespace controls {
 class CDisplay;
 class CParamDisplayLink;
-} // namespace editor
+} // namespace controls
 
 namespace VSTGUI {
 class CBitmap;
@@ -135,9 +135,9 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     /// that the builder has bound to one; any other stays as it is.
     void bringUpToDate(VSTGUI::CControl& control);
 
-    VSTGUI::CBitmap* background = nullptr;              ///< not owned
-    std::uint8_t skinLoaded = 0;                        ///< from open() to close()
-    GrowArray<editor::CParamDisplayLink*> displayLinks; ///< not owned
+    VSTGUI::CBitmap* background = nullptr;                ///< not owned
+    std::uint8_t skinLoaded = 0;                          ///< from open() to close()
+    GrowArray<controls::CParamDisplayLink*> displayLinks; ///< not owned
     GrowArray<UpdateLink> updateLinks;
     base::Shared<std::int32_t> updateQueue[256]; ///< a ring of parameter ids
     base::Shared<std::int32_t> queueRead;        ///< 0..255
@@ -146,7 +146,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     GrowArray<MenuAction> menuActions;
     std::int32_t aboutCount = 0;
     VSTGUI::CSplashScreen* aboutBoxes[4] = {}; ///< not owned
-    editor::CDisplay* anyDisplay = nullptr;    ///< shows what is being turned; not owned
+    controls::CDisplay* anyDisplay = nullptr;  ///< shows what is being turned; not owned
 
     class ObjectReader;
 
@@ -200,7 +200,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     int buildAutoDisplay(ObjectReader& object);
     int buildDisplay(ObjectReader& object);
     int buildAnyDisplay(ObjectReader& object);
-    editor::CDisplay* buildText(ObjectReader& object, const VSTGUI::CRect& place, std::int32_t tag);
+    controls::CDisplay* buildText(ObjectReader& object, const VSTGUI::CRect& place, std::int32_t tag);
     int buildOptionMenu(ObjectReader& object);
     int buildSkinSelector(ObjectReader& object);
     template <class Switch>

@@ -3,7 +3,7 @@
 #include "bench/contest.h"
 #include "bench/peers/faust_program.h"
 #include "bench/player.h"
-#include "platform/shared_library.h"
+#include "desk/shared_library.h"
 
 #include <filesystem>
 #include <memory>
@@ -19,7 +19,7 @@ constexpr const char* kReadNames[] = {"cubic", "linear", "whole"};
 std::span<const FaustProgram> programsOf(const std::string& module) {
     if (!std::filesystem::exists(module))
         throw std::runtime_error("there are no Faust programs to compare with: " + module);
-    static const platform::SharedLibrary library(module);
+    static const desk::SharedLibrary library(module);
     const auto programs = reinterpret_cast<FaustProgramsFunction>(library.symbol(kFaustProgramsName));
     if (!programs)
         throw std::runtime_error(module + " holds no Faust programs");

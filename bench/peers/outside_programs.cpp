@@ -3,7 +3,7 @@
 #include "bench/contest.h"
 #include "bench/peers/faust_contest.h"
 #include "bench/player.h"
-#include "platform/measuring.h"
+#include "desk/measuring.h"
 
 #include <fstream>
 #include <sstream>
@@ -78,7 +78,7 @@ std::vector<std::string> csoundCommand(const OutsideProgram& program, int second
 
 Contestant contestantOf(const OutsideProgram& program, int seconds, bool withTaps) {
     return {[&program, seconds, withTaps] {
-                return platform::processorSecondsOf(program.command(program, seconds, withTaps));
+                return desk::processorSecondsOf(program.command(program, seconds, withTaps));
             },
             1.0, 0.0, 1};
 }

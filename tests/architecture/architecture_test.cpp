@@ -3,7 +3,7 @@
 
 #include "child_process.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -93,7 +93,7 @@ struct Compiled {
 
 /// Hands `source` to the compiler as if it were a file of `room`.
 Compiled compileIn(const std::string& room, const std::string& source, const std::string& mode) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::ofstream("probe.cpp") << source;
     std::vector<std::string> arguments = {QUILLON_COMPILER, "-std=c++20", mode};
     const auto rooms = includeFolders();
@@ -167,7 +167,7 @@ TEST(Rooms, LetTheEngineIncludeItsOwnAndTheParameters) {
 
 TEST(Rooms, StopTheEngineFromIncludingTheHostsWorld) {
     for (const std::string header :
-         {"plugin/velmo_delay.h", "vst2/vst2.h", "platform/files.h", "host/plugin.h"}) {
+         {"doors/vst2/velmo_delay.h", "vst2/vst2.h", "platform/files.h", "host/plugin.h"}) {
         const Compiled forbidden = compileIn(
             "dsp", "#include \"dsp/delay_engine.h\"\n#include \"" + header + "\"\nint x;\n", "-fsyntax-only");
         EXPECT_NE(forbidden.status, 0) << header;

@@ -1,4 +1,4 @@
-#include "platform/measuring.h"
+#include "desk/measuring.h"
 
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -7,20 +7,20 @@
 namespace {
 
 TEST(ProcessorSeconds, AreThoseOfTheProgramThatWasRun) {
-    const double idle = platform::processorSecondsOf({"true"});
+    const double idle = desk::processorSecondsOf({"true"});
     const double busy =
-        platform::processorSecondsOf({"sh", "-c", "i=0; while [ $i -lt 300000 ]; do i=$((i+1)); done"});
+        desk::processorSecondsOf({"sh", "-c", "i=0; while [ $i -lt 300000 ]; do i=$((i+1)); done"});
     EXPECT_GE(idle, 0.0);
     EXPECT_GT(busy, idle);
 }
 
 TEST(ProcessorSeconds, AreRefusedForAProgramThatFails) {
-    EXPECT_THROW(platform::processorSecondsOf({"false"}), std::runtime_error);
+    EXPECT_THROW(desk::processorSecondsOf({"false"}), std::runtime_error);
 }
 
 TEST(ProcessorSeconds, AreRefusedForAProgramThatIsNotThere) {
     try {
-        platform::processorSecondsOf({"no-such-program-anywhere"});
+        desk::processorSecondsOf({"no-such-program-anywhere"});
         FAIL() << "no error";
     } catch (const std::runtime_error& error) {
         EXPECT_TRUE(std::string(error.what()).starts_with("no-such-program-anywhere "));
@@ -28,7 +28,7 @@ TEST(ProcessorSeconds, AreRefusedForAProgramThatIsNotThere) {
 }
 
 TEST(Staying, LeavesTheThreadOneProcessor) {
-    if (!platform::stayOnThisProcessor())
+    if (!desk::stayOnThisProcessor())
         GTEST_SKIP() << "the system does not allow it";
     cpu_set_t allowed;
     ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
@@ -37,7 +37,7 @@ TEST(Staying, LeavesTheThreadOneProcessor) {
 }
 
 TEST(ProcessorName, IsOneLine) {
-    const std::string name = platform::processorName();
+    const std::string name = desk::processorName();
     EXPECT_FALSE(name.empty());
     EXPECT_EQ(name.find('\n'), std::string::npos);
     EXPECT_EQ(name.find('\t'), std::string::npos);

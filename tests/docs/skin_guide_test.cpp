@@ -3,10 +3,10 @@
 #include "guide_text.h"
 
 #include "parameters/parameter_table.h"
-#include "skin/expression.h"
+#include "skin_language/expression.h"
 #include "support/scratch_folder.h"
 #include "support/tool_run.h"
-#include "tools/window/skin_rules.h"
+#include "tools/skin_check/skin_rules.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "library_under_test.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 #include "support/own_process.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ std::vector<NamedLibrary> loadAll() {
 class Surroundings : public testing::Environment {
   public:
     void SetUp() override {
-        folder_ = std::make_unique<platform::PrivateFolder>();
+        folder_ = std::make_unique<desk::PrivateFolder>();
         conversation::leaveThePersonsSettingsAlone(folder_->path());
         libraries = new std::vector<NamedLibrary>(loadAll());
     }
@@ -37,7 +37,7 @@ class Surroundings : public testing::Environment {
     void TearDown() override { folder_.reset(); }
 
   private:
-    std::unique_ptr<platform::PrivateFolder> folder_;
+    std::unique_ptr<desk::PrivateFolder> folder_;
 };
 
 /// Owned by GoogleTest from then on.

@@ -5,8 +5,8 @@
 //   scenario_recording compare FILE FILE
 #include "scenario.h"
 
+#include "desk/private_folder.h"
 #include "host/plugin.h"
-#include "platform/private_folder.h"
 #include "support/own_process.h"
 
 #include <algorithm>
@@ -89,7 +89,7 @@ bool read(std::istream& in, Value* values, std::size_t count) {
 
 void record(const std::filesystem::path& file) {
     std::ofstream out(file, std::ios::binary);
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     conversation::leaveThePersonsSettingsAlone(folder.path());
     const host::Library library(QUILLON_LIBRARY);
     for (std::uint64_t family = 0; family < kFamilies; ++family)

@@ -1,7 +1,7 @@
 // The about box: where its lines stand, and how it opens and closes.
-#include "editor/about.h"
+#include "controls/about.h"
 
-#include "editor/default_values.h"
+#include "controls/default_values.h"
 #include "recorded_toolkit.h"
 
 #include "vstgui/lib/cbitmap.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-using editor::CAbout;
+using controls::CAbout;
 using test::both;
 using test::Drawing;
 using test::Listener;
@@ -41,7 +41,7 @@ class Picture final : public VSTGUI::CBitmap {
 class About : public testing::Test {
   protected:
     About() {
-        editor::resetOnlyControlsWithDefault();
+        controls::resetOnlyControlsWithDefault();
         area = addArea(CRect(15, 25, 315, 225));
     }
 

@@ -1,10 +1,10 @@
 // The displays, the note display and the help launcher.
-#include "editor/displays.h"
+#include "controls/displays.h"
 
-#include "editor/help.h"
-#include "editor/note_display.h"
+#include "controls/help.h"
+#include "controls/note_display.h"
+#include "desk/private_folder.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
 #include "platform/web_browser.h"
 #include "plugin/audio_effect_x.h"
 #include "recorded_toolkit.h"
@@ -19,9 +19,9 @@
 
 namespace {
 
-using editor::CDisplay;
-using editor::CNoteDisplay;
-using editor::CParamDisplayLink;
+using controls::CDisplay;
+using controls::CNoteDisplay;
+using controls::CParamDisplayLink;
 using test::Drawing;
 using VSTGUI::CColor;
 using VSTGUI::CPoint;
@@ -169,7 +169,7 @@ class NoteDisplay : public testing::Test {
         return drawing.texts[0].text;
     }
     std::string nameOf(int number) {
-        mode = editor::kOneNote;
+        mode = controls::kOneNote;
         note = static_cast<std::int8_t>(number);
         return shown();
     }
@@ -256,29 +256,29 @@ class Help : public testing::Test {
     ~Help() override { platform::replaceBrowser(nullptr, nullptr); }
 
     std::vector<std::string> opened;
-    char written[editor::kHelpArgumentSize + 1] = {};
+    char written[controls::kHelpArgumentSize + 1] = {};
 };
 
 TEST_F(Help, LiesBesideTheLibrary) {
-    editor::helpFileArgument(written);
+    controls::helpFileArgument(written);
     ASSERT_LT(platform::moduleFolder().size(), 200u) << "this test needs a folder with a shorter path";
     EXPECT_EQ(written, "\"" + platform::moduleFolder() + "Quillon Multitap Delay Help.htm\"");
 }
 
 TEST_F(Help, OpensInTheBrowser) {
-    editor::helpFileArgument(written);
-    editor::openHelp();
+    controls::helpFileArgument(written);
+    controls::openHelp();
     EXPECT_EQ(opened, std::vector<std::string>{written});
 }
 
 TEST_F(Help, OpensWithoutASignWhereThereIsNoBrowser) {
-    const platform::PrivateFolder emptyFolder;
+    const desk::PrivateFolder emptyFolder;
     const std::string path = std::getenv("PATH");
     setenv("PATH", emptyFolder.path().c_str(), 1);
     platform::replaceBrowser(nullptr, nullptr);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    editor::openHelp();
+    controls::openHelp();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     setenv("PATH", path.c_str(), 1);
@@ -289,7 +289,7 @@ TEST_F(Help, OpensFromBelowALongPath) {
         const std::string folder = "/" + std::string(length, 'd') + "/";
         platform::replaceModuleFolder(folder);
         opened.clear();
-        editor::openHelp();
+        controls::openHelp();
         EXPECT_EQ(opened, std::vector<std::string>{"\"" + folder + "Quillon Multitap Delay Help.htm\""});
     }
     platform::replaceModuleFolder("");
@@ -297,17 +297,17 @@ TEST_F(Help, OpensFromBelowALongPath) {
 
 TEST_F(Help, FillsItsBufferToTheLastByteAndNoFurther) {
     constexpr std::size_t others = sizeof "\"Quillon Multitap Delay Help.htm\"" - 1;
-    const std::string longest(editor::kHelpArgumentSize - 1 - others, 'x');
-    written[editor::kHelpArgumentSize] = '#';
-    editor::helpFileArgument(longest, written);
+    const std::string longest(controls::kHelpArgumentSize - 1 - others, 'x');
+    written[controls::kHelpArgumentSize] = '#';
+    controls::helpFileArgument(longest, written);
     EXPECT_EQ(written, "\"" + longest + "Quillon Multitap Delay Help.htm\"");
-    editor::helpFileArgument(longest + "x", written);
+    controls::helpFileArgument(longest + "x", written);
     EXPECT_STREQ(written, "") << "a path that is too long is none";
-    EXPECT_EQ(written[editor::kHelpArgumentSize], '#');
+    EXPECT_EQ(written[controls::kHelpArgumentSize], '#');
 }
 
 TEST_F(Help, IsNotSoughtInTheCurrentFolder) {
-    editor::helpFileArgument("", written);
+    controls::helpFileArgument("", written);
     EXPECT_STREQ(written, "");
 }
 

@@ -1,6 +1,6 @@
 // The overlay above a parameter's control: what it passes on, and its menu, which on some systems answers
 // while it opens and on others later.
-#include "editor/midi_learn.h"
+#include "controls/midi_learn.h"
 
 #include "midi/cc_map.h"
 #include "midi/learn_machine.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-using editor::CMidiLearn;
+using controls::CMidiLearn;
 using parameters::kFeedback;
 using test::both;
 using test::Listener;

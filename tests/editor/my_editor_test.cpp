@@ -6,9 +6,9 @@
 
 #include "skin_bench.h"
 
-#include "editor/midi_learn.h"
-#include "editor/note_display.h"
-#include "editor/view_taps.h"
+#include "controls/midi_learn.h"
+#include "controls/note_display.h"
+#include "controls/view_taps.h"
 
 #include "recorded_toolkit.h"
 
@@ -18,9 +18,9 @@
 
 namespace {
 
-using editor::CMidiLearn;
-using editor::CNoteDisplay;
-using editor::ViewTaps;
+using controls::CMidiLearn;
+using controls::CNoteDisplay;
+using controls::ViewTaps;
 using VSTGUI::CColor;
 using VSTGUI::CControl;
 using VSTGUI::CRect;

@@ -1,6 +1,6 @@
 #include "recorded_toolkit.h"
 
-#include "platform/toolkit.h"
+#include "toolkit/toolkit.h"
 
 #include "vstgui/lib/cdrawcontext.h"
 #include "vstgui/lib/cgraphicspath.h"
@@ -300,7 +300,7 @@ std::vector<std::string> Drawing::words() const {
 
 void useRecordedToolkit() {
     static const bool done = [] {
-        const platform::Toolkit toolkit;
+        const toolkit::Toolkit toolkit;
         setPlatformFactory(std::make_unique<RecordedFactory>());
         return true;
     }();

@@ -1,5 +1,5 @@
 // What becomes of the window while the editor asks its host for room.
-#include "editor/midi_learn.h"
+#include "controls/midi_learn.h"
 #include "editor/my_editor.h"
 
 #include "skin_bench.h"
@@ -24,7 +24,7 @@ class Exposed final : public editor::myEditor {
 
     auto countOverlays() const {
         return std::ranges::count_if(controls(), [](VSTGUI::CControl* control) {
-            return dynamic_cast<editor::CMidiLearn*>(control) != nullptr;
+            return dynamic_cast<controls::CMidiLearn*>(control) != nullptr;
         });
     }
 };

@@ -1,7 +1,7 @@
 // The tap view by what it draws, and by what the mouse does to it.
-#include "editor/view_taps.h"
+#include "controls/view_taps.h"
 
-#include "editor/default_values.h"
+#include "controls/default_values.h"
 #include "recorded_toolkit.h"
 
 #include <cmath>
@@ -13,7 +13,7 @@
 
 namespace {
 
-using editor::ViewTaps;
+using controls::ViewTaps;
 using test::both;
 using test::Drawing;
 using test::RecordedFrame;
@@ -50,7 +50,7 @@ class TapView : public testing::Test {
   protected:
     explicit TapView(const CRect& size = CRect(20, 30, 320, 125)) {
         test::useRecordedToolkit();
-        editor::resetOnlyControlsWithDefault();
+        controls::resetOnlyControlsWithDefault();
         place(size);
     }
 
@@ -592,7 +592,7 @@ TEST_F(TapView, RedrawsWhateverIsShowingWhenThePatternChanges) {
 /// The view in a frame, with whole events.
 class TapViewInAFrame : public testing::Test {
   protected:
-    TapViewInAFrame() { editor::resetOnlyControlsWithDefault(); }
+    TapViewInAFrame() { controls::resetOnlyControlsWithDefault(); }
 
     RecordedFrame frame;
     ViewTaps* view = frame.add(new ViewTaps(CRect(20, 30, 320, 125)));

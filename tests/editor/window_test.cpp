@@ -1,12 +1,12 @@
 // The views in a real window with a real pointer: what only a display shows.
-#include "editor/about.h"
-#include "editor/default_values.h"
-#include "editor/midi_learn.h"
-#include "editor/view_taps.h"
+#include "controls/about.h"
+#include "controls/default_values.h"
+#include "controls/midi_learn.h"
+#include "controls/view_taps.h"
 #include "midi/cc_map.h"
 #include "midi/learn_machine.h"
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/cframe.h"
@@ -30,9 +30,9 @@
 
 namespace {
 
-using editor::CAbout;
-using editor::CMidiLearn;
-using editor::ViewTaps;
+using controls::CAbout;
+using controls::CMidiLearn;
+using controls::ViewTaps;
 using parameters::kFeedback;
 using test::Pixel;
 using VSTGUI::CPoint;
@@ -49,7 +49,7 @@ class Reports final : public VSTGUI::IControlListener {
 class EditorWindow : public testing::Test {
   protected:
     EditorWindow() {
-        editor::resetOnlyControlsWithDefault();
+        controls::resetOnlyControlsWithDefault();
         for (std::int32_t id = 0; id < parameters::kNumParameters; ++id)
             midi::bindController(id, midi::kNoController);
         parent = XCreateSimpleWindow(display(), screen().root(), left, top, width, height, 0, 0, 0xFF00FF);
@@ -83,7 +83,7 @@ class EditorWindow : public testing::Test {
     bool serveUntil(const std::function<bool()>& condition) {
         return test::waitUntil([&] {
             frame->idle();
-            platform::serveToolkitWindows();
+            toolkit::serveToolkitWindows();
             return condition();
         });
     }
@@ -129,10 +129,10 @@ class EditorWindow : public testing::Test {
     static constexpr unsigned leftButton = 1, rightButton = 3, wheelUp = 4;
     static constexpr Pixel grey = 0x404040;
 
-    platform::Toolkit toolkit;
+    toolkit::Toolkit toolkit;
     // Before the window, since its views use them to the end.
     Reports reports;
-    platform::ToolkitWindow window;
+    toolkit::ToolkitWindow window;
     VSTGUI::CFrame* frame = nullptr;
     Window parent = None;
 

@@ -7,8 +7,8 @@
 // instance of its own.
 #pragma once
 
+#include "doors/vst2/velmo_delay.h"
 #include "lent_buffer.h"
-#include "plugin/velmo_delay.h"
 #include "promise.h"
 #include "unattended.h"
 

@@ -1,6 +1,6 @@
 // Any bytes as the lines of a skin's arithmetic, one table for all: a line is either refused and changes
 // nothing, or has a value, which does not depend on the case of its letters.
-#include "skin/expression.h"
+#include "skin_language/expression.h"
 
 #include "base/ascii.h"
 #include "promise.h"

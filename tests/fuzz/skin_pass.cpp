@@ -6,7 +6,7 @@
 
 #include "base/ascii.h"
 #include "editor/my_editor.h"
-#include "skin/xml_reader.h"
+#include "skin_language/xml_reader.h"
 
 #include <cstdint>
 #include <memory>

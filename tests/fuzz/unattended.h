@@ -2,9 +2,9 @@
 // home of its own, no screen, and a list of the messages in place of boxes to click away.
 #pragma once
 
-#include "platform/display.h"
+#include "desk/display.h"
+#include "desk/private_folder.h"
 #include "platform/message_box.h"
-#include "platform/private_folder.h"
 
 #include <cstdlib>
 #include <string>
@@ -26,7 +26,7 @@ class Unattended {
 
   private:
     Unattended() {
-        platform::leaveDisplay();
+        desk::leaveDisplay();
         setenv("HOME", folder_.path().c_str(), 1);
         setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
         platform::replaceMessageBox(
@@ -37,6 +37,6 @@ class Unattended {
     }
     ~Unattended() { platform::replaceMessageBox(nullptr, nullptr); }
 
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
     std::vector<std::string> messages_;
 };

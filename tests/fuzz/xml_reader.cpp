@@ -1,6 +1,6 @@
 // Any bytes as a skin file: the reader either refuses them or gives a tree that keeps to the dialect, and a
 // tree that is written out in the dialect comes back the same.
-#include "skin/xml_reader.h"
+#include "skin_language/xml_reader.h"
 
 #include "base/ascii.h"
 #include "promise.h"

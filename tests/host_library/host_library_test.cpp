@@ -5,7 +5,7 @@
 
 #include "sample_effect.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <cstring>
 #include <fstream>
@@ -60,7 +60,7 @@ TEST(HostLibraryLoader, NamesTheFileThatIsNotThere) {
 }
 
 TEST(HostLibraryLoader, NamesTheFileThatIsNoLibrary) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::ofstream("text.so") << "not a library";
     EXPECT_TRUE(contains(errorOf([] { Library("./text.so"); }), "text.so"));
 }

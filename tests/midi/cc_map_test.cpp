@@ -1,7 +1,7 @@
 // The controller map from inside: what becomes of a binding that was forgotten in the editor's menu.
+#include "desk/private_folder.h"
 #include "midi/cc_map.h"
 #include "platform/files.h"
-#include "platform/private_folder.h"
 
 #include <filesystem>
 #include <string>
@@ -21,7 +21,7 @@ class ControllerMap : public testing::Test {
     }
     void readAgain() { readCcMap(folder.path() + "/nowhere/"); }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
 };
 
 TEST_F(ControllerMap, ForgetsOneBindingAndKeepsTheOthers) {

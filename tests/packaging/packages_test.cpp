@@ -1,8 +1,8 @@
 // The installer and the zip, on a Windows of the test's own: what they put where, and what they leave of a
 // person's own things.
 
+#include "desk/shared_library.h"
 #include "platform/files.h"
-#include "platform/shared_library.h"
 
 #include <gtest/gtest.h>
 
@@ -123,7 +123,7 @@ TEST_F(Packages, AreInstalledWhereThePersonWantsThem) {
 
 TEST_F(Packages, LoadFromWhereTheyWereInstalled) {
     ASSERT_EQ(install(), 0);
-    const platform::SharedLibrary library((kChosen / kLibrary).string());
+    const desk::SharedLibrary library((kChosen / kLibrary).string());
     EXPECT_NE(library.symbol("VSTPluginMain"), nullptr);
 }
 
@@ -189,7 +189,7 @@ TEST_F(Packages, LeaveSkinsAndBankOfAPersonsOwnWhenUninstalled) {
 TEST_F(Packages, StayWholeWhileTheEffectIsInUse) {
     ASSERT_EQ(install(), 0);
     {
-        const platform::SharedLibrary inUse((kChosen / kLibrary).string());
+        const desk::SharedLibrary inUse((kChosen / kLibrary).string());
         // In place, so that its answer is heard.
         EXPECT_EQ(run(quoted(kChosen / kUninstaller) + " /S _?=" + kChosen.string()), 2);
         expectTheStageIn(kChosen);
@@ -204,7 +204,7 @@ TEST_F(Packages, AreInTheZipAsTheyAreDelivered) {
     expectTheStageIn(effect);
     EXPECT_EQ(filesIn(effect), filesIn(kStage));
     EXPECT_TRUE(files::exists(files::path(QUILLON_UNPACKED) / "Read me.txt"));
-    const platform::SharedLibrary library((files::absolute(effect) / kLibrary).string());
+    const desk::SharedLibrary library((files::absolute(effect) / kLibrary).string());
     EXPECT_NE(library.symbol("VSTPluginMain"), nullptr);
 }
 

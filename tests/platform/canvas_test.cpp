@@ -1,5 +1,5 @@
 // Texts on a canvas that have to fit.
-#include "platform/canvas.h"
+#include "desk/canvas.h"
 
 #include <string>
 
@@ -7,8 +7,8 @@
 
 namespace {
 
-using platform::Canvas;
-using platform::TextStyle;
+using desk::Canvas;
+using desk::TextStyle;
 
 const TextStyle style = {.size = 20.0, .colour = {0.0, 0.0, 0.0}};
 const std::string ellipsis = "\u2026";

@@ -1,6 +1,6 @@
 #include "platform/files.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -14,7 +14,7 @@ using Bytes = std::vector<unsigned char>;
 /// Each test writes into a folder of its own.
 class Files : public testing::Test {
   protected:
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
 };
 
 TEST_F(Files, GiveBackWhatWasWritten) {

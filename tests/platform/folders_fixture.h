@@ -1,8 +1,8 @@
 // Folders with files to list and to search.
 #pragma once
 
+#include "desk/private_folder.h"
 #include "platform/files.h"
-#include "platform/private_folder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ class Folders : public testing::Test {
         ASSERT_TRUE(platform::writeWholeFile(path, path.data(), path.size()));
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
 };
 
 } // namespace test

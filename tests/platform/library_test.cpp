@@ -1,9 +1,9 @@
 // Loading a library, and what the library finds out about its own place.
 
+#include "desk/private_folder.h"
+#include "desk/shared_library.h"
 #include "platform/folders.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
-#include "platform/shared_library.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
-using platform::SharedLibrary;
+using desk::PrivateFolder;
+using desk::SharedLibrary;
 
 /// As a full path, since tests go into other folders.
 const std::string sample = files::absolute(QUILLON_SAMPLE_LIBRARY).string();

@@ -1,4 +1,4 @@
-#include "platform/own_output.h"
+#include "desk/own_output.h"
 
 #include "child_process.h"
 
@@ -39,13 +39,13 @@ TEST(OwnOutput, KnowsATerminalFromAFile) {
     ASSERT_EQ(unlockpt(keyboard), 0);
     std::FILE* terminal = std::fopen(ptsname(keyboard), "w");
     ASSERT_NE(terminal, nullptr);
-    EXPECT_TRUE(platform::isTerminal(terminal));
+    EXPECT_TRUE(desk::isTerminal(terminal));
     std::fclose(terminal);
     close(keyboard);
 
     std::FILE* file = std::tmpfile();
     ASSERT_NE(file, nullptr);
-    EXPECT_FALSE(platform::isTerminal(file));
+    EXPECT_FALSE(desk::isTerminal(file));
     std::fclose(file);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -7,7 +7,7 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
+using desk::PrivateFolder;
 
 TEST(PrivateFolder, IsTheCurrentDirectoryAndEmpty) {
     const PrivateFolder folder;

@@ -1,6 +1,6 @@
 // A tool that keeps its standard output to itself while a library would chatter on it.
 
-#include "platform/own_output.h"
+#include "desk/own_output.h"
 
 #include <cstdio>
 #include <stdexcept>
@@ -9,13 +9,13 @@
 int main() {
     std::printf("before|");
     try {
-        std::FILE* own = platform::takeOwnOutput();
+        std::FILE* own = desk::takeOwnOutput();
         std::printf("chatter through the stream|");
         std::fflush(stdout);
         if (write(STDOUT_FILENO, "chatter through the descriptor|", 31) < 0)
             return 3;
         std::fprintf(own, "answer");
-        if (platform::takeOwnOutput() != own)
+        if (desk::takeOwnOutput() != own)
             return 2;
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "%s", error.what());

@@ -1,10 +1,10 @@
 // The frame between a host's C record and the effect's class, seen from inside: what the loaded library
 // cannot show.
+#include "desk/private_folder.h"
+#include "doors/vst2/velmo_delay.h"
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
-#include "plugin/velmo_delay.h"
 
 #include <algorithm>
 #include <cstring>
@@ -58,7 +58,7 @@ class Frame : public testing::Test {
         return std::make_unique<plugin::velmo_delay>(host);
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     std::vector<std::string> messages;
 };
 

@@ -3,12 +3,12 @@
 
 #include "failing_memory.h"
 
+#include "desk/private_folder.h"
+#include "doors/vst2/velmo_delay.h"
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
 #include "platform/settings.h"
-#include "plugin/velmo_delay.h"
 
 #include <filesystem>
 #include <fstream>
@@ -108,7 +108,7 @@ class ShortOfMemory : public testing::Test {
         return shortages;
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     NoSettings settings;
     int messages = 0;
 };

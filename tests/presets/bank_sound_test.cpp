@@ -1,12 +1,12 @@
 // The factory programs as sound: each is played a drum hit, a plucked string and speech through the built
 // library, and measured. A program that is silent, that blows up, that rings on where its pattern has ended
 // or that nobody can tell from another has no place in the bank.
-#include "bank/audition.h"
-#include "bank/bank_file.h"
-#include "bank/bank_table.h"
-#include "bank/fingerprint.h"
-#include "bank/whole_file.h"
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
+#include "tools/bank/audition.h"
+#include "tools/bank/bank_file.h"
+#include "tools/bank/bank_table.h"
+#include "tools/bank/fingerprint.h"
+#include "tools/bank/whole_file.h"
 
 #include <algorithm>
 #include <cctype>
@@ -71,7 +71,7 @@ std::vector<std::size_t> auditioned(const std::function<bool(const BankProgram&)
 /// The library writes into the current directory when an instance closes.
 class BankSound : public testing::Test {
   protected:
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
     Audition audition_{QUILLON_LIBRARY};
 };
 

@@ -1,11 +1,11 @@
 // The factory bank as a table and as a file: every float survives the way there and back, every fault is told
 // with its place, and what is delivered is what the table says.
-#include "bank/bank_file.h"
-#include "bank/bank_table.h"
-#include "bank/cell_text.h"
-#include "bank/whole_file.h"
 #include "base/truncation.h"
 #include "parameters/pattern_laws.h"
+#include "tools/bank/bank_file.h"
+#include "tools/bank/bank_table.h"
+#include "tools/bank/cell_text.h"
+#include "tools/bank/whole_file.h"
 
 #include <algorithm>
 #include <bit>

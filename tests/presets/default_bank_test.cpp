@@ -1,9 +1,9 @@
 // What the reader of the factory bank asks of the effect, and what it says instead.
 #include "presets/default_bank.h"
 
+#include "desk/private_folder.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
-#include "platform/private_folder.h"
 #include "support/program_bank.h"
 #include "vst2/vst2.h"
 
@@ -81,7 +81,7 @@ class DefaultBank : public testing::Test {
         return image.bytes();
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
 };
 
 TEST_F(DefaultBank, ThatIsMissingIsNamedSo) {

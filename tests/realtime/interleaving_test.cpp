@@ -2,11 +2,11 @@
 // be heard, but it must not outlive the two: afterwards the engine sounds as the parameters say.
 #include "interleaving.h"
 
+#include "desk/private_folder.h"
+#include "doors/vst2/velmo_delay.h"
 #include "dsp/delay_engine.h"
 #include "dsp/pattern_record.h"
 #include "platform/message_box.h"
-#include "platform/private_folder.h"
-#include "plugin/velmo_delay.h"
 
 #include <gtest/gtest.h>
 
@@ -366,7 +366,7 @@ class Effect : public testing::Test {
         return !HasFailure();
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     std::unique_ptr<plugin::velmo_delay> effect;
 };
 

@@ -2,7 +2,7 @@
 // one side to the other.
 #include "skin_bench.h"
 
-#include "editor/displays.h"
+#include "controls/displays.h"
 #include "platform/clock.h"
 #include "skin/skin_menu.h"
 

@@ -1,4 +1,4 @@
-#include "skin/expression.h"
+#include "skin_language/expression.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "skin/grow_array.h"
+#include "skin_language/grow_array.h"
 
 #include <gtest/gtest.h>
 

@@ -7,8 +7,8 @@
 #include "skin_bench.h"
 
 #include "editor/my_editor.h"
-#include "platform/toolkit.h"
 #include "skin/images.h"
+#include "toolkit/toolkit.h"
 
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/platform/iplatformbitmap.h"
@@ -191,7 +191,7 @@ class OddSkin : public testing::Test {
         // What the idle rounds changed is drawn too.
         for (int i = 0; i < 3; ++i) {
             editor->idle();
-            platform::paintToolkitWindows();
+            toolkit::paintToolkitWindows();
         }
         XSync(display, False);
         return takePicture();

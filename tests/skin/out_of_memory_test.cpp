@@ -1,7 +1,7 @@
 // What the reader and the evaluator do when memory runs out. The linker sends every malloc of this program
 // here.
-#include "skin/expression.h"
-#include "skin/xml_reader.h"
+#include "skin_language/expression.h"
+#include "skin_language/xml_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include "skin_pictures.h"
 #include "skin_window.h"
 
-#include "editor/about.h"
-#include "editor/displays.h"
+#include "controls/about.h"
+#include "controls/displays.h"
 #include "skin/skin_menu.h"
 
 #include "vstgui/lib/controls/cbuttons.h"
@@ -347,7 +347,7 @@ TEST_F(Controls, HalveAnOddHeightBeforeTheyCutIt) {
 
 TEST_F(Controls, BuildADisplayOfAParameter) {
     open(R"(<autodisp x="1" y="2" w="30" h="12" id="40" link="7" style="4" bitmap_bk="plate.png"/>)");
-    auto& display = only<editor::CParamDisplayLink>();
+    auto& display = only<controls::CParamDisplayLink>();
     EXPECT_EQ(display.getViewSize(), CRect(1, 2, 31, 14));
     EXPECT_EQ(display.getTag(), 40);
     EXPECT_EQ(display.getLink(), 7);
@@ -359,19 +359,19 @@ TEST_F(Controls, BuildADisplayOfAParameter) {
 
 TEST_F(Controls, BuildADisplayOfAParameterFromFewTags) {
     open(R"(<autodisp x="1" y="2" w="30" h="12" id="7" link="7"/>)");
-    auto& display = only<editor::CParamDisplayLink>();
+    auto& display = only<controls::CParamDisplayLink>();
     EXPECT_EQ(display.getStyle(), 0);
     EXPECT_EQ(display.getBackground(), nullptr);
 }
 
 TEST_F(Controls, LinkADisplayUpToOneBehindTheLastParameter) {
     open(R"(<autodisp x="1" y="2" w="30" h="12" id="7" link="21"/>)");
-    EXPECT_EQ(only<editor::CParamDisplayLink>().getLink(), 21);
+    EXPECT_EQ(only<controls::CParamDisplayLink>().getLink(), 21);
     draw();
     open(R"(<autodisp x="1" y="2" w="30" h="12" id="7" link="21.9"/>)");
-    EXPECT_EQ(only<editor::CParamDisplayLink>().getLink(), 21);
+    EXPECT_EQ(only<controls::CParamDisplayLink>().getLink(), 21);
     open(R"(<autodisp x="1" y="2" w="30" h="12" id="7" link="-1"/>)");
-    EXPECT_EQ(only<editor::CParamDisplayLink>().getLink(), -1);
+    EXPECT_EQ(only<controls::CParamDisplayLink>().getLink(), -1);
     draw();
 }
 
@@ -388,7 +388,7 @@ TEST_F(Controls, KeepEveryDisplayOfAParameterInTheirOrder) {
 
 TEST_F(Controls, BuildADisplay) {
     open(R"(<display x="1" y="2" w="30" h="12" id="60.7" style="2" bitmap_bk="plate.png"/>)");
-    auto& display = only<editor::CDisplay>();
+    auto& display = only<controls::CDisplay>();
     EXPECT_EQ(display.getViewSize(), CRect(1, 2, 31, 14));
     EXPECT_EQ(display.getTag(), 60);
     EXPECT_EQ(display.getStyle(), 2);
@@ -400,7 +400,7 @@ TEST_F(Controls, BuildADisplay) {
 
 TEST_F(Controls, BuildADisplayOfWhatIsBeingTurned) {
     open(R"(<anydisp x="1" y="2" w="30" h="12" bitmap_bk="plate.png" style="2"/>)");
-    auto& display = only<editor::CDisplay>();
+    auto& display = only<controls::CDisplay>();
     EXPECT_EQ(display.getViewSize(), CRect(1, 2, 31, 14));
     EXPECT_EQ(display.getTag(), 980);
     EXPECT_EQ(display.getStyle(), 2);
@@ -414,7 +414,7 @@ TEST_F(Controls, GiveTheHintToTheLastDisplayForIt) {
     EXPECT_EQ(editor->anyDisplay, editor->controlAt(1));
     editor->idle();
     EXPECT_STREQ(editor->anyDisplay->getText(), "Parameter Value");
-    EXPECT_STREQ(dynamic_cast<editor::CDisplay&>(*editor->controlAt(0)).getText(), "init");
+    EXPECT_STREQ(dynamic_cast<controls::CDisplay&>(*editor->controlAt(0)).getText(), "init");
 }
 
 /// The tags for the looks, which all kinds with a text take.
@@ -610,7 +610,7 @@ TEST_F(Controls, GiveASwitchWithoutEntriesNoUsefulHeight) {
 
 TEST_F(Controls, BuildAnAboutBox) {
     open(R"(<about x="1" y="2" w="150" h="90" bitmap_pop="popped.png"/>)");
-    auto& box = only<editor::CAbout>();
+    auto& box = only<controls::CAbout>();
     EXPECT_EQ(box.getViewSize(), CRect(1, 2, 151, 92));
     EXPECT_EQ(box.getTag(), 1020);
     EXPECT_EQ(box.getListener(), editor);
@@ -626,7 +626,7 @@ TEST_F(Controls, BringAnAboutPictureThatIsLargerThanTheWindowToItsMiddle) {
     bench.drawPicture("large.png", 205, 107);
     open(R"(<about x="1" y="2" w="150" h="90" bitmap_pop="large.png"/>)");
     CRect shown;
-    EXPECT_EQ(only<editor::CAbout>().getDisplayArea(shown), CRect(-2, -3, 203, 104));
+    EXPECT_EQ(only<controls::CAbout>().getDisplayArea(shown), CRect(-2, -3, 203, 104));
 }
 
 TEST_F(Controls, BuildFurtherAboutBoxesWithoutCredits) {
@@ -640,7 +640,7 @@ TEST_F(Controls, BuildFurtherAboutBoxesWithoutCredits) {
         VSTGUI::CControl* const box = editor->controlAt(static_cast<std::size_t>(i));
         EXPECT_EQ(box->getTag(), 1020 + i);
         EXPECT_NE(dynamic_cast<VSTGUI::CSplashScreen*>(box), nullptr);
-        EXPECT_EQ(dynamic_cast<editor::CAbout*>(box) != nullptr, i == 0) << i;
+        EXPECT_EQ(dynamic_cast<controls::CAbout*>(box) != nullptr, i == 0) << i;
     }
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(editor->aboutBoxes[i], editor->controlAt(static_cast<std::size_t>(i))) << "room for four";
@@ -650,7 +650,7 @@ TEST_F(Controls, CountAboutBoxesAnewInEachWindow) {
     open(R"(<about x="1" y="2" w="15" h="9" bitmap_pop="popped.png"/>)");
     editor->close();
     editor->open(nullptr);
-    EXPECT_EQ(only<editor::CAbout>().getTag(), 1020);
+    EXPECT_EQ(only<controls::CAbout>().getTag(), 1020);
 }
 
 // Meter

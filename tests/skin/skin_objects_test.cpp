@@ -3,7 +3,7 @@
 #include "skin_window.h"
 
 #include "skin/skin_object.h"
-#include "skin/xml_reader.h"
+#include "skin_language/xml_reader.h"
 
 #include "vstgui/lib/controls/cparamdisplay.h"
 #include "vstgui/lib/controls/cslider.h"

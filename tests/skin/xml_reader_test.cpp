@@ -1,4 +1,4 @@
-#include "skin/xml_reader.h"
+#include "skin_language/xml_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "skin/images.h"
 
+#include "desk/private_folder.h"
 #include "platform/files.h"
 #include "platform/folders.h"
-#include "platform/private_folder.h"
-#include "platform/toolkit.h"
+#include "toolkit/toolkit.h"
 
 #include "vstgui/lib/coffscreencontext.h"
 #include "vstgui/lib/controls/cbuttons.h"
@@ -56,7 +56,7 @@ class Images : public testing::Test {
         return skin::loadImage(QUILLON_PICTURES, name);
     }
 
-    platform::Toolkit toolkit;
+    toolkit::Toolkit toolkit;
 };
 
 /// The formats that keep every colour.
@@ -119,7 +119,7 @@ TEST_F(Images, ThatMoveStandStillAtTheirFirstPicture) {
 }
 
 TEST_F(Images, AreKnownByTheirContentAndNotByTheirName) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::filesystem::copy(QUILLON_PICTURES "/squares.bmp", "really a bitmap.png");
     const auto image = skin::loadImage(folder.path(), "really a bitmap.png");
     EXPECT_EQ(image->getWidth(), 3);
@@ -127,7 +127,7 @@ TEST_F(Images, AreKnownByTheirContentAndNotByTheirName) {
 }
 
 TEST_F(Images, AreFoundInAnyLetterCaseAndWithEitherSlash) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::filesystem::create_directory("Knobs");
     std::filesystem::copy(QUILLON_PICTURES "/squares.png", "Knobs/Big.PNG");
     for (const char* name : {"Knobs/Big.PNG", "knobs\\big.png", "KNOBS/BIG.png"})
@@ -136,7 +136,7 @@ TEST_F(Images, AreFoundInAnyLetterCaseAndWithEitherSlash) {
 }
 
 TEST_F(Images, MayLieOutsideTheFolder) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::filesystem::create_directories("My Skin/knobs");
     std::filesystem::copy(QUILLON_PICTURES "/squares.png", "shared.png");
     const std::string skin = folder.path() + "/My Skin";
@@ -147,7 +147,7 @@ TEST_F(Images, MayLieOutsideTheFolder) {
 }
 
 TEST_F(Images, AreFoundUnderNamesWithAccents) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::filesystem::create_directory(u8"Oberfl\u00E4che");
     std::filesystem::copy(QUILLON_PICTURES "/squares.png", u8"Oberfl\u00E4che/kn\u00F6pfe.png");
     EXPECT_EQ(skin::loadImage(folder.path(), "Oberfl\xC3\xA4"
@@ -215,7 +215,7 @@ class LooseFiles : public Images {
         EXPECT_EQ(pixel(*image, 2, 1), brown);
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
 };
 
 TEST_F(LooseFiles, OfGifsShowWithoutTheirLastByte) {
@@ -321,7 +321,7 @@ TEST_F(MissingImages, StandForAFileThatIsNotThere) {
 
 TEST_F(MissingImages, StandForAFileThatIsNoPicture) {
     expectMissing(*load("make_pictures.py"));
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     ASSERT_TRUE(platform::writeWholeFile("empty.png", "", 0));
     expectMissing(*skin::loadImage(folder.path(), "empty.png"));
     std::filesystem::create_directory("folder.png");
@@ -343,7 +343,7 @@ TEST_F(MissingImages, StandForAPictureThatNobodyCanDraw) {
 }
 
 TEST_F(MissingImages, StandForAFileThatIsCutOffAnywhere) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     for (const char* name :
          {"squares.png", "squares.bmp", "squares.gif", "squares.jpg", "squares.tif", "squares.ico"}) {
         std::filesystem::copy(std::string(QUILLON_PICTURES "/") + name, name);
@@ -359,7 +359,7 @@ TEST_F(MissingImages, StandForAFileThatIsCutOffAnywhere) {
 }
 
 TEST_F(MissingImages, StandForAFormatThatNotEverySystemReads) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const std::string files[] = {
         "P6 1 1 255 abc",
         "/* XPM */ static char* x[] = {\"1 1 1 1\", \"a c #FF0000\", \"a\"};",
@@ -378,7 +378,7 @@ TEST_F(MissingImages, StandForAFormatThatNotEverySystemReads) {
 }
 
 TEST_F(MissingImages, StandForAFileThatIsTooLarge) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::filesystem::copy(QUILLON_PICTURES "/squares.bmp", "large.bmp");
     std::filesystem::resize_file("large.bmp", 64 << 20);
     EXPECT_TRUE(skin::loadImage(folder.path(), "large.bmp")->isLoaded());
@@ -387,13 +387,13 @@ TEST_F(MissingImages, StandForAFileThatIsTooLarge) {
 }
 
 TEST_F(MissingImages, StandForAPictureThatWouldCostMoreThanTheSkinMay) {
-    const auto loads = [](platform::PictureAllowance& allowance) {
+    const auto loads = [](toolkit::PictureAllowance& allowance) {
         return skin::loadImage(QUILLON_PICTURES, "squares.bmp", allowance)->isLoaded();
     };
     const std::uint64_t bytes = std::filesystem::file_size(QUILLON_PICTURES "/squares.bmp");
-    platform::PictureAllowance fewBytes{.fileBytes = 2 * bytes + bytes / 2};
-    platform::PictureAllowance fewPixels{.pixels = 2 * 6 + 3};
-    for (platform::PictureAllowance* allowance : {&fewBytes, &fewPixels}) {
+    toolkit::PictureAllowance fewBytes{.fileBytes = 2 * bytes + bytes / 2};
+    toolkit::PictureAllowance fewPixels{.pixels = 2 * 6 + 3};
+    for (toolkit::PictureAllowance* allowance : {&fewBytes, &fewPixels}) {
         EXPECT_TRUE(loads(*allowance));
         EXPECT_TRUE(loads(*allowance));
         EXPECT_FALSE(loads(*allowance));

@@ -1,7 +1,7 @@
 // A display that goes away under open windows. It takes a host with it only if the host wants that.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/ccolor.h"
 #include "vstgui/lib/cframe.h"
@@ -25,13 +25,13 @@ TEST(ALostDisplay, LeavesTheToolkitAlive) {
     XSync(screen.display(), False);
     void* const handle = reinterpret_cast<void*>(parent);
 
-    const platform::Toolkit toolkit;
-    platform::ToolkitWindow window;
+    const toolkit::Toolkit toolkit;
+    toolkit::ToolkitWindow window;
     auto* frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, 50, 50), nullptr);
     frame->setBackgroundColor(VSTGUI::kBlueCColor);
     ASSERT_TRUE(window.open(frame, handle));
     ASSERT_TRUE(test::waitUntil([&] {
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
         return screen.pixel(20, 20) == 0x0000FF;
     }));
 
@@ -39,7 +39,7 @@ TEST(ALostDisplay, LeavesTheToolkitAlive) {
     frame->invalid();
     for (int i = 0; i < 5; ++i) {
         frame->idle();
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
     }
     window.close();
 
@@ -53,7 +53,7 @@ TEST(ALostDisplay, LeavesTheToolkitAlive) {
     frame->setBackgroundColor(VSTGUI::kGreenCColor);
     ASSERT_TRUE(window.open(frame, reinterpret_cast<void*>(other.root())));
     EXPECT_TRUE(test::waitUntil([&] {
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
         return other.pixel(20, 20) == 0x00FF00;
     }));
 }
@@ -73,7 +73,7 @@ class PressCounter final : public VSTGUI::CView {
 struct WordWindow {
     static constexpr int size = 100;
 
-    WordWindow(test::VirtualScreen& onScreen, platform::ToolkitWindow& window) : screen(onScreen) {
+    WordWindow(test::VirtualScreen& onScreen, toolkit::ToolkitWindow& window) : screen(onScreen) {
         auto* const frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, size, size), nullptr);
         frame->setBackgroundColor(VSTGUI::kBlackCColor);
         auto* const label = new VSTGUI::CTextLabel(VSTGUI::CRect(0, 0, size, 40), "WMWMWM");
@@ -105,7 +105,7 @@ struct WordWindow {
     }
     static bool serveUntil(const std::function<bool()>& condition) {
         return test::waitUntil([&] {
-            platform::serveToolkitWindows();
+            toolkit::serveToolkitWindows();
             return condition();
         });
     }
@@ -116,8 +116,8 @@ struct WordWindow {
 };
 
 TEST(ALostDisplay, LeavesItsWindowsToBeClosedAfterOthersHaveOpenedOnTheNext) {
-    const platform::Toolkit toolkit;
-    platform::ToolkitWindow lost[2], window;
+    const toolkit::Toolkit toolkit;
+    toolkit::ToolkitWindow lost[2], window;
     {
         test::VirtualScreen screen;
         setenv("DISPLAY", screen.name().c_str(), 1);
@@ -141,11 +141,11 @@ TEST(ALostDisplay, LeavesItsWindowsToBeClosedAfterOthersHaveOpenedOnTheNext) {
 }
 
 TEST(ALostDisplay, IsFollowedByAsManyOthersAsThereAre) {
-    const platform::Toolkit toolkit;
+    const toolkit::Toolkit toolkit;
     for (int i = 0; i < 4; ++i) {
         test::VirtualScreen screen;
         setenv("DISPLAY", screen.name().c_str(), 1);
-        platform::ToolkitWindow window;
+        toolkit::ToolkitWindow window;
         const WordWindow shown(screen, window);
         ASSERT_TRUE(shown.isOpen && shown.showsItsWord()) << i;
         EXPECT_TRUE(shown.takesAPress()) << i;

@@ -1,6 +1,6 @@
-#include "platform/linux/mouse_buttons.h"
+#include "toolkit/linux/mouse_buttons.h"
 
-#include "platform/toolkit.h"
+#include "toolkit/toolkit.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ MouseEventButtonState both(MouseButton one, MouseButton other) {
 
 /// The state that views see, after the toolkit has said `state`.
 template <typename Event>
-MouseEventButtonState seen(platform::MouseButtons& buttons, MouseEventButtonState state) {
+MouseEventButtonState seen(toolkit::MouseButtons& buttons, MouseEventButtonState state) {
     Event event;
     event.buttonState = state;
     buttons.onMouseEvent(event, nullptr);
@@ -31,8 +31,8 @@ using Move = VSTGUI::MouseMoveEvent;
 
 class MouseButtons : public testing::Test {
   protected:
-    platform::Toolkit toolkit;
-    platform::MouseButtons buttons;
+    toolkit::Toolkit toolkit;
+    toolkit::MouseButtons buttons;
 };
 
 TEST_F(MouseButtons, AreHeldFromThePressToTheRelease) {

@@ -2,8 +2,8 @@
 
 #include "skin/images.h"
 
-#include "platform/private_folder.h"
-#include "platform/toolkit.h"
+#include "desk/private_folder.h"
+#include "toolkit/toolkit.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,8 +11,8 @@
 namespace {
 
 TEST(AMissingImage, StandsForAPipeWithoutWaitingForIt) {
-    const platform::Toolkit toolkit;
-    const platform::PrivateFolder folder;
+    const toolkit::Toolkit toolkit;
+    const desk::PrivateFolder folder;
     ASSERT_EQ(mkfifo("pipe.png", 0600), 0);
     EXPECT_FALSE(skin::loadImage(folder.path(), "pipe.png")->isLoaded());
 }

@@ -1,7 +1,7 @@
 // A library with a window of the toolkit's, for a test that loads and unloads it.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/ctextlabel.h"
@@ -11,8 +11,8 @@
 namespace {
 
 struct Editor {
-    platform::Toolkit toolkit;
-    platform::ToolkitWindow window;
+    toolkit::Toolkit toolkit;
+    toolkit::ToolkitWindow window;
 };
 
 } // namespace
@@ -30,7 +30,7 @@ SHOWN void* openSample(void* parent) {
 }
 
 SHOWN void serveSample() {
-    platform::serveToolkitWindows();
+    toolkit::serveToolkitWindows();
 }
 
 SHOWN void closeSample(void* editor) {

@@ -1,8 +1,8 @@
 #include "platform/settings.h"
 
+#include "desk/private_folder.h"
 #include "platform/files.h"
 #include "platform/linux/settings_file.h"
-#include "platform/private_folder.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -44,7 +44,7 @@ class Variable {
 
 class Settings : public testing::Test {
   protected:
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const std::string path = folder.path() + "/Quillon Software/Quillon Multitap Delay.conf";
     SettingsFile settings{path};
 };
@@ -179,7 +179,7 @@ TEST(OwnSettings, LieInTheHomeFolderOfTheUserAccountWithoutAHome) {
 }
 
 TEST(OwnSettings, AreWhatIsReadAndWritten) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const Variable configuration("XDG_CONFIG_HOME", folder.path().c_str());
     EXPECT_EQ(platform::readSetting("SkinName"), std::nullopt);
     ASSERT_TRUE(platform::writeSetting("SkinName", "Blue"));
@@ -203,7 +203,7 @@ class MemoryStore final : public platform::SettingsStore {
 };
 
 TEST(ReplacedSettings, TakeThePlaceOfThePersonsOwn) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const Variable configuration("XDG_CONFIG_HOME", folder.path().c_str());
     MemoryStore store;
     platform::replaceSettingsStore(&store);

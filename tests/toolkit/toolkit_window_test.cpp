@@ -1,9 +1,9 @@
 // The toolkit's windows as a host sees them: inside a plain X11 window of its own, with a real pointer, and
 // with no time but what serveToolkitWindows() gives.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
 #include "skin/images.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/cknob.h"
@@ -24,8 +24,8 @@
 
 namespace {
 
-using platform::ToolkitWindow;
 using test::Pixel;
+using toolkit::ToolkitWindow;
 using VSTGUI::CButtonState;
 using VSTGUI::CColor;
 using VSTGUI::CFrame;
@@ -124,7 +124,7 @@ class ToolkitWindows : public testing::Test {
     /// Serves as a host does, until something holds.
     static bool serveUntil(const std::function<bool()>& condition) {
         return test::waitUntil([&] {
-            platform::serveToolkitWindows();
+            toolkit::serveToolkitWindows();
             return condition();
         });
     }
@@ -158,7 +158,7 @@ class ToolkitWindows : public testing::Test {
     void press(unsigned button) { moveButton(button, True); }
     void release(unsigned button) { moveButton(button, False); }
 
-    platform::Toolkit toolkit;
+    toolkit::Toolkit toolkit;
     // Before the window, since its views use them to the end.
     Listener listener;
     int views = 0;
@@ -213,7 +213,7 @@ TEST_F(ToolkitWindows, DrawInsideALongGestureWithoutTakingInput) {
     frame->setBackgroundColor(VSTGUI::kBlueCColor);
     frame->invalid();
     EXPECT_TRUE(test::waitUntil([this] {
-        platform::paintToolkitWindows();
+        toolkit::paintToolkitWindows();
         return pixelAt(5, 5) == blue;
     }));
     EXPECT_EQ(recorder->pressed, 0);
@@ -366,7 +366,7 @@ TEST_F(ToolkitWindows, MayBeClosedTwiceAndWithoutHavingBeenOpen) {
     window.close();
     EXPECT_FALSE(window.leftButtonDown());
     window.fitContainers(10, 10);
-    platform::serveToolkitWindows();
+    toolkit::serveToolkitWindows();
 }
 
 TEST_F(ToolkitWindows, MayBeClosedFromInsideTheirOwnEvents) {
@@ -387,7 +387,7 @@ TEST_F(ToolkitWindows, MayBeClosedFromInsideTheirOwnEvents) {
     EXPECT_EQ(viewsInsideTheEvent, 1);
     EXPECT_EQ(views, 0);
     release(1);
-    platform::serveToolkitWindows();
+    toolkit::serveToolkitWindows();
 }
 
 TEST_F(ToolkitWindows, MayBeClosedFromInsideAKeyThatTheHostHasPassedOn) {
@@ -514,7 +514,7 @@ TEST_F(OpenMenu, EndsWithItsWindowAndChoosesNothing) {
     EXPECT_EQ(views, 0) << "the frame is gone with all its views";
     EXPECT_EQ(menu->getNbReference(), 1);
     for (int i = 0; i < 3; ++i)
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
 }
 
 TEST_F(OpenMenu, EndsWithItsWindowWhenItHasBeenShownForAWhile) {
@@ -550,7 +550,7 @@ TEST_F(ToolkitWindows, SurviveAHostThatDestroysItsWindowFirst) {
     parent = None;
     frame->invalid();
     for (int i = 0; i < 3; ++i)
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
     window.close();
     parent = makeContainer(screen().root(), left, top, width, height);
     openFrame();
@@ -574,7 +574,7 @@ TEST_F(ToolkitWindows, WithoutADisplayTakeTheirFrameAndDoNothing) {
         frame->addView(new CountedView(views));
         frame->setDirty(true);
         frame->idle();
-        platform::serveToolkitWindows();
+        toolkit::serveToolkitWindows();
         EXPECT_FALSE(window.leftButtonDown());
         window.fitContainers(10, 10);
         EXPECT_EQ(views, 2);

@@ -1,8 +1,8 @@
 #include "platform/web_browser.h"
 
 #include "../platform/child_process.h"
+#include "desk/private_folder.h"
 #include "platform/files.h"
-#include "platform/private_folder.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -31,7 +31,7 @@ class WebBrowser : public testing::Test {
         std::filesystem::permissions("bin/xdg-open", std::filesystem::perms::owner_all);
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const std::string note = folder.path() + "/note";
     const std::string oldPath = std::getenv("PATH");
 };

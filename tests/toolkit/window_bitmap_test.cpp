@@ -1,8 +1,8 @@
 // Bitmaps that keep a copy on the display: what is drawn, what is sent, and what is kept there.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
 #include "skin/images.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/cframe.h"
@@ -19,8 +19,8 @@
 
 namespace {
 
-using platform::DisplayMemory;
 using test::Pixel;
+using toolkit::DisplayMemory;
 using VSTGUI::CBitmap;
 using VSTGUI::CColor;
 using VSTGUI::CPoint;
@@ -73,7 +73,7 @@ class WindowBitmaps : public testing::Test {
 
     bool showsPixel(int x, int y, Pixel colour) {
         return test::waitUntil([&, this] {
-            platform::serveToolkitWindows();
+            toolkit::serveToolkitWindows();
             return screen->pixel(kLeft + x, kTop + y) == colour;
         });
     }
@@ -97,16 +97,16 @@ class WindowBitmaps : public testing::Test {
     }
     static xcb_connection_t* connection() { return VSTGUI::X11::RunLoop::instance().getXcbConnection(); }
 
-    const platform::Toolkit toolkit;
+    const toolkit::Toolkit toolkit;
     std::unique_ptr<test::VirtualScreen> screen;
     std::shared_ptr<DisplayMemory> memory = std::make_shared<DisplayMemory>(10 * kStripBytes);
-    platform::ToolkitWindow window;
+    toolkit::ToolkitWindow window;
     VSTGUI::CFrame* frame = nullptr;
 };
 
 TEST_F(WindowBitmaps, AreSentOnceAndThenDrawnFromTheDisplay) {
     startScreen();
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     openWindow(bitmap);
     ASSERT_TRUE(showsPixel(10, 10, kUpper));
     EXPECT_EQ(memory->free(), 9 * kStripBytes);
@@ -120,7 +120,7 @@ TEST_F(WindowBitmaps, ShowTheSamePixelsAsOrdinaryOnes) {
     for (const char* name : {"squares.png", "glass.png"}) {
         std::vector<Pixel> shown[2];
         for (const bool isCopied : {false, true}) {
-            platform::PictureAllowance allowance;
+            toolkit::PictureAllowance allowance;
             const auto bitmap = skin::loadImage(folder, name, allowance, isCopied ? memory : nullptr);
             openWindow(nullptr);
             frame->setBackgroundColor(CColor(0x20, 0x90, 0x40));
@@ -140,7 +140,7 @@ TEST_F(WindowBitmaps, ShowTheSamePixelsAsOrdinaryOnes) {
 TEST_F(WindowBitmaps, KeepTheirPixelsAndTheirSize) {
     startScreen();
     const auto pixels = makeStrip();
-    const auto bitmap = platform::makeWindowBitmap(pixels, memory);
+    const auto bitmap = toolkit::makeWindowBitmap(pixels, memory);
     openWindow(bitmap);
     ASSERT_TRUE(showsPixel(10, 10, kUpper));
     EXPECT_EQ(bitmap->getPlatformBitmap(), pixels);
@@ -150,7 +150,7 @@ TEST_F(WindowBitmaps, KeepTheirPixelsAndTheirSize) {
 }
 
 TEST_F(WindowBitmaps, AreDrawnWithoutACopyBeforeThereIsADisplay) {
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     const auto context = VSTGUI::COffscreenContext::create({40, 40});
     context->beginDraw();
     bitmap->draw(context, CRect(0, 0, 40, 40), CPoint(0, kStripHeight / 2), 1.0f);
@@ -165,7 +165,7 @@ TEST_F(WindowBitmaps, AreDrawnWithoutACopyBeforeThereIsADisplay) {
 TEST_F(WindowBitmaps, AreNotCopiedForADrawingInMemory) {
     startScreen();
     openWindow(nullptr);
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     const auto context = VSTGUI::COffscreenContext::create({40, 40});
     context->beginDraw();
     bitmap->draw(context, CRect(0, 0, 40, 40), CPoint(0, 0), 1.0f);
@@ -176,7 +176,7 @@ TEST_F(WindowBitmaps, AreNotCopiedForADrawingInMemory) {
 TEST_F(WindowBitmaps, AreDrawnWithoutACopyWhereTheDisplayMayKeepNoMore) {
     startScreen();
     memory = std::make_shared<DisplayMemory>(kStripBytes - 1);
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     openWindow(bitmap);
     EXPECT_TRUE(showsPixel(10, 10, kUpper));
     EXPECT_GT(bytesToDraw(2), kStripBytes);
@@ -185,7 +185,7 @@ TEST_F(WindowBitmaps, AreDrawnWithoutACopyWhereTheDisplayMayKeepNoMore) {
 
 TEST_F(WindowBitmaps, AreDrawnWithoutACopyOnADisplayOfTwoScreens) {
     startScreen(2);
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     openWindow(bitmap);
     EXPECT_TRUE(showsPixel(10, 10, kUpper));
     EXPECT_EQ(memory->free(), 10 * kStripBytes);
@@ -193,7 +193,7 @@ TEST_F(WindowBitmaps, AreDrawnWithoutACopyOnADisplayOfTwoScreens) {
 
 TEST_F(WindowBitmaps, GiveTheDisplayItsMemoryBackWhenTheirWindowHasClosed) {
     startScreen();
-    openWindow(platform::makeWindowBitmap(makeStrip(), memory));
+    openWindow(toolkit::makeWindowBitmap(makeStrip(), memory));
     ASSERT_TRUE(showsPixel(10, 10, kUpper));
     ASSERT_EQ(memory->free(), 9 * kStripBytes);
     window.close();
@@ -205,7 +205,7 @@ TEST_F(WindowBitmaps, GiveTheDisplayItsMemoryBackWhenTheirWindowHasClosed) {
 
 TEST_F(WindowBitmaps, AreCopiedAnewToAnotherDisplay) {
     startScreen();
-    const auto bitmap = platform::makeWindowBitmap(makeStrip(), memory);
+    const auto bitmap = toolkit::makeWindowBitmap(makeStrip(), memory);
     openWindow(bitmap);
     ASSERT_TRUE(showsPixel(10, 10, kUpper));
     screen->stopServer();

@@ -1,4 +1,4 @@
-#include "platform/linux/window_loop.h"
+#include "toolkit/linux/window_loop.h"
 
 #include "platform/clock.h"
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using platform::WindowLoop;
+using toolkit::WindowLoop;
 
 class EventHandler final : public VSTGUI::X11::IEventHandler {
   public:

@@ -2,7 +2,7 @@
 
 #include "tools/render/block_player.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 #include "tools/common/effect_library.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ class Playing {
         return plugin_;
     }
 
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
     const host::Library& library_;
     host::Plugin plugin_;
     BlockPlayer player_;

@@ -2,7 +2,7 @@
 
 #include "tools/common/display_search.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 #include "tools/common/effect_library.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
@@ -27,7 +27,7 @@ class Effect {
     }
 
   private:
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
     const host::Library& library_;
 
   public:

@@ -2,7 +2,7 @@
 
 #include "tools/common/effect_names.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 #include "tools/common/effect_library.h"
 #include "tools/common/tool_error.h"
 
@@ -15,7 +15,7 @@ using tools::findProgram;
 
 class EffectNames : public testing::Test {
   protected:
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const host::Library& quillonLibrary = tools::loadForGood(QUILLON_LIBRARY);
     const host::Library& probeLibrary = tools::loadForGood(PROBES "/probe.so");
     host::Plugin quillon{quillonLibrary};

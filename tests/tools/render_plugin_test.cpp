@@ -2,8 +2,8 @@
 
 #include "support/tool_run.h"
 
+#include "desk/private_folder.h"
 #include "host/plugin.h"
-#include "platform/private_folder.h"
 #include "tools/common/effect_library.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ struct Stereo {
 /// The sound by the shortest way: one instance, the calls a host makes, silence ahead, and the input.
 Stereo straightThrough(const std::vector<float>& input, std::size_t preRoll, std::size_t tail,
                        std::int32_t program, std::initializer_list<std::pair<std::int32_t, float>> values) {
-    const platform::PrivateFolder current;
+    const desk::PrivateFolder current;
     const host::Library& library = tools::loadForGood(QUILLON_LIBRARY);
     host::Plugin plugin(library);
     plugin.start(44100.0f, 512);
@@ -175,7 +175,7 @@ TEST_F(RenderPlugin, ReportsPreGainAsItWasSetThoughTheLoopOverwritesIt) {
 
 /// 128 programs that differ in "Dry Wet" and in name, as the effect's own chunk.
 std::vector<std::uint8_t> bankChunk() {
-    const platform::PrivateFolder current;
+    const desk::PrivateFolder current;
     const host::Library& library = tools::loadForGood(QUILLON_LIBRARY);
     host::Plugin plugin(library);
     for (std::int32_t program = 0; program < 128; ++program) {

@@ -2,7 +2,7 @@
 
 #include "tools/render/tap_pattern.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 #include "tools/common/effect_library.h"
 
 #include <cmath>
@@ -27,7 +27,7 @@ class TapPattern : public testing::Test {
         return measureTapPattern(plugin, sampleRate);
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const host::Library& library = tools::loadForGood(QUILLON_LIBRARY);
 };
 

@@ -1,5 +1,5 @@
 // The editor as a person meets it: in a host's window, under a real pointer.
-#include "platform/message_watch.h"
+#include "desk/message_watch.h"
 #include "support/shown_editor.h"
 
 #include "../platform/child_process.h"
@@ -204,8 +204,8 @@ class WindowedEditor : public EditorOnScreen {
     void chooseSkin(ShownEditor& editor, const std::function<void(const SeparateConnection&)>& meanwhile) {
         const auto resting = editor.part(100, 92, 70, 50);
         std::atomic<bool> isDone = false;
-        const platform::MessageWatch watch(
-            [&](const platform::ShownMessage&) {
+        const desk::MessageWatch watch(
+            [&](const desk::ShownMessage&) {
                 if (!isDone)
                     meanwhile(SeparateConnection(screen()));
                 isDone = true;
@@ -535,10 +535,10 @@ TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByAClickBesideIt) {
 
 TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     auto& editor = show();
-    std::vector<platform::ShownMessage> messages;
+    std::vector<desk::ShownMessage> messages;
     {
-        const platform::MessageWatch watch(
-            [&](const platform::ShownMessage& message) { messages.push_back(message); }, [] { return true; });
+        const desk::MessageWatch watch(
+            [&](const desk::ShownMessage& message) { messages.push_back(message); }, [] { return true; });
         const auto before = editor.part(100, 92, 70, 50);
         editor.click(135, 80);
         ASSERT_TRUE(editor.changes(before, 100, 92, 70, 50));
@@ -637,8 +637,8 @@ TEST_F(WindowedEditor, OpensTheMessageAboutASkinAboveTheHostsWindowWhenTheMenuHa
     const auto resting = editor.part(100, 92, 70, 50);
     std::atomic<bool> isShown = false, menuIsGone = false, pointerIsFree = false;
     std::atomic<Window> transientFor = None;
-    const platform::MessageWatch watch(
-        [&](const platform::ShownMessage& message) {
+    const desk::MessageWatch watch(
+        [&](const desk::ShownMessage& message) {
             // On a thread of its own, and so on a connection of its own.
             const SeparateConnection display(screen());
             menuIsGone = display.part(40 + 100, 30 + 92, 70, 50) == resting;
@@ -689,7 +689,7 @@ TEST_F(WindowedEditor, ThrowsAwayKeysWhileTheMessageAboutASkinStands) {
     MappedWindows messages(screen());
     // Ends a second one, which would keep the thread.
     std::atomic<bool> isChosen = false;
-    const platform::MessageWatch watch([](const platform::ShownMessage&) {}, [&] { return isChosen.load(); });
+    const desk::MessageWatch watch([](const desk::ShownMessage&) {}, [&] { return isChosen.load(); });
     chooseSkin(editor, [&](const SeparateConnection& hand) {
         const auto own = hand.childrenOf(editor.window());
         ASSERT_EQ(own.size(), 1u);
@@ -735,8 +735,8 @@ TEST_F(WindowedEditor, EndsADragThatIsLetGoWhileTheMessageOfAnotherInstanceStand
     }));
     {
         std::atomic<bool> isLetGo = false;
-        const platform::MessageWatch watch(
-            [&](const platform::ShownMessage&) {
+        const desk::MessageWatch watch(
+            [&](const desk::ShownMessage&) {
                 SeparateConnection(screen()).release();
                 isLetGo = true;
             },
@@ -975,8 +975,7 @@ TEST_F(WindowedEditor, OpensMenusAtControlAndClickToo) {
         int x, y;
     };
     int messages = 0;
-    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
-                                       [] { return true; });
+    const desk::MessageWatch watch([&](const desk::ShownMessage&) { ++messages; }, [] { return true; });
     for (const Place menu : {Place{135, 80}, Place{50, 80}, Place{90, 184}}) {
         SCOPED_TRACE(menu.x);
         auto& editor = show();

@@ -4,7 +4,7 @@
 #include "support/counted_display.h"
 #include "support/shown_editor.h"
 
-#include "editor/displays.h"
+#include "controls/displays.h"
 #include "platform/module_folder.h"
 
 #include "vstgui/lib/controls/csplashscreen.h"
@@ -47,7 +47,7 @@ Layout layoutOf(const std::string& folder, const std::string& name) {
     Layout layout;
     for (VSTGUI::CControl* control : editor.controls()) {
         const CRect place = control->getViewSize();
-        if (auto* const text = dynamic_cast<editor::CParamDisplayLink*>(control))
+        if (auto* const text = dynamic_cast<controls::CParamDisplayLink*>(control))
             layout.texts[text->getLink()] = place;
         else if (dynamic_cast<VSTGUI::CSplashScreen*>(control))
             layout.about = place;

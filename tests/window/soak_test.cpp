@@ -8,7 +8,7 @@
 // and by 16 bytes a round: one block that is lost in every round is found after some 1000 rounds. To see the
 // heap to a few bytes, set GLIBC_TUNABLES=glibc.malloc.tcache_count=0. The few rounds of the short form find
 // no less than 16 KB; what they miss of motions and menus, tests of their own find.
-#include "platform/message_watch.h"
+#include "desk/message_watch.h"
 #include "support/shown_editor.h"
 
 #include "../platform/child_process.h"
@@ -327,8 +327,7 @@ class AudioThread {
 TEST_F(Soak, StandsAWholeEveningOnStage) {
     ShownEditor& editor = show();
     editor.close();
-    const platform::MessageWatch watch([this](const platform::ShownMessage&) { ++messages; },
-                                       [] { return true; });
+    const desk::MessageWatch watch([this](const desk::ShownMessage&) { ++messages; }, [] { return true; });
     const AudioThread audio(editor.plugin());
     const Duration duration;
     Memory base, last;

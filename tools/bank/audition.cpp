@@ -1,4 +1,4 @@
-#include "bank/audition.h"
+#include "tools/bank/audition.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,11 +2,11 @@
 // comes out. The bank's tests and its page of numbers both stand on this.
 #pragma once
 
-#include "bank/probe_signals.h"
 #include "dsp/tap_pattern.h"
 #include "host/plugin.h"
+#include "tools/bank/probe_signals.h"
 
-#include "bank/bank_program.h"
+#include "tools/bank/bank_program.h"
 
 #include <string>
 

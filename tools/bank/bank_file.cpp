@@ -1,4 +1,4 @@
-#include "bank/bank_file.h"
+#include "tools/bank/bank_file.h"
 
 #include "presets/delay_program.h"
 #include "vst2/vst2.h"

@@ -2,7 +2,7 @@
 // records. The words of the header are big-endian, the records little-endian.
 #pragma once
 
-#include "bank/bank_program.h"
+#include "tools/bank/bank_program.h"
 
 #include <cstdint>
 #include <span>

@@ -1,6 +1,6 @@
-#include "bank/bank_table.h"
+#include "tools/bank/bank_table.h"
 
-#include "bank/cell_text.h"
+#include "tools/bank/cell_text.h"
 
 #include <algorithm>
 #include <map>

@@ -5,7 +5,7 @@
 // headings.
 #pragma once
 
-#include "bank/bank_program.h"
+#include "tools/bank/bank_program.h"
 
 #include <string>
 #include <string_view>

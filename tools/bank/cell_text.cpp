@@ -1,4 +1,4 @@
-#include "bank/cell_text.h"
+#include "tools/bank/cell_text.h"
 
 #include <algorithm>
 #include <bit>

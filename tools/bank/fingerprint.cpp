@@ -1,4 +1,4 @@
-#include "bank/fingerprint.h"
+#include "tools/bank/fingerprint.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 // other half is the answer to a sound held for four seconds: how it is coloured and how that moves.
 #pragma once
 
-#include "bank/audition.h"
+#include "tools/bank/audition.h"
 
 #include <vector>
 

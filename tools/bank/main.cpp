@@ -1,13 +1,13 @@
 // quillon-bank: turns the readable table of the factory programs into the bank file that the plug-in loads,
 // and back again.
-#include "bank/bank_file.h"
-#include "bank/bank_table.h"
-#include "bank/preset_page.h"
-#include "bank/whole_file.h"
+#include "desk/abrupt_end.h"
+#include "desk/display.h"
+#include "desk/private_folder.h"
 #include "host/library_call.h"
-#include "platform/abrupt_end.h"
-#include "platform/display.h"
-#include "platform/private_folder.h"
+#include "tools/bank/bank_file.h"
+#include "tools/bank/bank_table.h"
+#include "tools/bank/preset_page.h"
+#include "tools/bank/whole_file.h"
 
 #include <CLI/CLI.hpp>
 
@@ -51,7 +51,7 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
     const bank::Signal speech = bank::recording(options.speech);
     const std::string library = absolutePath(options.library);
     // The plug-in writes into the current directory when it closes.
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const bank::Audition audition(library);
     if (audition.chunk() != bank::chunkBytes(programs))
         throw bank::BankError(table + ": the bank beside the library is not made from this table");
@@ -66,9 +66,9 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
 } // namespace
 
 int main(int argc, char** argv) {
-    const platform::AbruptEndWatch watch("quillon-bank", host::LibraryCall::describe);
+    const desk::AbruptEndWatch watch("quillon-bank", host::LibraryCall::describe);
     // A build must not wait for somebody to click a message of the plug-in away.
-    platform::leaveDisplay();
+    desk::leaveDisplay();
     CLI::App app("The factory bank: a table of 128 programs, and the .fxb file made from it.",
                  "quillon-bank");
     app.require_subcommand(1);

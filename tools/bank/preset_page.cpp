@@ -1,4 +1,4 @@
-#include "bank/preset_page.h"
+#include "tools/bank/preset_page.h"
 
 #include "base/number_text.h"
 

@@ -2,7 +2,7 @@
 // were measured on it.
 #pragma once
 
-#include "bank/audition.h"
+#include "tools/bank/audition.h"
 
 #include <array>
 #include <string>

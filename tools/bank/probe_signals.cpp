@@ -1,6 +1,6 @@
-#include "bank/probe_signals.h"
+#include "tools/bank/probe_signals.h"
 
-#include "bank/bank_program.h"
+#include "tools/bank/bank_program.h"
 
 #include <algorithm>
 #include <cmath>

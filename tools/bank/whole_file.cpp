@@ -1,6 +1,6 @@
-#include "bank/whole_file.h"
+#include "tools/bank/whole_file.h"
 
-#include "bank/bank_program.h"
+#include "tools/bank/bank_program.h"
 #include "tools/common/output_file.h"
 #include "tools/common/tool_error.h"
 

@@ -1,15 +1,15 @@
 #include "tools/common/interrupt.h"
 
-#include "platform/abrupt_end.h"
+#include "desk/abrupt_end.h"
 
 namespace tools {
 
 void watchForInterrupts() {
-    platform::noteEndRequests();
+    desk::noteEndRequests();
 }
 
 bool isInterrupted() {
-    return platform::isEndRequested();
+    return desk::isEndRequested();
 }
 
 void stopIfInterrupted() {

@@ -47,7 +47,7 @@ class KeptFile {
         wasThere_ = files::exists(target, error);
         if (!wasThere_)
             return;
-        unfinished_.emplace(kept_, platform::UnfinishedPath::Kind::file);
+        unfinished_.emplace(kept_, desk::UnfinishedPath::Kind::file);
         files::create_hard_link(target, kept_, error);
         if (error) // not every disk has them
             files::copy_file(target, kept_, error);
@@ -73,7 +73,7 @@ class KeptFile {
     files::path target_;
     files::path kept_;
     bool wasThere_ = false;
-    std::optional<platform::UnfinishedPath> unfinished_;
+    std::optional<desk::UnfinishedPath> unfinished_;
 };
 
 } // namespace
@@ -81,8 +81,8 @@ class KeptFile {
 OutputFile::OutputFile(const files::path& target) : target_(behindLinks(target)) {
     checkTarget(target_);
     temporary_ = unusedNameBeside(target_);
-    unfinished_.emplace(temporary_, platform::UnfinishedPath::Kind::file);
-    if (!platform::makeNewFile(temporary_))
+    unfinished_.emplace(temporary_, desk::UnfinishedPath::Kind::file);
+    if (!desk::makeNewFile(temporary_))
         throw ToolError(target.string() + " cannot be written: " + std::generic_category().message(errno));
 }
 

@@ -1,7 +1,7 @@
 // A file that appears under its name whole or not at all.
 #pragma once
 
-#include "platform/abrupt_end.h"
+#include "desk/abrupt_end.h"
 
 #include <filesystem>
 #include <optional>
@@ -27,7 +27,7 @@ class OutputFile {
   private:
     std::filesystem::path target_;
     std::filesystem::path temporary_;
-    std::optional<platform::UnfinishedPath> unfinished_;
+    std::optional<desk::UnfinishedPath> unfinished_;
     bool isCommitted_ = false;
 };
 

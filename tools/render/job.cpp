@@ -1,7 +1,7 @@
 #include "tools/render/job.h"
 
-#include "platform/own_output.h"
-#include "platform/private_folder.h"
+#include "desk/own_output.h"
+#include "desk/private_folder.h"
 #include "tools/common/effect_library.h"
 #include "tools/common/effect_names.h"
 #include "tools/common/output_file.h"
@@ -97,7 +97,7 @@ class RenderJob {
     }
 
     void run() {
-        const platform::PrivateFolder folder;
+        const desk::PrivateFolder folder;
         const host::Library& library = loadForGood(library_);
         if (const auto cut = cutSound(options_.input))
             warn(cutText(options_.input, *cut));
@@ -168,7 +168,7 @@ class RenderJob {
     Progress::Style progressStyle() const {
         if (options_.quiet)
             return Progress::Style::none;
-        return platform::isTerminal(stderr) ? Progress::Style::bar : Progress::Style::lines;
+        return desk::isTerminal(stderr) ? Progress::Style::bar : Progress::Style::lines;
     }
 
     void fillReport(const OutputKind& kind, int channels) {
@@ -252,7 +252,7 @@ class RenderJob {
 void listEffect(const Options& options, std::FILE* output) {
     constexpr double sampleRate = 44100.0;
     const files::path path = libraryPath(options.library);
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const host::Library& library = loadForGood(path);
     host::Plugin plugin(library, hostBehaviour(sampleRate, options.blockSize));
     plugin.start(static_cast<float>(sampleRate), options.blockSize);

@@ -1,10 +1,10 @@
 // quillon-render IN OUT: plays an audio file through the plug-in, offline.
 
+#include "desk/abrupt_end.h"
+#include "desk/arguments.h"
+#include "desk/display.h"
+#include "desk/own_output.h"
 #include "host/library_call.h"
-#include "platform/abrupt_end.h"
-#include "platform/arguments.h"
-#include "platform/display.h"
-#include "platform/own_output.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
 #include "tools/render/job.h"
@@ -22,7 +22,7 @@ int complain(const std::exception& error, int code) {
 }
 
 void run(const tools::render::Options& options) {
-    std::FILE* const output = platform::takeOwnOutput();
+    std::FILE* const output = desk::takeOwnOutput();
     tools::watchForInterrupts();
     if (options.list)
         tools::render::listEffect(options, output);
@@ -33,11 +33,11 @@ void run(const tools::render::Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    const platform::AbruptEndWatch watch("quillon-render", host::LibraryCall::describe);
+    const desk::AbruptEndWatch watch("quillon-render", host::LibraryCall::describe);
     // A script that renders overnight must not find an effect's message box in the morning.
-    platform::leaveDisplay();
+    desk::leaveDisplay();
     try {
-        const platform::CommandLine line(argumentCount, arguments);
+        const desk::CommandLine line(argumentCount, arguments);
         const auto parsed = tools::render::parseOptions(line.count(), line.words());
         if (const auto* help = std::get_if<tools::render::HelpText>(&parsed))
             std::fputs(help->text.c_str(), stdout);

@@ -1,6 +1,6 @@
 #include "tools/render/plot.h"
 
-#include "platform/canvas.h"
+#include "desk/canvas.h"
 #include "tools/common/tool_error.h"
 #include "tools/render/axis.h"
 
@@ -10,12 +10,12 @@
 
 namespace tools::render {
 
-using platform::Align;
-using platform::Area;
-using platform::Canvas;
-using platform::Colour;
-using platform::Point;
-using platform::TextStyle;
+using desk::Align;
+using desk::Area;
+using desk::Canvas;
+using desk::Colour;
+using desk::Point;
+using desk::TextStyle;
 
 namespace {
 

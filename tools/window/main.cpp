@@ -1,9 +1,9 @@
 // quillon-window: opens the plug-in's editor in a window of its own.
 
+#include "desk/abrupt_end.h"
+#include "desk/arguments.h"
+#include "desk/own_output.h"
 #include "host/library_call.h"
-#include "platform/abrupt_end.h"
-#include "platform/arguments.h"
-#include "platform/own_output.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
 #include "tools/window/showing.h"
@@ -24,7 +24,7 @@ int complain(const std::exception& error, int code) {
 }
 
 int run(const window::Options& options) {
-    std::FILE* const output = platform::takeOwnOutput();
+    std::FILE* const output = desk::takeOwnOutput();
     watchForInterrupts();
     if (options.check)
         return window::checkSkinFor(options, output) ? 0 : exitFound;
@@ -35,9 +35,9 @@ int run(const window::Options& options) {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    const platform::AbruptEndWatch watch("quillon-window", host::LibraryCall::describe);
+    const desk::AbruptEndWatch watch("quillon-window", host::LibraryCall::describe);
     try {
-        const platform::CommandLine line(argumentCount, arguments);
+        const desk::CommandLine line(argumentCount, arguments);
         const auto parsed = window::parseOptions(line.count(), line.words());
         if (const auto* help = std::get_if<window::HelpText>(&parsed)) {
             std::fputs(help->text.c_str(), stdout);

@@ -1,6 +1,6 @@
 #include "tools/window/png_file.h"
 
-#include "platform/canvas.h"
+#include "desk/canvas.h"
 #include "tools/common/output_file.h"
 #include "tools/common/tool_error.h"
 
@@ -8,10 +8,10 @@
 
 namespace tools::window {
 
-void writePng(const platform::Picture& picture, const std::filesystem::path& file) {
+void writePng(const desk::Picture& picture, const std::filesystem::path& file) {
     OutputFile output(file);
     try {
-        platform::writePng(picture, output.temporary());
+        desk::writePng(picture, output.temporary());
     } catch (const std::runtime_error& error) {
         throw ToolError(file.string() + " cannot be written: " + error.what());
     }

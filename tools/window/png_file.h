@@ -1,13 +1,13 @@
 // A picture as a file.
 #pragma once
 
-#include "platform/picture.h"
+#include "desk/picture.h"
 
 #include <filesystem>
 
 namespace tools::window {
 
 /// Writes a PNG, whole or not at all. Throws ToolError naming the file.
-void writePng(const platform::Picture& picture, const std::filesystem::path& file);
+void writePng(const desk::Picture& picture, const std::filesystem::path& file);
 
 } // namespace tools::window

@@ -1,19 +1,19 @@
 #include "tools/window/showing.h"
 
+#include "desk/message_watch.h"
+#include "desk/private_folder.h"
+#include "desk/virtual_display.h"
 #include "host/editor_window.h"
 #include "platform/clock.h"
-#include "platform/message_watch.h"
 #include "platform/path_text.h"
-#include "platform/private_folder.h"
-#include "platform/virtual_display.h"
 #include "tools/common/effect_library.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
+#include "tools/skin_check/skin_check.h"
+#include "tools/skin_check/skin_folder.h"
 #include "tools/window/folder_watch.h"
 #include "tools/window/png_file.h"
-#include "tools/window/skin_check.h"
-#include "tools/window/skin_folder.h"
 #include "tools/window/stage.h"
 
 #include <memory>
@@ -223,16 +223,16 @@ class Showing {
 };
 
 /// A picture is taken where nothing lies over the window and nobody is disturbed, if that can be had.
-std::unique_ptr<platform::VirtualDisplay> displayFor(const Options& options) {
+std::unique_ptr<desk::VirtualDisplay> displayFor(const Options& options) {
     if (options.screenshot.empty()) {
-        if (!platform::hasDisplay())
+        if (!desk::hasDisplay())
             throw ToolError("there is no display to open a window on; --screenshot needs none");
         return nullptr;
     }
     try {
-        return std::make_unique<platform::VirtualDisplay>(virtualWidth, virtualHeight);
+        return std::make_unique<desk::VirtualDisplay>(virtualWidth, virtualHeight);
     } catch (const std::runtime_error&) {
-        if (!platform::hasDisplay())
+        if (!desk::hasDisplay())
             throw;
         return nullptr;
     }
@@ -249,7 +249,7 @@ void checkPlaces(const Options& options, const files::path& skin) {
 }
 
 /// As a library finds it, which looks around in the code page of the machine.
-files::path placeForStage(const platform::PrivateFolder& folder) {
+files::path placeForStage(const desk::PrivateFolder& folder) {
     if (folder.path().empty())
         throw ToolError("the folder of temporary files has letters that a plug-in cannot name; "
                         "set TMP to another one");
@@ -262,14 +262,14 @@ void openEditor(const Options& options) {
     const files::path asked = libraryPath(options.library);
     const files::path skin = options.skin.empty() ? files::path() : skinFolderFor(options.skin, asked);
     checkPlaces(options, skin);
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     std::optional<Stage> stage;
     if (!skin.empty())
         stage.emplace(placeForStage(folder), asked, skin);
     const auto display = displayFor(options);
     const bool isUnattended = !options.screenshot.empty();
-    const platform::MessageWatch messages(
-        [](const platform::ShownMessage& message) {
+    const desk::MessageWatch messages(
+        [](const desk::ShownMessage& message) {
             say(printable(message.caption) + ": " + printable(message.text));
         },
         [isUnattended] { return isUnattended || isInterrupted(); });
@@ -280,7 +280,7 @@ bool checkSkinFor(const Options& options, std::FILE* output) {
     const files::path library = libraryPath(options.library);
     const files::path skin = skinFolderFor(options.skin, library);
     const files::path file = skinFile(skin);
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     const Stage stage(placeForStage(folder), library, skin);
     const auto findings = checkSkin(stage.skin());
     for (const Finding& finding : findings)

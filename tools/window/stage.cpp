@@ -1,7 +1,7 @@
 #include "tools/window/stage.h"
 
-#include "platform/host_settings.h"
-#include "platform/links.h"
+#include "desk/host_settings.h"
+#include "desk/links.h"
 #include "platform/path_text.h"
 #include "platform/settings.h"
 #include "tools/common/text.h"
@@ -18,15 +18,15 @@ namespace {
 void linkEverythingBeside(const files::path& library, const files::path& stage) {
     for (const files::directory_entry& entry : files::directory_iterator(library.parent_path()))
         if (entry.path().filename() != library.filename())
-            platform::makeLink(entry.path(), stage / entry.path().filename());
+            desk::makeLink(entry.path(), stage / entry.path().filename());
 }
 
 /// In place of those that answer to the same name. Whether the skin is seen there as it changes.
 bool linkSkin(const files::path& skin, const files::path& link) {
     for (const files::directory_entry& entry : files::directory_iterator(link.parent_path()))
         if (sameName(entry.path().filename().string(), link.filename().string()))
-            platform::removeLink(entry.path());
-    return platform::makeLink(skin, link);
+            desk::removeLink(entry.path());
+    return desk::makeLink(skin, link);
 }
 
 /// Its own, unless that has letters that the library cannot name.
@@ -46,7 +46,7 @@ Stage::Stage(const files::path& folder, const files::path& library, const files:
     isSkinLinked_ = linkSkin(skin, skin_);
     // The library looks around where its own file really is, so it cannot be a link.
     files::copy_file(library, library_);
-    platform::keepSettingsIn((folder / "settings").string());
+    desk::keepSettingsIn((folder / "settings").string());
     const auto name = platform::textOfPath(skin_.filename());
     if (!name || !platform::writeSetting("SkinName", *name))
         throw ToolError("the skin cannot be chosen in " + folder.string());

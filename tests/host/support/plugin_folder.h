@@ -4,8 +4,8 @@
 // copy.
 #pragma once
 
+#include "desk/private_folder.h"
 #include "host/plugin.h"
-#include "platform/private_folder.h"
 #include "support/program_bank.h"
 
 #include <gtest/gtest.h>
@@ -52,7 +52,7 @@ class PluginFolder : public ::testing::Test {
     std::string here(const std::string& name) const { return folder_.path() + "/" + name; }
 
   private:
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
 
   protected:
     ModuleCopy module;

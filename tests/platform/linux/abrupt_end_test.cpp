@@ -1,4 +1,4 @@
-#include "platform/abrupt_end.h"
+#include "desk/abrupt_end.h"
 
 #include "platform/files.h"
 
@@ -23,10 +23,10 @@ TEST(UnfinishedPath, GoesAtAnAbruptEndFromAnotherCurrentDirectory) {
     files::create_directory(folder + "/draft folder");
     ASSERT_TRUE(platform::writeWholeFile(folder + "/draft", "x", 1));
     const auto end = [&] {
-        const platform::AbruptEndWatch watch("tool", describeNoCall);
+        const desk::AbruptEndWatch watch("tool", describeNoCall);
         files::current_path(folder);
-        const platform::UnfinishedPath file("draft", platform::UnfinishedPath::Kind::file);
-        const platform::UnfinishedPath inner("draft folder", platform::UnfinishedPath::Kind::folder);
+        const desk::UnfinishedPath file("draft", desk::UnfinishedPath::Kind::file);
+        const desk::UnfinishedPath inner("draft folder", desk::UnfinishedPath::Kind::folder);
         files::current_path("/");
         std::raise(SIGTERM);
     };

@@ -1,6 +1,6 @@
 #include "platform/files.h"
 
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <algorithm>
 #include <climits>
@@ -17,7 +17,7 @@ namespace files = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 
 TEST(SpecialFiles, AreNotWaitedFor) {
-    const platform::PrivateFolder folder;
+    const desk::PrivateFolder folder;
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
     EXPECT_EQ(platform::readWholeFile("pipe"), std::nullopt) << "nobody waits for the pipe's other end";
     EXPECT_FALSE(platform::writeWholeFile("pipe", "x", 1));
@@ -88,7 +88,7 @@ class WholeFiles : public testing::Test {
         return status.st_mode & 07777;
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const Bytes longer = Bytes(100, 'n');
 };
 

@@ -1,8 +1,8 @@
 // What a library finds out about its own place, where paths may be long and lead through links.
 
+#include "desk/private_folder.h"
+#include "desk/shared_library.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
-#include "platform/shared_library.h"
 
 #include <filesystem>
 #include <fstream>
@@ -13,8 +13,8 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
-using platform::SharedLibrary;
+using desk::PrivateFolder;
+using desk::SharedLibrary;
 
 const char* const sample = QUILLON_SAMPLE_LIBRARY;
 

@@ -1,4 +1,4 @@
-#include "platform/private_folder.h"
+#include "desk/private_folder.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -10,7 +10,7 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
+using desk::PrivateFolder;
 
 TEST(PrivateFolder, IsReadableByNobodyElse) {
     const PrivateFolder folder;

@@ -1,4 +1,4 @@
-#include "platform/own_output.h"
+#include "desk/own_output.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -11,7 +11,7 @@ TEST(OwnOutput, KnowsAConsole) {
     // Open for both, as the streams of a program are.
     std::FILE* console = std::fopen("CONOUT$", "r+");
     ASSERT_NE(console, nullptr);
-    EXPECT_TRUE(platform::isTerminal(console));
+    EXPECT_TRUE(desk::isTerminal(console));
     std::fclose(console);
     FreeConsole();
 }

@@ -2,8 +2,8 @@
 
 #include "platform/files.h"
 
+#include "desk/private_folder.h"
 #include "platform/folders.h"
-#include "platform/private_folder.h"
 
 #include <algorithm>
 #include <fstream>
@@ -40,7 +40,7 @@ class SharedFiles : public testing::Test {
   protected:
     void SetUp() override { std::ofstream("file", std::ios::binary) << "old"; }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const Bytes old = {'o', 'l', 'd'};
     const std::size_t whole = static_cast<std::size_t>(-1);
 };

@@ -1,7 +1,7 @@
 // Leaves the display and then tries to get back on it, in every way that a program or its libraries have.
 // Gives the number of the first way that led there.
 
-#include "platform/display.h"
+#include "desk/display.h"
 #include "platform/message_box.h"
 
 #include <string>
@@ -46,7 +46,7 @@ int main(int count, char**) {
         platform::showMessage("from a program that it has started", "caption");
         return 0;
     }
-    platform::leaveDisplay();
+    desk::leaveDisplay();
     platform::showMessage("from the program", "caption");
     std::thread([] { platform::showMessage("from a thread of it", "caption"); }).join();
     if (MessageBoxA(nullptr, "from another library", "caption", MB_OK) > 0)

@@ -1,8 +1,8 @@
 // How the loader sees a library, and what it tells it.
 
+#include "desk/private_folder.h"
+#include "desk/shared_library.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
-#include "platform/shared_library.h"
 
 #include <filesystem>
 #include <fstream>
@@ -14,8 +14,8 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
-using platform::SharedLibrary;
+using desk::PrivateFolder;
+using desk::SharedLibrary;
 
 const std::string sample = files::absolute(QUILLON_SAMPLE_LIBRARY).make_preferred().string();
 const std::string dependent = files::absolute(QUILLON_DEPENDENT_LIBRARY).make_preferred().string();

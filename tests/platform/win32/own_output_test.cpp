@@ -1,4 +1,4 @@
-#include "platform/own_output.h"
+#include "desk/own_output.h"
 
 #include "../child_process.h"
 
@@ -33,11 +33,11 @@ TEST(OwnOutput, CannotBeTakenWhereThereIsNone) {
 TEST(OwnOutput, KnowsATerminalFromAFileAndFromNowhere) {
     std::FILE* file = std::tmpfile();
     ASSERT_NE(file, nullptr);
-    EXPECT_FALSE(platform::isTerminal(file));
+    EXPECT_FALSE(desk::isTerminal(file));
     std::fclose(file);
     std::FILE* nowhere = std::fopen("NUL", "w");
     ASSERT_NE(nowhere, nullptr);
-    EXPECT_FALSE(platform::isTerminal(nowhere)) << "nobody reads there";
+    EXPECT_FALSE(desk::isTerminal(nowhere)) << "nobody reads there";
     std::fclose(nowhere);
 }
 

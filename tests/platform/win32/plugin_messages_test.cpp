@@ -1,7 +1,7 @@
 // The message boxes of the finished library, as a person meets them in a host.
 
-#include "platform/private_folder.h"
-#include "platform/shared_library.h"
+#include "desk/private_folder.h"
+#include "desk/shared_library.h"
 #include "registry_key.h"
 #include "shown_box.h"
 #include "vst2/vst2.h"
@@ -47,9 +47,9 @@ class PluginMessages : public testing::Test {
         ASSERT_NE(effect, nullptr);
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     test::PrivateRegistry registry{HKEY_CURRENT_USER};
-    std::optional<platform::SharedLibrary> library;
+    std::optional<desk::SharedLibrary> library;
     AEffect* (*enter)(vst2::audioMasterCallback) = nullptr;
     AEffect* effect = nullptr;
 };

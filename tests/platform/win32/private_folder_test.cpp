@@ -1,8 +1,8 @@
 // What stands in the way of removing a folder here.
 
-#include "platform/links.h"
-#include "platform/private_folder.h"
-#include "platform/win32/left_over.h"
+#include "desk/links.h"
+#include "desk/private_folder.h"
+#include "desk/win32/left_over.h"
 
 #include <cwchar>
 #include <filesystem>
@@ -14,7 +14,7 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::PrivateFolder;
+using desk::PrivateFolder;
 
 TEST(PrivateFolderHere, GoesWithWhatIsWriteProtectedOrHidden) {
     std::string path;
@@ -121,11 +121,11 @@ TEST(PrivateFolderHere, TakesNoFileAndNoLinkForWhatAProcessHasLeft) {
     WIN32_FIND_DATAW entry = {};
     std::wcscpy(entry.cFileName, L"quillon-4294967288-0");
     entry.dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY;
-    EXPECT_TRUE(platform::isLeftOver(entry));
+    EXPECT_TRUE(desk::isLeftOver(entry));
     entry.dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
-    EXPECT_FALSE(platform::isLeftOver(entry));
+    EXPECT_FALSE(desk::isLeftOver(entry));
     entry.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
-    EXPECT_FALSE(platform::isLeftOver(entry));
+    EXPECT_FALSE(desk::isLeftOver(entry));
 }
 
 TEST(PrivateFolderHere, LeavesWhatLiesBehindALinkThatIsNamedLikeALeftOver) {
@@ -134,7 +134,7 @@ TEST(PrivateFolderHere, LeavesWhatLiesBehindALinkThatIsNamedLikeALeftOver) {
     std::ofstream("mine\\precious") << "kept";
     files::create_directory("temporary");
     const files::path link = files::current_path() / "temporary" / "quillon-4294967288-0";
-    if (!platform::makeLink(files::current_path() / "mine", link))
+    if (!desk::makeLink(files::current_path() / "mine", link))
         GTEST_SKIP() << "this file system knows no junctions";
     const TemporaryFiles place(outer.path() + "\\temporary");
     {
@@ -142,7 +142,7 @@ TEST(PrivateFolderHere, LeavesWhatLiesBehindALinkThatIsNamedLikeALeftOver) {
     }
     EXPECT_TRUE(files::exists("mine\\precious"));
     EXPECT_TRUE(files::exists(link));
-    platform::removeLink(link);
+    desk::removeLink(link);
 }
 
 TEST(PrivateFolderHere, ThrowsIfNoneCanBeMade) {

@@ -1,11 +1,11 @@
 // A program that keeps its settings apart from the person's. Gives the number of the first step that went
 // wrong.
 
-#include "platform/host_settings.h"
+#include "desk/host_settings.h"
 #include "platform/settings.h"
 
 int main() {
-    platform::keepSettingsIn("C:\\a folder\\settings");
+    desk::keepSettingsIn("C:\\a folder\\settings");
     if (platform::readSetting("SkinName"))
         return 1;
     if (!platform::writeSetting("SkinName", "private"))

@@ -1,6 +1,6 @@
 // A tool that keeps its standard output to itself while a library would chatter on it, in all three ways.
 
-#include "platform/own_output.h"
+#include "desk/own_output.h"
 
 #include <cstdio>
 #include <io.h>
@@ -10,7 +10,7 @@
 int main() {
     std::printf("before|");
     try {
-        std::FILE* own = platform::takeOwnOutput();
+        std::FILE* own = desk::takeOwnOutput();
         std::printf("chatter through the stream|");
         std::fflush(stdout);
         if (_write(1, "chatter through the descriptor|", 31) < 0)
@@ -18,7 +18,7 @@ int main() {
         DWORD written = 0;
         WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), "chatter through the system|", 27, &written, nullptr);
         std::fprintf(own, "answer\n");
-        if (platform::takeOwnOutput() != own)
+        if (desk::takeOwnOutput() != own)
             return 2;
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "%s", error.what());

@@ -1,10 +1,10 @@
 #include "platform/web_browser.h"
 
 #include "../child_process.h"
-#include "editor/help.h"
+#include "controls/help.h"
+#include "desk/private_folder.h"
 #include "platform/files.h"
 #include "platform/module_folder.h"
-#include "platform/private_folder.h"
 #include "registry_key.h"
 
 #include <filesystem>
@@ -44,7 +44,7 @@ class WebBrowser : public testing::Test {
         return "[C:\\a folder\\Quillon Multitap Delay Help.htm] in [" + folder.path() + "] shown 1";
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     const std::string browser = folder.path() + "\\web browser\\browser.exe";
     const std::string notePath = folder.path() + "\\web browser\\note";
     test::PrivateRegistry registry{HKEY_CLASSES_ROOT};
@@ -80,7 +80,7 @@ TEST_F(WebBrowser, IsNotStartedTwice) {
 TEST_F(WebBrowser, ShowsTheHelpThatLiesBesideTheLibrary) {
     makeBrowserKnownAs('"' + browser + '"');
     platform::replaceModuleFolder("C:\\a folder\\");
-    editor::openHelp();
+    controls::openHelp();
     platform::replaceModuleFolder("");
     EXPECT_EQ(note(), expectedNote());
 }

@@ -3,12 +3,12 @@
 // opened with open(nullptr) has a frame with all its controls, which is unseen but real.
 #pragma once
 
+#include "desk/private_folder.h"
 #include "platform/message_box.h"
-#include "platform/private_folder.h"
 #include "platform/settings.h"
-#include "platform/toolkit.h"
 #include "plugin/audio_effect_x.h"
 #include "skin/xml_gui_editor.h"
+#include "toolkit/toolkit.h"
 
 #include "../../toolkit/printed.h"
 
@@ -192,9 +192,9 @@ class SkinBench {
     MemorySettings settings;
 
   private:
-    platform::PrivateFolder around_;
+    desk::PrivateFolder around_;
     std::string folder_;
-    platform::Toolkit toolkit_;
+    toolkit::Toolkit toolkit_;
     std::unique_ptr<RecordingEffect> effect_;
 };
 

@@ -1,8 +1,8 @@
 // Where an expression is not what it looks like. The judge is the plug-in's own evaluator.
 
-#include "tools/window/expression_traps.h"
+#include "tools/skin_check/expression_traps.h"
 
-#include "skin/expression.h"
+#include "skin_language/expression.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/host_window.h"
+#include "desk/host_window.h"
+#include "desk/message_watch.h"
+#include "desk/virtual_display.h"
 #include "platform/message_box.h"
-#include "platform/message_watch.h"
-#include "platform/virtual_display.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -20,8 +20,8 @@
 
 namespace {
 
-using platform::HostWindow;
-using platform::Picture;
+using desk::HostWindow;
+using desk::Picture;
 
 /// 0xRRGGBB.
 unsigned colourAt(const Picture& picture, int x, int y) {
@@ -133,7 +133,7 @@ TEST_F(AHostWindow, GoesWithItsObject) {
 
 TEST(NoDisplay, LetsNoWindowBeMade) {
     unsetenv("DISPLAY");
-    EXPECT_FALSE(platform::hasDisplay());
+    EXPECT_FALSE(desk::hasDisplay());
     try {
         HostWindow window("editor", 10, 10);
         FAIL();
@@ -145,8 +145,8 @@ TEST(NoDisplay, LetsNoWindowBeMade) {
 TEST(AVirtualDisplay, IsOneForWindowsAndLeavesNone) {
     unsetenv("DISPLAY");
     {
-        const platform::VirtualDisplay display(300, 200);
-        ASSERT_TRUE(platform::hasDisplay());
+        const desk::VirtualDisplay display(300, 200);
+        ASSERT_TRUE(desk::hasDisplay());
         HostWindow fitting("editor", 300, 200), larger("editor", 301, 200);
         fitting.show();
         larger.show();
@@ -160,7 +160,7 @@ TEST(AVirtualDisplay, SaysWhatIsMissing) {
     const std::string path = std::getenv("PATH");
     setenv("PATH", "/nowhere", 1);
     try {
-        const platform::VirtualDisplay display(300, 200);
+        const desk::VirtualDisplay display(300, 200);
         ADD_FAILURE();
     } catch (const std::runtime_error& error) {
         EXPECT_STREQ(error.what(), "there is no display, and no Xvfb to make one: install xvfb");
@@ -172,13 +172,13 @@ class AMessageWatch : public AHostWindow {
   protected:
     std::atomic<bool> acknowledges = false;
     std::atomic<int> messages = 0;
-    platform::ShownMessage last;
+    desk::ShownMessage last;
 };
 
 TEST_F(AMessageWatch, ReadsAMessageAndAcknowledgesIt) {
     acknowledges = true;
-    const platform::MessageWatch watch(
-        [&](const platform::ShownMessage& message) {
+    const desk::MessageWatch watch(
+        [&](const desk::ShownMessage& message) {
             last = message;
             ++messages;
         },
@@ -192,8 +192,8 @@ TEST_F(AMessageWatch, ReadsAMessageAndAcknowledgesIt) {
 }
 
 TEST_F(AMessageWatch, LeavesAMessageToThePersonUntilItIsToldOtherwise) {
-    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
-                                       [&] { return acknowledges.load(); });
+    const desk::MessageWatch watch([&](const desk::ShownMessage&) { ++messages; },
+                                   [&] { return acknowledges.load(); });
     std::atomic<bool> isOver = false;
     std::thread shower([&] {
         platform::showMessage("text", "Caption");
@@ -208,8 +208,8 @@ TEST_F(AMessageWatch, LeavesAMessageToThePersonUntilItIsToldOtherwise) {
 
 TEST_F(AMessageWatch, KeepsItsHandsOffTheMessagesOfOtherPrograms) {
     acknowledges = true;
-    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
-                                       [&] { return acknowledges.load(); });
+    const desk::MessageWatch watch([&](const desk::ShownMessage&) { ++messages; },
+                                   [&] { return acknowledges.load(); });
     test::ChildProcess other({QUILLON_SHOW_MESSAGE, "text", "Caption"},
                              {.environment = {{"DISPLAY", screen.name()}}, .currentDirectory = {}});
     ASSERT_NE(screen.waitForWindow(), None);
@@ -221,7 +221,7 @@ TEST_F(AMessageWatch, KeepsItsHandsOffTheMessagesOfOtherPrograms) {
 
 TEST(AMessageWatchWithoutADisplay, SeesNothing) {
     unsetenv("DISPLAY");
-    const platform::MessageWatch watch([](const platform::ShownMessage&) { FAIL(); }, [] { return true; });
+    const desk::MessageWatch watch([](const desk::ShownMessage&) { FAIL(); }, [] { return true; });
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // A whole skin, checked: what its text holds and what its building shows, in the order of the file.
 
-#include "tools/window/skin_check.h"
+#include "tools/skin_check/skin_check.h"
 
 #include "platform/module_folder.h"
 #include "platform/settings.h"

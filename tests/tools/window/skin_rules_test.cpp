@@ -1,8 +1,8 @@
 // What the words of a skin mean. The table of kinds and tags is held against the builder itself.
 
-#include "tools/window/recorded_build.h"
-#include "tools/window/skin_check.h"
-#include "tools/window/skin_rules.h"
+#include "tools/skin_check/recorded_build.h"
+#include "tools/skin_check/skin_check.h"
+#include "tools/skin_check/skin_rules.h"
 
 #include "support/scratch_folder.h"
 

@@ -1,7 +1,7 @@
 // Reading a skin's text with lines and columns: always to what the plug-in's reader makes of it, and with a
 // word where that one has none.
 
-#include "tools/window/skin_source.h"
+#include "tools/skin_check/skin_source.h"
 
 #include "support/scratch_folder.h"
 #include "support/tree_text.h"

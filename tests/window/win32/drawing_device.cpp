@@ -1,8 +1,8 @@
 // The toolkit draws pictures in memory with the device of a window's, so these tests have a window that has
 // been drawn before they begin.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cframe.h"
 
@@ -28,8 +28,8 @@ class DrawnWindow : public testing::Environment {
     }
 
   private:
-    std::optional<platform::Toolkit> toolkit_;
-    platform::ToolkitWindow window_;
+    std::optional<toolkit::Toolkit> toolkit_;
+    toolkit::ToolkitWindow window_;
     HWND parent_ = nullptr;
 };
 

@@ -1,6 +1,6 @@
 // The editor as a person meets it on Windows: in a host's window, under mouse and keys, with the system's own
 // menus and boxes.
-#include "platform/message_watch.h"
+#include "desk/message_watch.h"
 #include "support/shown_editor.h"
 #include "support/wine.h"
 
@@ -160,16 +160,16 @@ TEST_F(WindowedEditor, ChangesNothingWhenAMenuIsLeftByEscape) {
 
 TEST_F(WindowedEditor, TakesAChosenSkinAtTheNextOpening) {
     auto& editor = show();
-    std::vector<platform::ShownMessage> messages;
+    std::vector<desk::ShownMessage> messages;
     HWND owner = nullptr;
     bool takesInput = true;
     {
-        const auto look = [&](const platform::ShownMessage& message) {
+        const auto look = [&](const desk::ShownMessage& message) {
             messages.push_back(message);
             owner = GetWindow(FindWindowA(nullptr, message.caption.c_str()), GW_OWNER);
             takesInput = IsWindowEnabled(owner);
         };
-        const platform::MessageWatch watch(look, [] { return true; });
+        const desk::MessageWatch watch(look, [] { return true; });
         // Names come in the order of the file system.
         const Entries offered = useMenu(editor, 135, 80, Button::left, {VK_ESCAPE});
         const auto blue = std::ranges::find(offered, "Blue");
@@ -380,8 +380,7 @@ TEST_F(WindowedEditor, ClosesWhileItTellsOfAFaultInTheSkin) {
             << R"(<ViewTaps x="10" y="110" w="200" h="60"/></GUI>)";
         ShownEditor editor(library());
         std::atomic<bool> isClosed = false;
-        const platform::MessageWatch watch([](const platform::ShownMessage&) {},
-                                           [&] { return isClosed.load(); });
+        const desk::MessageWatch watch([](const desk::ShownMessage&) {}, [&] { return isClosed.load(); });
         whenItSays("Skin Error", [&] {
             editor.close();
             isClosed = true;
@@ -402,8 +401,8 @@ TEST_F(WindowedEditor, EndsWhileItTellsOfAFaultInTheSkin) {
     ShownEditor editor(library());
     std::atomic<bool> isGone = false;
     std::atomic<int> messages = 0;
-    const platform::MessageWatch watch([&](const platform::ShownMessage&) { ++messages; },
-                                       [&] { return isGone.load(); });
+    const desk::MessageWatch watch([&](const desk::ShownMessage&) { ++messages; },
+                                   [&] { return isGone.load(); });
     whenItSays("Skin Error", [&] {
         editor.destroyInstance();
         editor.destroyWindow();
@@ -419,7 +418,7 @@ TEST_F(WindowedEditor, EndsWhileItTellsOfAFaultInTheSkin) {
 TEST_F(WindowedEditor, EndsWhileItTellsOfTheChosenSkin) {
     auto& editor = show();
     std::atomic<bool> isGone = false;
-    const platform::MessageWatch watch([](const platform::ShownMessage&) {}, [&] { return isGone.load(); });
+    const desk::MessageWatch watch([](const desk::ShownMessage&) {}, [&] { return isGone.load(); });
     whenItSays("SKIN SELECTED!", [&] {
         editor.close();
         editor.destroyInstance();

@@ -1,11 +1,11 @@
 // What a host of this house has on Windows: a window to open an editor in, its picture, and links between
 // folders.
 
+#include "desk/host_window.h"
+#include "desk/links.h"
+#include "desk/private_folder.h"
+#include "desk/virtual_display.h"
 #include "platform/files.h"
-#include "platform/host_window.h"
-#include "platform/links.h"
-#include "platform/private_folder.h"
-#include "platform/virtual_display.h"
 #include "support/plain_window.h"
 
 #include <chrono>
@@ -15,7 +15,7 @@
 namespace {
 
 namespace files = std::filesystem;
-using platform::HostWindow;
+using desk::HostWindow;
 
 HWND handleOf(const HostWindow& window) {
     return static_cast<HWND>(window.handle());
@@ -89,7 +89,7 @@ TEST(AHostWindow, GivesThePictureOfWhatIsInIt) {
     HostWindow window("An editor", 300, 120);
     window.show();
     const RedEditor editor(window);
-    platform::Picture red = {300, 120, {}};
+    desk::Picture red = {300, 120, {}};
     for (int pixel = 0; pixel < 300 * 120; ++pixel)
         red.rgb.insert(red.rgb.end(), {255, 0, 0});
     // What has been drawn comes to the screen a little later.
@@ -110,8 +110,8 @@ TEST(AHostWindow, GivesNoPictureOfWhatIsNotToBeSeen) {
 }
 
 TEST(AVirtualDisplay, IsNotToBeHadOnThisSystem) {
-    EXPECT_TRUE(platform::hasDisplay());
-    EXPECT_THROW(platform::VirtualDisplay(100, 100), std::runtime_error);
+    EXPECT_TRUE(desk::hasDisplay());
+    EXPECT_THROW(desk::VirtualDisplay(100, 100), std::runtime_error);
 }
 
 class Links : public testing::Test {
@@ -124,30 +124,30 @@ class Links : public testing::Test {
         link = files::absolute("link");
     }
 
-    platform::PrivateFolder folder;
+    desk::PrivateFolder folder;
     files::path target, link;
 };
 
 TEST_F(Links, HoldWhatIsInTheFolder) {
-    platform::makeLink(target, link);
+    desk::makeLink(target, link);
     EXPECT_EQ(platform::readWholeFile("link\\skin.xml")->size(), 3u);
     EXPECT_EQ(platform::readWholeFile("link\\images\\knob.png")->size(), 2u);
 }
 
 TEST_F(Links, FollowChangesUnlessTheySayThatTheyAreCopies) {
-    const bool isLink = platform::makeLink(target, link);
+    const bool isLink = desk::makeLink(target, link);
     platform::writeWholeFile("skin/skin.xml", "abcdef", 6);
     EXPECT_EQ(platform::readWholeFile("link\\skin.xml")->size(), isLink ? 6u : 3u);
 }
 
 TEST_F(Links, LeaveTheirTargetWhenTheyGo) {
-    platform::makeLink(target, link);
-    platform::removeLink(link);
+    desk::makeLink(target, link);
+    desk::removeLink(link);
     EXPECT_FALSE(files::exists(link));
     EXPECT_TRUE(platform::fileExists("skin\\images\\knob.png"));
-    platform::makeLink(target / "skin.xml", link);
+    desk::makeLink(target / "skin.xml", link);
     EXPECT_EQ(platform::readWholeFile("link")->size(), 3u);
-    platform::removeLink(link);
+    desk::removeLink(link);
     EXPECT_FALSE(files::exists(link));
     EXPECT_TRUE(platform::fileExists("skin\\skin.xml"));
 }

@@ -1,8 +1,8 @@
 // The toolkit's windows as a host of this system sees them, and what an editor asks of the system for them.
 
-#include "platform/toolkit.h"
-#include "platform/toolkit_window.h"
 #include "support/plain_window.h"
+#include "toolkit/toolkit.h"
+#include "toolkit/toolkit_window.h"
 
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/cknob.h"
@@ -48,10 +48,10 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace {
 
-using platform::Toolkit;
-using platform::ToolkitWindow;
 using test::childrenOf;
 using test::PlainWindow;
+using toolkit::Toolkit;
+using toolkit::ToolkitWindow;
 using VSTGUI::CFrame;
 using VSTGUI::CPoint;
 using VSTGUI::CRect;
@@ -333,12 +333,12 @@ TEST_F(ToolkitWindows, PaintOneWindowAtATimeInsideALongGesture) {
     ASSERT_FALSE(GetUpdateRect(own, nullptr, FALSE));
     InvalidateRect(own, nullptr, FALSE);
     PostMessageW(own, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-    platform::paintToolkitWindows();
+    toolkit::paintToolkitWindows();
     EXPECT_FALSE(GetUpdateRect(own, nullptr, FALSE));
     MSG message;
     EXPECT_TRUE(PeekMessageW(&message, own, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE))
         << "which takes no input";
-    platform::paintToolkitWindows();
+    toolkit::paintToolkitWindows();
 }
 
 // The windows around a frame that changes its size

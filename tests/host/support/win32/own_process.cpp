@@ -1,7 +1,7 @@
 #include "support/own_process.h"
 
-#include "platform/display.h"
-#include "platform/private_folder.h"
+#include "desk/display.h"
+#include "desk/private_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -162,7 +162,7 @@ std::string errorsOf(const std::function<void()>& body) {
 }
 
 void leaveThePersonsSettingsAlone(const std::string& folder) {
-    static const bool isAway = (platform::leaveDisplay(), true);
+    static const bool isAway = (desk::leaveDisplay(), true);
     (void)isAway;
     _putenv_s("HOME", folder.c_str());
 }

@@ -1,8 +1,8 @@
 // A skin's tree on paper, to compare what two readers have made of one text.
 #pragma once
 
-#include "skin/xml_reader.h"
-#include "tools/window/skin_source.h"
+#include "skin_language/xml_reader.h"
+#include "tools/skin_check/skin_source.h"
 
 #include <string>
 

@@ -2,8 +2,8 @@
 // library is known here but its file, its C record, its windows and what can be seen.
 #pragma once
 
+#include "desk/private_folder.h"
 #include "host/plugin.h"
-#include "platform/private_folder.h"
 #include "support/plain_window.h"
 
 #include <atomic>
@@ -135,7 +135,7 @@ class EditorOnScreen : public testing::Test {
     ShownEditor& showLifted();
 
   private:
-    platform::PrivateFolder folder_;
+    desk::PrivateFolder folder_;
     std::unique_ptr<host::Library> library_;
 
   protected:

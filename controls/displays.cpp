@@ -1,0 +1,45 @@
+#include "controls/displays.h"
+
+#include "parameters/parameter_table.h"
+#include "plugin/audio_effect_x.h"
+
+#include "vstgui/lib/cstring.h"
+
+#include <cstring>
+
+namespace controls {
+
+using VSTGUI::CBitmap;
+using VSTGUI::CDrawContext;
+using VSTGUI::CRect;
+using VSTGUI::UTF8String;
+
+CParamDisplayLink::CParamDisplayLink(plugin::AudioEffectX* shownEffect, std::int32_t shownParameter,
+                                     const CRect& size, std::int32_t ownTag, CBitmap* background,
+                                     std::int32_t displayStyle)
+    : CParamDisplay(size, background, displayStyle), effect(shownEffect), link(shownParameter) {
+    setTag(ownTag);
+}
+
+void CParamDisplayLink::draw(CDrawContext* context) {
+    char text[parameters::kDisplayTextSize] = "";
+    effect->getParameterDisplay(link, text);
+    const UTF8String shown(text);
+    drawPlatformText(context, shown.getPlatformString());
+}
+
+CDisplay::CDisplay(const CRect& size, CBitmap* background, std::int32_t displayStyle)
+    : CParamDisplay(size, background, displayStyle) {
+    setText("init");
+}
+
+void CDisplay::setText(const char* newText) {
+    std::strncpy(text.data(), newText, text.size() - 1);
+}
+
+void CDisplay::draw(CDrawContext* context) {
+    const UTF8String shown(text.data());
+    drawPlatformText(context, shown.getPlatformString());
+}
+
+} // namespace controls

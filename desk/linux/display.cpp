@@ -1,0 +1,12 @@
+#include "desk/display.h"
+
+#include <cstdlib>
+
+namespace desk {
+
+void leaveDisplay() {
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+}
+
+} // namespace desk

@@ -1,0 +1,45 @@
+// A short conversation with the display: what the toolkit takes for granted or leaves undone. Over a
+// connection of its own, since the toolkit's may be missing or dead.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+struct xcb_connection_t;
+
+namespace toolkit {
+
+class DisplayConnection {
+  public:
+    /// Asks the display that the environment names. Without one, every question is answered with no and
+    /// nothing else happens.
+    DisplayConnection();
+    ~DisplayConnection();
+
+    bool hasWindow(std::uint32_t window) const;
+    bool hasKeyboardExtension() const;
+    void destroyWindow(std::uint32_t window) const;
+
+    /// Resizes `window` and, one after the other, the windows around it that are little more than a frame
+    /// for it. The one that a window manager looks after is the last.
+    void resizeWithContainers(std::uint32_t window, int width, int height) const;
+
+  private:
+    struct Size {
+        int width = 0;
+        int height = 0;
+    };
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const;
+    };
+
+    Size sizeOf(std::uint32_t window) const;
+    void resize(std::uint32_t window, Size size) const;
+    /// The window that holds this one; 0 if that is the screen or cannot be told.
+    std::uint32_t containerOf(std::uint32_t window) const;
+    bool isManaged(std::uint32_t window) const;
+
+    std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+};
+
+} // namespace toolkit

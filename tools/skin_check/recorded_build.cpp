@@ -1,0 +1,181 @@
+#include "tools/skin_check/recorded_build.h"
+
+#include "base/ascii.h"
+#include "editor/my_editor.h"
+#include "parameters/parameter_table.h"
+#include "platform/message_box.h"
+#include "platform/module_folder.h"
+#include "platform/path_text.h"
+#include "platform/settings.h"
+#include "plugin/audio_effect_x.h"
+#include "skin/skin_context.h"
+#include "skin/skin_object.h"
+#include "toolkit/toolkit.h"
+#include "tools/common/text.h"
+#include "tools/common/tool_error.h"
+#include "tools/skin_check/skin_rules.h"
+
+#include "vstgui/lib/cbitmap.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace tools::window {
+
+namespace {
+
+/// What an editor needs to know of its effect.
+class SilentEffect final : public plugin::AudioEffectX {
+  public:
+    SilentEffect() : AudioEffectX(nullptr, 1, parameters::kNumParameters) {}
+    void processReplacing(float**, float**, std::int32_t) override {}
+};
+
+/// A person who has chosen this skin.
+class OneChoice final : public platform::SettingsStore {
+  public:
+    explicit OneChoice(std::string skin) : skin_(std::move(skin)) {}
+    std::optional<std::string> read(const std::string&) override { return skin_; }
+    bool write(const std::string&, const std::string&) override { return false; }
+
+  private:
+    std::string skin_;
+};
+
+struct Message {
+    std::string text;
+    std::string caption;
+};
+
+/// Takes the messages, the skins and the settings of this process in hand.
+class Arrangement {
+  public:
+    explicit Arrangement(const std::filesystem::path& folder) : choice_(textOf(folder.filename())) {
+        platform::replaceModuleFolder(textOf(folder.parent_path() / ""));
+        platform::replaceSettingsStore(&choice_);
+        platform::replaceMessageBox(note, this);
+    }
+    ~Arrangement() {
+        platform::replaceMessageBox(nullptr, nullptr);
+        platform::replaceSettingsStore(nullptr);
+        platform::replaceModuleFolder({});
+    }
+    Arrangement(const Arrangement&) = delete;
+    Arrangement& operator=(const Arrangement&) = delete;
+
+    std::vector<Message> takeMessages() { return std::exchange(messages_, {}); }
+
+  private:
+    static std::string textOf(const std::filesystem::path& path) {
+        if (const auto text = platform::textOfPath(path))
+            return *text;
+        throw ToolError(path.string() + " has letters that a plug-in cannot name");
+    }
+
+    static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
+        static_cast<Arrangement*>(context)->messages_.push_back({text, caption});
+    }
+
+    OneChoice choice_;
+    std::vector<Message> messages_;
+};
+
+// Messages of the builder that name no tag.
+constexpr const char* badConstant = "Expression parser error";
+constexpr const char* badLink = "Error attempting to link a display to an invalid parameter id";
+
+/// Where in the object a message of the builder belongs.
+Place placeOf(const Message& message, const SourceElement& object) {
+    // A fault in a line of constants has the line for its caption.
+    const std::size_t line = object.text.find(message.caption);
+    if (message.text == badConstant && line != std::string::npos)
+        return placeWithin(object.text, line, object.textPlace);
+    if (const SourceAttribute* const link = object.find("link"); link && message.text == badLink)
+        return link->valuePlace;
+    for (const SourceAttribute& tag : object.attributes)
+        if (message.text.find(" tag " + lowered(tag.name) + " for ") != std::string::npos)
+            return tag.valuePlace;
+    return object.place;
+}
+
+class RecordingEditor final : public editor::myEditor {
+  public:
+    RecordingEditor(plugin::AudioEffectX& owner, const SourceElement& root, Arrangement& arrangement)
+        : myEditor(&owner, levels()), root_(root), arrangement_(arrangement) {
+        // The pass that only measures has said nothing that the next one does not say.
+        arrangement_.takeMessages();
+    }
+
+    std::vector<Finding> findings;
+
+  protected:
+    int createControls(const char* name, skin::SkinObject* object, skin::SkinContext* context) override {
+        const int result = myEditor::createControls(name, object, context);
+        const SourceElement& source = root_.children.at(next_++);
+        const auto messages = arrangement_.takeMessages();
+        for (const Message& message : messages)
+            findings.push_back({placeOf(message, source), message.caption + ": " + message.text});
+        if (messages.empty() && result != 1)
+            findings.push_back({source.place, whyPassedOver(source, result)});
+        notePictures(source, *context);
+        return result;
+    }
+
+  private:
+    static editor::TapGains levels() {
+        static const std::array<base::Shared<float>, parameters::kMaxTaps> silence = {};
+        return silence;
+    }
+
+    static std::string whyPassedOver(const SourceElement& source, int result) {
+        const std::string what = std::string("<").append(printable(source.name)) + "> is passed over: ";
+        return what + (result < 0 ? "there is no such kind of object"
+                                  : "there is no window yet, which <background> makes");
+    }
+
+    void notePictures(const SourceElement& source, const skin::SkinContext& context) {
+        const KindRule* const kind = kindNamed(source.name);
+        for (const SourceAttribute& tag : source.attributes) {
+            const TagRule* const rule = kind ? tagNamed(*kind, tag.name) : nullptr;
+            const bool counts = rule && rule->type == TagType::picture && source.find(tag.name) == &tag;
+            if (counts && !tag.value.empty() && isEmpty(tag.value, context))
+                findings.push_back({tag.valuePlace, whyEmpty(tag.value, context)});
+        }
+    }
+
+    /// Whether the name was asked for and gave a picture of no size.
+    static bool isEmpty(const std::string& name, const skin::SkinContext& context) {
+        return std::any_of(
+            context.bitmaps.begin(), context.bitmaps.end(), [&](const skin::SkinBitmap& known) {
+                return base::equalIgnoringCase(known.name, name) && known.bitmap->getWidth() <= 0;
+            });
+    }
+
+    static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {
+        return "the picture " + inQuotes(name) +
+               (toolkit::findPicture(context.path, name)
+                    ? " cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, GIF, TIFF or ICO"
+                    : " is not in the skin's folder");
+    }
+
+    const SourceElement& root_;
+    Arrangement& arrangement_;
+    std::size_t next_ = 0;
+};
+
+} // namespace
+
+std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root) {
+    Arrangement arrangement(folder);
+    SilentEffect effect;
+    auto* const editor = new RecordingEditor(effect, root, arrangement);
+    effect.setEditor(editor);
+    editor->open(nullptr);
+    std::vector<Finding> findings = std::move(editor->findings);
+    editor->close();
+    return findings;
+}
+
+} // namespace tools::window

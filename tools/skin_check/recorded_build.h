@@ -1,0 +1,16 @@
+// The plug-in's own editor, building a skin while somebody takes notes.
+#pragma once
+
+#include "tools/skin_check/skin_source.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace tools::window {
+
+/// Builds the skin in `folder`, whose text has been read to `root`, an element <GUI>, in a window that is
+/// nowhere. Gives every message that it raises, every object that it passes over and every picture that it
+/// does not find. Messages, settings and the module's folder of the whole process are other ones meanwhile.
+std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root);
+
+} // namespace tools::window
