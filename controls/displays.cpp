@@ -1,7 +1,7 @@
 #include "controls/displays.h"
 
+#include "interfaces/editor_host.h"
 #include "parameters/parameter_table.h"
-#include "plugin/audio_effect_x.h"
 
 #include "vstgui/lib/cstring.h"
 
@@ -14,7 +14,7 @@ using VSTGUI::CDrawContext;
 using VSTGUI::CRect;
 using VSTGUI::UTF8String;
 
-CParamDisplayLink::CParamDisplayLink(plugin::AudioEffectX* shownEffect, std::int32_t shownParameter,
+CParamDisplayLink::CParamDisplayLink(interfaces::EditorHost* shownEffect, std::int32_t shownParameter,
                                      const CRect& size, std::int32_t ownTag, CBitmap* background,
                                      std::int32_t displayStyle)
     : CParamDisplay(size, background, displayStyle), effect(shownEffect), link(shownParameter) {

@@ -8,8 +8,8 @@
 #include <array>
 #include <cstdint>
 
-namespace plugin {
-class AudioEffectX;
+namespace interfaces {
+class EditorHost;
 }
 
 namespace controls {
@@ -19,7 +19,7 @@ class CParamDisplayLink final : public VSTGUI::CParamDisplay {
   public:
     /// `effect` outlives the display. `link` is the id of the parameter that is shown, `tag` the control's
     /// own; the one need not be the other. The background is kept and not painted.
-    CParamDisplayLink(plugin::AudioEffectX* effect, std::int32_t link, const VSTGUI::CRect& size,
+    CParamDisplayLink(interfaces::EditorHost* effect, std::int32_t link, const VSTGUI::CRect& size,
                       std::int32_t tag, VSTGUI::CBitmap* background = nullptr, std::int32_t style = 0);
 
     std::int32_t getLink() const { return link; }
@@ -27,7 +27,7 @@ class CParamDisplayLink final : public VSTGUI::CParamDisplay {
     void draw(VSTGUI::CDrawContext* context) override;
 
   private:
-    plugin::AudioEffectX* effect; ///< not owned
+    interfaces::EditorHost* effect; ///< not owned
     std::int32_t link;
 };
 

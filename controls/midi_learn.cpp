@@ -1,7 +1,7 @@
 #include "controls/midi_learn.h"
 
+#include "interfaces/editor_host.h"
 #include "midi/cc_map.h"
-#include "plugin/audio_effect_x.h"
 
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/coptionmenu.h"
@@ -72,7 +72,7 @@ void removeMenu(COptionMenu* menu) {
 } // namespace
 
 CMidiLearn::CMidiLearn(const CRect& size, VSTGUI::IControlListener* editor, std::int32_t ownTag,
-                       CControl* controlBelow, plugin::AudioEffectX* plugIn)
+                       CControl* controlBelow, interfaces::EditorHost* plugIn)
     : CControl(size, editor, ownTag), control(controlBelow), effect(plugIn) {
     // What the control below does not take goes on to the views below that.
     setTransparency(true);

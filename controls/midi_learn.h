@@ -9,8 +9,8 @@
 #include <functional>
 #include <utility>
 
-namespace plugin {
-class AudioEffectX;
+namespace interfaces {
+class EditorHost;
 }
 
 namespace VSTGUI {
@@ -29,7 +29,7 @@ class CMidiLearn final : public VSTGUI::CControl {
     /// frame, which owns both; `size` is its place. `effect` is the plug-in, which is told of gestures;
     /// without one nobody is.
     CMidiLearn(const VSTGUI::CRect& size, VSTGUI::IControlListener* listener, std::int32_t tag,
-               VSTGUI::CControl* control, plugin::AudioEffectX* effect);
+               VSTGUI::CControl* control, interfaces::EditorHost* effect);
     CMidiLearn(const CMidiLearn& other) = default;
 
     /// `refresh` is called with the control below right before a press, a tick of the wheel or a key is
@@ -39,7 +39,7 @@ class CMidiLearn final : public VSTGUI::CControl {
     /// The tag of the control below, and so the parameter's id.
     std::int32_t getTag() const override;
     VSTGUI::CControl* getControl() const { return control; }
-    plugin::AudioEffectX* getEffect() const { return effect; }
+    interfaces::EditorHost* getEffect() const { return effect; }
 
     /// Nothing is to be seen.
     void draw(VSTGUI::CDrawContext*) override {}
@@ -62,8 +62,8 @@ class CMidiLearn final : public VSTGUI::CControl {
     void finishMenu(std::int32_t choice);
     void report(float reported);
 
-    VSTGUI::CControl* control;    ///< not owned
-    plugin::AudioEffectX* effect; ///< not owned
+    VSTGUI::CControl* control;      ///< not owned
+    interfaces::EditorHost* effect; ///< not owned
     std::function<void(VSTGUI::CControl&)> refresh_;
 };
 

@@ -39,7 +39,7 @@ VSTGUI::CColor clearColour(const char* text) {
 
 } // namespace
 
-myEditor::myEditor(plugin::AudioEffectX* owner, TapGains tapGain)
+myEditor::myEditor(interfaces::EditorHost* owner, TapGains tapGain)
     : xmlGuiEditor(owner), effectGains_(tapGain) {}
 
 bool myEditor::open(void* ptr) {

@@ -5,6 +5,7 @@
 
 #include "base/shared.h"
 #include "controls/note_display.h"
+#include "interfaces/effect_window.h"
 #include "midi/learn_machine.h"
 #include "parameters/pattern_laws.h"
 #include "platform/lock.h"
@@ -12,7 +13,6 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
 
 namespace controls {
 class ViewTaps;
@@ -20,13 +20,12 @@ class ViewTaps;
 
 namespace editor {
 
-/// The levels of all taps, linear, 0..1.
-using TapGains = std::span<const base::Shared<float>, parameters::kMaxTaps>;
+using interfaces::TapGains;
 
-class myEditor : public skin::xmlGuiEditor {
+class myEditor : public skin::xmlGuiEditor, public interfaces::EffectWindow {
   public:
     /// `tapGain` is the effect's own table, which other threads may rewrite at any time.
-    myEditor(plugin::AudioEffectX* effect, TapGains tapGain);
+    myEditor(interfaces::EditorHost* effect, TapGains tapGain);
 
     bool open(void* ptr) override;
     void close() override;
@@ -34,10 +33,13 @@ class myEditor : public skin::xmlGuiEditor {
     /// Arms the learning of a controller if an overlay reports exactly 1.
     void controlChanged(void* context, VSTGUI::CControl* control) override;
 
-    /// Shows a new pattern, if there is a window with a picture of it. The values are those of "Taps #",
-    /// "Stretch dly" and "Bs Lgh 1", normalised, `sampleRate` is in Hz. Any thread.
+    bool isOpen() override { return xmlGuiEditor::isOpen(); }
+    void setParameter(std::int32_t id, float value) override { xmlGuiEditor::setParameter(id, value); }
+    void queueParameterUpdate(std::int32_t id) override { xmlGuiEditor::queueParameterUpdate(id); }
+    /// If there is a window with a picture of the pattern.
     void updateTapView(float tapsValue, float stretchValue, float lengthValue, float sampleRate,
-                       TapGains tapGain);
+                       TapGains tapGain) override;
+    void learnController(std::int32_t controller) override { learn.bind(controller); }
 
     /// Binds the controller of a Control Change to the control that waits for one.
     void learnFromMidi(const std::uint8_t* midiData) { learn.learnFromMidi(midiData); }

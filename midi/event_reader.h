@@ -1,12 +1,17 @@
-// Turns a host's list of MIDI events into what they mean to the effect. Channels and timing inside the block
-// play no part: every event acts at once, on all sixteen channels alike.
+// Reads MIDI messages for what they mean to the effect. Channels and timing inside the block play no part:
+// every message acts at once, on all sixteen channels alike.
 #pragma once
 
-#include "vst2/vst2.h"
-
+#include <array>
 #include <cstdint>
 
 namespace midi {
+
+/// A message with its place in the block.
+struct Message {
+    std::array<std::uint8_t, 3> data;
+    std::int32_t deltaFrames; ///< samples into the block
+};
 
 /// The last note that came by. The effect makes no sound from notes.
 struct NoteState {
@@ -16,7 +21,7 @@ struct NoteState {
     std::uint8_t noteIsOn = 0;
 };
 
-/// Who acts on the events.
+/// Who acts on the messages.
 class EventReceiver {
   public:
     /// `program` is the data byte with its sign: 0x80 and above is negative.
@@ -28,8 +33,7 @@ class EventReceiver {
     ~EventReceiver() = default;
 };
 
-/// Reads the events in their order. Takes null for an empty list. The thread of the host's call; allocates
-/// nothing.
-void readEvents(const vst2::VstEvents* events, NoteState& notes, EventReceiver& receiver);
+/// Reads one message. The thread of the host's call; allocates nothing.
+void readMessage(const Message& message, NoteState& notes, EventReceiver& receiver);
 
 } // namespace midi

@@ -1,9 +1,9 @@
 #include "presets/default_bank.h"
 
+#include "base/four_character_code.h"
 #include "parameters/parameter_table.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
-#include "vst2/vst2.h"
 
 #include <algorithm>
 #include <bit>
@@ -14,11 +14,11 @@
 namespace presets {
 namespace {
 
-constexpr std::int32_t kChunkMagic = vst2::fourCharacterCode("CcnK");
-constexpr std::int32_t kPlainBank = vst2::fourCharacterCode("FxBk");
-constexpr std::int32_t kChunkBank = vst2::fourCharacterCode("FBCh");
+constexpr std::int32_t kChunkMagic = base::fourCharacterCode("CcnK");
+constexpr std::int32_t kPlainBank = base::fourCharacterCode("FxBk");
+constexpr std::int32_t kChunkBank = base::fourCharacterCode("FBCh");
 /// Banks of an older version of the effect carry this id.
-constexpr std::int32_t kOlderUniqueID = vst2::fourCharacterCode("vmdl");
+constexpr std::int32_t kOlderUniqueID = base::fourCharacterCode("vmdl");
 
 // Byte offsets in the file.
 constexpr std::size_t kChunkMagicOffset = 0;

@@ -20,7 +20,7 @@ namespace {
 /// The host's names for the keys that are held down with another.
 enum HostModifier : unsigned char { kShiftKey = 1, kAlternateKey = 2, kCommandKey = 4, kControlKey = 8 };
 
-VSTGUI::Modifiers modifiersOf(const vst2::VstKeyCode& key) {
+VSTGUI::Modifiers modifiersOf(const interfaces::KeyCode& key) {
     VSTGUI::Modifiers modifiers;
     if (key.modifier & kShiftKey)
         modifiers.add(VSTGUI::ModifierKey::Shift);
@@ -37,14 +37,14 @@ VSTGUI::Modifiers modifiersOf(const vst2::VstKeyCode& key) {
 
 base::Shared<std::int32_t> AEffGUIEditor::knobMode = VSTGUI::kCircularMode;
 
-AEffGUIEditor::AEffGUIEditor(plugin::AudioEffectX* owner)
-    : AEffEditor(owner), lastTicks(platform::milliseconds()), effectX_(owner) {
+AEffGUIEditor::AEffGUIEditor(interfaces::EditorHost* owner)
+    : AEffEditor(owner), lastTicks(platform::milliseconds()) {
     noteWindowThread();
 }
 
 AEffGUIEditor::~AEffGUIEditor() = default;
 
-bool AEffGUIEditor::getRect(vst2::ERect** size) {
+bool AEffGUIEditor::getRect(interfaces::EditorRect** size) {
     *size = &rect;
     return true;
 }
@@ -100,7 +100,7 @@ void AEffGUIEditor::idle() {
     toolkit::serveToolkitWindows();
 }
 
-bool AEffGUIEditor::dispatchKey(const vst2::VstKeyCode& key, bool isDown) {
+bool AEffGUIEditor::dispatchKey(const interfaces::KeyCode& key, bool isDown) {
     if (!frame)
         return false;
     VSTGUI::KeyboardEvent event(isDown ? VSTGUI::EventType::KeyDown : VSTGUI::EventType::KeyUp);
@@ -112,11 +112,11 @@ bool AEffGUIEditor::dispatchKey(const vst2::VstKeyCode& key, bool isDown) {
     return event.consumed;
 }
 
-bool AEffGUIEditor::onKeyDown(vst2::VstKeyCode& key) {
+bool AEffGUIEditor::onKeyDown(interfaces::KeyCode& key) {
     return dispatchKey(key, true);
 }
 
-bool AEffGUIEditor::onKeyUp(vst2::VstKeyCode& key) {
+bool AEffGUIEditor::onKeyUp(interfaces::KeyCode& key) {
     return dispatchKey(key, false);
 }
 

@@ -5,34 +5,32 @@
 // Everything runs on the host's window thread, unless it says otherwise.
 #pragma once
 
-#include "plugin/aeff_editor.h"
-#include "plugin/audio_effect_x.h"
+#include "interfaces/aeff_editor.h"
+#include "interfaces/editor_host.h"
 #include "toolkit/toolkit.h"
 #include "toolkit/toolkit_window.h"
-#include "vst2/vst2.h"
 
 #include "base/shared.h"
 #include "vstgui/lib/cframe.h"
 
-#include <atomic>
 #include <cstdint>
 
 namespace skin {
 
-class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInterface {
+class AEffGUIEditor : public interfaces::AEffEditor, public VSTGUI::VSTGUIEditorInterface {
   public:
-    /// The effect is not owned, and outlives the editor. It takes the editor over with setEditor().
-    explicit AEffGUIEditor(plugin::AudioEffectX* effect);
+    /// `owner`, the effect, is not owned, and outlives the editor. It takes the editor over with setEditor().
+    explicit AEffGUIEditor(interfaces::EditorHost* owner);
     /// Closes the window if the host has not.
     ~AEffGUIEditor() override;
 
-    bool getRect(vst2::ERect** size) override;
+    bool getRect(interfaces::EditorRect** size) override;
     /// Opens an empty frame of the editor's size in the host's window `ptr`.
     bool open(void* ptr) override;
     /// Gives all windows of the process their turn and has what is dirty drawn. The one source of time.
     void idle() override;
-    bool onKeyDown(vst2::VstKeyCode& key) override;
-    bool onKeyUp(vst2::VstKeyCode& key) override;
+    bool onKeyDown(interfaces::KeyCode& key) override;
+    bool onKeyUp(interfaces::KeyCode& key) override;
     /// `distance` in turns of the wheel, upward positive; acts where the pointer is.
     bool onWheel(float distance) override;
     /// How the hand turns a knob: 0 in a circle, 1 in a circle from where it is, 2 up and down. One mode for
@@ -51,7 +49,7 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     bool beforeSizeChange(const VSTGUI::CRect& newSize, const VSTGUI::CRect& oldSize) override;
 
   protected:
-    plugin::AudioEffectX& theEffect() const { return *effectX_; }
+    interfaces::EditorHost& theEffect() const { return *effect; }
     /// Makes the frame of the window, `width` x `height` pixels, and opens it in the host's window. Without a
     /// `parent` it stays unseen. False if the display does not know `parent`; there is no frame then.
     bool openFrame(int width, int height, VSTGUI::CBitmap* background, void* parent);
@@ -64,18 +62,17 @@ class AEffGUIEditor : public plugin::AEffEditor, public VSTGUI::VSTGUIEditorInte
     /// Whether the left button is held in a gesture that began in the window.
     bool leftButtonDown() const { return window_.leftButtonDown(); }
 
-    vst2::ERect rect = {};    ///< what the host is told, in pixels
-    std::uint32_t lastTicks;  ///< of the next idle round that a gesture allows, in milliseconds
-    bool inIdleStuff = false; ///< while the host has its turn inside a gesture
+    interfaces::EditorRect rect = {}; ///< what the host is told, in pixels
+    std::uint32_t lastTicks;          ///< of the next idle round that a gesture allows, in milliseconds
+    bool inIdleStuff = false;         ///< while the host has its turn inside a gesture
 
   private:
     void noteWindowThread();
-    bool dispatchKey(const vst2::VstKeyCode& key, bool isDown);
+    bool dispatchKey(const interfaces::KeyCode& key, bool isDown);
     void setFrame(VSTGUI::CFrame* newFrame);
 
     toolkit::Toolkit toolkit_;
     toolkit::ToolkitWindow window_;
-    plugin::AudioEffectX* effectX_;
     base::Shared<std::uint64_t> windowThread_;
     base::Shared<bool> hasFrame_ = false;
 

@@ -57,7 +57,7 @@ void drawBeforeMessage() {
 
 } // namespace
 
-xmlGuiEditor::xmlGuiEditor(plugin::AudioEffectX* owner) : AEffGUIEditor(owner) {
+xmlGuiEditor::xmlGuiEditor(interfaces::EditorHost* owner) : AEffGUIEditor(owner) {
     controls::resetOnlyControlsWithDefault();
     // No id, so that the first one is not taken for a repetition.
     for (base::Shared<std::int32_t>& entry : updateQueue)
@@ -165,7 +165,7 @@ void xmlGuiEditor::askForFramesSize() {
         return;
     const auto width = static_cast<std::int16_t>(frame->getWidth());
     const auto height = static_cast<std::int16_t>(frame->getHeight());
-    const vst2::ERect told = std::exchange(rect, {0, 0, height, width});
+    const interfaces::EditorRect told = std::exchange(rect, {0, 0, height, width});
     const bool isOther = width != told.right || height != told.bottom;
     // A host that makes room asks for the size again, in its answer or later, and goes by that.
     if (isOther && !(theEffect().canHostDo("sizeWindow") && frame && theEffect().sizeWindow(width, height)))
@@ -187,7 +187,7 @@ void xmlGuiEditor::close() {
 // What the window is made of
 
 std::int32_t xmlGuiEditor::numParams() const {
-    return theEffect().getAeffect()->numParams;
+    return theEffect().getNumParameters();
 }
 
 std::vector<CControl*> xmlGuiEditor::controls() const {
@@ -361,8 +361,8 @@ void xmlGuiEditor::showHint() {
     char hint[256];
     const std::int32_t id = tagBeingTurned();
     if (isParameter(id)) {
-        char name[vst2::kVstMaxParamStrLen + 1], display[parameters::kDisplayTextSize];
-        char label[vst2::kVstMaxParamStrLen + 1];
+        char name[interfaces::kParameterTextSize], display[parameters::kDisplayTextSize];
+        char label[interfaces::kParameterTextSize];
         theEffect().getParameterName(id, name);
         theEffect().getParameterDisplay(id, display);
         theEffect().getParameterLabel(id, label);

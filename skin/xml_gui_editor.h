@@ -8,6 +8,7 @@
 // that moment: it is noted, and the next idle() shows it.
 #pragma once
 
+#include "interfaces/effect_window.h"
 #include "skin/aeff_gui_editor.h"
 #include "skin/skin_context.h"
 #include "skin_language/grow_array.h"
@@ -69,13 +70,12 @@ enum Outcome : int {
     kDone = 1,
 };
 
-/// Asks for all controls to be set from the effect.
-constexpr std::int32_t kRefreshAll = -909090;
+using interfaces::kRefreshAll;
 
 class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
   public:
     /// Reads the skin once without a window, to know the window's size.
-    explicit xmlGuiEditor(plugin::AudioEffectX* effect);
+    explicit xmlGuiEditor(interfaces::EditorHost* effect);
     ~xmlGuiEditor() override;
 
     /// Reads the skin and builds its window in the host's window `ptr`. False if there is no skin that can be

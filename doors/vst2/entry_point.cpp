@@ -8,8 +8,8 @@
 namespace {
 
 /// The only place where the effect is created; null if there is no memory for it.
-plugin::velmo_delay* createEffect(vst2::audioMasterCallback host) noexcept try {
-    return new plugin::velmo_delay(host);
+vst2_door::velmo_delay* createEffect(vst2::audioMasterCallback host) noexcept try {
+    return new vst2_door::velmo_delay(host);
 } catch (...) {
     return nullptr;
 }
@@ -17,7 +17,7 @@ plugin::velmo_delay* createEffect(vst2::audioMasterCallback host) noexcept try {
 vst2::AEffect* enter(vst2::audioMasterCallback host) {
     if (host(nullptr, vst2::audioMasterVersion, 0, 0, nullptr, 0.0f) == 0)
         return nullptr;
-    plugin::velmo_delay* const effect = createEffect(host);
+    vst2_door::velmo_delay* const effect = createEffect(host);
     return effect ? effect->getAeffect() : nullptr;
 }
 

@@ -1,7 +1,7 @@
 #include "settings_file.h"
 
 #include "../own_settings.h"
-#include "../product_names.h"
+#include "base/product_names.h"
 #include "platform/files.h"
 
 #include <cstdlib>
@@ -148,7 +148,11 @@ std::string ownSettingsPath() {
         folder = home + "/.config";
     else
         return {};
-    return folder.append("/").append(vendorName).append("/").append(productName).append(".conf");
+    return folder.append("/")
+        .append(base::kVendorName)
+        .append("/")
+        .append(base::kProductName)
+        .append(".conf");
 }
 
 SettingsStore& ownSettings() {

@@ -1,5 +1,5 @@
 #include "../own_settings.h"
-#include "../product_names.h"
+#include "base/product_names.h"
 
 #include <windows.h>
 
@@ -10,7 +10,8 @@ namespace {
 /// Bytes of a text, the NUL behind it included.
 constexpr DWORD textLimit = 260;
 
-const std::string settingsKey = "Software\\" + std::string(vendorName) + '\\' + std::string(productName);
+const std::string settingsKey =
+    "Software\\" + std::string(base::kVendorName) + '\\' + std::string(base::kProductName);
 
 class RegistrySettings final : public SettingsStore {
   public:

@@ -4,9 +4,9 @@
 #include "controls/help.h"
 #include "controls/note_display.h"
 #include "desk/private_folder.h"
+#include "doors/vst2/audio_effect_x.h"
 #include "platform/module_folder.h"
 #include "platform/web_browser.h"
-#include "plugin/audio_effect_x.h"
 #include "recorded_toolkit.h"
 
 #include "vstgui/lib/cbitmap.h"
@@ -29,7 +29,7 @@ using VSTGUI::CRect;
 using VSTGUI::makeOwned;
 
 /// Shows the id that it is asked for, and a text that can be changed.
-class Effect final : public plugin::AudioEffectX {
+class Effect final : public vst2_door::AudioEffectX {
   public:
     Effect() : AudioEffectX(nullptr, 1, 21) {}
     void processReplacing(float**, float**, std::int32_t) override {}

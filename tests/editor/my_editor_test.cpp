@@ -30,7 +30,7 @@ std::array<base::Shared<float>, parameters::kMaxTaps> gains;
 /// With the table of the test for the effect's.
 class Exposed final : public editor::myEditor {
   public:
-    explicit Exposed(plugin::AudioEffectX* owner) : myEditor(owner, gains) {}
+    explicit Exposed(vst2_door::AudioEffectX* owner) : myEditor(owner, gains) {}
 
     using myEditor::controls;
     using myEditor::frame;

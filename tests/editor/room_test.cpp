@@ -20,7 +20,7 @@ std::array<base::Shared<float>, parameters::kMaxTaps> gains;
 
 class Exposed final : public editor::myEditor {
   public:
-    explicit Exposed(plugin::AudioEffectX* owner) : myEditor(owner, gains) {}
+    explicit Exposed(vst2_door::AudioEffectX* owner) : myEditor(owner, gains) {}
 
     auto countOverlays() const {
         return std::ranges::count_if(controls(), [](VSTGUI::CControl* control) {

@@ -2,13 +2,13 @@
 // its rules say, and asks nothing of the effect that an effect could not do.
 #include "presets/default_bank.h"
 
+#include "base/four_character_code.h"
 #include "parameters/parameter_table.h"
 #include "platform/files.h"
 #include "presets/program_store.h"
 #include "promise.h"
 #include "support/program_bank.h"
 #include "unattended.h"
-#include "vst2/vst2.h"
 
 #include <cstring>
 
@@ -19,7 +19,7 @@ class Receiver final : public presets::BankReceiver {
   public:
     Receiver() { programs_.allocate(); }
 
-    std::int32_t uniqueID() override { return vst2::fourCharacterCode("qlvd"); }
+    std::int32_t uniqueID() override { return base::fourCharacterCode("qlvd"); }
     std::int32_t getProgram() override { return selected_; }
     void setProgram(std::int32_t program) override {
         promise(program >= 0, "no negative program is selected");

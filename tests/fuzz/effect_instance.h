@@ -22,7 +22,7 @@ class EffectInstance {
   public:
     EffectInstance() {
         Unattended::instance().forgetMessages();
-        record_ = (new plugin::velmo_delay(&listen))->getAeffect();
+        record_ = (new vst2_door::velmo_delay(&listen))->getAeffect();
         flags_ = record_->flags;
         void* state = nullptr;
         const std::intptr_t size = dispatch(vst2::effGetChunk, 0, 0, &state);

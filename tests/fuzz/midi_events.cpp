@@ -2,7 +2,7 @@
 // beyond its end.
 //
 // The input is a row of events, each of a kind, a place in the block and bytes.
-#include "midi/event_reader.h"
+#include "doors/vst2/event_list.h"
 
 #include "byte_source.h"
 #include "promise.h"
@@ -117,12 +117,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Listener listener;
     midi::NoteState notes;
-    midi::readEvents(nullptr, notes, listener);
-    midi::readEvents(list.events(0), notes, listener);
-    midi::readEvents(list.events(-1), notes, listener);
+    const auto readEvents = [&](const VstEvents* events) {
+        vst2_door::forEachMessage(
+            events, [&](const midi::Message& message) { midi::readMessage(message, notes, listener); });
+    };
+    readEvents(nullptr);
+    readEvents(list.events(0));
+    readEvents(list.events(-1));
     promise(listener.acts.empty() && notes.noteIsOn == 0, "an empty list means nothing");
 
-    midi::readEvents(list.events(list.size()), notes, listener);
+    readEvents(list.events(list.size()));
     promise(listener.acts == expected, "each event acts as its bytes say, in order");
     for (const Act& act : listener.acts) {
         promise(act.number >= -128 && act.number <= 127, "a signed byte");

@@ -1,6 +1,6 @@
 // What becomes of single MIDI messages, seen from inside: the last note, which nothing outside can show, and
 // the numbers that reach the effect.
-#include "midi/event_reader.h"
+#include "doors/vst2/event_list.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,8 @@ class EventReader : public testing::Test, protected midi::EventReceiver {
         list->numEvents = static_cast<std::int32_t>(entries.size());
         if (!entries.empty())
             std::memcpy(room + offsetof(VstEvents, events), entries.data(), entries.size() * sizeof(void*));
-        midi::readEvents(list, notes, *this);
+        vst2_door::forEachMessage(
+            list, [this](const midi::Message& read) { midi::readMessage(read, notes, *this); });
     }
 
     void expectNote(int note, int velocity, int deltaFrames, int isOn) {
@@ -147,7 +148,7 @@ class Lists : public EventReader {};
 
 TEST_F(Lists, MayBeEmptyOrMissing) {
     sendEntries({});
-    midi::readEvents(nullptr, notes, *this);
+    vst2_door::forEachMessage(nullptr, [](const midi::Message&) { FAIL(); });
     EXPECT_TRUE(acts.empty());
 }
 

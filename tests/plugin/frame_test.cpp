@@ -54,8 +54,8 @@ class Frame : public testing::Test {
     }
     ~Frame() override { platform::replaceMessageBox(nullptr, nullptr); }
 
-    std::unique_ptr<plugin::velmo_delay> make(audioMasterCallback host) {
-        return std::make_unique<plugin::velmo_delay>(host);
+    std::unique_ptr<vst2_door::velmo_delay> make(audioMasterCallback host) {
+        return std::make_unique<vst2_door::velmo_delay>(host);
     }
 
     desk::PrivateFolder folder;
@@ -170,11 +170,11 @@ TEST_F(Frame, ConvertsSamplesToRatesAndTimes) {
 }
 
 /// An editor that notes what reaches it.
-class NotingEditor : public plugin::AEffEditor {
+class NotingEditor : public interfaces::AEffEditor {
   public:
-    NotingEditor(plugin::AudioEffect* owner, std::string& notes) : AEffEditor(owner), notes_(notes) {}
+    NotingEditor(interfaces::EditorHost* owner, std::string& notes) : AEffEditor(owner), notes_(notes) {}
     ~NotingEditor() override { notes_ += "gone "; }
-    bool getRect(ERect** rect) override {
+    bool getRect(interfaces::EditorRect** rect) override {
         *rect = &size_;
         return true;
     }
@@ -185,12 +185,12 @@ class NotingEditor : public plugin::AEffEditor {
     }
     void close() override { notes_ += "close "; }
     void idle() override { notes_ += "idle "; }
-    bool onKeyDown(VstKeyCode& key) override {
+    bool onKeyDown(interfaces::KeyCode& key) override {
         notes_ += "down " + std::to_string(key.character) + "/" + std::to_string(key.virt) + "/" +
                   std::to_string(key.modifier) + " ";
         return true;
     }
-    bool onKeyUp(VstKeyCode&) override {
+    bool onKeyUp(interfaces::KeyCode&) override {
         notes_ += "up ";
         return true;
     }
@@ -201,11 +201,11 @@ class NotingEditor : public plugin::AEffEditor {
 
   private:
     std::string& notes_;
-    ERect size_ = {0, 0, 480, 640};
+    interfaces::EditorRect size_ = {0, 0, 480, 640};
 };
 
 /// An effect with nothing of its own, whose editor a test chooses.
-class PlainEffect final : public plugin::AudioEffectX {
+class PlainEffect final : public vst2_door::AudioEffectX {
   public:
     using AudioEffectX::AudioEffectX;
     void processReplacing(float**, float**, std::int32_t) override {}
@@ -240,7 +240,7 @@ std::intptr_t closeByRecord(AEffect* record) {
 }
 
 /// An effect that its host closes while it is asked for its chunk.
-class ClosedInACall final : public plugin::AudioEffectX {
+class ClosedInACall final : public vst2_door::AudioEffectX {
   public:
     explicit ClosedInACall(std::string& notes) : AudioEffectX(recordingHost, 1, 1), notes_(notes) {
         setEditor(new NotingEditor(this, notes_));
@@ -265,7 +265,7 @@ TEST_F(Frame, KeepsAnEffectThatIsClosedInTheMiddleOfACallUntilThatReturns) {
 }
 
 /// An effect that goes on talking to its host behind its end.
-class TalkingBehindItsEnd final : public plugin::AudioEffectX {
+class TalkingBehindItsEnd final : public vst2_door::AudioEffectX {
   public:
     TalkingBehindItsEnd() : AudioEffectX(recordingHost, 1, 1) {}
     void processReplacing(float**, float**, std::int32_t) override {}
@@ -301,7 +301,7 @@ class ClosedAtAMessage : public Frame {
     ~ClosedAtAMessage() override { platform::replaceModuleFolder(""); }
 
     AEffect* makeRecord() {
-        AEffect* const record = (new plugin::velmo_delay(recordingHost))->getAeffect();
+        AEffect* const record = (new vst2_door::velmo_delay(recordingHost))->getAeffect();
         messages.clear();
         toClose = record;
         return record;
@@ -332,7 +332,7 @@ TEST_F(ClosedAtAMessage, OfAFaultInTheSkin) {
 }
 
 /// An effect that notes the buffers of the two forms of processing that most hosts never call.
-class NotingEffect final : public plugin::AudioEffectX {
+class NotingEffect final : public vst2_door::AudioEffectX {
   public:
     using AudioEffectX::AudioEffectX;
     void processReplacing(float**, float**, std::int32_t) override {}

@@ -82,7 +82,7 @@ class ShortOfMemory : public testing::Test {
         platform::replaceModuleFolder({});
     }
 
-    static AEffect* make() { return (new plugin::velmo_delay(&host))->getAeffect(); }
+    static AEffect* make() { return (new vst2_door::velmo_delay(&host))->getAeffect(); }
 
     /// Runs `call` with ever more memory until it has enough, once for each kind of shortage; `restore` after
     /// each. Says how often memory was short.

@@ -1,11 +1,11 @@
 // What the reader of the factory bank asks of the effect, and what it says instead.
 #include "presets/default_bank.h"
 
+#include "base/four_character_code.h"
 #include "desk/private_folder.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
 #include "support/program_bank.h"
-#include "vst2/vst2.h"
 
 #include <string>
 
@@ -35,7 +35,7 @@ class NotingReceiver final : public presets::BankReceiver {
     std::string asked;
 
   private:
-    std::int32_t uniqueID() override { return vst2::fourCharacterCode("qlvd"); }
+    std::int32_t uniqueID() override { return base::fourCharacterCode("qlvd"); }
     std::int32_t getProgram() override { return 7; }
     void setProgram(std::int32_t program) override { asked += "program " + std::to_string(program) + ", "; }
     void setParameter(std::int32_t id, float value) override {

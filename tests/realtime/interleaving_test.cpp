@@ -350,7 +350,7 @@ class Effect : public testing::Test {
     Effect() {
         platform::replaceMessageBox([](void*, const char*, const char*, const platform::MessageLook&) {},
                                     nullptr);
-        effect = std::make_unique<plugin::velmo_delay>(nullptr);
+        effect = std::make_unique<vst2_door::velmo_delay>(nullptr);
         effect->setParameter(kTaps, 0.012f);
     }
     ~Effect() override { platform::replaceMessageBox(nullptr, nullptr); }
@@ -367,7 +367,7 @@ class Effect : public testing::Test {
     }
 
     desk::PrivateFolder folder;
-    std::unique_ptr<plugin::velmo_delay> effect;
+    std::unique_ptr<vst2_door::velmo_delay> effect;
 };
 
 TEST_F(Effect, SavesTheValueThatIsHeardAfterTwoThreadsHaveSetIt) {

@@ -50,10 +50,10 @@ TEST_F(EditorCalls, BringKeysToTheViewsWithThoseThatAreHeld) {
     NotedKeys noted;
     editor.frame->registerKeyboardHook(&noted);
     for (const unsigned char held : std::vector<unsigned char>{0, 1, 2, 4, 8, 15}) {
-        vst2::VstKeyCode key = {'a', 7, held};
+        interfaces::KeyCode key = {'a', 7, held};
         editor.onKeyDown(key);
     }
-    vst2::VstKeyCode key = {'b', 0, 1};
+    interfaces::KeyCode key = {'b', 0, 1};
     editor.onKeyUp(key);
     editor.frame->unregisterKeyboardHook(&noted);
     EXPECT_EQ(noted.keys,

@@ -86,7 +86,7 @@ class Editor : public testing::Test {
 TEST_F(Editor, KnowsTheWindowsSizeBeforeThereIsAWindow) {
     bench.writeSkin(R"(<background filename="ground.png"/>)" + knob(6));
     auto& editor = bench.makeEditor();
-    vst2::ERect* size = nullptr;
+    interfaces::EditorRect* size = nullptr;
     EXPECT_TRUE(editor.getRect(&size));
     ASSERT_NE(size, nullptr);
     EXPECT_EQ(size->top, 0);
@@ -229,7 +229,7 @@ TEST_F(Editor, TakesTimeKeysAndChangesWithoutAWindow) {
         editor.setParameter(6, 0.5f);
         editor.setParameter(kRefreshAll, static_cast<float>(kRefreshAll));
         editor.queueParameterUpdate(6);
-        vst2::VstKeyCode key = {'a', 0, 0};
+        interfaces::KeyCode key = {'a', 0, 0};
         EXPECT_FALSE(editor.onKeyDown(key));
         EXPECT_FALSE(editor.onKeyUp(key));
         EXPECT_FALSE(editor.onWheel(1.0f));
@@ -638,7 +638,7 @@ TEST_F(Editor, AllowsAnySizeWhereTheHostCannotBeAsked) {
 TEST_F(Editor, SharesOneKnobModeWithAllOthers) {
     bench.writeSkin("");
     auto& first = bench.makeEditor();
-    plugin::AudioEffectX& effect = bench.effect();
+    vst2_door::AudioEffectX& effect = bench.effect();
     const test::ExposedEditor<xmlGuiEditor> second(&effect);
     EXPECT_TRUE(first.setKnobMode(1));
     EXPECT_EQ(second.getKnobMode(), 1);
@@ -648,7 +648,7 @@ TEST_F(Editor, SharesOneKnobModeWithAllOthers) {
 
 TEST_F(Editor, LeavesKeysToTheHostThatNoViewUses) {
     auto& editor = openWith(knob(6));
-    vst2::VstKeyCode key = {'x', 0, 0};
+    interfaces::KeyCode key = {'x', 0, 0};
     EXPECT_FALSE(editor.onKeyDown(key));
     EXPECT_FALSE(editor.onKeyUp(key));
 }

@@ -2,12 +2,12 @@
 
 #include "base/ascii.h"
 #include "editor/my_editor.h"
+#include "interfaces/editor_host.h"
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
 #include "platform/path_text.h"
 #include "platform/settings.h"
-#include "plugin/audio_effect_x.h"
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
 #include "toolkit/toolkit.h"
@@ -27,10 +27,22 @@ namespace tools::window {
 namespace {
 
 /// What an editor needs to know of its effect.
-class SilentEffect final : public plugin::AudioEffectX {
+class SilentEffect final : public interfaces::EditorHost {
   public:
-    SilentEffect() : AudioEffectX(nullptr, 1, parameters::kNumParameters) {}
-    void processReplacing(float**, float**, std::int32_t) override {}
+    std::int32_t getNumParameters() const override { return parameters::kNumParameters; }
+    float getParameter(std::int32_t) override { return 0.0f; }
+    void setParameter(std::int32_t, float) override {}
+    void setParameterAutomated(std::int32_t, float) override {}
+    void getParameterName(std::int32_t, char* text) override { *text = '\0'; }
+    void getParameterLabel(std::int32_t, char* text) override { *text = '\0'; }
+    void getParameterDisplay(std::int32_t, char* text) override { *text = '\0'; }
+    float getSampleRate() const override { return 44100.0f; }
+    bool beginEdit(std::int32_t) override { return false; }
+    bool endEdit(std::int32_t) override { return false; }
+    void masterIdle() override {}
+    bool canHostDo(const char*) override { return false; }
+    bool sizeWindow(std::int32_t, std::int32_t) override { return false; }
+    std::shared_ptr<void> keepAlive() override { return nullptr; }
 };
 
 /// A person who has chosen this skin.
@@ -102,7 +114,7 @@ Place placeOf(const Message& message, const SourceElement& object) {
 
 class RecordingEditor final : public editor::myEditor {
   public:
-    RecordingEditor(plugin::AudioEffectX& owner, const SourceElement& root, Arrangement& arrangement)
+    RecordingEditor(interfaces::EditorHost& owner, const SourceElement& root, Arrangement& arrangement)
         : myEditor(&owner, levels()), root_(root), arrangement_(arrangement) {
         // The pass that only measures has said nothing that the next one does not say.
         arrangement_.takeMessages();
@@ -170,12 +182,10 @@ class RecordingEditor final : public editor::myEditor {
 std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root) {
     Arrangement arrangement(folder);
     SilentEffect effect;
-    auto* const editor = new RecordingEditor(effect, root, arrangement);
-    effect.setEditor(editor);
-    editor->open(nullptr);
-    std::vector<Finding> findings = std::move(editor->findings);
-    editor->close();
-    return findings;
+    RecordingEditor editor(effect, root, arrangement);
+    editor.open(nullptr);
+    editor.close();
+    return std::move(editor.findings);
 }
 
 } // namespace tools::window

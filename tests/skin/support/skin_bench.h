@@ -4,9 +4,9 @@
 #pragma once
 
 #include "desk/private_folder.h"
+#include "doors/vst2/audio_effect_x.h"
 #include "platform/message_box.h"
 #include "platform/settings.h"
-#include "plugin/audio_effect_x.h"
 #include "skin/xml_gui_editor.h"
 #include "toolkit/toolkit.h"
 
@@ -51,7 +51,7 @@ struct HostCall {
 void PrintTo(const HostCall& call, std::ostream* out);
 
 /// An effect of 21 parameters without sound. Ids outside of them read as 0 and "none".
-class RecordingEffect final : public plugin::AudioEffectX {
+class RecordingEffect final : public vst2_door::AudioEffectX {
   public:
     static constexpr std::int32_t kParameters = 21;
 

@@ -5,8 +5,7 @@
 // No lock is taken anywhere in the frame, and nothing is assumed about the calling thread.
 #pragma once
 
-#include "base/shared.h"
-#include "plugin/aeff_editor.h"
+#include "interfaces/aeff_editor.h"
 #include "vst2/vst2.h"
 
 #include <atomic>
@@ -14,13 +13,13 @@
 #include <cstdint>
 #include <memory>
 
-namespace plugin {
+namespace vst2_door {
 
-class AudioEffect {
+class AudioEffect : public interfaces::EditorHost {
   public:
     AudioEffect(vst2::audioMasterCallback host, std::int32_t programs, std::int32_t parameters);
     /// Deletes the editor, which the effect owns.
-    virtual ~AudioEffect();
+    ~AudioEffect() override;
     AudioEffect(const AudioEffect&) = delete;
     AudioEffect& operator=(const AudioEffect&) = delete;
 
@@ -31,7 +30,7 @@ class AudioEffect {
     virtual void close() {}
     virtual void suspend() {}
     virtual void resume() {}
-    virtual void setSampleRate(float rate) { sampleRate.store(rate); }
+    virtual void setSampleRate(float) {}
     virtual void setBlockSize(std::int32_t frames) { blockSize = frames; }
 
     /// Audio: channels x frames. The audio thread.
@@ -40,18 +39,17 @@ class AudioEffect {
     virtual void process(float**, float**, std::int32_t) {}
 
     /// Values are normalised. Any thread.
-    virtual void setParameter(std::int32_t, float) {}
-    virtual float getParameter(std::int32_t) { return 0.0f; }
-    /// For a change made by the person: sets the parameter, then tells the host.
-    virtual void setParameterAutomated(std::int32_t id, float value);
+    void setParameter(std::int32_t, float) override {}
+    float getParameter(std::int32_t) override { return 0.0f; }
+    void setParameterAutomated(std::int32_t id, float value) override;
 
-    virtual std::int32_t getProgram() { return curProgram.load(); }
-    virtual void setProgram(std::int32_t program) { curProgram.store(program); }
+    virtual std::int32_t getProgram() { return 0; }
+    virtual void setProgram(std::int32_t) {}
     virtual void setProgramName(char*) {}
     virtual void getProgramName(char* text) { *text = '\0'; }
-    virtual void getParameterLabel(std::int32_t, char* text) { *text = '\0'; }
-    virtual void getParameterDisplay(std::int32_t, char* text) { *text = '\0'; }
-    virtual void getParameterName(std::int32_t, char* text) { *text = '\0'; }
+    void getParameterLabel(std::int32_t, char* text) override { *text = '\0'; }
+    void getParameterDisplay(std::int32_t, char* text) override { *text = '\0'; }
+    void getParameterName(std::int32_t, char* text) override { *text = '\0'; }
     /// Gives the size in bytes and points `data` at them.
     virtual std::int32_t getChunk(void**, bool) { return 0; }
     virtual std::int32_t setChunk(void*, std::int32_t, bool) { return 0; }
@@ -63,19 +61,17 @@ class AudioEffect {
     void programsAreChunks(bool state = true) { setFlag(vst2::effFlagsProgramChunks, state); }
     void canMono(bool state = true) { setFlag(vst2::effFlagsCanMono, state); }
     /// Takes the editor over and tells the host that there is one.
-    void setEditor(AEffEditor* newEditor);
+    void setEditor(interfaces::AEffEditor* newEditor);
 
-    /// While what it gives lives, the effect does, also where the host has closed it: it then goes with the
-    /// last of them. Throws std::bad_alloc.
-    std::shared_ptr<void> keepAlive();
+    std::shared_ptr<void> keepAlive() override;
 
-    AEffEditor* getEditor() { return editor.get(); }
+    interfaces::AEffEditor* getEditor() { return editor.get(); }
     vst2::AEffect* getAeffect() { return &cEffect; }
-    float getSampleRate() const { return sampleRate.load(); }
+    std::int32_t getNumParameters() const override { return numParams; }
+    float getSampleRate() const override { return 44100.0f; }
     std::int32_t getBlockSize() const { return blockSize; }
 
-    /// Lets the host do its own idle work.
-    void masterIdle() { callHost(vst2::audioMasterIdle); }
+    void masterIdle() override { callHost(vst2::audioMasterIdle); }
 
     /// Numbers as hosts show them; `text` holds maxLen + 1 bytes. See base/number_text.h.
     void dB2string(float value, char* text, std::size_t maxLen) const;
@@ -90,12 +86,10 @@ class AudioEffect {
                            void* ptr = nullptr, float opt = 0.0f);
 
     vst2::audioMasterCallback audioMaster;
-    std::unique_ptr<AEffEditor> editor;
-    base::Shared<float> sampleRate = 44100.0f; ///< Hz
+    std::unique_ptr<interfaces::AEffEditor> editor;
     std::int32_t blockSize = 1024;
     std::int32_t numPrograms;
     std::int32_t numParams;
-    base::Shared<std::int32_t> curProgram;
     vst2::AEffect cEffect = {};
 
   private:
@@ -121,4 +115,4 @@ class AudioEffect {
     std::atomic<int> holders_ = 1;
 };
 
-} // namespace plugin
+} // namespace vst2_door

@@ -2,9 +2,9 @@
 // effect overrides those that it has something to say to.
 #pragma once
 
-#include "plugin/audio_effect.h"
+#include "doors/vst2/audio_effect.h"
 
-namespace plugin {
+namespace vst2_door {
 
 class AudioEffectX : public AudioEffect {
   public:
@@ -34,18 +34,14 @@ class AudioEffectX : public AudioEffect {
     virtual std::int32_t canDo(const char*) { return 0; }
     virtual std::int32_t getVstVersion() { return vst2::kVstVersion; }
 
-    /// The person takes hold of a parameter; the host is told.
-    bool beginEdit(std::int32_t id) { return callHost(vst2::audioMasterBeginEdit, id) != 0; }
-    /// And lets it go.
-    bool endEdit(std::int32_t id) { return callHost(vst2::audioMasterEndEdit, id) != 0; }
+    bool beginEdit(std::int32_t id) override { return callHost(vst2::audioMasterBeginEdit, id) != 0; }
+    bool endEdit(std::int32_t id) override { return callHost(vst2::audioMasterEndEdit, id) != 0; }
     /// Has the host read names and values again.
-    bool updateDisplay() { return callHost(vst2::audioMasterUpdateDisplay) != 0; }
-    /// Asks the host for another size of the window, in pixels.
-    bool sizeWindow(std::int32_t width, std::int32_t height) {
+    virtual bool updateDisplay() { return callHost(vst2::audioMasterUpdateDisplay) != 0; }
+    bool sizeWindow(std::int32_t width, std::int32_t height) override {
         return callHost(vst2::audioMasterSizeWindow, width, height) != 0;
     }
-    /// Whether the host says yes to a capability.
-    bool canHostDo(const char* what) {
+    bool canHostDo(const char* what) override {
         return callHost(vst2::audioMasterCanDo, 0, 0, const_cast<char*>(what)) != 0;
     }
 
@@ -54,4 +50,4 @@ class AudioEffectX : public AudioEffect {
                           float modifier);
 };
 
-} // namespace plugin
+} // namespace vst2_door

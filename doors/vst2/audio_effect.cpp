@@ -1,9 +1,11 @@
-#include "plugin/audio_effect.h"
+#include "doors/vst2/audio_effect.h"
 
 #include "base/number_text.h"
 
-namespace plugin {
+namespace vst2_door {
 
+using interfaces::AEffEditor;
+using interfaces::EditorRect;
 using namespace vst2;
 
 namespace {
@@ -11,6 +13,12 @@ namespace {
 AudioEffect* effectOf(AEffect* record) {
     return static_cast<AudioEffect*>(record->object);
 }
+
+// A host reads the editor's own record of its place, as it is at any time.
+static_assert(sizeof(EditorRect) == sizeof(ERect) && offsetof(EditorRect, top) == offsetof(ERect, top) &&
+              offsetof(EditorRect, left) == offsetof(ERect, left) &&
+              offsetof(EditorRect, bottom) == offsetof(ERect, bottom) &&
+              offsetof(EditorRect, right) == offsetof(ERect, right));
 
 /// What `call` gives, or `otherwise` where it throws, as it may when memory runs out: a host is written in
 /// anybody's language and knows nothing of our exceptions. Audio goes past it, since it throws nothing.
@@ -89,7 +97,7 @@ std::intptr_t AudioEffect::dispatcher(std::int32_t opcode, std::int32_t index, s
         value == 0 ? suspend() : resume();
         break;
     case effEditGetRect:
-        return editor && editor->getRect(static_cast<ERect**>(ptr));
+        return editor && editor->getRect(static_cast<EditorRect**>(ptr));
     case effEditOpen:
         return editor && editor->open(ptr);
     case effEditClose:
@@ -228,4 +236,4 @@ float AudioEffect::getParameterClass(AEffect* effect, std::int32_t index) {
     return orElse(0.0f, [&] { return effectOf(effect)->getParameter(index); });
 }
 
-} // namespace plugin
+} // namespace vst2_door

@@ -1,8 +1,8 @@
-#include "plugin/audio_effect_x.h"
+#include "doors/vst2/audio_effect_x.h"
 
 #include "base/truncation.h"
 
-namespace plugin {
+namespace vst2_door {
 
 using namespace vst2;
 
@@ -64,9 +64,9 @@ std::intptr_t AudioEffectX::editKey(std::int32_t opcode, std::int32_t character,
                                     float modifier) {
     if (!editor)
         return 0;
-    VstKeyCode key = {character, static_cast<unsigned char>(virtualKey),
-                      static_cast<unsigned char>(base::trunc(modifier))};
+    interfaces::KeyCode key = {character, static_cast<std::uint8_t>(virtualKey),
+                               static_cast<std::uint8_t>(base::trunc(modifier))};
     return opcode == effEditKeyDown ? editor->onKeyDown(key) : editor->onKeyUp(key);
 }
 
-} // namespace plugin
+} // namespace vst2_door

@@ -1,0 +1,11 @@
+// What the product is called, wherever a system or a host asks.
+#pragma once
+
+#include <string_view>
+
+namespace base {
+
+inline constexpr std::string_view kVendorName = "Quillon Software";
+inline constexpr std::string_view kProductName = "Quillon Multitap Delay";
+
+} // namespace base
