@@ -13,7 +13,7 @@ CommandLine::CommandLine(int count, const char* const* words) : pointers_(words,
     if (!wideWords)
         return;
     for (int i = 0; i < wideCount; ++i)
-        words_.push_back(utf8(wideWords[i]));
+        words_.push_back(platform::utf8(wideWords[i]));
     LocalFree(wideWords);
     pointers_.clear();
     for (const std::string& word : words_)

@@ -91,7 +91,7 @@ HostWindow::System::System(const std::string& title, int width, int height)
     : width_(asLength(width)), height_(asLength(height)) {
     registerClass();
     const SIZE outer = outerSize(width_, height_);
-    window_ = CreateWindowExW(0, className, wide(title).c_str(), style, CW_USEDEFAULT, CW_USEDEFAULT,
+    window_ = CreateWindowExW(0, className, platform::wide(title).c_str(), style, CW_USEDEFAULT, CW_USEDEFAULT,
                               outer.cx, outer.cy, nullptr, nullptr, platform::moduleHandle(), nullptr);
     if (!window_)
         throw std::runtime_error("there is no display to open a window on");

@@ -28,7 +28,7 @@ std::optional<std::string> textOf(HWND window) {
                              SMTO_ABORTIFHUNG, answerMilliseconds, &length))
         return std::nullopt;
     text.resize(length);
-    return utf8(text);
+    return platform::utf8(text);
 }
 
 /// Windows of this process in the class of dialogs that are to be seen.

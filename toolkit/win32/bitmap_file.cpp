@@ -102,14 +102,14 @@ std::optional<std::string> findPicture(const std::string& folder, const std::str
     std::wstring path = wideFromSystem(folder);
     if (!path.empty() && path.back() != L'/' && path.back() != L'\\')
         path += L'\\';
-    path += isUtf8(name) ? wide(name) : wideFromSystem(name);
+    path += isUtf8(name) ? platform::wide(name) : wideFromSystem(name);
     std::replace(path.begin(), path.end(), L'/', L'\\');
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ? std::optional(utf8(path))
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES ? std::optional(platform::utf8(path))
                                                                        : std::nullopt;
 }
 
 std::optional<FileBytes> readUpTo(const std::string& path, std::uint64_t limit) {
-    const File file(wide(path));
+    const File file(platform::wide(path));
     const auto size = file.size();
     if (!size || *size > limit)
         return std::nullopt;
