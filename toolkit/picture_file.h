@@ -1,7 +1,7 @@
 // What is read of a picture's file before a decoder sees it: whether it is one that we take, how large it
 // says it is, and whether all of it is there. Decoders of different systems take different formats, make room
 // for a whole picture when they first look at it, and show what there is of a file that is cut off. Only the
-// platform room sees it.
+// toolkit room sees it.
 #pragma once
 
 #include "toolkit/toolkit.h"

@@ -4,7 +4,7 @@
 // What is good to know before writing a view on top of it:
 //
 // - An event ends up in a view's onMouseDown, onMouseMoved and onMouseUp, whose button state is here true to
-//   the hand on every system (see platform/toolkit_window.h). Control and a left click never get there on a
+//   the hand on every system (see toolkit/toolkit_window.h). Control and a left click never get there on a
 //   control that goes back to its default value by it.
 // - A mouse listener of a view is called by its container; do not call it again.
 // - COptionMenu: on X11 the menu is a view in the window, modal, and answers through a callback after popup()

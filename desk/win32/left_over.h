@@ -1,4 +1,4 @@
-// Which of a folder's entries an earlier process has left there. Only the platform room and its tests see it.
+// Which of a folder's entries an earlier process has left there. Only the desk room and its tests see it.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// Which module of the process this code lies in. Only the platform rooms see it.
+// Which module of the process this code lies in. For platform/, toolkit/ and desk/.
 #pragma once
 
 #include <windows.h>

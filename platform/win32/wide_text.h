@@ -1,4 +1,4 @@
-// Between this system's wide characters and ours. Only the platform rooms see it.
+// Between this system's wide characters and ours. For platform/, toolkit/ and desk/.
 #pragma once
 
 #include <string>

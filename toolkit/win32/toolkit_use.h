@@ -1,6 +1,6 @@
 // The toolkit's own objects (fonts, drawing, decoders of pictures), made with the first who needs them and
 // given back with the last: they belong to libraries that the system takes away together with COM. Only the
-// platform room sees it.
+// toolkit room sees it.
 #pragma once
 
 namespace toolkit {
