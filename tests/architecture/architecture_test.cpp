@@ -22,13 +22,22 @@ namespace files = std::filesystem;
 using namespace architecture;
 using test::ChildProcess;
 
+/// All files in a folder and the folders in it; none where there is no such folder.
+std::vector<files::path> filesIn(const files::path& folder) {
+    std::vector<files::path> found;
+    std::error_code missing;
+    for (const files::directory_entry& entry : files::recursive_directory_iterator(folder, missing))
+        if (entry.is_regular_file())
+            found.push_back(entry.path());
+    return found;
+}
+
 /// The headers that a room shows to others, as they are included.
 Names headersOf(const Target& room) {
     Names headers;
     const files::path view = files::path(QUILLON_VIEWS) / room.name;
-    for (const files::directory_entry& entry : files::recursive_directory_iterator(view))
-        if (entry.is_regular_file())
-            headers.insert(entry.path().lexically_relative(view).string());
+    for (const files::path& file : filesIn(view))
+        headers.insert(file.lexically_relative(view).string());
     return headers;
 }
 
@@ -142,16 +151,15 @@ std::vector<Include> includesOfRooms() {
     static const std::regex form("^\\s*#\\s*include\\s*\"([^\"]*)\"");
     std::vector<Include> includes;
     for (const Row& row : writtenPage().rooms)
-        for (const files::directory_entry& entry :
-             files::recursive_directory_iterator(files::path(QUILLON_SOURCE) / row.name)) {
-            const std::string ending = entry.path().extension().string();
+        for (const files::path& path : filesIn(files::path(QUILLON_SOURCE) / row.name)) {
+            const std::string ending = path.extension().string();
             if (ending != ".h" && ending != ".cpp" && ending != ".c" && ending != ".in")
                 continue;
-            std::ifstream source(entry.path());
+            std::ifstream source(path);
             std::smatch found;
             for (std::string line; std::getline(source, line);)
                 if (std::regex_search(line, found, form))
-                    includes.push_back({row.name, entry.path(), found[1]});
+                    includes.push_back({row.name, path, found[1]});
         }
     return includes;
 }
