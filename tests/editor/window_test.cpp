@@ -21,8 +21,8 @@
 #include <gtest/gtest.h>
 
 // Xlib defines words that the headers above use, so it comes last.
-#include "../platform/child_process.h"
-#include "../platform/virtual_screen.h"
+#include "child_process.h"
+#include "virtual_screen.h"
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 // Xlib defines words that the headers above use, so it comes last.
-#include "../platform/virtual_screen.h"
+#include "virtual_screen.h"
 
 namespace {
 

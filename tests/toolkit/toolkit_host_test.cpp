@@ -11,8 +11,8 @@
 #include <iterator>
 
 // Xlib defines words that the headers above use, so it comes last.
-#include "../platform/child_process.h"
-#include "../platform/virtual_screen.h"
+#include "child_process.h"
+#include "virtual_screen.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "platform/web_browser.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 #include "desk/private_folder.h"
 #include "platform/files.h"
 

@@ -2,7 +2,7 @@
 #include "desk/message_watch.h"
 #include "support/shown_editor.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>

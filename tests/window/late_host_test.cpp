@@ -1,12 +1,12 @@
 // A host that closes the effect while the process ends, with the window open.
 #include "support/plugin_folder.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <filesystem>
 
 // Xlib defines words that the headers above use, so it comes last.
-#include "../platform/virtual_screen.h"
+#include "virtual_screen.h"
 
 namespace {
 

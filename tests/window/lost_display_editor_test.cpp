@@ -1,7 +1,7 @@
 // The built library's editors when the X server goes and another one comes.
 #include "support/shown_editor.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <algorithm>
 #include <cstdlib>

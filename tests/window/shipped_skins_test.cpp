@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <X11/keysym.h>
 

@@ -11,7 +11,7 @@
 #include "desk/message_watch.h"
 #include "support/shown_editor.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <X11/keysym.h>
 #include <algorithm>

@@ -7,7 +7,7 @@
 // in an order that it does not have by itself.
 #include "support/shown_editor.h"
 
-#include "../platform/child_process.h"
+#include "child_process.h"
 
 #include <array>
 #include <atomic>

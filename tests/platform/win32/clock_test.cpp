@@ -1,6 +1,6 @@
 #include "platform/clock.h"
 
-#include "../child_process.h"
+#include "child_process.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

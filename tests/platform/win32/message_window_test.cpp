@@ -2,7 +2,7 @@
 
 #include "platform/message_box.h"
 
-#include "../child_process.h"
+#include "child_process.h"
 #include "shown_box.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "desk/own_output.h"
 
-#include "../child_process.h"
+#include "child_process.h"
 
 #include <gtest/gtest.h>
 

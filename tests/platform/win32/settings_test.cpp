@@ -1,6 +1,6 @@
 #include "platform/settings.h"
 
-#include "../child_process.h"
+#include "child_process.h"
 #include "registry_key.h"
 
 #include <gtest/gtest.h>

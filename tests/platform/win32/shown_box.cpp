@@ -1,6 +1,6 @@
 #include "shown_box.h"
 
-#include "../child_process.h"
+#include "child_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "shown_editor.h"
 
-#include "../../platform/child_process.h"
+#include "child_process.h"
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>

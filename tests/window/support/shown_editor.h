@@ -12,7 +12,7 @@
 #include <vector>
 
 // Xlib defines words that the headers above use, so it comes last.
-#include "../../platform/virtual_screen.h"
+#include "virtual_screen.h"
 
 namespace test {
 

@@ -1,6 +1,6 @@
 // A process is known here by its handle, which takes the place of its number.
 
-#include "../child_process.h"
+#include "child_process.h"
 
 #include <array>
 #include <cstdint>
