@@ -10,7 +10,7 @@
 #include "controls/note_display.h"
 #include "controls/view_taps.h"
 
-#include "recorded_toolkit.h"
+#include "../controls/recorded_toolkit.h"
 
 #include <gtest/gtest.h>
 #include <limits>
