@@ -1,6 +1,6 @@
 #include "platform/folders.h"
 
-#include "../platform/folders_fixture.h"
+#include "../folders_fixture.h"
 
 #include <algorithm>
 #include <dirent.h>
