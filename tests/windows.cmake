@@ -4,6 +4,7 @@
 add_subdirectory(vst2)
 add_subdirectory(module)
 add_subdirectory(platform/win32)
+add_subdirectory(desk/win32)
 add_subdirectory(base)
 add_subdirectory(parameters)
 add_subdirectory(reference)

@@ -68,7 +68,7 @@ TEST(ModuleHandle, DllMainAgreesToEverything) {
 TEST(LibraryLoader, FindsWhatALibraryNeedsBesideIt) {
     const PrivateFolder folder;
     files::create_directory("plug-ins");
-    files::copy_file(sample, "plug-ins\\platform_sample_library.dll");
+    files::copy_file(sample, "plug-ins\\desk_sample_library.dll");
     files::copy_file(dependent, "plug-ins\\dependent.dll");
     const SharedLibrary library("plug-ins\\dependent.dll");
     const auto folderOfSample = reinterpret_cast<const char* (*)()>(library.symbol("folderOfSample"));
