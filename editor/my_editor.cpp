@@ -1,15 +1,16 @@
 #include "editor/my_editor.h"
 
-#include "base/ascii.h"
 #include "base/truncation.h"
 #include "controls/midi_learn.h"
 #include "controls/view_taps.h"
 #include "parameters/parameter_table.h"
 #include "skin/object_reader.h"
+#include "skin/skin_table.h"
 
-#include <cstdio>
+#include <limits>
 #include <mutex>
 #include <new>
+#include <string>
 
 namespace editor {
 
@@ -29,12 +30,11 @@ std::int32_t shownMilliseconds(float length, float sampleRate, std::int32_t taps
     return limit == std::numeric_limits<std::int32_t>::min() ? limit : -limit;
 }
 
-/// Six digits as in FF8000. The display's colours have no opacity, whatever a skin says.
-VSTGUI::CColor clearColour(const char* text) {
-    unsigned value = 0;
-    std::sscanf(text, "%X", &value);
-    return {static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
-            static_cast<std::uint8_t>(value), 0};
+/// The display's colours have no opacity, whatever a skin says.
+VSTGUI::CColor clearColour(const std::string& text) {
+    VSTGUI::CColor colour = skin::colourOf(text.c_str()).value_or(VSTGUI::kBlackCColor);
+    colour.alpha = 0;
+    return colour;
 }
 
 } // namespace
@@ -135,19 +135,23 @@ void myEditor::showNotedChanges() {
 
 int myEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
     const int result = xmlGuiEditor::createControls(name, object, context);
-    if (result != skin::kUnknownKind)
+    const skin::KindRule* const kind = skin::kindNamed(name);
+    if (result != skin::kUnknownKind || !kind)
         return result;
-    if (base::equalIgnoringCase(name, "ViewTaps"))
-        return buildViewTaps(object, context);
-    if (base::equalIgnoringCase(name, "NoteDisplay"))
-        return buildNoteDisplay(object, context);
-    if (base::equalIgnoringCase(name, "PresetsDisplay"))
-        return readPresetsDisplay(object, context);
-    return skin::kUnknownKind;
+    ObjectReader tags(*kind, object, context);
+    switch (kind->kind) {
+    case skin::ObjectKind::viewTaps:
+        return buildViewTaps(tags);
+    case skin::ObjectKind::noteDisplay:
+        return buildNoteDisplay(tags);
+    case skin::ObjectKind::presetsDisplay:
+        return readPresetsDisplay(tags);
+    default:
+        return skin::kUnknownKind;
+    }
 }
 
-int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
-    ObjectReader tags("ViewTaps", object, context);
+int myEditor::buildViewTaps(ObjectReader& tags) {
     const VSTGUI::CRect place = tags.box();
     if (tags.isLost() || !frame)
         return skin::kPassedOver;
@@ -161,24 +165,23 @@ int myEditor::buildViewTaps(const SkinObject* object, SkinContext* context) {
     return skin::kDone;
 }
 
-int myEditor::buildNoteDisplay(const SkinObject* object, SkinContext* context) {
-    ObjectReader tags("NoteDisplay", object, context);
+int myEditor::buildNoteDisplay(ObjectReader& tags) {
     const VSTGUI::CRect place = tags.box();
     const std::int32_t id = tags.integer("id");
     const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
     if (tags.isLost() || !frame)
         return skin::kPassedOver;
     const auto display = VSTGUI::makeOwned<controls::CNoteDisplay>(place, this, id, &note, &noteMode);
-    display->setBackColor(clearColour(backColour.c_str()));
-    display->setFontColor(clearColour(fontColour.c_str()));
+    display->setBackColor(clearColour(backColour));
+    display->setFontColor(clearColour(fontColour));
     addControl(display);
     noteDisplay = display;
     return skin::kDone;
 }
 
 /// Makes nothing. A skin may hold one, and its faults are told under the name of its sister.
-int myEditor::readPresetsDisplay(const SkinObject* object, SkinContext* context) {
-    ObjectReader tags("NoteDisplay", object, context);
+int myEditor::readPresetsDisplay(ObjectReader& tags) {
+    tags.callIt("NoteDisplay");
     tags.box();
     tags.text("fontcolor");
     return tags.isLost() ? skin::kPassedOver : skin::kDone;

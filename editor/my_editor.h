@@ -57,9 +57,9 @@ class myEditor : public skin::xmlGuiEditor, public interfaces::EffectWindow {
         std::array<base::Shared<float>, parameters::kMaxTaps> gain;
     };
 
-    int buildViewTaps(const skin::SkinObject* object, skin::SkinContext* context);
-    int buildNoteDisplay(const skin::SkinObject* object, skin::SkinContext* context);
-    int readPresetsDisplay(const skin::SkinObject* object, skin::SkinContext* context);
+    int buildViewTaps(ObjectReader& tags);
+    int buildNoteDisplay(ObjectReader& tags);
+    int readPresetsDisplay(ObjectReader& tags);
     bool hasOverlays();
     void layOverlays();
     void showPattern();

@@ -1,6 +1,6 @@
-// The grammar of the skin language: which tags each kind of object has, in which order they are read, and
-// which control comes of it. Objects are taken one by one; every control goes straight into the frame, above
-// those before it.
+// Which control comes of each kind of object, and in which order its tags are read; which tags it has stands
+// in skin_table.cpp. Objects are taken one by one; every control goes straight into the frame, above those
+// before it.
 #include "skin/xml_gui_editor.h"
 
 #include "base/ascii.h"
@@ -11,6 +11,7 @@
 #include "skin/object_reader.h"
 #include "skin/skin_menu.h"
 #include "skin/skin_slider.h"
+#include "skin/skin_table.h"
 
 #include "vstgui/lib/controls/cbuttons.h"
 #include "vstgui/lib/controls/cknob.h"
@@ -18,7 +19,6 @@
 #include "vstgui/lib/controls/cswitch.h"
 #include "vstgui/lib/controls/cvumeter.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -37,9 +37,6 @@ using VSTGUI::CRect;
 
 namespace {
 
-/// Room for one line of constants, its NUL included.
-constexpr std::size_t kLineSize = 256;
-
 constexpr char kSkinError[] = "Skin Error";
 constexpr char kButtonPictureMissing[] = "ZKSKIN: Bitmap not found";
 
@@ -47,23 +44,6 @@ void showTagError(const char* format, const char* tag, const char* object) {
     char text[256];
     std::snprintf(text, sizeof text, format, tag, object);
     platform::showMessage(text, kSkinError, {.icon = platform::MessageIcon::error});
-}
-
-/// What stands between two constants.
-constexpr bool isSeparator(char byte) {
-    return byte == '\n' || byte == '\r' || byte == ',';
-}
-
-constexpr bool isSeparatorOrBlank(char byte) {
-    return isSeparator(byte) || byte == '\t' || byte == ' ';
-}
-
-/// Reads six digits as in FF8000; without any, the colour stays as it is.
-void readColour(const char* text, VSTGUI::CColor& colour) {
-    unsigned value = 0;
-    if (std::sscanf(text, "%X", &value) == 1)
-        colour = VSTGUI::CColor(static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
-                                static_cast<std::uint8_t>(value), 255);
 }
 
 /// A folder's name as the menu of skins shows it.
@@ -119,10 +99,8 @@ void xmlGuiEditor::skinReadFont(VSTGUI::CParamDisplay* control, const char* obje
         control->setBackOffset(control->getViewSize().getTopLeft());
     }
     const auto withColour = [&](const char* tag, VSTGUI::CColor colour, auto setColour) {
-        if (const SkinTag* const found = findTag(*object, tag)) {
-            readColour(found->value, colour);
-            (control->*setColour)(colour);
-        }
+        if (const SkinTag* const found = findTag(*object, tag))
+            (control->*setColour)(colourOf(found->value).value_or(colour));
     };
     using Text = VSTGUI::CParamDisplay;
     withColour("fontcolor", control->getFontColor(), &Text::setFontColor);
@@ -140,38 +118,54 @@ void xmlGuiEditor::skinReadDefault(const char* objectName, const SkinObject* obj
 
 // Kinds
 
-const xmlGuiEditor::Kind* xmlGuiEditor::kindOf(const char* name) {
-    using Editor = xmlGuiEditor;
-    static constexpr Kind kinds[] = {
-        {"CONSTANTS", &Editor::buildConstants},
-        {"background", &Editor::buildBackground},
-        {"update", &Editor::buildUpdate},
-        {"slider", &Editor::buildSlider},
-        {"knob", &Editor::buildKnob},
-        {"onoff", &Editor::buildOnOff},
-        {"autodisp", &Editor::buildAutoDisplay},
-        {"display", &Editor::buildDisplay},
-        {"anydisp", &Editor::buildAnyDisplay},
-        {"optionmenu", &Editor::buildOptionMenu},
-        {"skinselector", &Editor::buildSkinSelector},
-        {"vswitch", &Editor::buildSwitch<VSTGUI::CVerticalSwitch>},
-        {"hswitch", &Editor::buildSwitch<VSTGUI::CHorizontalSwitch>},
-        {"kick", &Editor::buildKick},
-        {"about", &Editor::buildAbout},
-        {"vumeter", &Editor::buildVuMeter},
-    };
-    for (const Kind& known : kinds)
-        if (base::equalIgnoringCase(name, known.name))
-            return &known;
-    return nullptr;
-}
-
 int xmlGuiEditor::createControls(const char* name, SkinObject* object, SkinContext* context) {
-    const Kind* const kind = kindOf(name);
+    const KindRule* const kind = kindNamed(name);
     if (!kind)
         return kUnknownKind;
-    ObjectReader reader(kind->name, object, context);
-    return (this->*kind->build)(reader);
+    ObjectReader reader(*kind, object, context);
+    return build(reader);
+}
+
+int xmlGuiEditor::build(ObjectReader& object) {
+    switch (object.kind().kind) {
+    case ObjectKind::constants:
+        return buildConstants(object);
+    case ObjectKind::background:
+        return buildBackground(object);
+    case ObjectKind::update:
+        return buildUpdate(object);
+    case ObjectKind::slider:
+        return buildSlider(object);
+    case ObjectKind::knob:
+        return buildKnob(object);
+    case ObjectKind::onOff:
+        return buildOnOff(object);
+    case ObjectKind::autoDisplay:
+        return buildAutoDisplay(object);
+    case ObjectKind::display:
+        return buildDisplay(object);
+    case ObjectKind::anyDisplay:
+        return buildAnyDisplay(object);
+    case ObjectKind::optionMenu:
+        return buildOptionMenu(object);
+    case ObjectKind::skinSelector:
+        return buildSkinSelector(object);
+    case ObjectKind::verticalSwitch:
+        return buildSwitch<VSTGUI::CVerticalSwitch>(object);
+    case ObjectKind::horizontalSwitch:
+        return buildSwitch<VSTGUI::CHorizontalSwitch>(object);
+    case ObjectKind::kick:
+        return buildKick(object);
+    case ObjectKind::about:
+        return buildAbout(object);
+    case ObjectKind::vuMeter:
+        return buildVuMeter(object);
+    case ObjectKind::viewTaps:
+    case ObjectKind::noteDisplay:
+    case ObjectKind::presetsDisplay:
+        break;
+    }
+    return kUnknownKind;
 }
 
 void xmlGuiEditor::addControl(const VSTGUI::SharedPointer<CControl>& control) {
@@ -194,7 +188,7 @@ void xmlGuiEditor::bindValue(CControl* control, std::int32_t id) {
 int xmlGuiEditor::buildConstants(ObjectReader& object) {
     double last = 0.0;
     const auto define = [&](const std::string& line) {
-        if (line.size() >= kLineSize)
+        if (line.size() > kMostConstantBytes)
             std::abort();
         const bool isBareName = line.find('=') == std::string::npos;
         const std::string assignment = isBareName ? line + " = " + std::to_string(trunc(last + 1.0)) : line;
@@ -202,14 +196,9 @@ int xmlGuiEditor::buildConstants(ObjectReader& object) {
         if (!exprEvaluate(&object.context()->constants, assignment.c_str(), &position, &last))
             platform::showMessage("Expression parser error", line.c_str());
     };
-    std::string_view rest = object.object()->text ? object.object()->text : "";
-    while (!rest.empty()) {
-        const auto end = std::ranges::find_if(rest, isSeparator);
-        const std::string line(rest.begin(), end);
-        if (!line.empty())
-            define(line);
-        rest = std::string_view(std::find_if_not(end, rest.end(), isSeparatorOrBlank), rest.end());
-    }
+    const char* const text = object.object()->text;
+    for (const std::string_view line : constantsIn(text ? text : ""))
+        define(std::string(line));
     return kDone;
 }
 
@@ -260,7 +249,7 @@ int xmlGuiEditor::buildSlider(ObjectReader& object) {
                                                       CPoint(trunc(xOffset), trunc(yOffset)), fullStyle);
     addControl(slider);
     bindValue(slider, id);
-    skinReadDefault("slider", object.object(), slider, object.context());
+    skinReadDefault(object.kind().name, object.object(), slider, object.context());
     return kDone;
 }
 
@@ -270,7 +259,7 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
     const bool isFilm = object.flag("stackbmp").value_or(false);
     const double xOffset = object.number("xoff", place.left), yOffset = object.number("yoff", place.top);
     CBitmap* const ground = object.picture("bitmap_bk", background);
-    CBitmap* const handle = object.picture("bitmap_handle", static_cast<CBitmap*>(nullptr));
+    CBitmap* const handle = object.picture("bitmap_handle");
     if (!object.isLost() && handle && !ground)
         object.lose(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
     const std::optional<bool> isTransparent = object.flag("transparent");
@@ -291,32 +280,32 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
         knob->setTransparency(*isTransparent);
     addControl(knob);
     bindValue(knob, id);
-    skinReadDefault("knob", object.object(), knob, object.context());
+    skinReadDefault(object.kind().name, object.object(), knob, object.context());
     return kDone;
 }
 
 int xmlGuiEditor::buildOnOff(ObjectReader& object) {
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
-    CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
+    CBitmap* const states = object.picture("bitmap_handle", nullptr, kButtonPictureMissing);
     if (object.isLost() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
     const auto button = VSTGUI::makeOwned<VSTGUI::COnOffButton>(place, this, id, states, 0);
     addControl(button);
     bindValue(button, id);
-    skinReadDefault("onoff", object.object(), button, object.context());
+    skinReadDefault(object.kind().name, object.object(), button, object.context());
     return kDone;
 }
 
 int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     const CRect place = object.box();
-    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
+    const std::int32_t id = object.integer("id"), style = object.integer("style");
     const std::int32_t link = object.integer("link");
     if (!object.isLost() && link > numParams())
         object.lose("Error attempting to link a display to an invalid parameter id", kSkinError,
                     platform::MessageIcon::error);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    CBitmap* const ground = object.picture("bitmap_bk");
     if (object.isLost() || !frame)
         return kPassedOver;
     const auto display =
@@ -343,8 +332,8 @@ int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
 }
 
 controls::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& place, std::int32_t tag) {
-    const std::int32_t style = object.integer("style", 0);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
+    const std::int32_t style = object.integer("style");
+    CBitmap* const ground = object.picture("bitmap_bk");
     if (object.isLost() || !frame)
         return nullptr;
     const auto display = VSTGUI::makeOwned<controls::CDisplay>(place, ground, style);
@@ -356,9 +345,9 @@ controls::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& p
 
 int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
     const CRect place = object.box();
-    const std::int32_t id = object.integer("id"), style = object.integer("style", 0);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
-    CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
+    const std::int32_t id = object.integer("id"), style = object.integer("style");
+    CBitmap* const ground = object.picture("bitmap_bk");
+    CBitmap* const activeGround = object.picture("bitmap_bk_active");
     if (object.isLost() || !frame)
         return kPassedOver;
     const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, id, ground, activeGround, style);
@@ -393,9 +382,9 @@ void xmlGuiEditor::fillOptionMenu(COptionMenu* menu, std::int32_t) {
 
 int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
     const CRect place = object.box();
-    const std::int32_t style = object.integer("style", 0);
-    CBitmap* const ground = object.picture("bitmap_bk", static_cast<CBitmap*>(nullptr));
-    CBitmap* const activeGround = object.picture("bitmap_bk_active", static_cast<CBitmap*>(nullptr));
+    const std::int32_t style = object.integer("style");
+    CBitmap* const ground = object.picture("bitmap_bk");
+    CBitmap* const activeGround = object.picture("bitmap_bk_active");
     if (object.isLost() || !frame)
         return kPassedOver;
     const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, kSkinSelectorTag, ground, activeGround, style);
@@ -409,8 +398,6 @@ int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
 
 template <class Switch>
 int xmlGuiEditor::buildSwitch(ObjectReader& object) {
-    constexpr bool isVertical = std::is_same_v<Switch, VSTGUI::CVerticalSwitch>;
-    const char* const kind = isVertical ? "vswitch" : "hswitch";
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
     const double entries = object.number("entries");
@@ -427,14 +414,14 @@ int xmlGuiEditor::buildSwitch(ObjectReader& object) {
     const auto control = VSTGUI::makeOwned<Switch>(place, this, id, count, imageHeight, count, images);
     addControl(control);
     bindValue(control, id);
-    skinReadDefault(kind, object.object(), control, object.context());
+    skinReadDefault(object.kind().name, object.object(), control, object.context());
     return kDone;
 }
 
 int xmlGuiEditor::buildKick(ObjectReader& object) {
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
-    CBitmap* const states = object.picture("bitmap_handle", kButtonPictureMissing);
+    CBitmap* const states = object.picture("bitmap_handle", nullptr, kButtonPictureMissing);
     const std::optional<bool> isTransparent = object.flag("transparent");
     if (object.isLost() || !frame)
         return kPassedOver;
@@ -448,7 +435,7 @@ int xmlGuiEditor::buildKick(ObjectReader& object) {
 
 int xmlGuiEditor::buildAbout(ObjectReader& object) {
     const CRect area = object.box();
-    CBitmap* const picture = object.picture("bitmap_pop", kButtonPictureMissing);
+    CBitmap* const picture = object.picture("bitmap_pop", nullptr, kButtonPictureMissing);
     if (object.isLost() || !frame || !background)
         return kPassedOver;
     const std::int32_t width = trunc(picture->getWidth()), height = trunc(picture->getHeight());

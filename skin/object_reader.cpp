@@ -2,26 +2,26 @@
 
 #include "base/truncation.h"
 
+#include <cstdio>
+
 namespace skin {
 
 using base::trunc;
 using VSTGUI::CBitmap;
 
-double xmlGuiEditor::ObjectReader::number(const char* tag) {
-    double value = 0.0;
-    if (!isLost_)
-        isLost_ = skinReadTag(kind_, tag, object_, true, false, &value, context_) != 1;
-    return value;
+bool xmlGuiEditor::ObjectReader::isRequired(const char* tag) const {
+    const TagRule* const rule = tagNamed(kind_, tag);
+    return rule && rule->isRequired;
 }
 
 double xmlGuiEditor::ObjectReader::number(const char* tag, double fallback) {
+    if (isLost_)
+        return fallback;
     double value = fallback;
-    const bool isGood = !isLost_ && skinReadTag(kind_, tag, object_, true, true, &value, context_) == 1;
+    const bool isNeeded = isRequired(tag);
+    const bool isGood = skinReadTag(name_, tag, object_, true, !isNeeded, &value, context_) == 1;
+    isLost_ = isNeeded && !isGood;
     return isGood ? value : fallback;
-}
-
-std::int32_t xmlGuiEditor::ObjectReader::integer(const char* tag) {
-    return trunc(number(tag));
 }
 
 std::int32_t xmlGuiEditor::ObjectReader::integer(const char* tag, std::int32_t fallback) {
@@ -36,28 +36,23 @@ VSTGUI::CRect xmlGuiEditor::ObjectReader::box() {
 std::string xmlGuiEditor::ObjectReader::text(const char* tag) {
     char value[kTagValueSize] = "";
     if (!isLost_)
-        isLost_ = skinReadTag(kind_, tag, object_, false, false, value, context_) != 1;
+        isLost_ = skinReadTag(name_, tag, object_, false, !isRequired(tag), value, context_) == 0;
     return value;
 }
 
 std::optional<bool> xmlGuiEditor::ObjectReader::flag(const char* tag) {
     const SkinTag* const found = isLost_ ? nullptr : findTag(*object_, tag);
-    if (!found)
-        return std::nullopt;
-    const char first = found->value[0];
-    return first == 'y' || first == 'Y' || first == '1';
+    return found ? std::optional(isYes(found->value)) : std::nullopt;
 }
 
-CBitmap* xmlGuiEditor::ObjectReader::picture(const char* tag, const char* caption) {
+CBitmap* xmlGuiEditor::ObjectReader::picture(const char* tag, CBitmap* fallback, const char* caption) {
+    if (isLost_ || (!isRequired(tag) && !has(tag)))
+        return fallback;
     const std::string name = text(tag);
     CBitmap* const bitmap = isLost_ ? nullptr : skinGetBitmap(context_, name.c_str());
     if (!isLost_ && !bitmap)
         lose(name, caption);
     return bitmap;
-}
-
-CBitmap* xmlGuiEditor::ObjectReader::picture(const char* tag, CBitmap* fallback) {
-    return !isLost_ && has(tag) ? picture(tag) : fallback;
 }
 
 void xmlGuiEditor::ObjectReader::lose(const std::string& text, const char* caption,
@@ -69,6 +64,14 @@ void xmlGuiEditor::ObjectReader::lose(const std::string& text, const char* capti
 VSTGUI::CRect placeOf(double x, double y, double width, double height) {
     return {static_cast<double>(trunc(x)), static_cast<double>(trunc(y)),
             static_cast<double>(trunc(x + width)), static_cast<double>(trunc(y + height))};
+}
+
+std::optional<VSTGUI::CColor> colourOf(const char* text) {
+    unsigned value = 0;
+    if (std::sscanf(text, "%X", &value) != 1)
+        return std::nullopt;
+    return VSTGUI::CColor(static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
+                          static_cast<std::uint8_t>(value), 255);
 }
 
 } // namespace skin

@@ -1,13 +1,16 @@
 // Reads the tags of one object in the order in which the builder asks for them. That order is part of the
-// language: a tag may define a constant that a later one uses.
+// language: a tag may define a constant that a later one uses. Which tags must be there is told by the table
+// of the language.
 #pragma once
 
 #include "platform/message_box.h"
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
+#include "skin/skin_table.h"
 #include "skin/xml_gui_editor.h"
 
 #include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/ccolor.h"
 #include "vstgui/lib/crect.h"
 
 #include <cstdint>
@@ -20,35 +23,31 @@ namespace skin {
 /// more is read, and what is asked for is 0 or empty.
 class xmlGuiEditor::ObjectReader {
   public:
-    /// `kind` names the object in messages.
-    ObjectReader(const char* kind, const SkinObject* object, SkinContext* context)
-        : kind_(kind), object_(object), context_(context) {}
+    ObjectReader(const KindRule& kind, const SkinObject* object, SkinContext* context)
+        : kind_(kind), name_(kind.name), object_(object), context_(context) {}
 
     bool isLost() const { return isLost_; }
+    const KindRule& kind() const { return kind_; }
     const SkinObject* object() const { return object_; }
     SkinContext* context() const { return context_; }
     /// Names the object differently in the messages from here on.
-    void callIt(const char* kind) { kind_ = kind; }
+    void callIt(const char* name) { name_ = name; }
 
-    /// A number that must be there.
-    double number(const char* tag);
-    /// A number that may be missing or faulty.
-    double number(const char* tag, double fallback);
+    /// A number; `fallback` if it may be missing and is missing or faulty.
+    double number(const char* tag, double fallback = 0.0);
     /// The same, cut to an integer.
-    std::int32_t integer(const char* tag);
-    std::int32_t integer(const char* tag, std::int32_t fallback);
-    /// The place that "x", "y", "w" and "h" tell, which must be there.
+    std::int32_t integer(const char* tag, std::int32_t fallback = 0);
+    /// The place that "x", "y", "w" and "h" tell.
     VSTGUI::CRect box();
-    /// A text that must be there.
+    /// A text; empty if it may be missing and is.
     std::string text(const char* tag);
     /// A yes or no that may be missing.
     std::optional<bool> flag(const char* tag);
 
-    /// The picture that a tag must name. Without memory for it, the object is lost with a box titled
-    /// `caption`.
-    VSTGUI::CBitmap* picture(const char* tag, const char* caption = "Bitmap not found");
-    /// The picture that a tag may name.
-    VSTGUI::CBitmap* picture(const char* tag, VSTGUI::CBitmap* fallback);
+    /// The picture that a tag names; `fallback` if it may be missing and is. Without memory for it, the
+    /// object is lost with a box titled `caption`.
+    VSTGUI::CBitmap* picture(const char* tag, VSTGUI::CBitmap* fallback = nullptr,
+                             const char* caption = "Bitmap not found");
     bool has(const char* tag) const { return findTag(*object_, tag) != nullptr; }
 
     /// The object is lost for a reason of the builder's.
@@ -56,7 +55,10 @@ class xmlGuiEditor::ObjectReader {
               platform::MessageIcon icon = platform::MessageIcon::none);
 
   private:
-    const char* kind_;
+    bool isRequired(const char* tag) const;
+
+    const KindRule& kind_;
+    const char* name_; ///< of the object in messages
     const SkinObject* object_;
     SkinContext* context_;
     bool isLost_ = false;
@@ -64,5 +66,8 @@ class xmlGuiEditor::ObjectReader {
 
 /// The place of a control. Each side is cut to a whole pixel after the addition.
 VSTGUI::CRect placeOf(double x, double y, double width, double height);
+
+/// Reads six digits as in FF8000 into an opaque colour; nothing if there are none.
+std::optional<VSTGUI::CColor> colourOf(const char* text);
 
 } // namespace skin

@@ -184,11 +184,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     void selectSkin(VSTGUI::CControl& control);
     void tellOfChosenSkin();
 
-    struct Kind {
-        const char* name;
-        int (xmlGuiEditor::*build)(ObjectReader& object);
-    };
-    static const Kind* kindOf(const char* name);
+    int build(ObjectReader& object);
     void bindValue(VSTGUI::CControl* control, std::int32_t id);
     void addEntries(VSTGUI::COptionMenu* menu, const SkinObject& object, std::int32_t id);
     int buildConstants(ObjectReader& object);

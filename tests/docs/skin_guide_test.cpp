@@ -3,24 +3,26 @@
 #include "guide_text.h"
 
 #include "parameters/parameter_table.h"
+#include "skin/skin_table.h"
 #include "skin_language/expression.h"
 #include "support/scratch_folder.h"
 #include "support/tool_run.h"
-#include "tools/skin_check/skin_rules.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
 namespace files = std::filesystem;
-using tools::window::KindRule;
-using tools::window::TagRule;
-using tools::window::TagType;
+using skin::KindRule;
+using skin::TagRule;
+using skin::TagType;
 
 const files::path docs = files::path(QUILLON_SOURCE) / "docs";
 const files::path firstSkin = docs / "examples" / "First Skin";
@@ -80,8 +82,8 @@ std::string wordFor(TagType type) {
     return words.at(type);
 }
 
-/// Tag, type and whether it is needed, as one text for each tag.
-using TagLines = std::set<std::string>;
+/// Tag, type and whether it is needed, as one text for each tag, in the order in which they are read.
+using TagLines = std::vector<std::string>;
 
 TagLines tagsInGuide(const std::string& kind) {
     TagLines lines;
@@ -89,9 +91,9 @@ TagLines tagsInGuide(const std::string& kind) {
         if (row.size() != 3)
             continue;
         if (row[0].find("(#tags-of-text)") != std::string::npos)
-            lines.merge(tagsInGuide("Tags of text"));
+            std::ranges::copy(tagsInGuide("Tags of text"), std::back_inserter(lines));
         else if (row[0].starts_with('`'))
-            lines.insert(code(row[0]) + " " + row[1] + (row[2] == "needed" ? " needed" : ""));
+            lines.push_back(code(row[0]) + " " + row[1] + (row[2] == "needed" ? " needed" : ""));
     }
     return lines;
 }
@@ -99,7 +101,7 @@ TagLines tagsInGuide(const std::string& kind) {
 TagLines tagsOf(const KindRule& kind) {
     TagLines lines;
     for (const TagRule& tag : kind.tags)
-        lines.insert(std::string(tag.name) + " " + wordFor(tag.type) + (tag.isRequired ? " needed" : ""));
+        lines.push_back(std::string(tag.name) + " " + wordFor(tag.type) + (tag.isRequired ? " needed" : ""));
     return lines;
 }
 
@@ -133,7 +135,7 @@ TEST(SkinGuide, BeginsWithTheSkinThatLiesBesideIt) {
 }
 
 TEST(SkinGuide, TellsOfEveryKindWhichTagsItHasAndWhichItNeeds) {
-    for (const KindRule& kind : tools::window::skinKinds()) {
+    for (const KindRule& kind : skin::skinKinds()) {
         const std::string name(kind.name);
         EXPECT_EQ(sectionCalled(name).heading, name);
         EXPECT_EQ(tagsInGuide(name), tagsOf(kind)) << name;
@@ -144,7 +146,7 @@ TEST(SkinGuide, HasAnExampleForEveryKind) {
     std::string all;
     for (const CodeBlock& block : examples("xml"))
         all += block.text;
-    for (const KindRule& kind : tools::window::skinKinds())
+    for (const KindRule& kind : skin::skinKinds())
         EXPECT_NE(all.find(std::string("<").append(kind.name)), std::string::npos) << kind.name;
 }
 

@@ -10,10 +10,10 @@
 #include "platform/settings.h"
 #include "skin/skin_context.h"
 #include "skin/skin_object.h"
+#include "skin/skin_table.h"
 #include "toolkit/toolkit.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
-#include "tools/skin_check/skin_rules.h"
 
 #include "vstgui/lib/cbitmap.h"
 
@@ -148,10 +148,10 @@ class RecordingEditor final : public editor::myEditor {
     }
 
     void notePictures(const SourceElement& source, const skin::SkinContext& context) {
-        const KindRule* const kind = kindNamed(source.name);
+        const skin::KindRule* const kind = skin::kindNamed(source.name);
         for (const SourceAttribute& tag : source.attributes) {
-            const TagRule* const rule = kind ? tagNamed(*kind, tag.name) : nullptr;
-            const bool counts = rule && rule->type == TagType::picture && source.find(tag.name) == &tag;
+            const skin::TagRule* const rule = kind ? skin::tagNamed(*kind, tag.name) : nullptr;
+            const bool counts = rule && rule->type == skin::TagType::picture && source.find(tag.name) == &tag;
             if (counts && !tag.value.empty() && isEmpty(tag.value, context))
                 findings.push_back({tag.valuePlace, whyEmpty(tag.value, context)});
         }

@@ -1,71 +1,26 @@
 #include "tools/skin_check/skin_rules.h"
 
 #include "base/ascii.h"
+#include "skin/skin_object.h"
+#include "skin/skin_table.h"
 #include "tools/common/text.h"
 #include "tools/skin_check/expression_traps.h"
 
-#include <algorithm>
-#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace tools::window {
 
 namespace {
 
-using enum TagType;
-using Tags = std::vector<TagRule>;
+using skin::KindRule;
+using skin::ObjectKind;
+using skin::TagRule;
+using skin::TagType;
 
-/// Room for the value of a tag in the plug-in; what is longer is cut.
-constexpr std::size_t longestTagValue = 127;
-/// A line of constants that is longer ends the process.
-constexpr std::size_t longestConstant = 255;
-
-constexpr std::string_view constantsKind = "CONSTANTS";
-constexpr std::string_view backgroundKind = "background";
-constexpr std::string_view menuKind = "optionmenu";
-
-Tags all(std::initializer_list<Tags> groups) {
-    Tags tags;
-    for (const Tags& group : groups)
-        tags.insert(tags.end(), group.begin(), group.end());
-    return tags;
-}
-
-std::vector<KindRule> makeKinds() {
-    const Tags corner = {{"x"}, {"y"}}, box = {{"x"}, {"y"}, {"w"}, {"h"}};
-    const Tags id = {{"id"}}, style = {{"style", number, false}}, goBackTo = {{"default", number, false}};
-    const Tags offset = {{"xoff", number, false}, {"yoff", number, false}};
-    const Tags handle = {{"bitmap_handle", picture}}, ground = {{"bitmap_bk", picture, false}};
-    const Tags grounds = all({ground, {{"bitmap_bk_active", picture, false}}});
-    const Tags transparent = {{"transparent", flag, false}};
-    const Tags font = {{"font", number, false},       {"halign", number, false},
-                       {"txtface", number, false},    {"transparent", presence, false},
-                       {"fontcolor", colour, false},  {"backcolor", colour, false},
-                       {"framecolor", colour, false}, {"shadowcolor", colour, false}};
-    const Tags steps = all({corner, id, {{"entries"}}, handle, goBackTo});
-    const Tags film = {{"stackbmp", flag, false}, {"bitmap_handle", picture, false}};
-    const Tags lamps = {{"leds"}, {"style"}, {"bitmap_off", picture}, {"bitmap_on", picture}};
-    return {
-        {constantsKind, {}},
-        {backgroundKind, {{"filename", picture, false}}},
-        {"update", {{"src"}, {"dst"}}},
-        {"slider", all({corner, {{"len"}, {"style"}}, id, offset, ground, handle, goBackTo})},
-        {"knob", all({box, id, film, offset, ground, transparent, goBackTo})},
-        {"onoff", all({corner, id, handle, goBackTo})},
-        {"autodisp", all({box, id, style, {{"link"}}, ground, font})},
-        {"display", all({box, id, style, ground, font})},
-        {"anydisp", all({box, style, ground, font})},
-        {menuKind, all({box, id, style, grounds, font})},
-        {"skinselector", all({box, style, grounds, font})},
-        {"vswitch", steps},
-        {"hswitch", steps},
-        {"kick", all({corner, id, handle, transparent})},
-        {"about", all({box, {{"bitmap_pop", picture}}})},
-        {"vumeter", all({corner, id, lamps})},
-        {"ViewTaps", box},
-        {"NoteDisplay", all({box, id, {{"fontcolor", colour}, {"backcolor", colour}}})},
-        {"PresetsDisplay", all({box, {{"fontcolor", colour}}})},
-    };
-}
+/// What of a tag's value reaches the plug-in; the rest is cut.
+constexpr std::size_t mostValueBytes = skin::kTagValueSize - 1;
 
 std::string of(const SourceElement& element) {
     return " of <" + printable(element.name) + ">";
@@ -78,9 +33,13 @@ bool isColour(std::string_view value) {
     return value.size() == 6 && value.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
+bool isPlainNo(std::string_view value) {
+    return !value.empty() && std::string_view("nN0fF").find(value.front()) != std::string_view::npos;
+}
+
 /// What people write for yes and for no that is read the right way.
 bool isPlainFlag(std::string_view value) {
-    return !value.empty() && std::string_view("yY1nN0fF").find(value.front()) != std::string_view::npos;
+    return skin::isYes(value) || isPlainNo(value);
 }
 
 class Judge {
@@ -104,17 +63,17 @@ class Judge {
     }
 
     void judgeObject(const SourceElement& object) {
-        const KindRule* const kind = kindNamed(object.name);
+        const KindRule* const kind = skin::kindNamed(object.name);
         if (!kind)
             return; // the building shows it
         judgeTags(object, *kind);
-        if (kind->name == constantsKind)
+        if (kind->kind == ObjectKind::constants)
             judgeConstants(object);
         else
             judgeText(object);
-        if (kind->name == backgroundKind)
+        if (kind->kind == ObjectKind::background)
             judgeBackground(object);
-        else if (kind->name == menuKind)
+        else if (kind->kind == ObjectKind::optionMenu)
             return judgeMenu(object);
         for (const SourceElement& child : object.children)
             find(child.place, "only <optionmenu> has elements inside; this one is not read");
@@ -127,7 +86,7 @@ class Judge {
 
     void judgeTags(const SourceElement& object, const KindRule& kind) {
         for (const SourceAttribute& tag : object.attributes) {
-            const TagRule* const rule = tagNamed(kind, tag.name);
+            const TagRule* const rule = skin::tagNamed(kind, tag.name);
             if (object.find(tag.name) != &tag)
                 find(tag.place, inQuotes(tag.name) + of(object) + " is given again; the first one counts");
             else if (!rule)
@@ -139,19 +98,18 @@ class Judge {
 
     void judgeValue(const SourceElement& object, const SourceAttribute& tag, const TagRule& rule) {
         const std::string name = inQuotes(tag.name) + of(object);
-        if (tag.value.size() > longestTagValue)
-            find(tag.valuePlace, name + " is cut behind " + std::to_string(longestTagValue) + " characters");
-        if (rule.type == number)
-            judgeExpression(tag.value.substr(0, longestTagValue), tag.valuePlace, name);
-        else if (rule.type == colour && !isColour(tag.value))
+        if (tag.value.size() > mostValueBytes)
+            find(tag.valuePlace, name + " is cut behind " + std::to_string(mostValueBytes) + " characters");
+        if (rule.type == TagType::number)
+            judgeExpression(tag.value.substr(0, mostValueBytes), tag.valuePlace, name);
+        else if (rule.type == TagType::colour && !isColour(tag.value))
             find(tag.valuePlace,
                  name + " should be six digits for red, green and blue as in FF8000, without #");
-        else if (rule.type == flag && !isPlainFlag(tag.value))
+        else if (rule.type == TagType::flag && !isPlainFlag(tag.value))
             find(tag.valuePlace, name + " means no: a yes begins with y, Y or 1");
-        else if (rule.type == presence && !tag.value.empty() &&
-                 std::string_view("nN0fF").find(tag.value[0]) != std::string_view::npos)
+        else if (rule.type == TagType::presence && isPlainNo(tag.value))
             find(tag.valuePlace, name + " counts as yes whatever it says; leave the tag out for no");
-        else if (rule.type == picture && tag.value.empty())
+        else if (rule.type == TagType::picture && tag.value.empty())
             find(tag.valuePlace, name + " names no picture");
     }
 
@@ -163,16 +121,13 @@ class Judge {
     /// Line by line as the plug-in takes them.
     void judgeConstants(const SourceElement& object) {
         const std::string_view text = object.text;
-        constexpr std::string_view separators = "\n\r,";
-        for (std::size_t begin = 0; begin < text.size();) {
-            const std::size_t end = std::min(text.find_first_of(separators, begin), text.size());
-            const std::string_view line = text.substr(begin, end - begin);
+        for (const std::string_view line : skin::constantsIn(text)) {
+            const auto begin = static_cast<std::size_t>(line.data() - text.data());
             const Place place = placeWithin(text, begin, object.textPlace);
-            if (line.size() > longestConstant)
+            if (line.size() > skin::kMostConstantBytes)
                 find(place, "a constant of 256 characters or more ends the host", true);
             else
                 judgeConstant(line, place);
-            begin = std::min(text.find_first_not_of("\n\r, \t", end), text.size());
         }
     }
 
@@ -212,24 +167,6 @@ class Judge {
 };
 
 } // namespace
-
-std::span<const KindRule> skinKinds() {
-    static const std::vector<KindRule> kinds = makeKinds();
-    return kinds;
-}
-
-const KindRule* kindNamed(std::string_view name) {
-    const auto kinds = skinKinds();
-    const auto found = std::ranges::find_if(
-        kinds, [&](const KindRule& kind) { return base::equalIgnoringCase(kind.name, name); });
-    return found == kinds.end() ? nullptr : &*found;
-}
-
-const TagRule* tagNamed(const KindRule& kind, std::string_view name) {
-    const auto found = std::ranges::find_if(
-        kind.tags, [&](const TagRule& tag) { return base::equalIgnoringCase(tag.name, name); });
-    return found == kind.tags.end() ? nullptr : &*found;
-}
 
 std::vector<Finding> judgeSkin(const SourceElement& root) {
     return Judge().judge(root);

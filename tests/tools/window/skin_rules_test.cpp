@@ -1,23 +1,24 @@
 // What the words of a skin mean. The table of kinds and tags is held against the builder itself.
 
+#include "skin/skin_table.h"
 #include "tools/skin_check/recorded_build.h"
 #include "tools/skin_check/skin_check.h"
-#include "tools/skin_check/skin_rules.h"
 
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 
 namespace {
 
+using skin::KindRule;
+using skin::skinKinds;
+using skin::TagRule;
+using skin::TagType;
 using tools::window::checkSkinText;
 using tools::window::Finding;
-using tools::window::KindRule;
-using tools::window::skinKinds;
-using tools::window::TagRule;
-using tools::window::TagType;
 
 /// What is found in a skin with this object in it, one line each.
 std::string judged(const std::string& object) {
@@ -214,6 +215,38 @@ TEST_F(KindsAndTags, AreNumbersWhereTheBuilderCalculates) {
                 EXPECT_FALSE(isReportedAs(message, tag.name))
                     << kind.name << " " << tag.name << ": " << message;
         }
+}
+
+TEST_F(KindsAndTags, AreAllThatTheBuilderReads) {
+    std::set<std::string> numbers;
+    for (const KindRule& kind : skinKinds())
+        for (const TagRule& tag : kind.tags)
+            if (tag.type == TagType::number)
+                numbers.insert(tag.name);
+    for (const KindRule& kind : skinKinds()) {
+        std::string text = object(kind);
+        for (const std::string& tag : numbers)
+            if (!skin::tagNamed(kind, tag))
+                text.insert(text.size() - 2, " " + tag + "=\"1.2.3\"");
+        EXPECT_EQ(built(text), "") << kind.name;
+    }
+}
+
+TEST_F(KindsAndTags, StandInTheOrderInWhichTheBuilderReadsThem) {
+    for (const KindRule& kind : skinKinds()) {
+        // Each number is known by the tag before it in the table, and stands in front of that in the file.
+        std::string attributes, constant;
+        for (const TagRule& tag : kind.tags) {
+            const bool isNumber = tag.type == TagType::number;
+            const std::string next = "c_" + std::string(tag.name);
+            const std::string value = constant.empty() ? "1" : constant;
+            attributes = " " + std::string(tag.name) + "=\"" +
+                         (isNumber ? next + " = " + value : valueFor(tag)) + "\"" + attributes;
+            if (isNumber)
+                constant = next;
+        }
+        EXPECT_EQ(built("<" + std::string(kind.name) + attributes + "/>"), "") << kind.name;
+    }
 }
 
 TEST_F(KindsAndTags, ArePicturesWhereTheBuilderLooksForAFile) {
