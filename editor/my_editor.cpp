@@ -23,7 +23,7 @@ namespace {
 /// The number beside the picture. The limit is negative at every rate, so no length is ever at or below it,
 /// and what is shown is the rate's alone.
 std::int32_t shownMilliseconds(float length, float sampleRate, std::int32_t taps) {
-    const std::int32_t total = trunc((length * length * 1000.0f * 2.0f + 1.0f) * static_cast<float>(taps));
+    const std::int32_t total = trunc(parameters::baseLengthOf(length, 1000.0f) * static_cast<float>(taps));
     const std::int32_t limit = trunc(-100664296.0f / sampleRate);
     if (total <= limit)
         return total;

@@ -2,6 +2,7 @@
 
 #include "base/number_text.h"
 #include "base/truncation.h"
+#include "parameters/pattern_laws.h"
 
 #include <algorithm>
 #include <string>
@@ -22,32 +23,29 @@ std::string threeDecimals(float value) {
     return base::fixedText(static_cast<double>(value), 3);
 }
 
+std::string wholeNumber(float value) {
+    return std::to_string(base::trunc(value));
+}
+
+template <const Law& law>
+void displayWhole(float p, char* text) {
+    write(wholeNumber(law.numberFor(p)), text);
+}
+template <const Law& law>
+void displayThreeDecimals(float p, char* text) {
+    write(threeDecimals(law.numberFor(p)), text);
+}
 void displayBaseLength(float p, char* text) {
-    write(std::to_string(base::trunc(p * p * 1000.0f * 2.0f + 1.0f)), text);
-}
-void displayTaps(float p, char* text) {
-    write(std::to_string(base::trunc(p * 127.0f + 1.0f)), text);
-}
-void displayLfoRate(float p, char* text) {
-    write(threeDecimals(p * 14.0f * p), text);
+    write(wholeNumber(baseLengthOf(p, 1000.0f)), text);
 }
 void displayStretch(float p, char* text) {
-    write(std::to_string(base::trunc(p * 60.0f - 30.0f)) + " %", text);
-}
-void displayBipolar(float p, char* text) {
-    write(threeDecimals(2.0f * p - 1.0f), text);
+    write(wholeNumber(kStretchPercent.numberFor(p)) + " %", text);
 }
 void displayPlain(float p, char* text) {
     write(threeDecimals(p), text);
 }
 void displaySet(float p, char* text) {
     write(interpolationModeOf(p) == kWholeSamples ? "LFO Off,Use Pitch Off" : "LFO On,Use Pitch On", text);
-}
-void displayLowPass(float p, char* text) {
-    write(std::to_string(base::trunc(p * 20090.0f * p + 500.0f)), text);
-}
-void displayHighPass(float p, char* text) {
-    write(std::to_string(base::trunc(p * 2400.0f * p + 102.0f)), text);
 }
 void displayGain(float p, char* text) {
     base::dB2string(p, text, 8);
@@ -59,26 +57,28 @@ void displayNothing(float, char* text) {
     text[0] = '\0';
 }
 
+constexpr auto displayBipolar = displayThreeDecimals<kBipolar>;
+
 constexpr Parameter table[kNumLiveParameters] = {
-    {"Bs Lgh 1", 0.4f, displayBaseLength}, // ms
-    {"Taps #", 0.3f, displayTaps},         //
-    {"LFO Rt", 0.5f, displayLfoRate},      // Hz
-    {"Stretch dly", 0.1f, displayStretch}, //
-    {"Amp Decay", 0.0f, displayBipolar},   //
-    {"Curve", 0.5f, displayBipolar},       //
-    {"Feedback", 0.5f, displayBipolar},    //
-    {"LFO Dp", 0.1f, displayPlain},        //
-    {"Set", 0.5f, displaySet},             //
-    {"Pre LP ", 0.9f, displayLowPass},     // Hz
-    {"Pre HP ", 0.3f, displayHighPass},    // Hz
-    {"Pre Pan", 0.5f, displayBipolar},     //
-    {"Pre Gain", 0.5f, displayGain},       // dB
-    {"Stereo", 1.0f, displayBipolar},      //
-    {"Dry Wet", 0.5f, displayDryWet},      // dry share, wet share
-    {"Out Pan", 0.5f, displayBipolar},     //
-    {"Out Gain", 0.5f, displayGain},       // dB
+    {"Bs Lgh 1", 0.4f, kLongestGap, displayBaseLength},                      // ms
+    {"Taps #", 0.3f, kTapCount, displayWhole<kTapCount>},                    //
+    {"LFO Rt", 0.5f, kSweepRate, displayThreeDecimals<kSweepRate>},          // Hz
+    {"Stretch dly", 0.1f, kStretchPercent, displayStretch},                  //
+    {"Amp Decay", 0.0f, kBipolar, displayBipolar},                           //
+    {"Curve", 0.5f, kBipolar, displayBipolar},                               //
+    {"Feedback", 0.5f, kBipolar, displayBipolar},                            //
+    {"LFO Dp", 0.1f, kPlain, displayPlain},                                  //
+    {"Set", 0.5f, kPlain, displaySet},                                       //
+    {"Pre LP ", 0.9f, kLowPassFrequency, displayWhole<kLowPassFrequency>},   // Hz
+    {"Pre HP ", 0.3f, kHighPassFrequency, displayWhole<kHighPassFrequency>}, // Hz
+    {"Pre Pan", 0.5f, kBipolar, displayBipolar},                             //
+    {"Pre Gain", 0.5f, kPlain, displayGain},                                 // dB
+    {"Stereo", 1.0f, kBipolar, displayBipolar},                              //
+    {"Dry Wet", 0.5f, kWetPercent, displayDryWet},                           // dry share, wet share
+    {"Out Pan", 0.5f, kBipolar, displayBipolar},                             //
+    {"Out Gain", 0.5f, kPlain, displayGain},                                 // dB
 };
-constexpr Parameter notUsed = {"not used", 0.0f, displayNothing};
+constexpr Parameter notUsed = {"not used", 0.0f, kPlain, displayNothing};
 
 } // namespace
 

@@ -3,6 +3,8 @@
 // starts and how its value reads to a person stands here and nowhere else.
 #pragma once
 
+#include "parameters/law.h"
+
 #include <array>
 #include <cstdint>
 
@@ -43,6 +45,7 @@ constexpr bool isLive(std::int32_t id) {
 struct Parameter {
     const char* name;   ///< as stored; two of the names end in a blank that belongs to them
     float defaultValue; ///< normalised
+    const Law& law;     ///< of the number that tables of values hold; nearly always the display's
     /// Writes the value as a person reads it, at most kDisplayTextSize - 1 characters and a NUL. Any thread.
     void (*display)(float value, char* text);
 };

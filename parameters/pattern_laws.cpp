@@ -1,6 +1,7 @@
 #include "parameters/pattern_laws.h"
 
 #include "base/truncation.h"
+#include "parameters/law.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,8 +17,16 @@ float stretchBend(float stretch) {
     return s >= 0.5f ? e * 0.5f : 1.0f - e * 0.5f;
 }
 
+float baseLengthOf(float baseLength, float perSecond) {
+    return (baseLength * baseLength * perSecond) * 2.0f + 1.0f;
+}
+
+double feedbackFactorOf(float feedback) {
+    return static_cast<double>(feedback * 0.9f) - 0.45;
+}
+
 std::int32_t numTapsOf(float taps) {
-    return std::clamp(base::trunc(taps * 127.0f + 1.0f), 1, kMaxTaps);
+    return std::clamp(base::trunc(kTapCount.numberFor(taps)), 1, kMaxTaps);
 }
 
 } // namespace parameters

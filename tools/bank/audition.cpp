@@ -1,5 +1,7 @@
 #include "tools/bank/audition.h"
 
+#include "parameters/pattern_laws.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -71,7 +73,7 @@ dsp::TapPattern patternOf(const BankProgram& program) {
     dsp::TapPattern pattern;
     dsp::computeTaps(pattern,
                      {program.value(kBaseLength), program.value(kTaps), program.value(kStretch),
-                      std::min(program.value(kAmpDecay), 0.99999f), program.value(kCurve)},
+                      std::min(program.value(kAmpDecay), kMostAmpDecay), program.value(kCurve)},
                      static_cast<float>(kAuditionRate));
     return pattern;
 }
@@ -85,7 +87,7 @@ double sweepSamples(const BankProgram& program) {
 FeedbackTail feedbackTail(const BankProgram& program) {
     const dsp::TapPattern pattern = patternOf(program);
     const auto lastTap = static_cast<std::size_t>(pattern.numTaps.load() - 1);
-    const double gain = static_cast<double>(program.value(kFeedback) * 0.9f) - 0.45;
+    const double gain = feedbackFactorOf(program.value(kFeedback));
     constexpr double kInaudible = 1e-3;
     if (std::abs(gain) < kInaudible)
         return {gain, 0.0};
