@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
 namespace base {
 
@@ -11,12 +10,6 @@ std::string fixedText(double value, int decimals) {
     char digits[512];
     const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals);
     return std::string(digits, end.ptr);
-}
-
-void copyText(char* text, const char* source, std::size_t maxLen) {
-    const std::size_t length = strnlen(source, maxLen);
-    std::memcpy(text, source, length);
-    std::memset(text + length, 0, maxLen + 1 - length);
 }
 
 void float2string(float value, char* text, std::size_t maxLen) {

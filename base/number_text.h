@@ -2,6 +2,8 @@
 // nothing here goes through the C library's formatting.
 #pragma once
 
+#include "base/fixed_text.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,10 +12,6 @@ namespace base {
 
 /// The number with exactly `decimals` decimals, rounded to nearest.
 std::string fixedText(double value, int decimals);
-
-/// Copies up to `maxLen` bytes, fills the rest with NULs and puts a NUL at text[maxLen]; `text` holds maxLen
-/// + 1 bytes. This is how every text of the plug-in reaches a host's buffer.
-void copyText(char* text, const char* source, std::size_t maxLen);
 
 /// Fixed point in eight characters in all: sign, integer digits, the point, and as many decimals as fill the
 /// eight; what does not fit is cut, not rounded. Beyond eight integer digits nothing is written at all:

@@ -1,11 +1,10 @@
 #include "controls/displays.h"
 
+#include "base/fixed_text.h"
 #include "interfaces/editor_host.h"
 #include "parameters/parameter_table.h"
 
 #include "vstgui/lib/cstring.h"
-
-#include <cstring>
 
 namespace controls {
 
@@ -34,7 +33,7 @@ CDisplay::CDisplay(const CRect& size, CBitmap* background, std::int32_t displayS
 }
 
 void CDisplay::setText(const char* newText) {
-    std::strncpy(text.data(), newText, text.size() - 1);
+    base::copyText(text.data(), newText, text.size() - 1);
 }
 
 void CDisplay::draw(CDrawContext* context) {

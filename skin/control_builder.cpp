@@ -4,6 +4,7 @@
 #include "skin/xml_gui_editor.h"
 
 #include "base/ascii.h"
+#include "base/fixed_text.h"
 #include "base/truncation.h"
 #include "controls/about.h"
 #include "controls/displays.h"
@@ -22,7 +23,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -71,9 +71,7 @@ int xmlGuiEditor::skinReadTag(const char* objectName, const char* tagName, const
         return 0;
     }
     if (!numeric) {
-        char* const buffer = static_cast<char*>(destination);
-        std::strncpy(buffer, text, kTagValueSize - 1);
-        buffer[kTagValueSize - 1] = '\0';
+        base::copyText(static_cast<char*>(destination), text, kTagValueSize - 1);
         return 1;
     }
     int position = 0;

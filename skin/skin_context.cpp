@@ -1,10 +1,10 @@
 #include "skin/skin_context.h"
 
 #include "base/ascii.h"
+#include "base/fixed_text.h"
 #include "platform/folders.h"
 #include "platform/module_folder.h"
 #include "platform/settings.h"
-#include "skin/fixed_text.h"
 #include "skin/images.h"
 #include "skin/xml_gui_editor.h"
 #include "toolkit/toolkit.h"
@@ -32,7 +32,7 @@ std::optional<std::string> skinFile(const std::string& folder, const std::string
 template <std::size_t size>
 void copyInto(char* buffer, const std::string& text) {
     char whole[size];
-    copyWholeText(whole, text.c_str());
+    base::copyWholeText(whole, text.c_str());
     std::copy_n(whole, size, buffer);
 }
 
@@ -71,7 +71,7 @@ void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
         const bool holdsSkin =
             platform::findPath(folder + (platform::folderSeparator + entry), kSkinFile).has_value();
         SkinName name;
-        if (holdsSkin && copyWholeText(name.text, entry.c_str()))
+        if (holdsSkin && base::copyWholeText(name.text, entry.c_str()))
             editor->skinNames.append(name);
     }
 }
@@ -81,7 +81,7 @@ void skinContextInit(SkinContext* context, void* parent, bool backgroundOnly, xm
     skinModuleFolder(folder);
     skinLoadName(folder, name);
     skinScanFolder(folder, editor);
-    copyWholeText(context->path, skinFolder(folder, name).c_str());
+    base::copyWholeText(context->path, skinFolder(folder, name).c_str());
     context->backgroundOnly = backgroundOnly;
     context->parent = parent;
     context->displayMemory = std::make_shared<toolkit::DisplayMemory>(kMostDisplayMemory);
@@ -94,7 +94,7 @@ VSTGUI::CBitmap* skinGetBitmap(SkinContext* context, const char* name) {
     const VSTGUI::SharedPointer<VSTGUI::CBitmap> bitmap =
         loadImage(context->path, name, context->pictureAllowance, context->displayMemory);
     SkinBitmap entry;
-    copyText(entry.name, name);
+    base::copyText(entry.name, name);
     entry.bitmap = bitmap.get();
     if (!entry.bitmap || !context->bitmaps.append(entry))
         return nullptr;

@@ -1,15 +1,15 @@
 #include "skin/skin_object.h"
 
 #include "base/ascii.h"
-#include "skin/fixed_text.h"
+#include "base/fixed_text.h"
 
 namespace skin {
 
 SkinObject::SkinObject(XmlNode* element) : text(element->text), node(element) {
     for (const XmlAttr* attribute = element->attrs; attribute; attribute = attribute->next) {
         SkinTag tag;
-        copyText(tag.name, attribute->name);
-        copyText(tag.value, attribute->value ? attribute->value : "");
+        base::copyText(tag.name, attribute->name);
+        base::copyText(tag.value, attribute->value ? attribute->value : "");
         tags.append(tag);
     }
 }
