@@ -8,6 +8,7 @@
 #include "message_drawing.h"
 #include "message_text.h"
 #include "message_traits.h"
+#include "xcb_handles.h"
 
 #include <algorithm>
 #include <cairo-xcb.h>
@@ -25,12 +26,6 @@ namespace platform {
 
 namespace {
 
-struct Free {
-    void operator()(void* block) const { std::free(block); }
-};
-struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
 struct FinishSurface {
     void operator()(cairo_surface_t* surface) const {
         // The toolkit remembers connections by their address, which the next connection may have again.
@@ -41,9 +36,6 @@ struct FinishSurface {
         cairo_device_destroy(device);
     }
 };
-
-using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
-using Event = std::unique_ptr<xcb_generic_event_t, Free>;
 
 constexpr xcb_keysym_t keyReturn = 0xff0d, keyEscape = 0xff1b, keyKeypadEnter = 0xff8d;
 
@@ -71,7 +63,6 @@ class MessageWindow {
     bool serve();
 
   private:
-    void findScreen(int number);
     double findScale() const;
     xcb_visualtype_t* rootVisual() const;
     void create(MessageSize size);
@@ -111,7 +102,7 @@ class MessageWindow {
 MessageWindow::MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text,
                              xcb_window_t owner)
     : connection_(connection), text_(text), owner_(owner) {
-    findScreen(screenNumber);
+    screen_ = xcbScreen(connection_, screenNumber);
     if (!screen_ || !rootVisual())
         return;
     scale_ = findScale();
@@ -130,15 +121,6 @@ MessageWindow::~MessageWindow() {
     xcb_flush(connection_);
 }
 
-void MessageWindow::findScreen(int number) {
-    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (; screens.rem; xcb_screen_next(&screens), --number)
-        if (number == 0) {
-            screen_ = screens.data;
-            return;
-        }
-}
-
 xcb_visualtype_t* MessageWindow::rootVisual() const {
     xcb_depth_iterator_t depths = xcb_screen_allowed_depths_iterator(screen_);
     for (; depths.rem; xcb_depth_next(&depths)) {
@@ -153,7 +135,7 @@ xcb_visualtype_t* MessageWindow::rootVisual() const {
 /// Desktops announce a dense screen as dots per inch, 96 being an ordinary one.
 double MessageWindow::findScale() const {
     constexpr std::uint32_t enough = 16384; // in units of four bytes
-    const std::unique_ptr<xcb_get_property_reply_t, Free> reply(
+    const auto reply = ownedXcb(
         xcb_get_property_reply(connection_,
                                xcb_get_property(connection_, 0, screen_->root, XCB_ATOM_RESOURCE_MANAGER,
                                                 XCB_ATOM_STRING, 0, enough),
@@ -179,7 +161,7 @@ void MessageWindow::create(MessageSize size) {
                                  XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
                                  XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
     const xcb_window_t window = xcb_generate_id(connection_);
-    const std::unique_ptr<xcb_generic_error_t, Free> refusal(xcb_request_check(
+    const auto refusal = ownedXcb(xcb_request_check(
         connection_, xcb_create_window_checked(connection_, XCB_COPY_FROM_PARENT, window, screen_->root,
                                                centred(screen_->width_in_pixels, width_),
                                                centred(screen_->height_in_pixels, height_), asLength(width_),
@@ -194,10 +176,7 @@ void MessageWindow::create(MessageSize size) {
 }
 
 xcb_atom_t MessageWindow::atom(std::string_view name) const {
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(xcb_intern_atom_reply(
-        connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    return xcbAtom(connection_, name);
 }
 
 void MessageWindow::setProperty(xcb_atom_t property, xcb_atom_t type, const std::string& value) const {
@@ -215,7 +194,7 @@ void MessageWindow::setTitle(const std::string& caption) const {
 }
 
 bool MessageWindow::hasProperty(xcb_window_t window, xcb_atom_t property) const {
-    const std::unique_ptr<xcb_get_property_reply_t, Free> reply(xcb_get_property_reply(
+    const auto reply = ownedXcb(xcb_get_property_reply(
         connection_, xcb_get_property(connection_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 0),
         nullptr));
     return reply && reply->type != XCB_ATOM_NONE;
@@ -226,8 +205,8 @@ bool MessageWindow::hasProperty(xcb_window_t window, xcb_atom_t property) const 
 xcb_window_t MessageWindow::outermostOf(xcb_window_t window) const {
     const xcb_atom_t managed = atom("WM_STATE");
     while (window != XCB_NONE && !hasProperty(window, managed)) {
-        const std::unique_ptr<xcb_query_tree_reply_t, Free> tree(
-            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
+        const auto tree =
+            ownedXcb(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
         if (!tree)
             return XCB_NONE;
         if (tree->parent == tree->root || tree->parent == XCB_NONE)
@@ -285,7 +264,7 @@ void MessageWindow::show(const std::string& caption) {
 }
 
 bool MessageWindow::serve() {
-    while (const Event event{xcb_wait_for_event(connection_)})
+    while (const XcbEvent event{xcb_wait_for_event(connection_)})
         if (isAcknowledgedBy(*event))
             return true;
     return false;
@@ -352,7 +331,7 @@ bool MessageWindow::isAcknowledgedBy(const xcb_generic_event_t& event) {
 
 bool MessageWindow::isClosingKey(const xcb_key_press_event_t& event) const {
     // Asked anew for each key, so a keyboard that was just switched over is understood.
-    const std::unique_ptr<xcb_get_keyboard_mapping_reply_t, Free> mapping(xcb_get_keyboard_mapping_reply(
+    const auto mapping = ownedXcb(xcb_get_keyboard_mapping_reply(
         connection_, xcb_get_keyboard_mapping(connection_, event.detail, 1), nullptr));
     if (!mapping || xcb_get_keyboard_mapping_keysyms_length(mapping.get()) < 1)
         return false;
@@ -400,7 +379,7 @@ void MessageWindow::draw() {
 
 bool showMessageWindow(const char* text, const char* caption, const MessageLook& look) {
     int screenNumber = 0;
-    const Connection connection(xcb_connect(nullptr, &screenNumber));
+    const XcbConnection connection(xcb_connect(nullptr, &screenNumber));
     if (xcb_connection_has_error(connection.get()))
         return false;
     const auto owner = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(look.owner));

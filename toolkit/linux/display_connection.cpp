@@ -1,5 +1,7 @@
 #include "display_connection.h"
 
+#include "platform/linux/xcb_handles.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
@@ -7,16 +9,9 @@
 
 namespace toolkit {
 
+using platform::ownedXcb;
+
 namespace {
-
-struct Free {
-    void operator()(void* block) const { std::free(block); }
-};
-
-template <typename Reply>
-std::unique_ptr<Reply, Free> owned(Reply* reply) {
-    return std::unique_ptr<Reply, Free>(reply);
-}
 
 /// A container this much larger than what it holds has something else to show.
 constexpr int widestFrame = 80;
@@ -34,7 +29,7 @@ DisplayConnection::~DisplayConnection() = default;
 
 bool DisplayConnection::hasWindow(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
-    return owned(xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr)) !=
+    return ownedXcb(xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr)) !=
            nullptr;
 }
 
@@ -42,7 +37,7 @@ bool DisplayConnection::hasKeyboardExtension() const {
     xcb_connection_t* c = connection_.get();
     constexpr std::string_view name = "XKEYBOARD";
     const auto reply =
-        owned(xcb_query_extension_reply(c, xcb_query_extension(c, name.size(), name.data()), nullptr));
+        ownedXcb(xcb_query_extension_reply(c, xcb_query_extension(c, name.size(), name.data()), nullptr));
     return reply && reply->present;
 }
 
@@ -54,7 +49,7 @@ void DisplayConnection::destroyWindow(std::uint32_t window) const {
 
 DisplayConnection::Size DisplayConnection::sizeOf(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
-    const auto reply = owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
+    const auto reply = ownedXcb(xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
     return reply ? Size{reply->width, reply->height} : Size{};
 }
 
@@ -69,7 +64,7 @@ void DisplayConnection::resize(std::uint32_t window, Size size) const {
 
 std::uint32_t DisplayConnection::containerOf(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
-    const auto reply = owned(xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr));
+    const auto reply = ownedXcb(xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr));
     return reply && reply->parent != reply->root ? reply->parent : 0;
 }
 
@@ -77,10 +72,10 @@ bool DisplayConnection::isManaged(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
     constexpr std::string_view name = "WM_STATE";
     const auto atom =
-        owned(xcb_intern_atom_reply(c, xcb_intern_atom(c, 1, name.size(), name.data()), nullptr));
+        ownedXcb(xcb_intern_atom_reply(c, xcb_intern_atom(c, 1, name.size(), name.data()), nullptr));
     if (!atom || atom->atom == XCB_ATOM_NONE)
         return false;
-    const auto property = owned(xcb_get_property_reply(
+    const auto property = ownedXcb(xcb_get_property_reply(
         c, xcb_get_property(c, 0, window, atom->atom, XCB_GET_PROPERTY_TYPE_ANY, 0, 0), nullptr));
     return property && property->type != XCB_ATOM_NONE;
 }
