@@ -20,12 +20,15 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -136,27 +139,28 @@ Run measure(const HeldLibrary& held, const Options& options, bool programs, std:
     return run;
 }
 
+/// Nanoseconds with two decimals.
+double rounded(double nanoseconds) {
+    return std::round(nanoseconds * 100) / 100;
+}
+
 void printJson(std::FILE* output, const std::vector<Run>& runs) {
-    const char* betweenRuns = "";
-    std::fprintf(output, "[");
+    auto list = nlohmann::ordered_json::array();
     for (const Run& run : runs) {
-        std::fprintf(output,
-                     "%s\n{\"when\": \"%s\", \"processor\": \"%s\", \"instructionSet\": \"%s\", "
-                     "\"unit\": \"ns\", \"rows\": [",
-                     betweenRuns, run.when.c_str(), run.processor.c_str(), run.instructionSet.c_str());
-        const char* betweenRows = "";
-        for (const Result& row : run.results) {
-            std::fprintf(output,
-                         "%s\n  {\"section\": \"%s\", \"case\": \"%s\", \"against\": \"%s\", \"effect\": "
-                         "%.2f, \"other\": %.2f}",
-                         betweenRows, row.section.c_str(), row.situation.c_str(), row.against.c_str(),
-                         row.built, row.other);
-            betweenRows = ",";
-        }
-        std::fprintf(output, "\n]}");
-        betweenRuns = ",";
+        auto rows = nlohmann::ordered_json::array();
+        for (const Result& row : run.results)
+            rows.push_back({{"section", row.section},
+                            {"case", row.situation},
+                            {"against", row.against},
+                            {"effect", rounded(row.built)},
+                            {"other", rounded(row.other)}});
+        list.push_back({{"when", run.when},
+                        {"processor", tools::utf8(run.processor)},
+                        {"instructionSet", run.instructionSet},
+                        {"unit", "ns"},
+                        {"rows", std::move(rows)}});
     }
-    std::fprintf(output, "\n]\n");
+    std::fprintf(output, "%s\n", list.dump(2).c_str());
 }
 
 void run(const Options& options) {

@@ -1,5 +1,5 @@
 # Other people's libraries that more than one folder of the house uses, as targets under the same names on both systems:
-# for the tools CLI11::CLI11 and quillon_sndfile, for the tests nlohmann_json::nlohmann_json, GTest::gtest and
+# for the tools CLI11::CLI11, nlohmann_json::nlohmann_json and quillon_sndfile, for the tests GTest::gtest and
 # GTest::gtest_main, for the bench benchmark::benchmark.
 #
 # On Linux all of them are Debian's. For Windows there are no packages: what is headers alone is used from where Debian
@@ -7,12 +7,12 @@
 if(NOT WIN32)
   if(QUILLON_BUILD_TOOLS)
     quillon_find(CLI11 libcli11-dev)
+    quillon_find(nlohmann_json nlohmann-json3-dev)
     quillon_pkg_config(SNDFILE sndfile)
     add_library(quillon_sndfile INTERFACE)
     target_link_libraries(quillon_sndfile INTERFACE PkgConfig::SNDFILE)
   endif()
   if(BUILD_TESTING)
-    quillon_find(nlohmann_json nlohmann-json3-dev)
     quillon_find(GTest libgtest-dev)
   endif()
   if(QUILLON_BUILD_BENCH)
@@ -36,12 +36,12 @@ endfunction()
 
 if(QUILLON_BUILD_TOOLS)
   quillon_headers(CLI11::CLI11 /usr/include/CLI libcli11-dev)
+  quillon_headers(nlohmann_json::nlohmann_json /usr/include/nlohmann nlohmann-json3-dev)
   include(${CMAKE_CURRENT_LIST_DIR}/sndfile.cmake)
 endif()
 if(NOT BUILD_TESTING)
   return()
 endif()
-quillon_headers(nlohmann_json::nlohmann_json /usr/include/nlohmann nlohmann-json3-dev)
 
 set(googletest /usr/src/googletest/googletest)
 if(NOT EXISTS ${googletest})

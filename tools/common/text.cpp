@@ -130,27 +130,28 @@ std::string shortText(double value) {
     return shortest(value);
 }
 
-std::string printable(std::string_view bytes) {
+std::string utf8(std::string_view bytes) {
     std::string result;
     while (!bytes.empty()) {
         const auto byte = static_cast<std::uint8_t>(bytes.front());
         const std::size_t length = characterLength(bytes);
-        if (length == 0) {
-            // Latin-1: the control characters of its upper half are no more printable than those of the
-            // lower.
-            if (byte >= 0xA0) {
-                result += static_cast<char>(0xC0 | (byte >> 6));
-                result += static_cast<char>(0x80 | (byte & 0x3F));
-            } else {
-                result += ' ';
-            }
-        } else if (length == 1 && (byte < 0x20 || byte == 0x7F)) {
-            result += ' ';
-        } else {
+        if (length > 0) {
             result += bytes.substr(0, length);
+        } else if (byte >= 0xA0) {
+            result += static_cast<char>(0xC0 | (byte >> 6));
+            result += static_cast<char>(0x80 | (byte & 0x3F));
+        } else {
+            result += ' ';
         }
         bytes.remove_prefix(std::max<std::size_t>(length, 1));
     }
+    return result;
+}
+
+std::string printable(std::string_view bytes) {
+    std::string result = utf8(bytes);
+    const auto isControl = [](char byte) { return (byte >= 0 && byte < 0x20) || byte == 0x7F; };
+    std::ranges::replace_if(result, isControl, ' ');
     return result;
 }
 

@@ -42,7 +42,10 @@ std::string fixedText(double value, int decimals);
 std::string shortText(float value);
 std::string shortText(double value);
 
-/// Readable UTF-8 on one line: bytes that are not UTF-8 are taken as Latin-1, control characters as blanks.
+/// Valid UTF-8: bytes that are not are taken as Latin-1, the control characters of its upper half as blanks.
+std::string utf8(std::string_view bytes);
+
+/// Readable UTF-8 on one line: utf8() with a blank for each control character.
 std::string printable(std::string_view bytes);
 
 /// printable(), between double quotes.

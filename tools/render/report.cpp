@@ -1,9 +1,11 @@
 #include "tools/render/report.h"
 
 #include "tools/common/text.h"
-#include "tools/render/json.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
 
 namespace tools::render {
 
@@ -47,48 +49,41 @@ std::string secondsText(std::int64_t frames, int sampleRate) {
     return fixedText(static_cast<double>(frames) / sampleRate, 2) + " s";
 }
 
-void writeParameters(JsonWriter& json, const std::vector<ParameterState>& parameters) {
-    json.name("parameters");
-    json.beginArray();
-    for (const ParameterState& parameter : parameters) {
-        json.beginObject();
-        json.field("id", parameter.id);
-        json.field("name", parameter.name);
-        json.field("value", parameter.value);
-        json.field("display", parameter.display);
-        json.field("label", parameter.label);
-        json.endObject();
-    }
-    json.endArray();
+/// Objects whose fields stay in the order in which they are made. What is not finite is written as null.
+using Json = nlohmann::ordered_json;
+
+/// As short as the float can be: 0.1 and not 0.10000000149011612.
+Json jsonOf(float value) {
+    const std::optional<double> number = numberFrom(shortText(value));
+    return number ? Json(*number) : Json();
 }
 
-void writeProgram(JsonWriter& json, const char* field, std::int32_t number, const std::string& name) {
-    if (field)
-        json.name(field);
-    json.beginObject();
-    json.field("number", number);
-    json.field("name", name);
-    json.endObject();
+/// Indented, with a line end.
+std::string textOf(const Json& json) {
+    return json.dump(2) + '\n';
 }
 
-void writeTail(JsonWriter& json, const RenderReport& report) {
+Json jsonOf(const std::vector<ParameterState>& parameters) {
+    Json list = Json::array();
+    for (const ParameterState& parameter : parameters)
+        list.push_back({{"id", parameter.id},
+                        {"name", utf8(parameter.name)},
+                        {"value", jsonOf(parameter.value)},
+                        {"display", utf8(parameter.display)},
+                        {"label", utf8(parameter.label)}});
+    return list;
+}
+
+Json programJson(std::int32_t number, const std::string& name) {
+    return {{"number", number}, {"name", utf8(name)}};
+}
+
+Json tailJson(const RenderReport& report) {
     const std::int64_t frames = report.result.frames - report.result.inputFrames;
-    json.name("tail");
-    json.beginObject();
-    json.field("rule", report.isTailAutomatic ? "auto" : "fixed");
-    json.field("frames", frames);
-    json.field("seconds", static_cast<double>(frames) / report.sampleRate);
-    json.field("cutShort", report.result.tailCutShort);
-    json.endObject();
-}
-
-void writeLevels(JsonWriter& json, const RenderReport& report) {
-    const std::int64_t clipped = clippedSamples(report);
-    json.field("peak", report.result.peak);
-    json.field("peakDbfs", decibels(report.result.peak));
-    json.field("samplesOverFullScale", report.result.samplesOver);
-    json.field("clippedSamples", clipped);
-    json.field("clippedByDb", clipped > 0 ? decibels(report.result.peak) : 0.0);
+    return {{"rule", report.isTailAutomatic ? "auto" : "fixed"},
+            {"frames", frames},
+            {"seconds", static_cast<double>(frames) / report.sampleRate},
+            {"cutShort", report.result.tailCutShort}};
 }
 
 } // namespace
@@ -121,20 +116,15 @@ std::string listText(const EffectState& state, const std::vector<std::string>& p
 
 std::string listJson(const EffectState& state, const std::vector<std::string>& programs,
                      const std::filesystem::path& library) {
-    JsonWriter json;
-    json.beginObject();
-    json.field("library", library.string());
-    json.field("effect", state.effectName);
-    json.field("vendor", state.vendor);
-    json.name("programs");
-    json.beginArray();
+    Json list = Json::array();
     for (std::size_t i = 0; i < programs.size(); ++i)
-        writeProgram(json, nullptr, static_cast<std::int32_t>(i), programs[i]);
-    json.endArray();
-    writeProgram(json, "program", state.program, state.programName);
-    writeParameters(json, state.parameters);
-    json.endObject();
-    return json.text();
+        list.push_back(programJson(static_cast<std::int32_t>(i), programs[i]));
+    return textOf({{"library", utf8(library.string())},
+                   {"effect", utf8(state.effectName)},
+                   {"vendor", utf8(state.vendor)},
+                   {"programs", std::move(list)},
+                   {"program", programJson(state.program, state.programName)},
+                   {"parameters", jsonOf(state.parameters)}});
 }
 
 std::int64_t clippedSamples(const RenderReport& report) {
@@ -175,32 +165,32 @@ std::string reportText(const RenderReport& report) {
 }
 
 std::string reportJson(const RenderReport& report) {
-    JsonWriter json;
-    json.beginObject();
-    json.field("input", report.input.string());
-    json.field("output", report.output.string());
-    json.field("library", report.library.string());
-    json.name("plot");
-    report.plot.empty() ? json.null() : json.value(report.plot.string());
-    json.field("format", report.kind);
-    json.field("sampleRate", report.sampleRate);
-    json.field("inputChannels", report.inputChannels);
-    json.field("channels", report.outputChannels);
-    json.field("blockSize", report.blockSize);
-    json.field("preRollFrames", report.preRollFrames);
-    json.field("inputFrames", report.result.inputFrames);
-    json.field("frames", report.result.frames);
-    writeTail(json, report);
-    writeLevels(json, report);
-    writeProgram(json, "program", report.state.program, report.state.programName);
-    writeParameters(json, report.state.parameters);
-    json.name("warnings");
-    json.beginArray();
+    const RenderResult& result = report.result;
+    const std::int64_t clipped = clippedSamples(report);
+    Json warnings = Json::array();
     for (const std::string& warning : report.warnings)
-        json.value(warning);
-    json.endArray();
-    json.endObject();
-    return json.text();
+        warnings.push_back(utf8(warning));
+    return textOf({{"input", utf8(report.input.string())},
+                   {"output", utf8(report.output.string())},
+                   {"library", utf8(report.library.string())},
+                   {"plot", report.plot.empty() ? Json() : Json(utf8(report.plot.string()))},
+                   {"format", report.kind},
+                   {"sampleRate", report.sampleRate},
+                   {"inputChannels", report.inputChannels},
+                   {"channels", report.outputChannels},
+                   {"blockSize", report.blockSize},
+                   {"preRollFrames", report.preRollFrames},
+                   {"inputFrames", result.inputFrames},
+                   {"frames", result.frames},
+                   {"tail", tailJson(report)},
+                   {"peak", jsonOf(result.peak)},
+                   {"peakDbfs", decibels(result.peak)},
+                   {"samplesOverFullScale", result.samplesOver},
+                   {"clippedSamples", clipped},
+                   {"clippedByDb", clipped > 0 ? decibels(result.peak) : 0.0},
+                   {"program", programJson(report.state.program, report.state.programName)},
+                   {"parameters", jsonOf(report.state.parameters)},
+                   {"warnings", std::move(warnings)}});
 }
 
 std::string levelText(double level) {
