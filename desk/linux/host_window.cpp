@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <poll.h>
 #include <stdexcept>
+#include <xcb/xcb_aux.h>
 
 namespace desk {
 
@@ -83,7 +84,7 @@ HostWindow::System::System(const std::string& title, int width, int height)
     connection_.reset(xcb_connect(nullptr, &screenNumber));
     if (xcb_connection_has_error(connection_.get()))
         throw std::runtime_error("there is no display to open a window on");
-    screen_ = platform::xcbScreen(connection_.get(), screenNumber);
+    screen_ = xcb_aux_get_screen(connection_.get(), screenNumber);
     if (!screen_)
         throw std::runtime_error("the display has no screen to open a window on");
     create();

@@ -9,6 +9,7 @@
 #include <poll.h>
 #include <thread>
 #include <unistd.h>
+#include <xcb/xcb_aux.h>
 
 namespace desk {
 
@@ -63,7 +64,7 @@ MessageWatch::Watcher::Watcher(std::function<void(const ShownMessage&)> onMessag
         protocols_ = platform::xcbAtom(c, "WM_PROTOCOLS");
         deleteWindow_ = platform::xcbAtom(c, "WM_DELETE_WINDOW");
         const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        for (int number = 0; xcb_screen_t* screen = platform::xcbScreen(c, number); ++number)
+        for (int number = 0; xcb_screen_t* screen = xcb_aux_get_screen(c, number); ++number)
             platform::ownedXcb(xcb_request_check(
                 c, xcb_change_window_attributes_checked(c, screen->root, XCB_CW_EVENT_MASK, &events)));
     }

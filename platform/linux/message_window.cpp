@@ -14,13 +14,13 @@
 #include <cairo-xcb.h>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unistd.h>
 #include <xcb/xcb.h>
+#include <xcb/xcb_aux.h>
 
 namespace platform {
 
@@ -84,9 +84,9 @@ class MessageWindow {
     void draw();
 
     xcb_connection_t* connection_;
+    xcb_screen_t* screen_; ///< null if there is none of that number
     std::string text_;
     xcb_window_t owner_;
-    xcb_screen_t* screen_ = nullptr;
     xcb_window_t window_ = XCB_NONE;
     xcb_atom_t protocols_ = XCB_NONE;
     xcb_atom_t deleteWindow_ = XCB_NONE;
@@ -101,8 +101,8 @@ class MessageWindow {
 
 MessageWindow::MessageWindow(xcb_connection_t* connection, int screenNumber, const std::string& text,
                              xcb_window_t owner)
-    : connection_(connection), text_(text), owner_(owner) {
-    screen_ = xcbScreen(connection_, screenNumber);
+    : connection_(connection), screen_(xcb_aux_get_screen(connection, screenNumber)), text_(text),
+      owner_(owner) {
     if (!screen_ || !rootVisual())
         return;
     scale_ = findScale();
@@ -122,14 +122,7 @@ MessageWindow::~MessageWindow() {
 }
 
 xcb_visualtype_t* MessageWindow::rootVisual() const {
-    xcb_depth_iterator_t depths = xcb_screen_allowed_depths_iterator(screen_);
-    for (; depths.rem; xcb_depth_next(&depths)) {
-        xcb_visualtype_iterator_t visuals = xcb_depth_visuals_iterator(depths.data);
-        for (; visuals.rem; xcb_visualtype_next(&visuals))
-            if (visuals.data->visual_id == screen_->root_visual)
-                return visuals.data;
-    }
-    return nullptr;
+    return xcb_aux_find_visual_by_id(screen_, screen_->root_visual);
 }
 
 /// Desktops announce a dense screen as dots per inch, 96 being an ordinary one.

@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <xcb/xcb.h>
 
@@ -30,15 +29,6 @@ inline xcb_atom_t xcbAtom(xcb_connection_t* connection, std::string_view name) {
         connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
         nullptr));
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
-
-/// The screen of this number; null if there is none.
-inline xcb_screen_t* xcbScreen(xcb_connection_t* connection, int number) {
-    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screens.rem; xcb_screen_next(&screens), --number)
-        if (number == 0)
-            return screens.data;
-    return nullptr;
 }
 
 } // namespace platform

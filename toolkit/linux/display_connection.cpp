@@ -18,10 +18,6 @@ constexpr int widestFrame = 80;
 
 } // namespace
 
-void DisplayConnection::Disconnect::operator()(xcb_connection_t* connection) const {
-    xcb_disconnect(connection);
-}
-
 // A connection that fails is an object like any other, on which every request fails.
 DisplayConnection::DisplayConnection() : connection_(xcb_connect(nullptr, nullptr)) {}
 

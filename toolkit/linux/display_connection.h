@@ -2,10 +2,9 @@
 // connection of its own, since the toolkit's may be missing or dead.
 #pragma once
 
-#include <cstdint>
-#include <memory>
+#include "platform/linux/xcb_handles.h"
 
-struct xcb_connection_t;
+#include <cstdint>
 
 namespace toolkit {
 
@@ -29,9 +28,6 @@ class DisplayConnection {
         int width = 0;
         int height = 0;
     };
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const;
-    };
 
     Size sizeOf(std::uint32_t window) const;
     void resize(std::uint32_t window, Size size) const;
@@ -39,7 +35,7 @@ class DisplayConnection {
     std::uint32_t containerOf(std::uint32_t window) const;
     bool isManaged(std::uint32_t window) const;
 
-    std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+    platform::XcbConnection connection_;
 };
 
 } // namespace toolkit
