@@ -133,10 +133,10 @@ template <class Instance>
 class Forgetting {
   public:
     Forgetting(const std::string& library, const std::vector<std::uint8_t>& bank, std::int32_t written)
-        : instance_(library, bank), written_(written) {
-        instance_.start();
-        instance_.setParameter(reference::kTaps, 0.0f);
-        instance_.setParameter(reference::kSet, 0.0f);
+        : instance(library, bank), written_(written) {
+        instance.start();
+        instance.setParameter(reference::kTaps, 0.0f);
+        instance.setParameter(reference::kSet, 0.0f);
     }
     virtual ~Forgetting() = default;
     Contestant contestant() {
@@ -145,7 +145,7 @@ class Forgetting {
 
   protected:
     virtual void forget() = 0;
-    Instance instance_;
+    Instance instance;
 
   private:
     double run() {
@@ -156,7 +156,7 @@ class Forgetting {
         return processorSeconds() - start;
     }
     void playFrames(std::int32_t blockFrames, std::int32_t frames) {
-        play([this](float** in, float** out, std::int32_t count) { instance_.process(in, out, count); },
+        play([this](float** in, float** out, std::int32_t count) { instance.process(in, out, count); },
              blockFrames, frames);
     }
     std::int32_t written_;
@@ -165,13 +165,13 @@ class Forgetting {
 template <class Instance>
 class ProgramChange final : public Forgetting<Instance> {
     using Forgetting<Instance>::Forgetting;
-    void forget() override { this->instance_.setProgram(0); }
+    void forget() override { this->instance.setProgram(0); }
 };
 
 template <class Instance>
 class Resume final : public Forgetting<Instance> {
     using Forgetting<Instance>::Forgetting;
-    void forget() override { this->instance_.resume(); }
+    void forget() override { this->instance.resume(); }
 };
 
 /// One parameter to and fro, under 128 taps.

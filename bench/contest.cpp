@@ -58,6 +58,7 @@ std::vector<double> medianNanoseconds(const std::vector<Contestant>& contestants
     benchmark::RunSpecifiedBenchmarks(&medians, "all");
     benchmark::ClearRegisteredBenchmarks();
     std::vector<double> nanoseconds;
+    nanoseconds.reserve(contestants.size());
     for (std::size_t i = 0; i < contestants.size(); ++i)
         nanoseconds.push_back(medians.seconds[std::to_string(i)] * 1e9 / contestants[i].unitsOfOneRun);
     return nanoseconds;

@@ -35,7 +35,7 @@ namespace {
 
 using namespace bench;
 
-constexpr int exitFailure = 2;
+constexpr int kExitFailure = 2;
 constexpr int kDisplayWidth = 1280, kDisplayHeight = 1024;
 
 struct Options {
@@ -105,6 +105,7 @@ std::vector<HeldLibrary> librariesFor(const std::vector<std::string>& sets,
     if (sets.empty())
         return {{dsp::chosenKernels().instructionSet, QUILLON_LIBRARY}};
     std::vector<HeldLibrary> libraries;
+    libraries.reserve(sets.size());
     for (const std::string& set : sets)
         libraries.push_back(heldLibrary(set, folder));
     return libraries;
@@ -211,6 +212,6 @@ int main(int argumentCount, char** arguments) {
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "quillon-bench: %s\n", tools::printable(error.what()).c_str());
-        return exitFailure;
+        return kExitFailure;
     }
 }

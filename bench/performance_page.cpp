@@ -88,6 +88,7 @@ void writeRatios(std::ostream& page, const SetRuns& set, const std::string& sect
 
 std::vector<std::string> namesOf(const std::vector<SoundCase>& cases) {
     std::vector<std::string> names;
+    names.reserve(cases.size());
     for (const SoundCase& situation : cases)
         names.push_back(situation.name());
     return names;

@@ -11,15 +11,15 @@ using namespace vst2;
 namespace {
 
 /// Until an editor says better.
-constexpr int firstWidth = 480, firstHeight = 160;
+constexpr int kFirstWidth = 480, kFirstHeight = 160;
 
 /// What an editor draws appears one turn later, 16 ms at the earliest; so many of these without a change mean
 /// that it is done.
-constexpr int restMilliseconds = 20;
-constexpr int turnsAtRest = 10;
+constexpr int kRestMilliseconds = 20;
+constexpr int kTurnsAtRest = 10;
 
 desk::HostWindow makeWindow(const std::string& title) try {
-    return desk::HostWindow(title, firstWidth, firstHeight);
+    return desk::HostWindow(title, kFirstWidth, kFirstHeight);
 } catch (const std::runtime_error& error) {
     throw HostError(error.what());
 }
@@ -99,10 +99,10 @@ std::optional<desk::Picture> EditorWindow::settledPicture(int patienceMillisecon
     const std::uint32_t begin = platform::milliseconds();
     std::optional<desk::Picture> last;
     int unchanged = 0;
-    while (unchanged < turnsAtRest && !isClosed()) {
+    while (unchanged < kTurnsAtRest && !isClosed()) {
         if (platform::milliseconds() - begin > static_cast<std::uint32_t>(patienceMilliseconds))
             break;
-        serve(restMilliseconds);
+        serve(kRestMilliseconds);
         auto now = picture();
         unchanged = now && now == last ? unchanged + 1 : 0;
         last = std::move(now);

@@ -70,10 +70,10 @@ void checkRecord(const AEffect* effect, const std::string& path) {
 }
 
 /// Far beyond what any plug-in has, and little enough for a host to go through one by one.
-constexpr std::int32_t mostPrograms = 65536;
-constexpr std::int32_t mostParameters = 65536;
-constexpr std::int32_t mostChannels = 1024;
-constexpr std::intptr_t largestChunk = 256 * 1024 * 1024;
+constexpr std::int32_t kMostPrograms = 65536;
+constexpr std::int32_t kMostParameters = 65536;
+constexpr std::int32_t kMostChannels = 1024;
+constexpr std::intptr_t kLargestChunk = 256 * 1024 * 1024;
 
 void checkCounts(const AEffect& effect, const std::string& path) {
     const auto check = [&](std::int32_t count, std::int32_t most, const char* what) {
@@ -81,10 +81,10 @@ void checkCounts(const AEffect& effect, const std::string& path) {
             throw HostError(path + ": the plug-in claims to have " + std::to_string(count) + ' ' + what +
                             ", which cannot be");
     };
-    check(effect.numPrograms, mostPrograms, "programs");
-    check(effect.numParams, mostParameters, "parameters");
-    check(effect.numInputs, mostChannels, "inputs");
-    check(effect.numOutputs, mostChannels, "outputs");
+    check(effect.numPrograms, kMostPrograms, "programs");
+    check(effect.numParams, kMostParameters, "parameters");
+    check(effect.numInputs, kMostChannels, "inputs");
+    check(effect.numOutputs, kMostChannels, "outputs");
 }
 
 } // namespace
@@ -231,7 +231,7 @@ std::vector<std::uint8_t> Plugin::getChunk(bool isPreset) {
     const std::intptr_t size = dispatch(effGetChunk, isPreset, 0, &data);
     if (!data || size <= 0)
         return {};
-    if (size > largestChunk)
+    if (size > kLargestChunk)
         throw HostError(path_ + ": the plug-in claims to have a chunk of " + std::to_string(size) +
                         " bytes, which cannot be");
     // What it points at may not be there.

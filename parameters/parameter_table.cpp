@@ -59,7 +59,7 @@ void displayNothing(float, char* text) {
 
 constexpr auto displayBipolar = displayThreeDecimals<kBipolar>;
 
-constexpr Parameter table[kNumLiveParameters] = {
+constexpr Parameter kTable[kNumLiveParameters] = {
     {"Bs Lgh 1", 0.4f, kLongestGap, displayBaseLength},                      // ms
     {"Taps #", 0.3f, kTapCount, displayWhole<kTapCount>},                    //
     {"LFO Rt", 0.5f, kSweepRate, displayThreeDecimals<kSweepRate>},          // Hz
@@ -78,12 +78,12 @@ constexpr Parameter table[kNumLiveParameters] = {
     {"Out Pan", 0.5f, kBipolar, displayBipolar},                             //
     {"Out Gain", 0.5f, kPlain, displayGain},                                 // dB
 };
-constexpr Parameter notUsed = {"not used", 0.0f, kPlain, displayNothing};
+constexpr Parameter kNotUsed = {"not used", 0.0f, kPlain, displayNothing};
 
 } // namespace
 
 const Parameter& parameter(std::int32_t id) {
-    return isLive(id) ? table[id] : notUsed;
+    return isLive(id) ? kTable[id] : kNotUsed;
 }
 
 std::array<float, kNumParameters> defaultValues() {

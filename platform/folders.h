@@ -8,7 +8,7 @@
 namespace platform {
 
 /// What parts folders in the paths that this system gives out.
-extern const char folderSeparator;
+extern const char kFolderSeparator;
 
 /// The names of everything in a folder, without the folder itself and the one above it, in the order in which
 /// the file system gives them. Empty if the folder cannot be read. Never on the audio thread.

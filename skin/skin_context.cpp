@@ -25,7 +25,7 @@ constexpr char kSkinFile[] = "skin.xml";
 /// that has no path would mean the current one.
 std::optional<std::string> skinFile(const std::string& folder, const std::string& name) {
     return folder.empty() ? std::nullopt
-                          : platform::findPath(folder, name + platform::folderSeparator + kSkinFile);
+                          : platform::findPath(folder, name + platform::kFolderSeparator + kSkinFile);
 }
 
 /// For the operations that are given room for `size` bytes.
@@ -41,8 +41,8 @@ std::string skinFolder(const std::string& folder, const std::string& name) {
     if (folder.empty())
         return "";
     const auto file = skinFile(folder, name);
-    return file ? file->substr(0, file->find_last_of(platform::folderSeparator) + 1)
-                : folder + name + platform::folderSeparator;
+    return file ? file->substr(0, file->find_last_of(platform::kFolderSeparator) + 1)
+                : folder + name + platform::kFolderSeparator;
 }
 
 } // namespace
@@ -69,7 +69,7 @@ void skinScanFolder(const char* folder, xmlGuiEditor* editor) {
     for (const std::string& entry : platform::listFolder(folder)) {
         // In the very folder, not in one that differs from it in letter case.
         const bool holdsSkin =
-            platform::findPath(folder + (platform::folderSeparator + entry), kSkinFile).has_value();
+            platform::findPath(folder + (platform::kFolderSeparator + entry), kSkinFile).has_value();
         SkinName name;
         if (holdsSkin && base::copyWholeText(name.text, entry.c_str()))
             editor->skinNames.append(name);

@@ -8,17 +8,17 @@
 
 namespace {
 
-constexpr std::size_t longestName = sizeof(ExprEntry::name) - 1;
+constexpr std::size_t kLongestName = sizeof(ExprEntry::name) - 1;
 
 // What a hostile text is refused at. The values of a skin have fewer than 256 bytes, which is fewer levels
 // and operands than these. Operands have a limit of their own since a level whose end is not reported is read
 // again by the level around it, which can double the work with every two bytes.
-constexpr int deepestLevel = 1000;
-constexpr int mostOperands = 100000;
+constexpr int kDeepestLevel = 1000;
+constexpr int kMostOperands = 100000;
 
-constexpr int noOperator = 0;
-constexpr int unaryMinusPriority = 19;
-constexpr int groupPriority = -1;
+constexpr int kNoOperator = 0;
+constexpr int kUnaryMinusPriority = 19;
+constexpr int kGroupPriority = -1;
 
 constexpr int priorityOf(char byte) {
     switch (byte) {
@@ -35,7 +35,7 @@ constexpr int priorityOf(char byte) {
     case '/':
         return 19;
     default:
-        return noOperator;
+        return kNoOperator;
     }
 }
 
@@ -108,7 +108,7 @@ bool define(ExprTable& table, std::string_view name, double value) {
     }
     ExprEntry entry;
     entry.hash = hashOf(name);
-    name.copy(entry.name, longestName);
+    name.copy(entry.name, kLongestName);
     entry.value = value;
     return table.append(entry);
 }
@@ -134,7 +134,7 @@ class Evaluation {
 };
 
 bool Evaluation::readLevel(const char** position, double* result, int minPriority) {
-    if (levels_ == deepestLevel || operands_ == mostOperands)
+    if (levels_ == kDeepestLevel || operands_ == kMostOperands)
         return false;
     ++levels_;
     ++operands_;
@@ -146,8 +146,8 @@ bool Evaluation::readLevel(const char** position, double* result, int minPriorit
     for (;;) {
         at = skipBlanks(at);
         const int priority = priorityOf(*at);
-        if (priority == noOperator || priority <= minPriority) {
-            if (priority != noOperator || !operatorApplied)
+        if (priority == kNoOperator || priority <= minPriority) {
+            if (priority != kNoOperator || !operatorApplied)
                 *position = at;
             break;
         }
@@ -168,7 +168,7 @@ bool Evaluation::readLevel(const char** position, double* result, int minPriorit
 bool Evaluation::readOperand(const char** at, double* value) {
     if (**at == '-') {
         ++*at;
-        if (!readLevel(at, value, unaryMinusPriority))
+        if (!readLevel(at, value, kUnaryMinusPriority))
             return false;
         *value = -*value;
         return true;
@@ -176,7 +176,7 @@ bool Evaluation::readOperand(const char** at, double* value) {
     if (**at == '(') {
         // The closing parenthesis stays where it is: no operator, it ends this level as well.
         ++*at;
-        return readLevel(at, value, groupPriority);
+        return readLevel(at, value, kGroupPriority);
     }
     if (base::isDigit(**at))
         return readNumber(at, value);
@@ -206,7 +206,7 @@ bool Evaluation::readNumber(const char** at, double* value) {
 
 bool Evaluation::readConstant(const char** at, double* value) {
     const std::string_view name = base::nameAt(*at);
-    if (name.size() > longestName)
+    if (name.size() > kLongestName)
         std::abort();
     const ExprEntry* entry = findConstant(constants_, name);
     if (!entry)
@@ -225,7 +225,7 @@ bool exprEvaluate(ExprTable* table, const char* text, int* position, double* res
     const std::string_view name = base::nameAt(at);
     at += name.size();
     // The room for a name at the head is counted from the start of the text, blanks before it included.
-    if (static_cast<std::size_t>(at - text) > longestName)
+    if (static_cast<std::size_t>(at - text) > kLongestName)
         std::abort();
     at = skipBlanks(at);
     if (*at != '=')

@@ -16,9 +16,9 @@
 namespace {
 
 /// A skin nests four deep. The limit keeps a damaged file from using up the stack of the host's thread.
-constexpr int deepestElement = 1000;
+constexpr int kDeepestElement = 1000;
 
-constexpr std::size_t longestClosingName = 255;
+constexpr std::size_t kLongestClosingName = 255;
 
 /// Records of elements that nobody uses, linked by `next`. They are never given back while the library is
 /// loaded: the next skin takes them again. A host may unload the library and live on, so then they go.
@@ -155,7 +155,7 @@ const char* parseClosingTag(const char* at, const char* openingName) {
     if (!at)
         return nullptr;
     const std::string_view name = base::nameAt(at);
-    if (name.size() > longestClosingName)
+    if (name.size() > kLongestClosingName)
         std::abort();
     at = skipSpace(at + name.size());
     if (!at || *at != '>' || !base::equalIgnoringCase(name, openingName))
@@ -187,7 +187,7 @@ const char* parseContent(const char* at, XmlNode* node, int depth) {
 }
 
 const char* parseElement(const char* at, XmlNode** result, int depth) {
-    XmlNode* node = depth < deepestElement ? spareRecords.take() : nullptr;
+    XmlNode* node = depth < kDeepestElement ? spareRecords.take() : nullptr;
     if (!node)
         return nullptr;
     *result = node;

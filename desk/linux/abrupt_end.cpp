@@ -22,22 +22,22 @@ namespace desk {
 
 namespace {
 
-constexpr int exitFailure = 2;
-constexpr unsigned patienceSeconds = 10;
+constexpr int kExitFailure = 2;
+constexpr unsigned kPatienceSeconds = 10;
 
 struct NamedSignal {
     int number;
     const char* name;
 };
 
-constexpr NamedSignal crashes[] = {
+constexpr NamedSignal kCrashes[] = {
     {SIGSEGV, "segmentation fault"}, {SIGBUS, "bus error"}, {SIGFPE, "arithmetic error"},
     {SIGILL, "illegal instruction"}, {SIGABRT, "abort"},    {SIGTRAP, "breakpoint"},
     {SIGSYS, "bad system call"}};
 /// A person or a system asks the process to end.
-constexpr int requests[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
+constexpr int kRequests[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 /// Would end the process by themselves: nobody reads its output any more, or a limit is reached.
-constexpr int otherEnds[] = {SIGPIPE, SIGXCPU, SIGXFSZ, SIGALRM};
+constexpr int kOtherEnds[] = {SIGPIPE, SIGXCPU, SIGXFSZ, SIGALRM};
 
 const char* toolName = nullptr;
 CallDescription describeCall = nullptr;
@@ -137,7 +137,7 @@ Line beginLine() {
 }
 
 const char* crashName(int signal) {
-    for (const NamedSignal& crash : crashes)
+    for (const NamedSignal& crash : kCrashes)
         if (crash.number == signal)
             return crash.name;
     return "signal";
@@ -179,7 +179,7 @@ extern "C" void handleEnd(int signal) {
     const int before = requestNoted;
     if (getpid() == owner && isRequest && areRequestsNoted && before == 0) {
         requestNoted = signal;
-        alarm(patienceSeconds);
+        alarm(kPatienceSeconds);
         errno = error;
         return;
     }
@@ -202,7 +202,7 @@ void handleExit() {
     line.add(isInCall || call[0] ? call.data() : "exit()");
     line.send();
     removeUnfinished();
-    _exit(exitFailure);
+    _exit(kExitFailure);
 }
 
 void handle(int signal, void (*handler)(int), int flags) {
@@ -233,11 +233,11 @@ AbruptEndWatch::AbruptEndWatch(const char* tool, CallDescription description) {
     owner = getpid();
     isWatched = true;
     prepareHandlerStack();
-    for (const NamedSignal& crash : crashes)
+    for (const NamedSignal& crash : kCrashes)
         handle(crash.number, handleCrash, SA_ONSTACK);
-    for (const int signal : requests)
+    for (const int signal : kRequests)
         handle(signal, handleEnd, SA_RESTART);
-    for (const int signal : otherEnds)
+    for (const int signal : kOtherEnds)
         handle(signal, handleEnd, SA_RESTART);
     std::atexit(handleExit);
     std::at_quick_exit(handleExit);

@@ -9,7 +9,7 @@ namespace desk {
 
 namespace {
 
-constexpr const char* typeface = "Liberation Sans";
+constexpr const char* kTypeface = "Liberation Sans";
 
 struct Destroy {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -56,7 +56,7 @@ class Canvas::System {
 
     void use(const TextStyle& style) {
         use(style.colour);
-        cairo_select_font_face(context, typeface, CAIRO_FONT_SLANT_NORMAL,
+        cairo_select_font_face(context, kTypeface, CAIRO_FONT_SLANT_NORMAL,
                                style.isBold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
         cairo_set_font_size(context, style.size);
     }

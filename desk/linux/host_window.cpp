@@ -17,7 +17,7 @@ namespace {
 using Time = std::chrono::steady_clock;
 
 /// Long for a window manager to put a window on the screen, short for a person to wait.
-constexpr std::chrono::seconds patience(3);
+constexpr std::chrono::seconds kPatience(3);
 
 std::uint32_t asLength(int pixels) {
     return static_cast<std::uint32_t>(std::clamp(pixels, 1, 32767));
@@ -142,7 +142,7 @@ void HostWindow::System::fixSize() {
 
 void HostWindow::System::show() {
     xcb_map_window(connection_.get(), window_);
-    const Time::time_point until = Time::now() + patience;
+    const Time::time_point until = Time::now() + kPatience;
     while (!isShown_ && waitFor(until))
         takeEvents();
 }

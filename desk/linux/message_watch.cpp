@@ -16,7 +16,7 @@ namespace desk {
 namespace {
 
 /// Often enough for a hand, seldom enough for a machine.
-constexpr int questionMilliseconds = 40;
+constexpr int kQuestionMilliseconds = 40;
 
 } // namespace
 
@@ -58,7 +58,7 @@ MessageWatch::Watcher::Watcher(std::function<void(const ShownMessage&)> onMessag
       connection_(xcb_connect(nullptr, nullptr)) {
     xcb_connection_t* c = connection_.get();
     if (!xcb_connection_has_error(c)) {
-        textProperty_ = platform::xcbAtom(c, platform::messageTextProperty);
+        textProperty_ = platform::xcbAtom(c, platform::kMessageTextProperty);
         captionProperty_ = platform::xcbAtom(c, "_NET_WM_NAME");
         processProperty_ = platform::xcbAtom(c, "_NET_WM_PID");
         protocols_ = platform::xcbAtom(c, "WM_PROTOCOLS");
@@ -74,7 +74,7 @@ MessageWatch::Watcher::Watcher(std::function<void(const ShownMessage&)> onMessag
 void MessageWatch::Watcher::watch() {
     pollfd descriptor = {xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
     while (!isEnding_ && !xcb_connection_has_error(connection_.get())) {
-        poll(&descriptor, 1, questionMilliseconds);
+        poll(&descriptor, 1, kQuestionMilliseconds);
         while (const platform::XcbEvent event{xcb_poll_for_event(connection_.get())})
             take(*event);
         if (acknowledges_())

@@ -16,7 +16,7 @@ namespace desk {
 
 namespace {
 
-constexpr int notFound = 127; // as shells say it
+constexpr int kNotFound = 127; // as shells say it
 
 /// Both ends of a pipe, closed when they are not needed any more.
 class Pipe {
@@ -68,7 +68,7 @@ class VirtualDisplay::Server {
         report.closeInput();
         const std::string number = report.readLine();
         if (number.empty())
-            throw std::runtime_error(stop() == notFound
+            throw std::runtime_error(stop() == kNotFound
                                          ? "there is no display, and no Xvfb to make one: install xvfb"
                                          : "there is no display, and Xvfb does not start");
         setenv("DISPLAY", (":" + number).c_str(), 1);
@@ -101,7 +101,7 @@ class VirtualDisplay::Server {
         fcntl(report.input(), F_SETFD, 0);
         execlp("Xvfb", "Xvfb", "-displayfd", inherited.c_str(), "-screen", "0", format.c_str(), "-nolisten",
                "tcp", "-noreset", static_cast<char*>(nullptr));
-        _exit(notFound);
+        _exit(kNotFound);
     }
 
     /// The exit code; -1 if a signal was needed.

@@ -22,12 +22,12 @@ namespace desk {
 
 namespace {
 
-constexpr UINT exitFailure = 2;
-constexpr DWORD patienceMilliseconds = 10000;
+constexpr UINT kExitFailure = 2;
+constexpr DWORD kPatienceMilliseconds = 10000;
 /// The system ends a process five seconds after its console was closed.
-constexpr DWORD consolePatienceMilliseconds = 4000;
-constexpr std::size_t longestPath = 4096;
-constexpr std::size_t longestDescription = 3 * longestPath;
+constexpr DWORD kConsolePatienceMilliseconds = 4000;
+constexpr std::size_t kLongestPath = 4096;
+constexpr std::size_t kLongestDescription = 3 * kLongestPath;
 
 const char* toolName = nullptr;
 CallDescription describeCall = nullptr;
@@ -36,7 +36,7 @@ HANDLE mainThread = nullptr;
 std::atomic<bool> isWatched = false, areRequestsNoted = false, isRequestNoted = false;
 std::atomic<DWORD> endingThread = 0;
 
-UnfinishedPaths<wchar_t, longestPath> unfinished;
+UnfinishedPaths<wchar_t, kLongestPath> unfinished;
 
 /// One line of text, cut where it would not fit. For the thread that ends the process, which may have little
 /// stack left.
@@ -65,7 +65,7 @@ class Line {
     }
 
   private:
-    static inline std::array<char, longestDescription> text_;
+    static inline std::array<char, kLongestDescription> text_;
     std::size_t length_ = 0;
 };
 
@@ -115,7 +115,7 @@ void removeFolder(wchar_t* path, std::size_t length, int depth) {
     const auto append = [&](const wchar_t* name) {
         std::size_t end = length;
         path[end++] = L'\\';
-        while (*name && end < longestPath - 1)
+        while (*name && end < kLongestPath - 1)
             path[end++] = *name++;
         path[end] = 0;
         return end;
@@ -145,7 +145,7 @@ void removeUnfinished() {
     SetCurrentDirectoryW(L"\\");
     unfinished.forEach([](const wchar_t* path, UnfinishedPath::Kind kind) {
         constexpr int deepest = 16;
-        static std::array<wchar_t, longestPath> buffer;
+        static std::array<wchar_t, kLongestPath> buffer;
         const std::size_t length = std::wcslen(path);
         std::wmemcpy(buffer.data(), path, length + 1);
         kind == UnfinishedPath::Kind::file ? removeFile(buffer.data())
@@ -175,7 +175,7 @@ void becomeTheOneToEnd(UINT status) {
 
 /// What an end needs of a stack is kept for it, so that also a stack overflow can be told of.
 void keepStackForTheEnd() {
-    ULONG size = 16 * longestPath;
+    ULONG size = 16 * kLongestPath;
     SetThreadStackGuarantee(&size);
 }
 
@@ -197,7 +197,7 @@ const char* exceptionName(DWORD code) {
 }
 
 void addCrash(Line& line) {
-    static std::array<char, longestDescription> call;
+    static std::array<char, kLongestDescription> call;
     const bool isInCall = describeCall(call.data(), call.size());
     line.add("crash");
     line.add(isInCall ? " of " : call[0] ? " outside of the calls of " : "");
@@ -245,7 +245,7 @@ BOOL WINAPI handleConsole(DWORD event) {
     const bool isFirst = areRequestsNoted && !isRequestNoted.exchange(true);
     if (!isFirst)
         return static_cast<BOOL>(endUnlessDone(nullptr) == 0);
-    const DWORD patience = isLastWord ? consolePatienceMilliseconds : patienceMilliseconds;
+    const DWORD patience = isLastWord ? kConsolePatienceMilliseconds : kPatienceMilliseconds;
     void* const argument = reinterpret_cast<void*>(static_cast<std::uintptr_t>(patience));
     if (isLastWord) // the process is over as soon as this returns
         endUnlessDone(argument);
@@ -258,14 +258,14 @@ BOOL WINAPI handleConsole(DWORD event) {
 void handleExit() {
     if (!isWatched)
         return;
-    becomeTheOneToEnd(exitFailure);
-    static std::array<char, longestDescription> call;
+    becomeTheOneToEnd(kExitFailure);
+    static std::array<char, kLongestDescription> call;
     const bool isInCall = describeCall(call.data(), call.size());
     Line line;
     line.add("the process was ended by ");
     line.add(isInCall || call[0] ? call.data() : "exit()");
     line.send();
-    endProcess(exitFailure);
+    endProcess(kExitFailure);
 }
 
 /// On each thread that begins, whoever made it. For libraries whose C runtime is not this one, the system's

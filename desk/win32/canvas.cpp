@@ -18,7 +18,7 @@ namespace {
 constexpr const wchar_t* typefaces[] = {L"Arial", L"Liberation Sans"};
 
 /// The kind of file, by Windows' own name for it.
-constexpr CLSID pngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
+constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
 
 /// Drawing is a part of Windows that has to be started. It runs until the program ends.
 void startDrawing() {
@@ -202,7 +202,7 @@ double Canvas::textWidth(const std::string& words, const TextStyle& style) {
 }
 
 void Canvas::writePng(const std::filesystem::path& file) {
-    demand(system_->sheet.Save(file.c_str(), &pngEncoder, nullptr));
+    demand(system_->sheet.Save(file.c_str(), &kPngEncoder, nullptr));
 }
 
 void writePng(const Picture& picture, const std::filesystem::path& file) {
@@ -214,7 +214,7 @@ void writePng(const Picture& picture, const std::filesystem::path& file) {
     demand(sheet.LockBits(&whole, Gdiplus::ImageLockModeWrite, PixelFormat32bppRGB, &rows));
     copyRows(picture, rows);
     demand(sheet.UnlockBits(&rows));
-    demand(sheet.Save(file.c_str(), &pngEncoder, nullptr));
+    demand(sheet.Save(file.c_str(), &kPngEncoder, nullptr));
 }
 
 } // namespace desk

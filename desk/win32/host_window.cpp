@@ -10,10 +10,10 @@ namespace desk {
 
 namespace {
 
-constexpr wchar_t className[] = L"QuillonHostWindow";
+constexpr wchar_t kClassName[] = L"QuillonHostWindow";
 
 /// Nobody makes an editor's window larger or smaller by hand: an editor has one size.
-constexpr DWORD style = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
+constexpr DWORD kStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN;
 
 int asLength(int pixels) {
     return std::clamp(pixels, 1, 32767);
@@ -91,7 +91,7 @@ HostWindow::System::System(const std::string& title, int width, int height)
     : width_(asLength(width)), height_(asLength(height)) {
     registerClass();
     const SIZE outer = outerSize(width_, height_);
-    window_ = CreateWindowExW(0, className, platform::wide(title).c_str(), style, CW_USEDEFAULT, CW_USEDEFAULT,
+    window_ = CreateWindowExW(0, kClassName, platform::wide(title).c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
                               outer.cx, outer.cy, nullptr, nullptr, platform::moduleHandle(), nullptr);
     if (!window_)
         throw std::runtime_error("there is no display to open a window on");
@@ -112,7 +112,7 @@ void HostWindow::System::registerClass() {
     description.hInstance = platform::moduleHandle();
     description.hCursor = LoadCursor(nullptr, IDC_ARROW);
     description.hbrBackground = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
-    description.lpszClassName = className;
+    description.lpszClassName = kClassName;
     RegisterClassExW(&description); // which says no from the second time on
 }
 
@@ -131,7 +131,7 @@ LRESULT CALLBACK HostWindow::System::receive(HWND window, UINT message, WPARAM w
 
 SIZE HostWindow::System::outerSize(int width, int height) {
     RECT area = {0, 0, width, height};
-    AdjustWindowRectEx(&area, style, FALSE, 0);
+    AdjustWindowRectEx(&area, kStyle, FALSE, 0);
     return {area.right - area.left, area.bottom - area.top};
 }
 

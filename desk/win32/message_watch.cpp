@@ -16,16 +16,16 @@ namespace desk {
 namespace {
 
 /// Often enough for a hand, seldom enough for a machine.
-constexpr DWORD questionMilliseconds = 40;
+constexpr DWORD kQuestionMilliseconds = 40;
 /// For a window's thread to answer. It may be busy ending, and wait for the watch itself to end.
-constexpr UINT answerMilliseconds = 200;
+constexpr UINT kAnswerMilliseconds = 200;
 
 /// What a window says; nothing if it does not answer.
 std::optional<std::string> textOf(HWND window) {
     std::wstring text(16384, L'\0');
     DWORD_PTR length = 0;
     if (!SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
-                             SMTO_ABORTIFHUNG, answerMilliseconds, &length))
+                             SMTO_ABORTIFHUNG, kAnswerMilliseconds, &length))
         return std::nullopt;
     text.resize(length);
     return platform::utf8(text);
@@ -74,7 +74,7 @@ class MessageWatch::Watcher {
             lookForBoxes();
             if (acknowledges_())
                 acknowledgeAll();
-            Sleep(questionMilliseconds);
+            Sleep(kQuestionMilliseconds);
         }
     }
 

@@ -12,8 +12,8 @@ namespace desk {
 
 namespace {
 
-constexpr int standardOutput = 1;
-constexpr int standardError = 2;
+constexpr int kStandardOutput = 1;
+constexpr int kStandardError = 2;
 
 [[noreturn]] void fail(int error) {
     throw std::runtime_error("standard output cannot be kept apart: " +
@@ -31,21 +31,21 @@ bool isOpen(int descriptor) {
 
 /// Sends descriptor 1 to standard error, or away where that is closed.
 void divertStandardOutput() {
-    if (!isOpen(standardError) || _dup2(standardError, standardOutput) != 0) {
+    if (!isOpen(kStandardError) || _dup2(kStandardError, kStandardOutput) != 0) {
         const int nowhere = _open("NUL", _O_WRONLY);
-        if (nowhere < 0 || _dup2(nowhere, standardOutput) != 0)
+        if (nowhere < 0 || _dup2(nowhere, kStandardOutput) != 0)
             fail(errno);
         _close(nowhere);
     }
     // A library with a C runtime of its own asks the system and not our descriptors.
-    SetStdHandle(STD_OUTPUT_HANDLE, handleOf(standardOutput));
+    SetStdHandle(STD_OUTPUT_HANDLE, handleOf(kStandardOutput));
 }
 
 std::FILE* splitOutput() {
     std::fflush(stdout);
-    if (!isOpen(standardOutput))
+    if (!isOpen(kStandardOutput))
         fail(EBADF);
-    const int own = _dup(standardOutput);
+    const int own = _dup(kStandardOutput);
     if (own < 0)
         fail(errno);
     SetHandleInformation(handleOf(own), HANDLE_FLAG_INHERIT, 0);

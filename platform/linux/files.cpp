@@ -40,7 +40,7 @@ using Bytes = std::span<const unsigned char>;
 /// All zeros, which is no kind of file, if the system does not tell.
 struct stat statusOf(const Descriptor& file) {
     struct stat status = {};
-    if (fstat(file.number(), &status) != 0)
+    if (!file || fstat(file.number(), &status) != 0)
         status = {};
     return status;
 }

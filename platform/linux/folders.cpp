@@ -69,7 +69,7 @@ std::optional<std::string> find(const std::string& folder, Part part, Part end) 
 
 } // namespace
 
-const char folderSeparator = '/';
+const char kFolderSeparator = '/';
 
 std::vector<std::string> listFolder(const std::string& folder) {
     std::vector<std::string> names;

@@ -18,23 +18,23 @@ constexpr Colour colour(unsigned code) {
     return {(code >> 16 & 255) / 255.0, (code >> 8 & 255) / 255.0, (code & 255) / 255.0};
 }
 
-constexpr Colour page = colour(0xFBFAF7);
-constexpr Colour bar = colour(0xF1EFE9);
-constexpr Colour hairline = colour(0xDDD9CF);
-constexpr Colour slate = colour(0x2B3540);
-constexpr Colour amber = colour(0xE0A030);
-constexpr Colour lightAmber = colour(0xE9B14D);
-constexpr Colour deepAmber = colour(0xC2851C);
+constexpr Colour kPage = colour(0xFBFAF7);
+constexpr Colour kBar = colour(0xF1EFE9);
+constexpr Colour kHairline = colour(0xDDD9CF);
+constexpr Colour kSlate = colour(0x2B3540);
+constexpr Colour kAmber = colour(0xE0A030);
+constexpr Colour kLightAmber = colour(0xE9B14D);
+constexpr Colour kDeepAmber = colour(0xC2851C);
 
-constexpr double padding = 26;
-constexpr double barHeight = 62;
-constexpr double buttonWidth = 104;
-constexpr double buttonHeight = 34;
-constexpr double cornerRadius = 5;
-constexpr double narrowestText = 260;
-constexpr double widestText = 540;
-constexpr double typeSize = 15;
-constexpr double lineHeight = 22;
+constexpr double kPadding = 26;
+constexpr double kBarHeight = 62;
+constexpr double kButtonWidth = 104;
+constexpr double kButtonHeight = 34;
+constexpr double kCornerRadius = 5;
+constexpr double kNarrowestText = 260;
+constexpr double kWidestText = 540;
+constexpr double kTypeSize = 15;
+constexpr double kLineHeight = 22;
 
 void setColour(cairo_t* cairo, Colour c) {
     cairo_set_source_rgb(cairo, c.red, c.green, c.blue);
@@ -58,7 +58,7 @@ void roundedRectangle(cairo_t* cairo, MessageRectangle r, double radius) {
 
 void chooseType(cairo_t* cairo) {
     cairo_select_font_face(cairo, "sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo, typeSize);
+    cairo_set_font_size(cairo, kTypeSize);
     // Glyphs as wide at every scale, so that a line is drawn as wide as it was measured.
     cairo_font_options_t* options = cairo_font_options_create();
     cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
@@ -83,13 +83,13 @@ void drawLine(cairo_t* cairo, const std::string& text, double x, double y) {
 Colour faceOf(ButtonLook look) {
     switch (look) {
     case ButtonLook::pressed:
-        return deepAmber;
+        return kDeepAmber;
     case ButtonLook::underPointer:
-        return lightAmber;
+        return kLightAmber;
     case ButtonLook::resting:
         break;
     }
-    return amber;
+    return kAmber;
 }
 
 } // namespace
@@ -99,59 +99,60 @@ MessageDrawing::MessageDrawing(const std::string& text, MessageSize limit) {
     cairo_t* cairo = cairo_create(paper);
     chooseType(cairo);
     const auto measure = [cairo](const std::string& line) { return widthOf(cairo, line); };
-    lines_ = breakLines(text, std::min(widestText, limit.width - 2 * padding), measure);
+    lines_ = breakLines(text, std::min(kWidestText, limit.width - 2 * kPadding), measure);
 
-    const double room = (limit.height - barHeight - 2 * padding) / lineHeight;
+    const double room = (limit.height - kBarHeight - 2 * kPadding) / kLineHeight;
     const auto mostLines = static_cast<std::size_t>(std::max(room, 1.0));
     if (lines_.size() > mostLines) {
         lines_.resize(mostLines);
         lines_.back() = "\u2026";
     }
-    double width = narrowestText;
+    double width = kNarrowestText;
     for (const std::string& line : lines_)
         width = std::max(width, measure(line));
     cairo_destroy(cairo);
     cairo_surface_destroy(paper);
 
-    size_.width = std::ceil(width) + 2 * padding;
-    size_.height = static_cast<double>(lines_.size()) * lineHeight + 2 * padding + barHeight;
+    size_.width = std::ceil(width) + 2 * kPadding;
+    size_.height = static_cast<double>(lines_.size()) * kLineHeight + 2 * kPadding + kBarHeight;
 }
 
 MessageRectangle MessageDrawing::button(MessageSize box) {
-    const double inset = (barHeight - buttonHeight) / 2;
-    return {box.width - inset - buttonWidth, box.height - inset - buttonHeight, buttonWidth, buttonHeight};
+    const double inset = (kBarHeight - kButtonHeight) / 2;
+    return {box.width - inset - kButtonWidth, box.height - inset - kButtonHeight, kButtonWidth,
+            kButtonHeight};
 }
 
 void MessageDrawing::draw(cairo_t* cairo, MessageSize box, ButtonLook look) const {
-    const double barTop = box.height - barHeight;
-    fillRectangle(cairo, {0, 0, box.width, barTop}, page);
-    fillRectangle(cairo, {0, barTop, box.width, barHeight}, bar);
-    fillRectangle(cairo, {0, barTop, box.width, 1}, hairline);
+    const double barTop = box.height - kBarHeight;
+    fillRectangle(cairo, {0, 0, box.width, barTop}, kPage);
+    fillRectangle(cairo, {0, barTop, box.width, kBarHeight}, kBar);
+    fillRectangle(cairo, {0, barTop, box.width, 1}, kHairline);
 
     chooseType(cairo);
-    setColour(cairo, slate);
-    double y = padding + lineHeight / 2;
+    setColour(cairo, kSlate);
+    double y = kPadding + kLineHeight / 2;
     for (const std::string& line : lines_) {
-        drawLine(cairo, line, padding, y);
-        y += lineHeight;
+        drawLine(cairo, line, kPadding, y);
+        y += kLineHeight;
     }
     drawButton(cairo, button(box), look);
 }
 
 void MessageDrawing::drawButton(cairo_t* cairo, MessageRectangle place, ButtonLook look) {
-    roundedRectangle(cairo, place, cornerRadius);
+    roundedRectangle(cairo, place, kCornerRadius);
     setColour(cairo, faceOf(look));
     cairo_fill(cairo);
     // A ring inside the edge says that the keyboard goes here.
     roundedRectangle(cairo, {place.x + 2.5, place.y + 2.5, place.width - 5, place.height - 5},
-                     cornerRadius - 2);
-    cairo_set_source_rgba(cairo, slate.red, slate.green, slate.blue, 0.35);
+                     kCornerRadius - 2);
+    cairo_set_source_rgba(cairo, kSlate.red, kSlate.green, kSlate.blue, 0.35);
     cairo_set_line_width(cairo, 1);
     cairo_stroke(cairo);
 
     const std::string label = "OK";
     const double sunk = look == ButtonLook::pressed ? 1 : 0;
-    setColour(cairo, slate);
+    setColour(cairo, kSlate);
     drawLine(cairo, label, place.x + (place.width - widthOf(cairo, label)) / 2,
              place.y + place.height / 2 + sunk);
 }

@@ -5,6 +5,6 @@ namespace platform {
 
 /// The property of the window that holds the message's text as it is, for those who cannot read a picture.
 /// Written last of all, behind the title and the number of the process.
-inline constexpr char messageTextProperty[] = "_QUILLON_MESSAGE";
+inline constexpr char kMessageTextProperty[] = "_QUILLON_MESSAGE";
 
 } // namespace platform

@@ -37,7 +37,7 @@ struct FinishSurface {
     }
 };
 
-constexpr xcb_keysym_t keyReturn = 0xff0d, keyEscape = 0xff1b, keyKeypadEnter = 0xff8d;
+constexpr xcb_keysym_t kKeyReturn = 0xff0d, kKeyEscape = 0xff1b, kKeyKeypadEnter = 0xff8d;
 
 bool isAscii(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 128; });
@@ -245,7 +245,7 @@ void MessageWindow::setTextForPrograms() const {
     const auto process = static_cast<std::uint32_t>(getpid());
     xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL,
                         32, 1, &process);
-    setProperty(atom(messageTextProperty), atom("UTF8_STRING"), text_);
+    setProperty(atom(kMessageTextProperty), atom("UTF8_STRING"), text_);
 }
 
 void MessageWindow::show(const std::string& caption) {
@@ -329,7 +329,7 @@ bool MessageWindow::isClosingKey(const xcb_key_press_event_t& event) const {
     if (!mapping || xcb_get_keyboard_mapping_keysyms_length(mapping.get()) < 1)
         return false;
     const xcb_keysym_t key = *xcb_get_keyboard_mapping_keysyms(mapping.get());
-    return key == keyReturn || key == keyKeypadEnter || key == keyEscape;
+    return key == kKeyReturn || key == kKeyKeypadEnter || key == kKeyEscape;
 }
 
 bool MessageWindow::isOnButton(int x, int y) const {

@@ -45,7 +45,7 @@ class Search {
 
 } // namespace
 
-const char folderSeparator = '\\';
+const char kFolderSeparator = '\\';
 
 std::vector<std::string> listFolder(const std::string& folder) {
     std::vector<std::string> names;

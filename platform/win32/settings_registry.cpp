@@ -8,20 +8,20 @@ namespace platform {
 namespace {
 
 /// Bytes of a text, the NUL behind it included.
-constexpr DWORD textLimit = 260;
+constexpr DWORD kTextLimit = 260;
 
-const std::string settingsKey =
+const std::string kSettingsKey =
     "Software\\" + std::string(base::kVendorName) + '\\' + std::string(base::kProductName);
 
 class RegistrySettings final : public SettingsStore {
   public:
     std::optional<std::string> read(const std::string& name) override {
         HKEY key = nullptr;
-        if (RegOpenKeyExA(HKEY_CURRENT_USER, settingsKey.c_str(), 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
+        if (RegOpenKeyExA(HKEY_CURRENT_USER, kSettingsKey.c_str(), 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
             return std::nullopt;
         // Other programs may have kept a text without its NUL.
-        char text[textLimit + 1] = {};
-        DWORD size = textLimit;
+        char text[kTextLimit + 1] = {};
+        DWORD size = kTextLimit;
         const LSTATUS status =
             RegQueryValueExA(key, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size);
         RegCloseKey(key);
@@ -30,7 +30,7 @@ class RegistrySettings final : public SettingsStore {
 
     bool write(const std::string& name, const std::string& value) override {
         HKEY key = nullptr;
-        if (RegCreateKeyExA(HKEY_CURRENT_USER, settingsKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+        if (RegCreateKeyExA(HKEY_CURRENT_USER, kSettingsKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
                             &key, nullptr) != ERROR_SUCCESS)
             return false;
         const auto size = static_cast<DWORD>(lstrlenA(value.c_str()) + 1);

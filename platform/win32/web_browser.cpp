@@ -11,7 +11,7 @@ namespace platform {
 namespace {
 
 /// Bytes of a command or a path, the NUL behind it included.
-constexpr DWORD textLimit = 260;
+constexpr DWORD kTextLimit = 260;
 
 /// The program that a command begins with: what stands between its first two quotes. Empty for a command
 /// without quotes, where nobody can say for certain where a path with blanks ends.
@@ -29,8 +29,8 @@ void openOwnBrowser(const std::string& argument) {
     if (RegOpenKeyExA(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", 0, KEY_QUERY_VALUE, &key) !=
         ERROR_SUCCESS)
         return;
-    char command[textLimit + 1] = {};
-    DWORD size = textLimit;
+    char command[kTextLimit + 1] = {};
+    DWORD size = kTextLimit;
     const LSTATUS status =
         RegQueryValueExA(key, nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(command), &size);
     const std::string program = status == ERROR_SUCCESS ? quotedProgram(command) : std::string();

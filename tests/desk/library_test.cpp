@@ -27,14 +27,14 @@ std::string folderAsSeenBy(const SharedLibrary& library) {
 TEST(ModuleFolder, IsTheFolderOfTheLibraryAndEndsInASeparator) {
     const SharedLibrary library(sample);
     EXPECT_EQ(folderAsSeenBy(library),
-              files::canonical(sample).parent_path().string() + platform::folderSeparator);
+              files::canonical(sample).parent_path().string() + platform::kFolderSeparator);
 }
 
 TEST(ModuleFolder, IsAbsoluteForALibraryThatWasLoadedByARelativePath) {
     const PrivateFolder folder;
     files::create_directory("sub");
     files::copy_file(sample, "sub/sample.so");
-    const std::string expected = files::canonical("sub").string() + platform::folderSeparator;
+    const std::string expected = files::canonical("sub").string() + platform::kFolderSeparator;
     const SharedLibrary library("sub/sample.so");
     files::current_path(files::current_path().root_path());
     EXPECT_EQ(folderAsSeenBy(library), expected) << "although the current directory changed after loading";

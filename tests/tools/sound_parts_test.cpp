@@ -73,11 +73,11 @@ TEST(TailWatch, WaitsAsLongAsTheMemoryRemembers) {
     watch.inputEndedAt(1);
     auto sound = block(1, loud);
     watch.look(sound, 1);
-    EXPECT_EQ(watch.look(block(quietFrames - 1, quiet), 1), quietFrames - 1);
+    EXPECT_EQ(watch.look(block(kQuietFrames - 1, quiet), 1), kQuietFrames - 1);
     EXPECT_FALSE(watch.hasEnded());
     watch.look(sound, 1);
-    EXPECT_EQ(watch.certainFrames(), quietFrames + 1);
-    EXPECT_EQ(watch.look(block(quietFrames + 10, quiet), 1), quietFrames);
+    EXPECT_EQ(watch.certainFrames(), kQuietFrames + 1);
+    EXPECT_EQ(watch.look(block(kQuietFrames + 10, quiet), 1), kQuietFrames);
     EXPECT_TRUE(watch.hasEnded());
 }
 

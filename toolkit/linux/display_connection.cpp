@@ -14,7 +14,7 @@ using platform::ownedXcb;
 namespace {
 
 /// A container this much larger than what it holds has something else to show.
-constexpr int widestFrame = 80;
+constexpr int kWidestFrame = 80;
 
 } // namespace
 
@@ -85,7 +85,7 @@ void DisplayConnection::resizeWithContainers(std::uint32_t window, int width, in
         const Size around = sizeOf(container);
         extra.width = std::max(extra.width + around.width - before.width, 0);
         extra.height = std::max(extra.height + around.height - before.height, 0);
-        if (extra.width > widestFrame || extra.height > widestFrame)
+        if (extra.width > kWidestFrame || extra.height > kWidestFrame)
             return;
         current = container;
     }

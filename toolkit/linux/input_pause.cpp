@@ -19,7 +19,7 @@ namespace {
 
 using VSTGUI::MouseButton;
 
-constexpr std::uint32_t inputEvents =
+constexpr std::uint32_t kInputEvents =
     XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_BUTTON_PRESS |
     XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_1_MOTION |
     XCB_EVENT_MASK_BUTTON_2_MOTION | XCB_EVENT_MASK_BUTTON_3_MOTION | XCB_EVENT_MASK_BUTTON_4_MOTION |
@@ -37,9 +37,9 @@ struct Button {
     std::uint8_t number;
     std::uint16_t mask;
 };
-constexpr std::array buttons = {Button{MouseButton::Left, 1, XCB_BUTTON_MASK_1},
-                                Button{MouseButton::Middle, 2, XCB_BUTTON_MASK_2},
-                                Button{MouseButton::Right, 3, XCB_BUTTON_MASK_3}};
+constexpr std::array kButtons = {Button{MouseButton::Left, 1, XCB_BUTTON_MASK_1},
+                                 Button{MouseButton::Middle, 2, XCB_BUTTON_MASK_2},
+                                 Button{MouseButton::Right, 3, XCB_BUTTON_MASK_3}};
 
 void setEvents(xcb_connection_t* connection, const PausedWindow& state) {
     const std::uint32_t values[] = {state.events, state.keptFromParent};
@@ -51,11 +51,11 @@ void setEvents(xcb_connection_t* connection, const PausedWindow& state) {
 std::optional<PausedWindow> pause(xcb_connection_t* connection, xcb_window_t window) {
     const auto now = platform::ownedXcb(
         xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr));
-    if (!now || !(now->your_event_mask & inputEvents))
+    if (!now || !(now->your_event_mask & kInputEvents))
         return std::nullopt;
     // What nobody takes from the window goes on to those around it.
     setEvents(connection,
-              {window, now->your_event_mask & ~inputEvents, now->do_not_propagate_mask | inputEvents});
+              {window, now->your_event_mask & ~kInputEvents, now->do_not_propagate_mask | kInputEvents});
     return PausedWindow{window, now->your_event_mask, now->do_not_propagate_mask};
 }
 
@@ -66,7 +66,7 @@ void sendMissedReleases(xcb_connection_t* connection, xcb_window_t window, const
         xcb_query_pointer_reply(connection, xcb_query_pointer(connection, window), nullptr);
     if (!pointer)
         return;
-    for (const Button& button : buttons) {
+    for (const Button& button : kButtons) {
         if (!known.held().has(button.name) || pointer->mask & button.mask)
             continue;
         xcb_button_release_event_t release = {};

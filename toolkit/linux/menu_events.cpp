@@ -14,7 +14,7 @@ using VSTGUI::EventType;
 namespace {
 
 /// How far the pointer may wander in a click, in pixels; the toolkit's own measure for a double click.
-constexpr double clickDistance = 5.0;
+constexpr double kClickDistance = 5.0;
 
 /// A menu that has just opened still has its fade to do, and takes nothing before that.
 void endFadeIn(const CFrame& frame) {
@@ -79,8 +79,8 @@ void MenuEvents::onKeyboardEvent(VSTGUI::KeyboardEvent&, CFrame* frame) {
 bool MenuEvents::endsOpeningClick(const VSTGUI::MouseEvent& release, const CFrame& frame) const {
     const VSTGUI::CView* const modalView = frame.getModalView();
     return modalView && modalView != modalViewAtPress_ &&
-           std::abs(release.mousePosition.x - pressPlace_.x) <= clickDistance &&
-           std::abs(release.mousePosition.y - pressPlace_.y) <= clickDistance;
+           std::abs(release.mousePosition.x - pressPlace_.x) <= kClickDistance &&
+           std::abs(release.mousePosition.y - pressPlace_.y) <= kClickDistance;
 }
 
 } // namespace toolkit

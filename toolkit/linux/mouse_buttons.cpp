@@ -10,10 +10,10 @@ using VSTGUI::MouseEventButtonState;
 
 namespace {
 
-constexpr std::array buttons = {MouseButton::Left, MouseButton::Middle, MouseButton::Right};
+constexpr std::array kButtons = {MouseButton::Left, MouseButton::Middle, MouseButton::Right};
 
 MouseEventButtonState joined(MouseEventButtonState state, const MouseEventButtonState& more) {
-    for (MouseButton button : buttons)
+    for (MouseButton button : kButtons)
         if (more.has(button))
             state.add(button);
     return state;
@@ -21,7 +21,7 @@ MouseEventButtonState joined(MouseEventButtonState state, const MouseEventButton
 
 MouseEventButtonState without(const MouseEventButtonState& state, const MouseEventButtonState& less) {
     MouseEventButtonState rest;
-    for (MouseButton button : buttons)
+    for (MouseButton button : kButtons)
         if (state.has(button) && !less.has(button))
             rest.add(button);
     return rest;

@@ -15,14 +15,14 @@ namespace {
 /// How many use the toolkit. Hosts may make and close instances on several threads at once: while one of them
 /// makes the toolkit ready or gives it back, the count stands at `changing`, and the others wait for it.
 std::atomic<int> uses = 0;
-constexpr int changing = -1;
+constexpr int kChanging = -1;
 
 /// Replaces the count by what `next` gives for it, and gives the count before.
 template <class Next>
 int changeUses(const Next& next) {
     int before = uses.load();
-    while (before == changing || !uses.compare_exchange_weak(before, next(before))) {
-        uses.wait(changing);
+    while (before == kChanging || !uses.compare_exchange_weak(before, next(before))) {
+        uses.wait(kChanging);
         before = uses.load();
     }
     return before;
@@ -45,7 +45,7 @@ void pinLibrary() {
 } // namespace
 
 ToolkitUse::ToolkitUse() {
-    if (changeUses([](int count) { return count == 0 ? changing : count + 1; }) > 0)
+    if (changeUses([](int count) { return count == 0 ? kChanging : count + 1; }) > 0)
         return;
     pinLibrary();
     try {
@@ -61,7 +61,7 @@ ToolkitUse::ToolkitUse() {
 }
 
 ToolkitUse::~ToolkitUse() {
-    if (changeUses([](int count) { return count == 1 ? changing : count - 1; }) > 1)
+    if (changeUses([](int count) { return count == 1 ? kChanging : count - 1; }) > 1)
         return;
     VSTGUI::exit();
     setUses(0);

@@ -17,7 +17,7 @@ namespace toolkit {
 namespace {
 
 /// A container this much larger than what it holds has something else to show.
-constexpr int widestFrame = 80;
+constexpr int kWidestFrame = 80;
 
 struct Size {
     int width = 0;
@@ -103,7 +103,7 @@ void resizeWithContainers(HWND window, Size size) {
         resize(window, {size.width + extra.width, size.height + extra.height});
         extra.width += around.width - inside.width;
         extra.height += around.height - inside.height;
-        if (extra.width > widestFrame || extra.height > widestFrame)
+        if (extra.width > kWidestFrame || extra.height > kWidestFrame)
             return;
         extra.width = std::max(extra.width, 0);
         extra.height = std::max(extra.height, 0);

@@ -14,8 +14,8 @@ namespace tools {
 
 namespace {
 
-constexpr int scanSteps = 1024;
-constexpr int halvings = 40; // more than a float between 0 and 1 has places
+constexpr int kScanSteps = 1024;
+constexpr int kHalvings = 40; // more than a float between 0 and 1 has places
 
 struct Sample {
     float value = 0.0f;
@@ -41,8 +41,8 @@ class Search {
   public:
     Search(host::Plugin& plugin, std::int32_t id)
         : plugin_(plugin), id_(id), before_{plugin.getParameter(id), plugin.parameterDisplay(id)} {
-        for (int step = 0; step <= scanSteps; ++step)
-            scan_.push_back(sampleAt(static_cast<float>(step) / scanSteps));
+        for (int step = 0; step <= kScanSteps; ++step)
+            scan_.push_back(sampleAt(static_cast<float>(step) / kScanSteps));
     }
     ~Search() { plugin_.setParameter(id_, before_.value); }
     Search(const Search&) = delete;
@@ -106,7 +106,7 @@ class Search {
         const auto highSide = isAbove(high);
         if (!lowSide || !highSide || *lowSide == *highSide)
             return;
-        for (int i = 0; i < halvings; ++i) {
+        for (int i = 0; i < kHalvings; ++i) {
             const float value = middle(low.value, high.value);
             if (value == low.value || value == high.value)
                 return;
@@ -142,7 +142,7 @@ class Search {
 
     /// The last value on the way from one that shows `display` to one that does not.
     float lastShowing(float inside, float outside, const std::string& display) {
-        for (int i = 0; i < halvings; ++i) {
+        for (int i = 0; i < kHalvings; ++i) {
             const float value = middle(inside, outside);
             if (value == inside || value == outside)
                 break;

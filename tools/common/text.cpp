@@ -9,7 +9,7 @@ namespace tools {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n\f\v";
+constexpr std::string_view kBlanks = " \t\r\n\f\v";
 
 char small(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -19,7 +19,7 @@ char small(char letter) {
 std::string comparable(std::string_view text) {
     std::string result;
     for (char letter : trimmed(text)) {
-        const bool blank = blanks.find(letter) != std::string_view::npos;
+        const bool blank = kBlanks.find(letter) != std::string_view::npos;
         if (blank && !result.empty() && result.back() == ' ')
             continue;
         result += blank ? ' ' : small(letter);
@@ -63,10 +63,10 @@ std::string shortest(Number value) {
 } // namespace
 
 std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(blanks);
+    const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos)
         return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::string lowered(std::string_view text) {

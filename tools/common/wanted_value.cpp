@@ -7,7 +7,7 @@ namespace tools {
 
 namespace {
 
-constexpr std::string_view displayPrefix = "display:";
+constexpr std::string_view kDisplayPrefix = "display:";
 
 WantedValue shownValue(std::string_view text) {
     WantedValue wanted;
@@ -55,8 +55,8 @@ Unit unitNamed(std::string_view name) {
 
 WantedValue wantedValue(std::string_view text) {
     text = trimmed(text);
-    if (beginsLike(text, displayPrefix))
-        return shownValue(text.substr(displayPrefix.size()));
+    if (beginsLike(text, kDisplayPrefix))
+        return shownValue(text.substr(kDisplayPrefix.size()));
     const auto number = leadingNumber(text);
     if (number && number->rest.empty())
         return normalisedValue(text, number->value);

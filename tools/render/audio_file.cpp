@@ -18,7 +18,7 @@ struct Ending {
     bool isLossy;
 };
 
-constexpr Ending endings[] = {
+constexpr Ending kEndings[] = {
     {".wav", "WAV", SF_FORMAT_WAV, true, false},        {".flac", "FLAC", SF_FORMAT_FLAC, false, false},
     {".aiff", "AIFF", SF_FORMAT_AIFF, true, false},     {".aif", "AIFF", SF_FORMAT_AIFF, true, false},
     {".ogg", "Ogg Vorbis", SF_FORMAT_OGG, false, true}, {".w64", "Wave64", SF_FORMAT_W64, true, false},
@@ -27,7 +27,7 @@ constexpr Ending endings[] = {
 
 const Ending& endingOf(const std::filesystem::path& path) {
     const std::string wanted = lowered(path.extension().string());
-    for (const Ending& ending : endings)
+    for (const Ending& ending : kEndings)
         if (wanted == ending.ending)
             return ending;
     throw ToolError(path.string() +
@@ -35,12 +35,12 @@ const Ending& endingOf(const std::filesystem::path& path) {
 }
 
 /// The most that a plain WAV or AIFF file can hold, with some room for its header.
-constexpr std::int64_t longestPlainFile = (std::int64_t{1} << 32) - 65536;
+constexpr std::int64_t kLongestPlainFile = (std::int64_t{1} << 32) - 65536;
 
 /// Below the one, in Hz, not even a voice on a telephone is left; beyond the other no converter goes. A
 /// header with another rate is damaged.
-constexpr int lowestRate = 1000;
-constexpr int highestRate = 768000;
+constexpr int kLowestRate = 1000;
+constexpr int kHighestRate = 768000;
 
 } // namespace
 
@@ -54,9 +54,9 @@ AudioReader::AudioReader(const std::filesystem::path& path) : path_(path) {
     if (file_.channels() < 1 || file_.channels() > 2)
         throw ToolError(path.string() + " has " + std::to_string(file_.channels()) +
                         " channels; only mono and stereo files can be played");
-    if (file_.samplerate() < lowestRate || file_.samplerate() > highestRate)
+    if (file_.samplerate() < kLowestRate || file_.samplerate() > kHighestRate)
         throw ToolError(path.string() + " has a sample rate of " + std::to_string(file_.samplerate()) +
-                        " Hz; only " + std::to_string(lowestRate) + " to " + std::to_string(highestRate) +
+                        " Hz; only " + std::to_string(kLowestRate) + " to " + std::to_string(kHighestRate) +
                         " Hz can be played");
     if (file_.frames() < 1)
         throw ToolError(path.string() + " holds no sound");
@@ -102,9 +102,9 @@ OutputKind outputKind(const std::filesystem::path& path, SampleFormat format, in
         kind.name += ", 24 bit";
     }
     const std::int64_t bytes = longest * channels * (format == SampleFormat::float32 ? 4 : 3);
-    if (ending.major == SF_FORMAT_WAV && bytes > longestPlainFile)
+    if (ending.major == SF_FORMAT_WAV && bytes > kLongestPlainFile)
         kind.format = SF_FORMAT_RF64 | (kind.format & SF_FORMAT_SUBMASK);
-    else if (ending.major == SF_FORMAT_AIFF && bytes > longestPlainFile)
+    else if (ending.major == SF_FORMAT_AIFF && bytes > kLongestPlainFile)
         throw ToolError(path.string() + " could become too long for an AIFF file; take .wav");
     if (!SndfileHandle::formatCheck(kind.format, channels, sampleRate))
         throw ToolError(path.string() + ": a " + ending.name + " file cannot have " +

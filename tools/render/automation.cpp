@@ -11,12 +11,12 @@ namespace tools::render {
 
 namespace {
 
-constexpr std::uintmax_t longestFile = 64u << 20;
-constexpr std::string_view blanks = " \t\r\f\v";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::uintmax_t kLongestFile = 64u << 20;
+constexpr std::string_view kBlanks = " \t\r\f\v";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool isBlank(char letter) {
-    return blanks.find(letter) != std::string_view::npos;
+    return kBlanks.find(letter) != std::string_view::npos;
 }
 
 /// A line cut into its pieces. Quotes hold blanks, commas and # together and are taken away.
@@ -132,8 +132,8 @@ std::int64_t AutomationTime::frameAt(double sampleRate) const {
 
 std::vector<AutomationLine> parseAutomation(std::string_view text) {
     std::vector<AutomationLine> lines;
-    if (text.starts_with(byteOrderMark))
-        text.remove_prefix(byteOrderMark.size());
+    if (text.starts_with(kByteOrderMark))
+        text.remove_prefix(kByteOrderMark.size());
     for (int number = 1; !text.empty(); ++number) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         const std::string_view line = text.substr(0, end);
@@ -154,7 +154,7 @@ std::vector<AutomationLine> parseAutomation(std::string_view text) {
 }
 
 std::vector<AutomationLine> readAutomation(const std::filesystem::path& path) {
-    const std::string text = readText(path, longestFile);
+    const std::string text = readText(path, kLongestFile);
     try {
         return parseAutomation(text);
     } catch (const ToolError& error) {

@@ -10,14 +10,14 @@ namespace tools::render {
 namespace {
 
 /// Forgives the last place of a division.
-constexpr double almost = 1.0 - 1e-9;
+constexpr double kAlmost = 1.0 - 1e-9;
 
 } // namespace
 
 double roundUp(double value) {
     const double power = std::pow(10.0, std::floor(std::log10(value)));
     for (double factor : {1.0, 2.0, 5.0})
-        if (value * almost <= factor * power)
+        if (value * kAlmost <= factor * power)
             return factor * power;
     return 10.0 * power;
 }
@@ -26,7 +26,7 @@ Marks marksFor(double span, int most) {
     Marks marks;
     marks.step = roundUp(span / most);
     marks.decimals = std::max(0, static_cast<int>(-std::floor(std::log10(marks.step) + 1e-9)));
-    for (int i = 0; i * marks.step <= span / almost; ++i)
+    for (int i = 0; i * marks.step <= span / kAlmost; ++i)
         marks.places.push_back(i * marks.step);
     return marks;
 }

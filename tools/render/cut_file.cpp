@@ -10,7 +10,7 @@ namespace tools::render {
 namespace {
 
 /// From here on, a length in 32 bits means "up to the end".
-constexpr std::uint64_t endlessFrom = 0x7ffff000;
+constexpr std::uint64_t kEndlessFrom = 0x7ffff000;
 
 class ChunkReader {
   public:
@@ -68,7 +68,7 @@ std::optional<CutSound> searchChunks(ChunkReader& file, std::string_view soundCo
         if (code == soundCode) {
             if (length == 0xffffffff && longLength > 0 && longLength < std::uint64_t{1} << 62)
                 return compared(longLength, file.bytesLeft());
-            const bool isEndless = length == 0 || length >= endlessFrom;
+            const bool isEndless = length == 0 || length >= kEndlessFrom;
             return isEndless ? std::nullopt : compared(length, file.bytesLeft());
         }
         std::uint64_t toSkip = length + length % 2;

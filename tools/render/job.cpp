@@ -27,7 +27,7 @@ namespace {
 namespace files = std::filesystem;
 
 /// As long as it takes every glide of the Quillon Multitap Delay to arrive, at any sample rate.
-constexpr std::int64_t defaultPreRoll = 150000;
+constexpr std::int64_t kDefaultPreRoll = 150000;
 
 void print(std::FILE* output, const std::string& text) {
     if (std::fputs(text.c_str(), output) < 0 || std::fflush(output) != 0)
@@ -157,11 +157,11 @@ class RenderJob {
 
     std::int64_t preRollFrames() const {
         return options_.preRollSeconds ? std::llround(*options_.preRollSeconds * sampleRate())
-                                       : defaultPreRoll;
+                                       : kDefaultPreRoll;
     }
 
     std::int64_t longestOutput() const {
-        const double tail = options_.tail.automatic ? longestTail : options_.tail.seconds;
+        const double tail = options_.tail.automatic ? kLongestTail : options_.tail.seconds;
         return reader_.frames() + std::llround(tail * sampleRate());
     }
 

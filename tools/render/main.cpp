@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int exitFailure = 2;
-constexpr int exitInterrupted = 130;
+constexpr int kExitFailure = 2;
+constexpr int kExitInterrupted = 130;
 
 int complain(const std::exception& error, int code) {
     std::fprintf(stderr, "quillon-render: %s\n", tools::printable(error.what()).c_str());
@@ -45,8 +45,8 @@ int main(int argumentCount, char** arguments) {
             run(std::get<tools::render::Options>(parsed));
         return 0;
     } catch (const tools::Interrupted& interruption) {
-        return complain(interruption, exitInterrupted);
+        return complain(interruption, kExitInterrupted);
     } catch (const std::exception& error) {
-        return complain(error, exitFailure);
+        return complain(error, kExitFailure);
     }
 }

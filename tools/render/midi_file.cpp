@@ -10,8 +10,8 @@ namespace tools::render {
 
 namespace {
 
-constexpr std::uintmax_t longestFile = 64u << 20;
-constexpr std::size_t chunkHead = 8;
+constexpr std::uintmax_t kLongestFile = 64u << 20;
+constexpr std::size_t kChunkHead = 8;
 
 /// An event at its tick. Tempo changes travel with the messages until all tracks are merged.
 struct TickEvent {
@@ -28,10 +28,10 @@ struct Header {
 };
 
 Header headerFrom(std::span<const std::uint8_t> bytes) {
-    const bool hasMark = bytes.size() >= chunkHead && std::equal(bytes.begin(), bytes.begin() + 4, "MThd");
+    const bool hasMark = bytes.size() >= kChunkHead && std::equal(bytes.begin(), bytes.begin() + 4, "MThd");
     if (!hasMark)
         throw ToolError("is not a standard MIDI file");
-    if (bigEndian(bytes, 4, 4) < 6 || bytes.size() < chunkHead + 6)
+    if (bigEndian(bytes, 4, 4) < 6 || bytes.size() < kChunkHead + 6)
         throw ToolError("has too short a header");
     Header header;
     header.format = bigEndian(bytes, 8, 2);
@@ -152,15 +152,15 @@ class TrackReader {
 
 std::vector<TickEvent> readTracks(std::span<const std::uint8_t> bytes, const Header& header) {
     std::vector<TickEvent> events;
-    std::size_t position = chunkHead + bigEndian(bytes, 4, 4);
+    std::size_t position = kChunkHead + bigEndian(bytes, 4, 4);
     unsigned found = 0;
     while (found < header.tracks) {
-        if (position > bytes.size() || bytes.size() - position < chunkHead)
+        if (position > bytes.size() || bytes.size() - position < kChunkHead)
             throw ToolError("ends behind track " + std::to_string(found) + " of " +
                             std::to_string(header.tracks));
-        const auto head = bytes.subspan(position, chunkHead);
+        const auto head = bytes.subspan(position, kChunkHead);
         const std::uint32_t length = bigEndian(head, 4, 4);
-        position += chunkHead;
+        position += kChunkHead;
         if (length > bytes.size() - position)
             throw ToolError("ends in the middle of track " + std::to_string(found + 1));
         // Chunks of other kinds may stand between the tracks.
@@ -212,7 +212,7 @@ std::vector<TimedMidi> parseMidiFile(std::span<const std::uint8_t> bytes) {
 }
 
 std::vector<TimedMidi> readMidiFile(const std::filesystem::path& path) {
-    const auto bytes = readBytes(path, longestFile);
+    const auto bytes = readBytes(path, kLongestFile);
     try {
         return parseMidiFile(bytes);
     } catch (const ToolError& error) {

@@ -24,33 +24,33 @@ constexpr Colour hex(unsigned value) {
 }
 
 // Slate ink on warm paper; amber stands for left and slate blue for right wherever they appear.
-constexpr Colour paper = hex(0xFAF6EE);
-constexpr Colour sheet = hex(0xFFFDF9);
-constexpr Colour ink = hex(0x2B3640);
-constexpr Colour faintInk = hex(0x6C757D);
-constexpr Colour rule = hex(0xE7E0D3);
-constexpr Colour zeroRule = hex(0xC9C1B2);
-constexpr Colour dryTone = hex(0x87919A);
-constexpr Colour amber = hex(0xD68A1E);
-constexpr Colour slateBlue = hex(0x47699B);
+constexpr Colour kPaper = hex(0xFAF6EE);
+constexpr Colour kSheet = hex(0xFFFDF9);
+constexpr Colour kInk = hex(0x2B3640);
+constexpr Colour kFaintInk = hex(0x6C757D);
+constexpr Colour kRule = hex(0xE7E0D3);
+constexpr Colour kZeroRule = hex(0xC9C1B2);
+constexpr Colour kDryTone = hex(0x87919A);
+constexpr Colour kAmber = hex(0xD68A1E);
+constexpr Colour kSlateBlue = hex(0x47699B);
 
-constexpr double leftEdge = 104.0;
-constexpr double rightEdge = pictureWidth - 56.0;
-constexpr double axisNameX = 44.0;
+constexpr double kLeftEdge = 104.0;
+constexpr double kRightEdge = kPictureWidth - 56.0;
+constexpr double kAxisNameX = 44.0;
 
-constexpr TextStyle titleStyle{30.0, ink, true, Align::left};
-constexpr TextStyle settingsStyle{16.0, faintInk, false, Align::left};
-constexpr TextStyle headingStyle{15.0, ink, true, Align::left};
-constexpr TextStyle remarkStyle{14.0, faintInk, false, Align::left};
-constexpr TextStyle markStyle{13.0, faintInk, false, Align::right};
-constexpr TextStyle axisStyle{14.0, ink, false, Align::centre};
-constexpr TextStyle footnoteStyle{12.5, faintInk, false, Align::left};
+constexpr TextStyle kTitleStyle{30.0, kInk, true, Align::left};
+constexpr TextStyle kSettingsStyle{16.0, kFaintInk, false, Align::left};
+constexpr TextStyle kHeadingStyle{15.0, kInk, true, Align::left};
+constexpr TextStyle kRemarkStyle{14.0, kFaintInk, false, Align::left};
+constexpr TextStyle kMarkStyle{13.0, kFaintInk, false, Align::right};
+constexpr TextStyle kAxisStyle{14.0, kInk, false, Align::centre};
+constexpr TextStyle kFootnoteStyle{12.5, kFaintInk, false, Align::left};
 
 /// A time axis along the width of the picture.
 struct TimeAxis {
     double seconds = 1.0;
 
-    double x(double at) const { return leftEdge + (rightEdge - leftEdge) * at / seconds; }
+    double x(double at) const { return kLeftEdge + (kRightEdge - kLeftEdge) * at / seconds; }
     bool isInMilliseconds() const { return seconds < 2.0; }
     double inUnit(double at) const { return isInMilliseconds() ? at * 1000.0 : at; }
     const char* unit() const { return isInMilliseconds() ? "ms" : "s"; }
@@ -59,17 +59,17 @@ struct TimeAxis {
 class PictureDrawing {
   public:
     explicit PictureDrawing(const Picture& picture)
-        : picture_(picture), canvas_(pictureWidth, pictureHeight, paper), scale_(scaleFor(*picture.outlines)),
-          axis_{shownSeconds()} {}
+        : picture_(picture), canvas_(kPictureWidth, kPictureHeight, kPaper),
+          scale_(scaleFor(*picture.outlines)), axis_{shownSeconds()} {}
 
     Canvas& draw() {
         drawHead();
         const double waveBottom = picture_.hasTaps ? 564.0 : 806.0;
         drawWaves(waveBottom);
         if (picture_.hasTaps)
-            drawTaps({leftEdge, 656.0, rightEdge, 806.0});
-        canvas_.text(canvas_.fitted(picture_.footnote, footnoteStyle, rightEdge - leftEdge),
-                     {leftEdge, pictureHeight - 18.0}, footnoteStyle);
+            drawTaps({kLeftEdge, 656.0, kRightEdge, 806.0});
+        canvas_.text(canvas_.fitted(picture_.footnote, kFootnoteStyle, kRightEdge - kLeftEdge),
+                     {kLeftEdge, kPictureHeight - 18.0}, kFootnoteStyle);
         return canvas_;
     }
 
@@ -102,10 +102,10 @@ class PictureDrawing {
 
     void drawHead() {
         const double legendWidth = drawLegend();
-        const double width = rightEdge - leftEdge - legendWidth - 40.0;
-        canvas_.text(canvas_.fitted(picture_.title, titleStyle, width), {leftEdge, 58.0}, titleStyle);
-        canvas_.text(canvas_.fitted(picture_.settings, settingsStyle, rightEdge - leftEdge), {leftEdge, 88.0},
-                     settingsStyle);
+        const double width = kRightEdge - kLeftEdge - legendWidth - 40.0;
+        canvas_.text(canvas_.fitted(picture_.title, kTitleStyle, width), {kLeftEdge, 58.0}, kTitleStyle);
+        canvas_.text(canvas_.fitted(picture_.settings, kSettingsStyle, kRightEdge - kLeftEdge),
+                     {kLeftEdge, 88.0}, kSettingsStyle);
     }
 
     /// From the right edge leftwards. Gives the width that it took.
@@ -114,18 +114,18 @@ class PictureDrawing {
             const char* name;
             Colour colour;
         };
-        std::vector<Entry> entries = {{"wet, right", slateBlue}, {"wet, left", amber}, {"dry", dryTone}};
+        std::vector<Entry> entries = {{"wet, right", kSlateBlue}, {"wet, left", kAmber}, {"dry", kDryTone}};
         if (!picture_.isStereo)
-            entries = {{"wet", amber}, {"dry", dryTone}};
-        double x = rightEdge;
+            entries = {{"wet", kAmber}, {"dry", kDryTone}};
+        double x = kRightEdge;
         for (const Entry& entry : entries) {
-            x -= canvas_.textWidth(entry.name, remarkStyle);
-            canvas_.text(entry.name, {x, 57.0}, remarkStyle);
+            x -= canvas_.textWidth(entry.name, kRemarkStyle);
+            canvas_.text(entry.name, {x, 57.0}, kRemarkStyle);
             x -= 20.0;
             canvas_.fill({x, 46.0, x + 12.0, 58.0}, entry.colour);
             x -= 24.0;
         }
-        return rightEdge - x;
+        return kRightEdge - x;
     }
 
     struct Lane {
@@ -139,21 +139,21 @@ class PictureDrawing {
     void drawWaves(double bottom) {
         const Waveform& dry = picture_.outlines->dry;
         const Waveform& wet = picture_.outlines->wet;
-        std::vector<Lane> lanes = {{"Dry", "what went in", &dry, 2, dryTone}};
+        std::vector<Lane> lanes = {{"Dry", "what went in", &dry, 2, kDryTone}};
         if (picture_.isStereo) {
-            lanes.push_back({"Dry and wet, left", outputRemark(), &wet, 0, amber});
-            lanes.push_back({"Dry and wet, right", "", &wet, 1, slateBlue});
+            lanes.push_back({"Dry and wet, left", outputRemark(), &wet, 0, kAmber});
+            lanes.push_back({"Dry and wet, right", "", &wet, 1, kSlateBlue});
         } else {
-            lanes.push_back({"Dry and wet", outputRemark(), &wet, 2, amber});
+            lanes.push_back({"Dry and wet", outputRemark(), &wet, 2, kAmber});
         }
         const double top = 146.0, gap = 38.0;
         const auto count = static_cast<double>(lanes.size());
         const double height = (bottom - top - (count - 1.0) * gap) / count;
         for (std::size_t i = 0; i < lanes.size(); ++i) {
             const double laneTop = top + static_cast<double>(i) * (height + gap);
-            drawLane(lanes[i], {leftEdge, laneTop, rightEdge, laneTop + height});
+            drawLane(lanes[i], {kLeftEdge, laneTop, kRightEdge, laneTop + height});
         }
-        canvas_.textUpwards("level (1 is full scale)", {axisNameX, (top + bottom) / 2.0}, axisStyle);
+        canvas_.textUpwards("level (1 is full scale)", {kAxisNameX, (top + bottom) / 2.0}, kAxisStyle);
         labelInputEnd(top);
         drawTimeMarks(axis_, bottom, std::string("time (") + axis_.unit() + ")");
     }
@@ -161,22 +161,22 @@ class PictureDrawing {
     void labelInputEnd(double top) {
         const std::string label = "end of the input";
         const double x = axis_.x(framesToSeconds(picture_.outlines->dry.frames())) + 8.0;
-        if (x + canvas_.textWidth(label, footnoteStyle) < rightEdge)
-            canvas_.text(label, {x, top + 17.0}, footnoteStyle);
+        if (x + canvas_.textWidth(label, kFootnoteStyle) < kRightEdge)
+            canvas_.text(label, {x, top + 17.0}, kFootnoteStyle);
     }
 
     void drawPanel(const Area& area, const TimeAxis& axis) {
-        canvas_.fill(area, sheet);
+        canvas_.fill(area, kSheet);
         for (double place : marksFor(axis.inUnit(axis.seconds), 12).places) {
             const double x = axis.x(place / axis.inUnit(1.0));
-            canvas_.hairline({x, area.top}, {x, area.bottom}, rule);
+            canvas_.hairline({x, area.top}, {x, area.bottom}, kRule);
         }
     }
 
     void drawHeading(const Area& area, const std::string& heading, const std::string& remark) {
-        canvas_.text(heading, {area.left, area.top - 10.0}, headingStyle);
-        canvas_.text(remark, {area.left + canvas_.textWidth(heading, headingStyle) + 10.0, area.top - 10.0},
-                     remarkStyle);
+        canvas_.text(heading, {area.left, area.top - 10.0}, kHeadingStyle);
+        canvas_.text(remark, {area.left + canvas_.textWidth(heading, kHeadingStyle) + 10.0, area.top - 10.0},
+                     kRemarkStyle);
     }
 
     void drawLane(const Lane& lane, const Area& area) {
@@ -186,13 +186,13 @@ class PictureDrawing {
         const auto y = [&](double level) { return middle - level / scale_ * area.height() / 2.0; };
         const int decimals = marksFor(scale_, 1).decimals;
         for (double level : {scale_, 0.0, -scale_}) {
-            canvas_.hairline({area.left, y(level)}, {area.right, y(level)}, level == 0.0 ? zeroRule : rule);
+            canvas_.hairline({area.left, y(level)}, {area.right, y(level)}, level == 0.0 ? kZeroRule : kRule);
             canvas_.text(axisText(level, level == 0.0 ? 0 : decimals), {area.left - 12.0, y(level) + 4.5},
-                         markStyle);
+                         kMarkStyle);
         }
         for (double level : {1.0, -1.0})
             if (scale_ > 1.0)
-                canvas_.dashedHairline({area.left, y(level)}, {area.right, y(level)}, zeroRule);
+                canvas_.dashedHairline({area.left, y(level)}, {area.right, y(level)}, kZeroRule);
         drawOutline(lane, area, y);
         drawInputEnd(area);
     }
@@ -227,17 +227,17 @@ class PictureDrawing {
     void drawInputEnd(const Area& area) {
         const double x = axis_.x(framesToSeconds(picture_.outlines->dry.frames()));
         if (x < area.right - 1.0)
-            canvas_.dashedHairline({x, area.top}, {x, area.bottom}, faintInk);
+            canvas_.dashedHairline({x, area.top}, {x, area.bottom}, kFaintInk);
     }
 
     void drawTimeMarks(const TimeAxis& axis, double y, const std::string& name) {
         const Marks marks = marksFor(axis.inUnit(axis.seconds), 12);
-        TextStyle style = markStyle;
+        TextStyle style = kMarkStyle;
         style.align = Align::centre;
         for (double place : marks.places)
             canvas_.text(axisText(place, marks.decimals), {axis.x(place / axis.inUnit(1.0)), y + 20.0},
                          style);
-        canvas_.text(name, {(leftEdge + rightEdge) / 2.0, y + 42.0}, axisStyle);
+        canvas_.text(name, {(kLeftEdge + kRightEdge) / 2.0, y + 42.0}, kAxisStyle);
     }
 
     /// The same axis as above where the pattern fills a good part of it, so that a tap stands under its echo;
@@ -262,15 +262,15 @@ class PictureDrawing {
         const int decimals = marksFor(scale, 2).decimals;
         for (double part : {0.0, 0.5, 1.0}) {
             canvas_.hairline({area.left, y(scale * part)}, {area.right, y(scale * part)},
-                             part == 0.0 ? zeroRule : rule);
+                             part == 0.0 ? kZeroRule : kRule);
             canvas_.text(axisText(scale * part, part == 0.0 ? 0 : decimals),
-                         {area.left - 12.0, y(scale * part) + 4.5}, markStyle);
+                         {area.left - 12.0, y(scale * part) + 4.5}, kMarkStyle);
         }
-        canvas_.textUpwards("level", {axisNameX, (area.top + area.bottom) / 2.0}, axisStyle);
+        canvas_.textUpwards("level", {kAxisNameX, (area.top + area.bottom) / 2.0}, kAxisStyle);
         const double stem = stemWidth(axis);
         for (const Tap& tap : picture_.taps) {
             const Point top{axis.x(tap.seconds), y(std::abs(tap.level))};
-            const Colour colour = tap.isRight ? slateBlue : amber;
+            const Colour colour = tap.isRight ? kSlateBlue : kAmber;
             canvas_.line({top.x, area.bottom}, top, colour, stem);
             canvas_.dot(top, stem * 1.6, colour);
         }

@@ -11,8 +11,8 @@
 
 namespace tools::render {
 
-constexpr int pictureWidth = 1400; ///< pixels
-constexpr int pictureHeight = 900;
+constexpr int kPictureWidth = 1400; ///< pixels
+constexpr int kPictureHeight = 900;
 
 struct Picture {
     std::string title;    ///< the program's name

@@ -9,7 +9,7 @@ namespace tools::render {
 
 namespace {
 
-constexpr int barWidth = 40;
+constexpr int kBarWidth = 40;
 constexpr const char* clearLine = "\r\033[K";
 
 } // namespace
@@ -37,9 +37,9 @@ void Progress::showBar(std::int64_t frames) {
     if (step == lastStep_)
         return;
     lastStep_ = static_cast<int>(step);
-    const auto filled = static_cast<std::size_t>(hundredths * barWidth / 100);
+    const auto filled = static_cast<std::size_t>(hundredths * kBarWidth / 100);
     std::string bar;
-    for (std::size_t i = 0; i < barWidth; ++i)
+    for (std::size_t i = 0; i < kBarWidth; ++i)
         bar += i < filled ? "\u2588" : "\u2591";
     const std::string percent = std::to_string(hundredths) + " %";
     const std::string tail = frames > total_ ? ", tail " + tailText(frames) : "";

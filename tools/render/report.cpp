@@ -140,7 +140,7 @@ std::vector<std::string> warningsFrom(const RenderReport& report) {
                            fixedText(decibels(result.peak), 2) +
                            " dB; use a quieter input, or --format float, which keeps them");
     if (result.tailCutShort)
-        warnings.push_back("the echoes still sound " + fixedText(longestTail, 0) +
+        warnings.push_back("the echoes still sound " + fixedText(kLongestTail, 0) +
                            " s behind the input and are cut there; --tail SECONDS takes as long as you say");
     if (result.eventsMissed > 0)
         warnings.push_back(std::to_string(result.eventsMissed) +

@@ -32,7 +32,7 @@ struct Item {
     const char* afterOne; ///< where 1 is shown
 };
 
-constexpr Item delayItems[] = {
+constexpr Item kDelayItems[] = {
     {"Taps #", "", " taps", " tap"},    {"Bs Lgh 1", "base length ", " ms", " ms"},
     {"Stretch", "stretch ", "", ""},    {"Feedback", "feedback ", "", ""},
     {"LFO Rt", "sweep ", " Hz", " Hz"}, {"LFO Dp", "depth ", "", ""},
@@ -47,7 +47,7 @@ std::string shownBy(const ParameterState& parameter) {
 
 std::string settingsLine(const EffectState& state) {
     Line line;
-    for (const Item& item : delayItems)
+    for (const Item& item : kDelayItems)
         for (const ParameterState& parameter : state.parameters)
             if (sameName(parameter.name, item.name)) {
                 const std::string shown = shownBy(parameter);

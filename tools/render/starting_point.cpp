@@ -10,8 +10,8 @@ namespace tools::render {
 namespace {
 
 /// Banks that this effect's first versions saved carry another id than the effect has today.
-constexpr std::int32_t effectIdToday = vst2::fourCharacterCode("qlvd");
-constexpr std::int32_t effectIdOnce = vst2::fourCharacterCode("vmdl");
+constexpr std::int32_t kEffectIdToday = vst2::fourCharacterCode("qlvd");
+constexpr std::int32_t kEffectIdOnce = vst2::fourCharacterCode("vmdl");
 
 std::string idText(std::int32_t id) {
     std::string text;
@@ -39,7 +39,7 @@ Bytes bankFor(host::Plugin& plugin, const std::filesystem::path& path) {
     requireChunks(plugin, path);
     BankFile file = readBankFile(path);
     const std::int32_t id = plugin.effect()->uniqueID;
-    if (file.effectId != id && !(id == effectIdToday && file.effectId == effectIdOnce))
+    if (file.effectId != id && !(id == kEffectIdToday && file.effectId == kEffectIdOnce))
         throw ToolError(path.string() + " is a bank of another effect, " + idText(file.effectId) +
                         ", and not of " + idText(id));
     // A bank that is its programs in a row always has the same size; other effects' banks may have any.

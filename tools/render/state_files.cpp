@@ -8,9 +8,9 @@ namespace tools::render {
 
 namespace {
 
-constexpr std::uintmax_t longestFile = 256u << 20;
-constexpr std::size_t sizeOffset = 156;
-constexpr std::size_t chunkOffset = 160;
+constexpr std::uintmax_t kLongestFile = 256u << 20;
+constexpr std::size_t kSizeOffset = 156;
+constexpr std::size_t kChunkOffset = 160;
 
 std::int32_t codeAt(std::span<const std::uint8_t> bytes, std::size_t offset) {
     return static_cast<std::int32_t>(bigEndian(bytes, offset, 4));
@@ -31,17 +31,17 @@ BankFile parseBankFile(std::span<const std::uint8_t> bytes) {
         throw ToolError("is a preset, not a bank");
     if (kind != vst2::fourCharacterCode("FBCh"))
         throw ToolError("is not a bank file");
-    if (bytes.size() < chunkOffset)
+    if (bytes.size() < kChunkOffset)
         throw ToolError("ends within its header");
-    const std::size_t size = bigEndian(bytes, sizeOffset, 4);
-    if (size > bytes.size() - chunkOffset)
+    const std::size_t size = bigEndian(bytes, kSizeOffset, 4);
+    if (size > bytes.size() - kChunkOffset)
         throw ToolError("ends before its bank does");
-    const auto chunk = bytes.subspan(chunkOffset, size);
+    const auto chunk = bytes.subspan(kChunkOffset, size);
     return {codeAt(bytes, 16), Bytes(chunk.begin(), chunk.end())};
 }
 
 BankFile readBankFile(const std::filesystem::path& path) {
-    const Bytes bytes = readBytes(path, longestFile);
+    const Bytes bytes = readBytes(path, kLongestFile);
     try {
         return parseBankFile(bytes);
     } catch (const ToolError& error) {
@@ -50,7 +50,7 @@ BankFile readBankFile(const std::filesystem::path& path) {
 }
 
 Bytes readChunkFile(const std::filesystem::path& path) {
-    return readBytes(path, longestFile);
+    return readBytes(path, kLongestFile);
 }
 
 } // namespace tools::render

@@ -7,7 +7,7 @@ namespace tools::render {
 
 TailWatch::TailWatch(const TailRule& rule, int sampleRate)
     : automatic_(rule.automatic), sampleRate_(sampleRate),
-      tailFrames_(std::llround((rule.automatic ? longestTail : rule.seconds) * sampleRate)) {}
+      tailFrames_(std::llround((rule.automatic ? kLongestTail : rule.seconds) * sampleRate)) {}
 
 void TailWatch::inputEndedAt(std::int64_t frame) {
     inputEnd_ = frame;
@@ -31,10 +31,10 @@ void TailWatch::lookAtFrame(std::span<const float> frame) {
     ++position_;
     const bool isInput = inputEnd_ < 0 || position_ <= inputEnd_;
     const bool isLoud =
-        std::any_of(frame.begin(), frame.end(), [](float s) { return std::abs(s) >= quietLevel; });
+        std::any_of(frame.begin(), frame.end(), [](float s) { return std::abs(s) >= kQuietLevel; });
     if (isInput || isLoud || !automatic_)
         certain_ = position_;
-    ended_ = isPastTail() || position_ - certain_ >= quietFrames;
+    ended_ = isPastTail() || position_ - certain_ >= kQuietFrames;
 }
 
 } // namespace tools::render

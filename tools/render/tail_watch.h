@@ -13,14 +13,14 @@
 namespace tools::render {
 
 /// What counts as quiet: below -80 dBFS, linear.
-constexpr float quietLevel = 1e-4f;
+constexpr float kQuietLevel = 1e-4f;
 
 /// How long it must be quiet, in frames: the length of the delay memory. Echoes that swell can be inaudible
 /// for nearly as long as that before they come; nothing that was put in earlier can come at all.
-constexpr std::int64_t quietFrames = 4194304;
+constexpr std::int64_t kQuietFrames = 4194304;
 
 /// The longest automatic tail, in seconds.
-constexpr double longestTail = 120.0;
+constexpr double kLongestTail = 120.0;
 
 class TailWatch {
   public:

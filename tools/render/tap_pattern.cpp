@@ -16,17 +16,17 @@ namespace tools::render {
 
 namespace {
 
-constexpr std::int32_t blockSize = 4096;
+constexpr std::int32_t kBlockSize = 4096;
 /// Long enough for every glide to arrive and for the fade that masks a jump of taps to be over.
-constexpr std::int64_t settleFrames = 150000;
+constexpr std::int64_t kSettleFrames = 150000;
 /// A tap this far below the impulse, -80 dB, is taken for none.
-constexpr float faintest = 1e-4f;
+constexpr float kFaintest = 1e-4f;
 /// How far back the effect remembers, in frames.
-constexpr std::int64_t memoryFrames = 4194304;
+constexpr std::int64_t kMemoryFrames = 4194304;
 /// No two taps lie further apart, in seconds, with a little to spare.
-constexpr double longestGap = 2.1;
+constexpr double kLongestGap = 2.1;
 /// By then the filters have died away, in seconds.
-constexpr double filterSound = 0.1;
+constexpr double kFilterSound = 0.1;
 
 constexpr const char* lowPassName = "Pre LP";
 
@@ -37,12 +37,12 @@ struct Control {
 
 /// What makes a tap answer with the filters' sound and nothing else. "Stereo" at 0 leaves even taps left and
 /// odd taps right; "Feedback" has its zero in the middle.
-constexpr Control plainControls[] = {
+constexpr Control kPlainControls[] = {
     {"Set", 0.0f},     {"LFO Dp", 0.0f},  {"Feedback", 0.5f}, {"Stereo", 0.0f},
     {"Dry Wet", 1.0f}, {"Pre Pan", 0.5f}, {"Out Pan", 0.5f},  {"Pre HP", 0.0f},
 };
 /// What gives a single tap of level 1, soon.
-constexpr Control singleTapControls[] = {{"Taps #", 0.0f}, {"Amp Decay", 0.5f}, {"Bs Lgh 1", 0.1f}};
+constexpr Control kSingleTapControls[] = {{"Taps #", 0.0f}, {"Amp Decay", 0.5f}, {"Bs Lgh 1", 0.1f}};
 
 void set(host::Plugin& plugin, const char* name, float value) {
     plugin.setParameter(*parameterNamed(plugin, name), value);
@@ -71,11 +71,11 @@ class ImpulseRun {
     ImpulseRun(host::Plugin& plugin, double sampleRate) : plugin_(plugin), sampleRate_(sampleRate) {}
 
     Response hear(std::int64_t most) {
-        for (std::int64_t done = 0; done < settleFrames; done += blockSize)
+        for (std::int64_t done = 0; done < kSettleFrames; done += kBlockSize)
             process(0.0f);
         Response response;
         std::int64_t lastHeard = -1;
-        for (std::int64_t done = 0; done < most; done += blockSize) {
+        for (std::int64_t done = 0; done < most; done += kBlockSize) {
             process(done == 0 ? 1.0f : 0.0f);
             // The glide to fully wet stops a hair before it gets there and lets a little of the impulse
             // through.
@@ -85,7 +85,7 @@ class ImpulseRun {
                 response.side[side].insert(response.side[side].end(), out_[side].begin(), out_[side].end());
             if (isHeard())
                 lastHeard = done;
-            if (lastHeard >= 0 && static_cast<double>(done - lastHeard) > longestGap * sampleRate_)
+            if (lastHeard >= 0 && static_cast<double>(done - lastHeard) > kLongestGap * sampleRate_)
                 break;
         }
         return response;
@@ -97,16 +97,16 @@ class ImpulseRun {
         float* inputs[] = {in_[0].data(), in_[1].data()};
         float* outputs[] = {out_[0].data(), out_[1].data()};
         in_[0][0] = in_[1][0] = first;
-        plugin_.process(inputs, outputs, blockSize);
+        plugin_.process(inputs, outputs, kBlockSize);
     }
 
     bool isHeard() const {
         return std::any_of(std::begin(out_), std::end(out_), [](const auto& side) {
-            return std::any_of(side.begin(), side.end(), [](float s) { return std::abs(s) >= faintest; });
+            return std::any_of(side.begin(), side.end(), [](float s) { return std::abs(s) >= kFaintest; });
         });
     }
 
-    using Block = std::array<float, blockSize>;
+    using Block = std::array<float, kBlockSize>;
 
     host::Plugin& plugin_;
     double sampleRate_;
@@ -119,7 +119,7 @@ void findTaps(std::vector<float>& heard, const std::vector<float>& sound, bool i
               std::vector<Tap>& taps) {
     for (std::size_t i = 0; i < heard.size(); ++i) {
         const float level = heard[i] / sound.front();
-        if (!(std::abs(level) >= faintest))
+        if (!(std::abs(level) >= kFaintest))
             continue;
         taps.push_back({static_cast<double>(i) / sampleRate, level, isRight});
         const std::size_t length = std::min(sound.size(), heard.size() - i);
@@ -132,7 +132,7 @@ void findTaps(std::vector<float>& heard, const std::vector<float>& sound, bool i
 void makePlain(host::Plugin& plugin, double sampleRate) {
     plugin.suspend();
     plugin.resume();
-    for (const Control& control : plainControls)
+    for (const Control& control : kPlainControls)
         set(plugin, control.name, control.value);
     openLowPass(plugin, sampleRate);
 }
@@ -140,14 +140,14 @@ void makePlain(host::Plugin& plugin, double sampleRate) {
 /// The sound of one tap of level 1, from its first sample on; empty if none was heard.
 std::vector<float> singleTapSound(host::Plugin& plugin, double sampleRate) {
     makePlain(plugin, sampleRate);
-    for (const Control& control : singleTapControls)
+    for (const Control& control : kSingleTapControls)
         set(plugin, control.name, control.value);
     Response response = ImpulseRun(plugin, sampleRate).hear(static_cast<std::int64_t>(sampleRate));
     std::vector<float>& left = response.side[0];
     const auto first =
-        std::find_if(left.begin(), left.end(), [](float s) { return std::abs(s) >= faintest; });
+        std::find_if(left.begin(), left.end(), [](float s) { return std::abs(s) >= kFaintest; });
     left.erase(left.begin(), first);
-    left.resize(std::min(left.size(), static_cast<std::size_t>(filterSound * sampleRate)));
+    left.resize(std::min(left.size(), static_cast<std::size_t>(kFilterSound * sampleRate)));
     return left;
 }
 
@@ -156,15 +156,15 @@ std::vector<float> singleTapSound(host::Plugin& plugin, double sampleRate) {
 bool hasTapPattern(host::Plugin& plugin) {
     const auto isThere = [&](const char* name) { return parameterNamed(plugin, name).has_value(); };
     return plugin.effect()->numInputs == 2 && plugin.effect()->numOutputs == 2 && isThere(lowPassName) &&
-           std::all_of(std::begin(plainControls), std::end(plainControls),
+           std::all_of(std::begin(kPlainControls), std::end(kPlainControls),
                        [&](const Control& control) { return isThere(control.name); }) &&
-           std::all_of(std::begin(singleTapControls), std::end(singleTapControls),
+           std::all_of(std::begin(kSingleTapControls), std::end(kSingleTapControls),
                        [&](const Control& control) { return isThere(control.name); });
 }
 
 std::vector<Tap> measureTapPattern(host::Plugin& plugin, double sampleRate) {
     std::vector<float> asked;
-    for (const Control& control : singleTapControls)
+    for (const Control& control : kSingleTapControls)
         asked.push_back(plugin.getParameter(*parameterNamed(plugin, control.name)));
     const std::vector<float> sound = singleTapSound(plugin, sampleRate);
     std::vector<Tap> taps;
@@ -172,8 +172,8 @@ std::vector<Tap> measureTapPattern(host::Plugin& plugin, double sampleRate) {
         return taps;
     makePlain(plugin, sampleRate);
     for (std::size_t i = 0; i < asked.size(); ++i)
-        set(plugin, singleTapControls[i].name, asked[i]);
-    Response response = ImpulseRun(plugin, sampleRate).hear(memoryFrames);
+        set(plugin, kSingleTapControls[i].name, asked[i]);
+    Response response = ImpulseRun(plugin, sampleRate).hear(kMemoryFrames);
     findTaps(response.side[0], sound, false, sampleRate, taps);
     findTaps(response.side[1], sound, true, sampleRate, taps);
     std::stable_sort(taps.begin(), taps.end(),

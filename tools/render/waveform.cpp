@@ -30,7 +30,7 @@ void Waveform::add(std::span<const float> samples, int channels) {
             widen(stretches_.back(), frame);
             continue;
         }
-        if (stretches_.size() == mostStretches)
+        if (stretches_.size() == kMostStretches)
             halve();
         if (frames_ % framesEach_ == 0)
             stretches_.push_back(frame);

@@ -30,7 +30,7 @@ class Waveform {
   private:
     void halve();
 
-    static constexpr std::size_t mostStretches = 1 << 15;
+    static constexpr std::size_t kMostStretches = 1 << 15;
     std::vector<Extremes> stretches_;
     std::int64_t framesEach_ = 1;
     std::int64_t frames_ = 0;

@@ -14,9 +14,9 @@ namespace {
 
 using namespace tools;
 
-constexpr int exitFound = 1;
-constexpr int exitFailure = 2;
-constexpr int exitInterrupted = 130;
+constexpr int kExitFound = 1;
+constexpr int kExitFailure = 2;
+constexpr int kExitInterrupted = 130;
 
 int complain(const std::exception& error, int code) {
     std::fprintf(stderr, "quillon-window: %s\n", printable(error.what()).c_str());
@@ -27,7 +27,7 @@ int run(const window::Options& options) {
     std::FILE* const output = desk::takeOwnOutput();
     watchForInterrupts();
     if (options.check)
-        return window::checkSkinFor(options, output) ? 0 : exitFound;
+        return window::checkSkinFor(options, output) ? 0 : kExitFound;
     window::openEditor(options);
     return 0;
 }
@@ -45,8 +45,8 @@ int main(int argumentCount, char** arguments) {
         }
         return run(std::get<window::Options>(parsed));
     } catch (const Interrupted& interruption) {
-        return complain(interruption, exitInterrupted);
+        return complain(interruption, kExitInterrupted);
     } catch (const std::exception& error) {
-        return complain(error, exitFailure);
+        return complain(error, kExitFailure);
     }
 }

@@ -26,18 +26,18 @@ namespace files = std::filesystem;
 
 namespace {
 
-constexpr float sampleRate = 44100.0f; // Hz
-constexpr std::int32_t blockSize = 512;
+constexpr float kSampleRate = 44100.0f; // Hz
+constexpr std::int32_t kBlockSize = 512;
 
 /// The editor's turns: often enough for a hand on a knob.
-constexpr int turnMilliseconds = 20;
+constexpr int kTurnMilliseconds = 20;
 /// Looks at the skin's folder: seldom enough for a disk.
-constexpr std::uint32_t lookMilliseconds = 150;
+constexpr std::uint32_t kLookMilliseconds = 150;
 /// An editor that goes on moving is taken as it is after this.
-constexpr int settlingMilliseconds = 10000;
+constexpr int kSettlingMilliseconds = 10000;
 
 /// Room for any editor that fits a screen of today.
-constexpr int virtualWidth = 4096, virtualHeight = 2304;
+constexpr int kVirtualWidth = 4096, kVirtualHeight = 2304;
 
 void say(const std::string& line) {
     std::fputs((line + "\n").c_str(), stderr);
@@ -45,8 +45,8 @@ void say(const std::string& line) {
 
 host::HostBehaviour behaviour() {
     host::HostBehaviour behaviour;
-    behaviour.sampleRate = sampleRate;
-    behaviour.blockSize = blockSize;
+    behaviour.sampleRate = kSampleRate;
+    behaviour.blockSize = kBlockSize;
     behaviour.product = "quillon-window";
     behaviour.record = false;
     return behaviour;
@@ -72,10 +72,10 @@ class Showing {
         while (isStaying() && !(window_ && window_->isClosed())) {
             stopIfAsked();
             if (window_)
-                window_->serve(turnMilliseconds);
+                window_->serve(kTurnMilliseconds);
             else
-                platform::sleepMilliseconds(turnMilliseconds);
-            if (!options_.watch || platform::milliseconds() - lastLook < lookMilliseconds)
+                platform::sleepMilliseconds(kTurnMilliseconds);
+            if (!options_.watch || platform::milliseconds() - lastLook < kLookMilliseconds)
                 continue;
             lastLook = platform::milliseconds();
             if (folder.hasChanged())
@@ -173,7 +173,7 @@ class Showing {
     /// A fresh one each time: an instance asks only once how large its window is.
     void makeInstance() {
         auto plugin = std::make_unique<host::Plugin>(loadForGood(library_), behaviour());
-        plugin->start(sampleRate, blockSize);
+        plugin->start(kSampleRate, kBlockSize);
         if (!state_)
             bringToStart(*plugin);
         else
@@ -202,7 +202,7 @@ class Showing {
     }
 
     void writePicture() {
-        const auto picture = window_->settledPicture(settlingMilliseconds);
+        const auto picture = window_->settledPicture(kSettlingMilliseconds);
         stopIfInterrupted();
         if (!picture)
             throw ToolError(
@@ -230,7 +230,7 @@ std::unique_ptr<desk::VirtualDisplay> displayFor(const Options& options) {
         return nullptr;
     }
     try {
-        return std::make_unique<desk::VirtualDisplay>(virtualWidth, virtualHeight);
+        return std::make_unique<desk::VirtualDisplay>(kVirtualWidth, kVirtualHeight);
     } catch (const std::runtime_error&) {
         if (!desk::hasDisplay())
             throw;
