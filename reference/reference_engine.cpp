@@ -218,7 +218,7 @@ void ReferenceEngine::computeTapPattern() {
     float g = s >= 0.5f ? e * 0.5f : 1.0f - e * 0.5f;
 
     float lengthParameter = params[kBaseLength];
-    std::int32_t L = truncate((lengthParameter * lengthParameter * sampleRate) * 2.0f + 1.0f);
+    std::int32_t length = truncate((lengthParameter * lengthParameter * sampleRate) * 2.0f + 1.0f);
 
     delay.interpMode = truncate(2.0f - (params[kSet] + params[kSet]));
 
@@ -247,7 +247,7 @@ void ReferenceEngine::computeTapPattern() {
             a = ((inv + inv) * d - inv) * static_cast<float>(i);
         tapGain[i] = std::pow(a + 1.0f, params[kCurve] * 1.5f + 0.5f);
 
-        double next = ((1.0 - (w + w)) * static_cast<double>(g) + w) * static_cast<double>(L) +
+        double next = ((1.0 - (w + w)) * static_cast<double>(g) + w) * static_cast<double>(length) +
                       static_cast<double>(pos);
         if (next > 16777216.0)
             next = 16777216.0;

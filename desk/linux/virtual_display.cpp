@@ -95,9 +95,9 @@ class VirtualDisplay::Server {
         if (getppid() != host)
             _exit(0);
         const int nowhere = open("/dev/null", O_RDWR);
-        dup2(nowhere, STDIN_FILENO);
-        dup2(nowhere, STDOUT_FILENO);
-        dup2(nowhere, STDERR_FILENO);
+        if (nowhere >= 0)
+            for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                dup2(nowhere, stream);
         fcntl(report.input(), F_SETFD, 0);
         execlp("Xvfb", "Xvfb", "-displayfd", inherited.c_str(), "-screen", "0", format.c_str(), "-nolisten",
                "tcp", "-noreset", static_cast<char*>(nullptr));

@@ -46,8 +46,9 @@ std::string unquoted(const std::string& argument) {
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
     const int nowhere = open("/dev/null", O_RDWR);
-    for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        dup2(nowhere, stream);
+    if (nowhere >= 0)
+        for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            dup2(nowhere, stream);
     execv(program, arguments);
     _exit(127);
 }
