@@ -274,13 +274,12 @@ char* xmlReadFile(const char* path) {
         return nullptr;
     // A folder can be opened on some systems and then claims to be endless.
     const long size = std::ftell(file.get());
-    if (size < 0 || size >= INT_MAX)
+    if (size < 0 || size >= INT_MAX || std::fseek(file.get(), 0, SEEK_SET) != 0)
         return nullptr;
     // Where the system folds line ends, fewer bytes than the size arrive; the rest stays zero.
     char* text = static_cast<char*>(std::calloc(static_cast<std::size_t>(size) + 1, 1));
     if (!text)
         return nullptr;
-    std::rewind(file.get());
     const std::size_t bytesRead = std::fread(text, 1, static_cast<std::size_t>(size), file.get());
     text[bytesRead] = '\0';
     return text;
