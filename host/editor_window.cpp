@@ -31,7 +31,7 @@ std::optional<EditorSize> editorSize(Plugin& plugin) {
         return std::nullopt;
     // Not every plug-in answers with 1.
     ERect* rect = nullptr;
-    plugin.dispatch(effEditGetRect, 0, 0, &rect);
+    plugin.dispatch(effEditGetRect, 0, 0, static_cast<void*>(&rect));
     if (!rect || rect->right <= rect->left || rect->bottom <= rect->top)
         return std::nullopt;
     return EditorSize{rect->right - rect->left, rect->bottom - rect->top};
