@@ -228,7 +228,7 @@ std::int32_t Plugin::canDo(const std::string& what) {
 
 std::vector<std::uint8_t> Plugin::getChunk(bool isPreset) {
     void* data = nullptr;
-    const std::intptr_t size = dispatch(effGetChunk, isPreset, 0, &data);
+    const std::intptr_t size = dispatch(effGetChunk, isPreset, 0, static_cast<void*>(&data));
     if (!data || size <= 0)
         return {};
     if (size > kLargestChunk)
