@@ -24,34 +24,32 @@ struct BiquadState {
     }
 };
 
-/// A second-order filter that hears next to nothing.
+/// A second-order filter evaluated exactly in units of the smallest subnormal.
 ///
-/// A filter whose input has fallen silent does not come to zero: it stays among the smallest numbers there
-/// are, where a processor takes ten times as long for everything, for as long as the silence lasts. But down
-/// there a float is a whole number of steps of the smallest kind, which its bits count, and what an operation
-/// gives is rounded to whole steps. Counted in steps, in double, that is plain arithmetic: the same numbers,
-/// at the usual speed. Only the sign of a zero gets lost, which no later number depends on. Audio thread.
-class QuietBiquad {
+/// After the input falls silent, a filter's state stays subnormal, where float arithmetic is about ten times
+/// as slow. A subnormal is a whole number of steps of the smallest one, and each operation rounds to whole
+/// steps. The same arithmetic on step counts in double gives the same bits at normal speed; only the sign of
+/// a zero is lost, which no later result depends on. Audio thread.
+class SubnormalBiquad {
   public:
-    /// Takes over from a state for which isQuiet().
-    explicit QuietBiquad(const BiquadState& state)
+    /// Starts from `state`, which must be inRange().
+    explicit SubnormalBiquad(const BiquadState& state)
         : y1_(stepsOf(state.y1)), y2_(stepsOf(state.y2)), x1_(stepsOf(state.x1)), x2_(stepsOf(state.x2)) {}
 
-    /// Whether a sample is small enough to be taken.
-    static bool isQuiet(float sample) {
-        return (std::bit_cast<std::uint32_t>(sample) & kMagnitude) <= kMostSteps;
+    /// Whether a sample is small enough.
+    static bool inRange(float sample) {
+        return (std::bit_cast<std::uint32_t>(sample) & kMagnitude) <= kMaxSteps;
     }
-    /// Whether a filter is: its past, and its coefficients, so that no product or sum leaves the range of
-    /// whole steps.
-    static bool isQuiet(const BiquadState& state, const BiquadCoefficients& c) {
-        return isQuiet(state.y1) && isQuiet(state.y2) && isQuiet(state.x1) && isQuiet(state.x2) &&
-               isModerate(c.b0) && isModerate(c.b1) && isModerate(c.b2) && isModerate(c.a1) &&
-               isModerate(c.a2);
+    /// Whether a filter's state and coefficients are: no product or sum then leaves the range of exact steps.
+    static bool inRange(const BiquadState& state, const BiquadCoefficients& c) {
+        return inRange(state.y1) && inRange(state.y2) && inRange(state.x1) && inRange(state.x2) &&
+               isSmallEnough(c.b0) && isSmallEnough(c.b1) && isSmallEnough(c.b2) && isSmallEnough(c.a1) &&
+               isSmallEnough(c.a2);
     }
-    /// The same of a number of steps, such as process() gives.
-    static bool isQuiet(double steps) { return std::abs(steps) <= kMostSteps; }
+    /// Whether a number of steps, such as process() returns, is.
+    static bool inRange(double steps) { return std::abs(steps) <= kMaxSteps; }
 
-    /// A quiet sample as a number of steps.
+    /// A sample that is inRange() as a number of steps.
     static double stepsOf(float sample) {
         const std::uint32_t bits = std::bit_cast<std::uint32_t>(sample);
         const auto steps = static_cast<double>(static_cast<std::int32_t>(bits & kMagnitude));
@@ -63,8 +61,7 @@ class QuietBiquad {
         return std::bit_cast<float>(steps < 0.0 ? magnitude | ~kMagnitude : magnitude);
     }
 
-    /// One sample through `c`, in steps. The result is right whatever it is, but once it is not quiet,
-    /// nothing may follow.
+    /// One sample through `c`, in steps. A result that is not inRange() is exact, but must be the last.
     double process(double x, const BiquadCoefficients& c) {
         const double y = (rounded(x1_, c.b1) + rounded(x, c.b0)) + rounded(x2_, c.b2) - rounded(y1_, c.a1) -
                          rounded(y2_, c.a2);
@@ -75,20 +72,19 @@ class QuietBiquad {
         return y;
     }
 
-    /// Where the filter stands. While its last results are quiet.
+    /// The state in floats. The last two results must be inRange().
     BiquadState state() const { return {sampleOf(y1_), sampleOf(y2_), sampleOf(x1_), sampleOf(x2_)}; }
 
   private:
     static constexpr std::uint32_t kMagnitude = 0x7FFFFFFF;
-    /// Five products of so many steps and the greatest coefficient stay below 2^24 steps, up to where a float
-    /// tells every step from the next.
-    static constexpr std::uint32_t kMostSteps = 1u << 19;
-    static constexpr float kGreatestCoefficient = 4.0f;
+    /// Five products with kMaxCoefficient stay below 2^24 steps, where a float still represents every step.
+    static constexpr std::uint32_t kMaxSteps = 1u << 19;
+    static constexpr float kMaxCoefficient = 4.0f;
 
-    static bool isModerate(float coefficient) { return std::abs(coefficient) <= kGreatestCoefficient; }
+    static bool isSmallEnough(float coefficient) { return std::abs(coefficient) <= kMaxCoefficient; }
 
-    /// The product in whole steps, with the halves to the even side as for any float: a double this large has
-    /// room for no fractions.
+    /// The product rounded to whole steps, ties to even as for any float: a double this large has no fraction
+    /// bits.
     static double rounded(double steps, float coefficient) {
         constexpr double withoutFractions = 0x1.8p52;
         return (steps * static_cast<double>(coefficient) + withoutFractions) - withoutFractions;

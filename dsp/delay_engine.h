@@ -70,7 +70,7 @@ class DelayEngine {
     /// What the loop needs to know for one sub-block, read once so that the kernels work on values that stand
     /// still.
     struct Controls {
-        std::uint32_t patternEdition = PatternRecord::kNone; ///< of the tables below
+        std::uint32_t patternGeneration = PatternRecord::kNone; ///< of the tables below
         std::int32_t numTaps;
         std::int32_t interpMode;
         float stereo, mix, pan, depth, prePan;
@@ -99,7 +99,8 @@ class DelayEngine {
         alignas(64) std::array<float, kSubBlockFrames + 1> lfoOffset; ///< one more, for the sub-block after
         Sweep sweep;                                                  ///< these
         alignas(64) Row mono;
-        alignas(64) std::array<double, kSubBlockFrames> quietInput; ///< filtered, where it is next to silence
+        alignas(
+            64) std::array<double, kSubBlockFrames> filteredInput; ///< filtered, where it is next to silence
         std::array<TapPath, kMaxTaps> tapPath;
         alignas(64) std::array<Row, kMaxTaps> tapTimeNow; ///< of the taps that glide
         const float *firstTap, *lastTap; ///< the two that feed back, wherever their samples stand
@@ -134,20 +135,20 @@ class DelayEngine {
     void moveTaps(std::int32_t frames);
     void glideTaps(std::span<const std::size_t> gliding, std::int32_t frames);
     void runDelay(std::int32_t frames);
-    void recirculate(const MemoryStretch& stretch);
-    bool readAhead(const MemoryStretch& stretch);
+    void recirculate(const MemorySpan& span);
+    bool readAhead(const MemorySpan& span);
     template <class Reader>
-    void recirculateWith(const MemoryStretch& stretch);
+    void recirculateWith(const MemorySpan& span);
     template <class ReadFedTaps>
-    void writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps);
+    void writeMemory(const MemorySpan& span, ReadFedTaps readFedTaps);
     template <class ReadFiltered, class ReadFedTaps>
-    void feedBack(const MemoryStretch& stretch, ReadFiltered readFiltered, ReadFedTaps readFedTaps);
-    bool filterQuietly(std::int32_t frames);
-    void sumTaps(const MemoryStretch& stretch);
-    void fetchTap(const MemoryStretch& stretch, std::size_t tap) const;
-    const float* readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
-    const float* readTapAtOnce(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
-    void readTapCarefully(const MemoryStretch& stretch, std::size_t tap, Row& row) const;
+    void feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFedTaps readFedTaps);
+    bool filterSubnormals(std::int32_t frames);
+    void sumTaps(const MemorySpan& span);
+    void fetchTap(const MemorySpan& span, std::size_t tap) const;
+    const float* readTap(const MemorySpan& span, std::size_t tap, Row& row) const;
+    const float* readTapAtOnce(const MemorySpan& span, std::size_t tap, Row& row) const;
+    void readTapCarefully(const MemorySpan& span, std::size_t tap, Row& row) const;
     void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade);
     void mixOutput(std::int32_t frames, float* left, float* right) const;
 

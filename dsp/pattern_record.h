@@ -1,9 +1,9 @@
-// Remembers from which parameters the tap tables were last computed, so that touching a parameter that has no
-// part in the pattern costs no exponentials.
+// Records which parameters the tap tables were last computed from, so that a change of any other parameter
+// does not recompute them.
 //
-// Any thread may rewrite the tables at any time and nobody waits. Two that do so at once leave a mixture,
-// which is no pattern of anybody's: the record then holds nothing, and the one that ends last is told to
-// compute again. All accesses are sequentially consistent (base/recompute.h).
+// Any thread may rewrite the tables at any time without waiting. Two at once leave a mixture of two patterns:
+// the record then holds no key, and the thread that ends last is told to compute again. All accesses are
+// sequentially consistent (base/recompute.h).
 #pragma once
 
 #include <array>
@@ -14,23 +14,23 @@ namespace dsp {
 
 class PatternRecord {
   public:
-    /// The bits of all that the tables depend on.
+    /// The bits of all inputs of the tables.
     using Key = std::array<std::uint32_t, 6>;
 
-    /// One rewrite of the tables, from before its first store to after its last.
+    /// One rewrite of the tables, begun before its first store and ended after its last.
     struct Rewrite {
         std::uint32_t number;
-        bool alone; ///< all earlier ones had ended
+        bool alone; ///< no other was unfinished at its begin
     };
 
-    /// How the tables stand at the end of a rewrite.
+    /// State of the tables at the end of a rewrite.
     enum class Outcome {
-        whole,      ///< nobody else wrote meanwhile
-        unfinished, ///< somebody still writes, and is told of the mixture at the end
-        mixed       ///< somebody else wrote meanwhile and all have ended: compute again
+        whole,      ///< no other thread wrote meanwhile
+        unfinished, ///< another thread still writes, and will get `mixed`
+        mixed       ///< another thread wrote meanwhile and all have ended: compute again
     };
 
-    /// Whether the tables stand as they were computed from `key`. Any thread.
+    /// Whether the tables are those computed from `key`. Any thread.
     bool holds(const Key& key) const {
         const std::uint32_t number = begun.load();
         if (valid.load() != number)
@@ -57,7 +57,7 @@ class PatternRecord {
         return endOther(rewrite);
     }
 
-    /// The tables hold something else now. Any thread.
+    /// The tables were not computed from a key. Any thread.
     Outcome endOther(const Rewrite& rewrite) {
         const std::uint32_t finished = ended.fetch_add(1) + 1;
         const std::uint32_t started = begun.load();
@@ -66,20 +66,20 @@ class PatternRecord {
         return finished == started ? Outcome::mixed : Outcome::unfinished;
     }
 
-    /// No edition of the tables.
+    /// No generation.
     static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
 
-    /// A number for the tables as they stand, or kNone while somebody rewrites them. Who copies the tables
-    /// after asking may keep the copy for as long as the number stays the same. Any thread.
-    std::uint32_t edition() const {
+    /// The generation of the tables, or kNone while they are being rewritten. A copy made after this call is
+    /// valid for as long as the generation stays the same. Any thread.
+    std::uint32_t generation() const {
         const std::uint32_t finished = ended.load();
         return begun.load() == finished ? finished : kNone;
     }
 
   private:
-    std::atomic<std::uint32_t> begun = 0;     ///< rewrites so far
-    std::atomic<std::uint32_t> ended = 0;     ///< of these
-    std::atomic<std::uint32_t> valid = kNone; ///< the last rewrite that nobody disturbed
+    std::atomic<std::uint32_t> begun = 0;     ///< rewrites begun
+    std::atomic<std::uint32_t> ended = 0;     ///< rewrites ended
+    std::atomic<std::uint32_t> valid = kNone; ///< number of the rewrite that `computedFrom` belongs to
     std::array<std::atomic<std::uint32_t>, 6> computedFrom{};
 };
 

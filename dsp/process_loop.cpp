@@ -51,26 +51,26 @@ float wetLevelOf(const std::array<float, kMaxTaps>& gain, std::int32_t numTaps) 
 constexpr Row kSilence{};
 
 /// The samples of a tap without interpolation, where they stand; null for one that has to be looked up.
-const float* wholeSamples(const MemoryStretch& stretch, float time) {
-    std::int32_t first = stretch.start + 1 - trunc(time);
+const float* wholeSamples(const MemorySpan& span, float time) {
+    std::int32_t first = span.start + 1 - trunc(time);
     if (first < 0)
         first += kDelaySize;
-    const std::int32_t last = first + stretch.frames - 1;
-    return isSilent(stretch, first, last) ? kSilence.data() : runOf(stretch, first, last, first);
+    const std::int32_t last = first + span.frames - 1;
+    return isUnwritten(span, first, last) ? kSilence.data() : contiguousSlots(span, first, last, first);
 }
 
 /// Finds the bounds of a row of read offsets.
 Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
-    float least = 0.0f;
-    float most = -std::numeric_limits<float>::infinity();
+    float min = 0.0f;
+    float max = -std::numeric_limits<float>::infinity();
     std::int32_t strays = 0;
     for (std::int32_t i = 0; i < frames; ++i) {
-        least = lfoOffset[i] < least ? lfoOffset[i] : least;
-        most = lfoOffset[i] > most ? lfoOffset[i] : most;
+        min = lfoOffset[i] < min ? lfoOffset[i] : min;
+        max = lfoOffset[i] > max ? lfoOffset[i] : max;
         strays |= lfoOffset[i] <= 0.0f ? 0 : 1;
     }
     constexpr float none = std::numeric_limits<float>::quiet_NaN();
-    return strays != 0 ? Sweep{lfoOffset, none, none} : Sweep{lfoOffset, least, most};
+    return strays != 0 ? Sweep{lfoOffset, none, none} : Sweep{lfoOffset, min, max};
 }
 
 float timeAt(const TapPath& path, std::int32_t frame) {
@@ -130,13 +130,13 @@ float DelayEngine::Fade::next(std::int32_t i) {
 /// The tables are copied only where they are new: they are long and change seldom.
 void DelayEngine::readPattern() {
     const std::int32_t interpMode = delay.interpMode.load();
-    const std::uint32_t edition = patternRecord.edition();
-    const bool sameTables = edition == controls.patternEdition && edition != PatternRecord::kNone;
+    const std::uint32_t generation = patternRecord.generation();
+    const bool sameTables = generation == controls.patternGeneration && generation != PatternRecord::kNone;
     tapsRest = tapsRest && sameTables && interpMode == controls.interpMode;
     controls.interpMode = interpMode;
     if (sameTables)
         return;
-    controls.patternEdition = edition;
+    controls.patternGeneration = generation;
     controls.numTaps = pattern.numTaps.load();
     // One more than are heard: with an odd count the last pair takes in the entry behind the last tap.
     for (std::size_t tap = 0; tap < at((controls.numTaps + 1) / 2 * 2); ++tap) {
@@ -233,40 +233,40 @@ void DelayEngine::glideTaps(std::span<const std::size_t> gliding, std::int32_t f
 }
 
 void DelayEngine::runDelay(std::int32_t frames) {
-    MemoryStretch stretch = delay.beginStretch(frames);
-    recirculate(stretch);
-    delay.endStretch(stretch);
-    sumTaps(stretch);
+    MemorySpan span = delay.beginSpan(frames);
+    recirculate(span);
+    delay.endSpan(span);
+    sumTaps(span);
 }
 
 /// Writes the input and what the first and the last tap feed back. Where these two read nothing that the
 /// sub-block itself writes, they are read before; else each sample has to wait for the one before it.
-void DelayEngine::recirculate(const MemoryStretch& stretch) {
-    if (readAhead(stretch))
-        writeMemory(stretch, [&](std::int32_t i) { return FedTaps{block.firstTap[i], block.lastTap[i]}; });
+void DelayEngine::recirculate(const MemorySpan& span) {
+    if (readAhead(span))
+        writeMemory(span, [&](std::int32_t i) { return FedTaps{block.firstTap[i], block.lastTap[i]}; });
     else if (controls.interpMode == kWholeSamples)
-        recirculateWith<WholeSampleReader>(stretch);
+        recirculateWith<WholeSampleReader>(span);
     else if (controls.interpMode == kLinear)
-        recirculateWith<LinearReader>(stretch);
+        recirculateWith<LinearReader>(span);
     else
-        recirculateWith<CubicReader>(stretch);
+        recirculateWith<CubicReader>(span);
 }
 
-bool DelayEngine::readAhead(const MemoryStretch& stretch) {
+bool DelayEngine::readAhead(const MemorySpan& span) {
     const std::size_t last = at(controls.numTaps - 1);
-    block.firstTap = readTapAtOnce(stretch, 0, block.firstRow);
-    block.lastTap = last > 0 && block.firstTap ? readTapAtOnce(stretch, last, block.lastRow) : block.firstTap;
+    block.firstTap = readTapAtOnce(span, 0, block.firstRow);
+    block.lastTap = last > 0 && block.firstTap ? readTapAtOnce(span, last, block.lastRow) : block.firstTap;
     return block.lastTap;
 }
 
 template <class Reader>
-void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
+void DelayEngine::recirculateWith(const MemorySpan& span) {
     const TapPath& first = block.tapPath[0];
     const TapPath& last = block.tapPath[at(controls.numTaps - 1)];
-    writeMemory(stretch, [&](std::int32_t i) {
-        const MemoryMoment moment{stretch, i};
-        block.firstRow[at(i)] = Reader::read(moment, timeAt(first, i), block.lfoOffset[at(i)]);
-        block.lastRow[at(i)] = Reader::read(moment, timeAt(last, i), block.lfoOffset[at(i)]);
+    writeMemory(span, [&](std::int32_t i) {
+        const MemoryAtFrame memory{span, i};
+        block.firstRow[at(i)] = Reader::read(memory, timeAt(first, i), block.lfoOffset[at(i)]);
+        block.lastRow[at(i)] = Reader::read(memory, timeAt(last, i), block.lfoOffset[at(i)]);
         return FedTaps{block.firstRow[at(i)], block.lastRow[at(i)]};
     });
     block.firstTap = block.firstRow.data();
@@ -277,9 +277,9 @@ void DelayEngine::recirculateWith(const MemoryStretch& stretch) {
 /// last result for the next; in one loop they do not wait for each other. They work on copies of their
 /// states, which no store into the memory can reach.
 template <class ReadFedTaps>
-void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedTaps) {
-    if (filterQuietly(stretch.frames)) {
-        feedBack(stretch, [&](std::int32_t i) { return block.quietInput[at(i)]; }, readFedTaps);
+void DelayEngine::writeMemory(const MemorySpan& span, ReadFedTaps readFedTaps) {
+    if (filterSubnormals(span.frames)) {
+        feedBack(span, [&](std::int32_t i) { return block.filteredInput[at(i)]; }, readFedTaps);
         return;
     }
     BiquadState lowPass = preLowPass.state;
@@ -288,16 +288,16 @@ void DelayEngine::writeMemory(const MemoryStretch& stretch, ReadFedTaps readFedT
         const float low = lowPass.process(block.mono[at(i)], controls.lowPass);
         return static_cast<double>(highPass.process(low, controls.highPass));
     };
-    feedBack(stretch, filtered, readFedTaps);
+    feedBack(span, filtered, readFedTaps);
     preLowPass.state = lowPass;
     preHighPass.state = highPass;
 }
 
 template <class ReadFiltered, class ReadFedTaps>
-void DelayEngine::feedBack(const MemoryStretch& stretch, ReadFiltered readFiltered, ReadFedTaps readFedTaps) {
-    float* const slots = delay.samples.data() + stretch.start;
+void DelayEngine::feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFedTaps readFedTaps) {
+    float* const slots = delay.samples.data() + span.start;
     FeedbackPath feedback = feedbackPath;
-    for (std::int32_t i = 0; i < stretch.frames; ++i) {
+    for (std::int32_t i = 0; i < span.frames; ++i) {
         slots[i] = feedback.memoryInput(readFiltered(i), controls.feedback);
         const FedTaps fed = readFedTaps(i);
         feedback.capture(fed.first, fed.last);
@@ -307,21 +307,21 @@ void DelayEngine::feedBack(const MemoryStretch& stretch, ReadFiltered readFilter
 
 /// Both filters over silence, or over what is next to it. False, with nothing done, if they are not that
 /// quiet, or do not stay so.
-bool DelayEngine::filterQuietly(std::int32_t frames) {
-    const auto isQuiet = [](float sample) { return QuietBiquad::isQuiet(sample); };
-    if (!QuietBiquad::isQuiet(preLowPass.state, controls.lowPass) ||
-        !QuietBiquad::isQuiet(preHighPass.state, controls.highPass) ||
-        !std::all_of(block.mono.begin(), block.mono.begin() + frames, isQuiet))
+bool DelayEngine::filterSubnormals(std::int32_t frames) {
+    const auto inRange = [](float sample) { return SubnormalBiquad::inRange(sample); };
+    if (!SubnormalBiquad::inRange(preLowPass.state, controls.lowPass) ||
+        !SubnormalBiquad::inRange(preHighPass.state, controls.highPass) ||
+        !std::all_of(block.mono.begin(), block.mono.begin() + frames, inRange))
         return false;
     constexpr double kSmallestStep = std::numeric_limits<float>::denorm_min();
-    QuietBiquad lowPass(preLowPass.state);
-    QuietBiquad highPass(preHighPass.state);
+    SubnormalBiquad lowPass(preLowPass.state);
+    SubnormalBiquad highPass(preHighPass.state);
     for (std::int32_t i = 0; i < frames; ++i) {
-        const double low = lowPass.process(QuietBiquad::stepsOf(block.mono[at(i)]), controls.lowPass);
+        const double low = lowPass.process(SubnormalBiquad::stepsOf(block.mono[at(i)]), controls.lowPass);
         const double filtered = highPass.process(low, controls.highPass);
-        if (!QuietBiquad::isQuiet(low) || !QuietBiquad::isQuiet(filtered))
+        if (!SubnormalBiquad::inRange(low) || !SubnormalBiquad::inRange(filtered))
             return false;
-        block.quietInput[at(i)] = filtered * kSmallestStep;
+        block.filteredInput[at(i)] = filtered * kSmallestStep;
     }
     preLowPass.state = lowPass.state();
     preHighPass.state = highPass.state();
@@ -331,51 +331,50 @@ bool DelayEngine::filterQuietly(std::int32_t frames) {
 /// Asks the processor to bring near what a tap will read. A hundred taps all over 16 MiB are more streams
 /// than it finds out about by itself. Always inlined, and its asking in no function of its own: a compiler
 /// sees no effect in either and drops their calls.
-[[gnu::always_inline]] inline void DelayEngine::fetchTap(const MemoryStretch& stretch,
-                                                         std::size_t tap) const {
+[[gnu::always_inline]] inline void DelayEngine::fetchTap(const MemorySpan& span, std::size_t tap) const {
     const TapPath& path = block.tapPath[tap];
     const float swept = controls.interpMode == kWholeSamples ? 0.0f : block.lfoOffset[0];
     // Without a sign, so that a wild time only leads to the wrong place.
     const auto slotAt = [&](std::int32_t frame) {
-        return static_cast<std::uint32_t>(stretch.start + frame) -
+        return static_cast<std::uint32_t>(span.start + frame) -
                static_cast<std::uint32_t>(trunc(timeAt(path, frame) - swept));
     };
     std::uint32_t slot = slotAt(0);
     std::uint32_t step = kSamplesPerCacheLine;
-    std::int32_t lines = stretch.frames / kSamplesPerCacheLine + 1;
+    std::int32_t lines = span.frames / kSamplesPerCacheLine + 1;
     if (path.times) {
         // Within a sub-block a glide is as good as straight.
-        const auto way = static_cast<std::int32_t>(slotAt(stretch.frames - 1) - slot);
-        lines = std::min(stretch.frames, std::abs(way / kSamplesPerCacheLine) + 2);
+        const auto way = static_cast<std::int32_t>(slotAt(span.frames - 1) - slot);
+        lines = std::min(span.frames, std::abs(way / kSamplesPerCacheLine) + 2);
         step = static_cast<std::uint32_t>(way / lines);
     } else {
         slot += step; // The first line came with the sub-block before.
     }
     for (std::int32_t line = 0; line < lines; ++line, slot += step)
-        __builtin_prefetch(stretch.samples + (slot & kDelayMask), 0, kIntoSecondCache);
+        __builtin_prefetch(span.samples + (slot & kDelayMask), 0, kIntoSecondCache);
 }
 
 /// Adds up all taps in their order; even taps sound left, odd taps right.
-void DelayEngine::sumTaps(const MemoryStretch& stretch) {
+void DelayEngine::sumTaps(const MemorySpan& span) {
     block.sumLeft.fill(0.0f);
     block.sumRight.fill(0.0f);
     const std::size_t last = at(controls.numTaps - 1);
     alignas(64) Row row;
     for (std::size_t tap = 0; tap < std::min(kTapsFetchedAhead, last); ++tap)
-        fetchTap(stretch, tap);
+        fetchTap(span, tap);
     for (std::size_t tap = 0; tap <= last; ++tap) {
         if (tap + kTapsFetchedAhead < last)
-            fetchTap(stretch, tap + kTapsFetchedAhead);
+            fetchTap(span, tap + kTapsFetchedAhead);
         const float* echo;
         if (tap == 0)
             echo = block.firstTap;
         else if (tap == last)
             echo = block.lastTap;
         else
-            echo = readTap(stretch, tap, row);
+            echo = readTap(span, tap, row);
         Row& sum = tap % 2 == 0 ? block.sumLeft : block.sumRight;
-        kernels->addTap(sum.data(), echo, controls.gain[tap], stretch.frames);
-        delay.tapOut[tap] = echo[stretch.frames - 1];
+        kernels->addTap(sum.data(), echo, controls.gain[tap], span.frames);
+        delay.tapOut[tap] = echo[span.frames - 1];
     }
     // With an odd count the last pair takes in the entry behind the last tap. Its gain is zero; what it read
     // long ago is heard only if it was no number.
@@ -386,21 +385,21 @@ void DelayEngine::sumTaps(const MemoryStretch& stretch) {
     }
 }
 
-/// A tap's samples for the whole stretch, in `row` or wherever they stand already.
-const float* DelayEngine::readTap(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
-    if (const float* const echo = readTapAtOnce(stretch, tap, row))
+/// A tap's samples for the whole span, in `row` or wherever they stand already.
+const float* DelayEngine::readTap(const MemorySpan& span, std::size_t tap, Row& row) const {
+    if (const float* const echo = readTapAtOnce(span, tap, row))
         return echo;
-    readTapCarefully(stretch, tap, row);
+    readTapCarefully(span, tap, row);
     return row.data();
 }
 
 /// The same, or null for a tap whose samples have to be looked up one by one.
-const float* DelayEngine::readTapAtOnce(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
+const float* DelayEngine::readTapAtOnce(const MemorySpan& span, std::size_t tap, Row& row) const {
     const TapPath& path = block.tapPath[tap];
     if (controls.interpMode == kWholeSamples)
-        return wholeSamples(stretch, path.time);
+        return wholeSamples(span, path.time);
     const auto read = controls.interpMode == kLinear ? kernels->readLinear : kernels->readCubic;
-    switch (read(stretch, block.sweep, path, row.data())) {
+    switch (read(span, block.sweep, path, row.data())) {
     case TapRead::done:
         return row.data();
     case TapRead::silence:
@@ -410,11 +409,11 @@ const float* DelayEngine::readTapAtOnce(const MemoryStretch& stretch, std::size_
     }
 }
 
-void DelayEngine::readTapCarefully(const MemoryStretch& stretch, std::size_t tap, Row& row) const {
+void DelayEngine::readTapCarefully(const MemorySpan& span, std::size_t tap, Row& row) const {
     const TapPath& path = block.tapPath[tap];
     const auto readWith = [&](auto reader) {
-        for (std::int32_t i = 0; i < stretch.frames; ++i)
-            row[at(i)] = reader.read(MemoryMoment{stretch, i}, timeAt(path, i), block.lfoOffset[at(i)]);
+        for (std::int32_t i = 0; i < span.frames; ++i)
+            row[at(i)] = reader.read(MemoryAtFrame{span, i}, timeAt(path, i), block.lfoOffset[at(i)]);
     };
     if (controls.interpMode == kWholeSamples)
         readWith(WholeSampleReader{});

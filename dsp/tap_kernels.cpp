@@ -1,7 +1,9 @@
-// Compiled once for each instruction set, with INSTRUCTION_SET naming it. Everything here is local to this
-// file and what comes from headers is local too: a function that two sets shared might be linked in the
-// richer one's form and stop a plainer processor.
+// Compiled once for each instruction set, named by INSTRUCTION_SET. All functions, those from headers
+// included, are local to this file: a function shared between sets could be linked in a form that a plainer
+// processor cannot run.
 #include "dsp/tap_kernels.h"
+
+#include "dsp/interpolation.h"
 
 #include <cstring>
 
@@ -12,61 +14,60 @@ namespace {
 #define QUILLON_QUOTED(name) #name
 #define QUILLON_TEXT(name) QUILLON_QUOTED(name)
 
-/// The samples that share two looks where the slots slip, and the slips from where on that is not tried.
-constexpr std::int32_t kSection = 16;
-constexpr std::int32_t kMostSlips = 6;
+/// Frames per section; largest drift range before we gather.
+constexpr std::int32_t kSectionFrames = 16;
+constexpr std::int32_t kMaxDriftRange = 6;
 
-constexpr float kMemoryLength = static_cast<float>(kMemorySlots);
+constexpr float kMemoryLength = static_cast<float>(kDelaySize);
 
-/// Where the taps of a sub-block read: whole slots and what is left over. `drift` is what the slots have
-/// moved beyond one a sample.
+/// Read positions of one tap. Frame i reads at slot `drift[i]` + i, plus the fraction.
 struct Positions {
     alignas(64) std::int32_t drift[kSubBlockFrames];
     alignas(64) float fraction[kSubBlockFrames];
-    std::int32_t leastDrift, mostDrift;
+    std::int32_t minDrift, maxDrift;
 };
 
-/// Whether the tap stays within the memory for the whole sub-block. If so, `turn` is what brings its
-/// positions there: nothing, or once around.
-bool staysInside(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float& turn) {
+/// Whether the tap stays within the memory for the whole sub-block without crossing its end. If so,
+/// `wrapOffset` is what all its positions need: 0 or the memory's length.
+bool staysInside(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float& wrapOffset) {
     const std::int32_t end = memory.frames - 1;
     const float begin = path.times ? path.times[0] : path.time;
     const float arrival = path.times ? path.times[end] : path.time;
     const float shortest = begin < arrival ? begin : arrival;
     const float longest = begin < arrival ? arrival : begin;
-    // Rounding keeps the order, so these bound each position however it is rounded.
-    float earliest = memory.writePositions[0] - longest + sweep.least;
-    float latest = memory.writePositions[end] - shortest + sweep.most;
-    turn = latest < 0.0f ? kMemoryLength : 0.0f;
-    earliest += turn;
-    latest += turn;
+    // Rounding is monotonic, so these bound every rounded position.
+    float earliest = memory.writePositions[0] - longest + sweep.min;
+    float latest = memory.writePositions[end] - shortest + sweep.max;
+    wrapOffset = latest < 0.0f ? kMemoryLength : 0.0f;
+    earliest += wrapOffset;
+    latest += wrapOffset;
     return memory.writePositions[end] > 0.0f && earliest >= 0.0f && latest < kMemoryLength;
 }
 
-/// The formula of readPosition, where staysInside has found the turn.
+/// The formula of readPosition, with the wrap offset from staysInside.
 template <bool moving, class Length>
-void findPositions(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float turn,
+void findPositions(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float wrapOffset,
                    Length frames, Positions& __restrict positions) {
     const float* const writePositions = memory.writePositions;
     const float* const times = path.times;
     const float* const lfoOffset = sweep.lfoOffset;
     const float time = path.time;
-    std::int32_t leastDrift = INT32_MAX;
-    std::int32_t mostDrift = INT32_MIN;
+    std::int32_t minDrift = INT32_MAX;
+    std::int32_t maxDrift = INT32_MIN;
     for (std::int32_t i = 0; i < frames; ++i) {
-        const float p = writePositions[i] - (moving ? times[i] : time) + lfoOffset[i] + turn;
+        const float p = writePositions[i] - (moving ? times[i] : time) + lfoOffset[i] + wrapOffset;
         const std::int32_t whole = static_cast<std::int32_t>(p);
         const std::int32_t drift = whole - i;
         positions.fraction[i] = p - static_cast<float>(whole);
         positions.drift[i] = drift;
-        leastDrift = drift < leastDrift ? drift : leastDrift;
-        mostDrift = drift > mostDrift ? drift : mostDrift;
+        minDrift = drift < minDrift ? drift : minDrift;
+        maxDrift = drift > maxDrift ? drift : maxDrift;
     }
-    positions.leastDrift = leastDrift;
-    positions.mostDrift = mostDrift;
+    positions.minDrift = minDrift;
+    positions.maxDrift = maxDrift;
 }
 
-/// Nearly every sub-block is a full one: with its length known beforehand, loops have no ends to look after.
+/// Nearly every sub-block is full; a length known at compile time leaves loops without remainders.
 template <std::int32_t length>
 struct Fixed {
     constexpr operator std::int32_t() const { return length; }
@@ -77,73 +78,56 @@ inline auto atItsLength(std::int32_t frames, Loop loop) {
     return frames == length ? loop(Fixed<length>{}) : loop(frames);
 }
 
-/// Points of the memory around a read position, oldest first.
-struct Points {
-    float s0, s1, s2, s3;
-};
-
-float cubic(const Points& points, float f) {
-    const auto [s0, s1, s2, s3] = points;
-    const float h = s3 * 0.5f;
-    return (((s2 + s2 + s0 - (s1 * 2.5f + h)) + (((s1 - s2) * 3.0f - s0) * 0.5f + h) * f) * f +
-            (s2 - s0) * 0.5f) *
-               f +
-           s1;
-}
-
-float linear(const Points& points, float f) {
-    return (points.s2 - points.s1) * f + points.s1;
-}
-
 using Interpolation = float (*)(const Points&, float);
 
-/// Slots step by one: four shifted looks at one run.
+/// Slots step by one per frame: four shifted loads from one array.
 template <Interpolation interpolate, class Length>
-void readSteady(const float* run, const Positions& at, Length frames, float* __restrict row) {
+void readSteady(const float* slots, const Positions& at, Length frames, float* __restrict row) {
     for (std::int32_t i = 0; i < frames; ++i)
-        row[i] = interpolate({run[i], run[i + 1], run[i + 2], run[i + 3]}, at.fraction[i]);
+        row[i] = interpolate({slots[i], slots[i + 1], slots[i + 2], slots[i + 3]}, at.fraction[i]);
 }
 
-/// Samples whose slots have drifted by `base` or by one more: each takes one of two neighbouring looks at
-/// `run`, where the slots of base begin. Zero, or the row is undefined because some have drifted elsewhere.
+/// Frames whose drift is `base` or base + 1: each selects one of two neighbouring windows of `slots`, where
+/// the slots of `base` begin. Not zero if a drift is another; the row is undefined then.
 template <Interpolation interpolate, class Length>
-std::uint32_t readDrifting(const float* run, std::int32_t base, const std::int32_t* drift,
+std::uint32_t readDrifting(const float* slots, std::int32_t base, const std::int32_t* drift,
                            const float* fraction, Length frames, float* __restrict row) {
-    std::uint32_t strays = 0;
+    std::uint32_t others = 0;
     for (std::int32_t i = 0; i < frames; ++i) {
-        const std::uint32_t slip = static_cast<std::uint32_t>(drift[i] - base);
-        const bool later = slip != 0;
-        strays |= slip & ~1u;
-        const float m0 = run[i], m1 = run[i + 1], m2 = run[i + 2], m3 = run[i + 3], m4 = run[i + 4];
+        const std::uint32_t extra = static_cast<std::uint32_t>(drift[i] - base);
+        const bool later = extra != 0;
+        others |= extra & ~1u;
+        const float m0 = slots[i], m1 = slots[i + 1], m2 = slots[i + 2], m3 = slots[i + 3], m4 = slots[i + 4];
         row[i] =
             interpolate({later ? m1 : m0, later ? m2 : m1, later ? m3 : m2, later ? m4 : m3}, fraction[i]);
     }
-    return strays;
+    return others;
 }
 
-/// The sweep makes the slots wait or hurry a little. `run` begins where the slots of the least drift do.
-/// False where that is too much for two looks a section.
+/// Slots that the sweep delays or advances a little. `slots` begins where the slots of minDrift do. False,
+/// with the row undefined, where two windows per section are not enough.
 template <Interpolation interpolate, class Length>
-bool readSlipping(const float* run, const Positions& at, Length frames, float* row) {
-    if (at.mostDrift - at.leastDrift == 1)
-        return readDrifting<interpolate>(run, at.leastDrift, at.drift, at.fraction, frames, row) == 0;
-    if (at.mostDrift - at.leastDrift > kMostSlips)
+bool readSwept(const float* slots, const Positions& at, Length frames, float* row) {
+    if (at.maxDrift - at.minDrift == 1)
+        return readDrifting<interpolate>(slots, at.minDrift, at.drift, at.fraction, frames, row) == 0;
+    if (at.maxDrift - at.minDrift > kMaxDriftRange)
         return false;
-    std::uint32_t strays = 0;
-    for (std::int32_t begin = 0; begin < frames; begin += kSection) {
+    std::uint32_t others = 0;
+    for (std::int32_t begin = 0; begin < frames; begin += kSectionFrames) {
         const std::int32_t left = frames - begin;
-        strays |= atItsLength<kSection>(left < kSection ? left : kSection, [&](auto length) {
-            const std::int32_t* const drift = at.drift + begin;
-            const std::int32_t base = drift[0] < drift[length - 1] ? drift[0] : drift[length - 1];
-            return readDrifting<interpolate>(run + begin + (base - at.leastDrift), base, drift,
-                                             at.fraction + begin, length, row + begin);
-        });
+        others |=
+            atItsLength<kSectionFrames>(left < kSectionFrames ? left : kSectionFrames, [&](auto length) {
+                const std::int32_t* const drift = at.drift + begin;
+                const std::int32_t base = drift[0] < drift[length - 1] ? drift[0] : drift[length - 1];
+                return readDrifting<interpolate>(slots + begin + (base - at.minDrift), base, drift,
+                                                 at.fraction + begin, length, row + begin);
+            });
     }
-    return strays == 0;
+    return others == 0;
 }
 
-/// Slots go anywhere, as in a fast glide. What is around each is brought together first: that waits for many
-/// far parts of the memory at a time.
+/// Slots anywhere, as in a fast glide. All points are gathered before any is used, so that their cache misses
+/// overlap.
 template <Interpolation interpolate, class Length>
 void readScattered(const float* samples, const Positions& at, Length frames, float* __restrict row) {
     alignas(64) Points points[kSubBlockFrames];
@@ -154,37 +138,36 @@ void readScattered(const float* samples, const Positions& at, Length frames, flo
 }
 
 template <Interpolation interpolate, class Length>
-TapRead read(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, Length frames,
-             float* row) {
-    float turn;
-    if (!staysInside(memory, sweep, path, turn))
+TapRead read(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, Length frames, float* row) {
+    float wrapOffset;
+    if (!staysInside(memory, sweep, path, wrapOffset))
         return TapRead::refused;
     Positions at;
     if (path.times)
-        findPositions<true>(memory, sweep, path, turn, frames, at);
+        findPositions<true>(memory, sweep, path, wrapOffset, frames, at);
     else
-        findPositions<false>(memory, sweep, path, turn, frames, at);
-    const std::int32_t first = at.leastDrift - 1;
-    const std::int32_t newest = at.mostDrift + 2;
+        findPositions<false>(memory, sweep, path, wrapOffset, frames, at);
+    const std::int32_t first = at.minDrift - 1;
+    const std::int32_t newest = at.maxDrift + 2;
     const std::int32_t last = newest + frames - 1;
-    if (isSilent(memory, first, last))
+    if (isUnwritten(memory, first, last))
         return TapRead::silence;
-    const float* const run = runOf(memory, first, last, newest);
-    if (!run)
+    const float* const slots = contiguousSlots(memory, first, last, newest);
+    if (!slots)
         return TapRead::refused;
-    if (at.leastDrift == at.mostDrift)
-        readSteady<interpolate>(run, at, frames, row);
-    else if (!readSlipping<interpolate>(run, at, frames, row))
-        readScattered<interpolate>(run - first, at, frames, row);
+    if (at.minDrift == at.maxDrift)
+        readSteady<interpolate>(slots, at, frames, row);
+    else if (!readSwept<interpolate>(slots, at, frames, row))
+        readScattered<interpolate>(slots - first, at, frames, row);
     return TapRead::done;
 }
 
-TapRead readCubic(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float* row) {
+TapRead readCubic(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float* row) {
     return atItsLength<kSubBlockFrames>(
         memory.frames, [&](auto frames) { return read<cubic>(memory, sweep, path, frames, row); });
 }
 
-TapRead readLinear(const MemoryStretch& memory, const Sweep& sweep, const TapPath& path, float* row) {
+TapRead readLinear(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float* row) {
     return atItsLength<kSubBlockFrames>(
         memory.frames, [&](auto frames) { return read<linear>(memory, sweep, path, frames, row); });
 }
@@ -196,15 +179,15 @@ void addTap(float* __restrict sum, const float* __restrict tap, float gain, std:
     });
 }
 
-/// In short sections, so that what turns from a sample of each tap into a row of each stays at hand.
+/// In short sections, so that the transposition from frames to rows stays in the first cache.
 void glide(const float* step, float a, float* z, float* const* rows, std::int32_t frames) {
     float now[kGlideLanes];
     for (std::int32_t lane = 0; lane < kGlideLanes; ++lane)
         now[lane] = z[lane];
-    for (std::int32_t begin = 0; begin < frames; begin += kSection) {
+    for (std::int32_t begin = 0; begin < frames; begin += kSectionFrames) {
         const std::int32_t left = frames - begin;
-        atItsLength<kSection>(left < kSection ? left : kSection, [&](auto length) {
-            float times[kSection][kGlideLanes];
+        atItsLength<kSectionFrames>(left < kSectionFrames ? left : kSectionFrames, [&](auto length) {
+            float times[kSectionFrames][kGlideLanes];
             for (std::int32_t i = 0; i < length; ++i)
                 for (std::int32_t lane = 0; lane < kGlideLanes; ++lane) {
                     now[lane] = step[lane] + a * now[lane];

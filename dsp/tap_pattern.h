@@ -12,7 +12,7 @@
 namespace dsp {
 
 /// A tap at this time or beyond has run out of memory and is silent; in samples.
-constexpr float kLastTapTime = 4194302.0f;
+constexpr float kLastTapTime = static_cast<float>(kDelaySize - 2);
 /// The earliest time of a tap, in samples.
 constexpr float kFirstTapTime = 3.0f;
 

@@ -1,44 +1,36 @@
-// The three ways to read a tap from the delay memory, for one sample and any position. The loops of
-// dsp/tap_kernels.cpp do the same for many samples where nothing can go wrong.
+// The three ways to read one tap for one frame, at any position. The kernels (dsp/tap_kernels.h) do the same
+// for whole sub-blocks where no slot needs care.
 //
-// Each reader is a small function object, so that the loop over the taps is compiled once for each way and
-// asks nothing inside. The wraps of the linear and the whole-sample reader skip slot 0 at the end of the
-// memory; that is how this echo sounds, and projects rely on it.
+// The linear and the whole-sample reader skip slot 0 where they wrap; existing projects sound that way.
 #pragma once
 
 #include "base/truncation.h"
+#include "dsp/interpolation.h"
 #include "dsp/module_delay.h"
 
 namespace dsp {
 
-/// A read position in samples: single precision, so that long delays move on a coarser grid.
-inline float readPosition(const MemoryMoment& memory, float time, float lfoOffset) {
+/// A read position in slots. Single precision, so long delays move on a coarser grid.
+inline float readPosition(const MemoryAtFrame& memory, float time, float lfoOffset) {
     const float p = static_cast<float>(memory.writeIndex()) - time + lfoOffset;
-    return p < 0.0f ? p + 4194304.0f : p;
+    return p < 0.0f ? p + static_cast<float>(kDelaySize) : p;
 }
 
 /// Four points, Catmull-Rom.
 struct CubicReader {
-    static float read(const MemoryMoment& memory, float time, float lfoOffset) {
+    static float read(const MemoryAtFrame& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         const std::int32_t whole = base::trunc(p);
         const float f = p - static_cast<float>(whole);
         const auto i = static_cast<std::uint32_t>(whole);
-        const float s0 = memory.at(i - 1);
-        const float s1 = memory.at(i);
-        const float s2 = memory.at(i + 1);
-        const float h = memory.at(i + 2) * 0.5f;
-        return (((s2 + s2 + s0 - (s1 * 2.5f + h)) + (((s1 - s2) * 3.0f - s0) * 0.5f + h) * f) * f +
-                (s2 - s0) * 0.5f) *
-                   f +
-               s1;
+        return cubic({memory.at(i - 1), memory.at(i), memory.at(i + 1), memory.at(i + 2)}, f);
     }
 };
 
-/// Two points. A position that is still negative after one turn of the memory is turned once more in whole
-/// samples only, which leaves a huge fraction: the tap roars for as long as that lasts.
+/// Two points. A position that is still negative after wrapping is wrapped again in whole slots only, which
+/// leaves a fraction of about minus the memory's length: the tap is very loud for as long as that lasts.
 struct LinearReader {
-    static float read(const MemoryMoment& memory, float time, float lfoOffset) {
+    static float read(const MemoryAtFrame& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         std::int32_t i = base::trunc(p);
         if (i < 0)
@@ -48,13 +40,13 @@ struct LinearReader {
         const std::int32_t second = i + 1 <= kDelaySize - 1 ? i + 1 : i - (kDelaySize - 2);
         const float s1 = memory.at(static_cast<std::uint32_t>(first));
         const float s2 = memory.at(static_cast<std::uint32_t>(second));
-        return (s2 - s1) * f + s1;
+        return linear({0.0f, s1, s2, 0.0f}, f);
     }
 };
 
-/// The nearest whole sample, untouched by the sweep.
+/// A whole slot; the sweep has no effect.
 struct WholeSampleReader {
-    static float read(const MemoryMoment& memory, float time, float) {
+    static float read(const MemoryAtFrame& memory, float time, float) {
         std::int32_t i = memory.writeIndex() - base::trunc(time);
         if (i < 0)
             i += kDelaySize;

@@ -84,37 +84,37 @@ TEST(PatternRecord, TellsOneThatBeganDuringAnotherOfTheMixtureAlsoWhenTheOtherHa
     EXPECT_EQ(record.endComputed(third, kShort), PatternRecord::Outcome::mixed);
 }
 
-TEST(PatternRecord, KeepsItsEditionForAsLongAsNobodyRewritesTheTables) {
+TEST(PatternRecord, KeepsItsGenerationForAsLongAsNobodyRewritesTheTables) {
     PatternRecord record;
-    EXPECT_EQ(record.edition(), record.edition());
-    EXPECT_NE(record.edition(), PatternRecord::kNone);
-    const std::uint32_t before = record.edition();
+    EXPECT_EQ(record.generation(), record.generation());
+    EXPECT_NE(record.generation(), PatternRecord::kNone);
+    const std::uint32_t before = record.generation();
     record.endComputed(record.begin(), kLong);
-    EXPECT_NE(record.edition(), before);
-    EXPECT_EQ(record.edition(), record.edition());
+    EXPECT_NE(record.generation(), before);
+    EXPECT_EQ(record.generation(), record.generation());
 }
 
-TEST(PatternRecord, TakesAnotherEditionAlsoForTheSameTables) {
+TEST(PatternRecord, TakesAnotherGenerationAlsoForTheSameTables) {
     PatternRecord record;
     record.endComputed(record.begin(), kLong);
-    const std::uint32_t before = record.edition();
+    const std::uint32_t before = record.generation();
     record.endComputed(record.begin(), kLong);
-    EXPECT_NE(record.edition(), before);
-    const std::uint32_t computed = record.edition();
+    EXPECT_NE(record.generation(), before);
+    const std::uint32_t computed = record.generation();
     const auto rewrite = record.begin();
     record.endOther(rewrite);
-    EXPECT_NE(record.edition(), computed);
+    EXPECT_NE(record.generation(), computed);
 }
 
-TEST(PatternRecord, HasNoEditionWhileAnybodyRewritesTheTables) {
+TEST(PatternRecord, HasNoGenerationWhileAnybodyRewritesTheTables) {
     PatternRecord record;
     const auto first = record.begin();
-    EXPECT_EQ(record.edition(), PatternRecord::kNone);
+    EXPECT_EQ(record.generation(), PatternRecord::kNone);
     const auto second = record.begin();
     record.endComputed(first, kLong);
-    EXPECT_EQ(record.edition(), PatternRecord::kNone);
+    EXPECT_EQ(record.generation(), PatternRecord::kNone);
     record.endComputed(second, kShort);
-    EXPECT_NE(record.edition(), PatternRecord::kNone);
+    EXPECT_NE(record.generation(), PatternRecord::kNone);
 }
 
 } // namespace
