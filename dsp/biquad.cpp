@@ -4,7 +4,8 @@
 
 namespace dsp {
 
-void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q) {
+void designBiquad(SharedCoefficients& filter, BiquadType type, double frequency, double sampleRate,
+                  double q) {
     const double w = frequency * 6.283185307179586 / sampleRate;
     const double s = std::sin(w);
     const double c = std::cos(w);
@@ -17,7 +18,7 @@ void designBiquad(Biquad& filter, BiquadType type, double frequency, double samp
     const double a2 = 1.0 - alpha;
     const double scale = 1.0 / a0;
     const auto rounded = [scale](double value) { return static_cast<float>(value * scale); };
-    filter.coefficients.publish({rounded(b0), rounded(b1), rounded(b0), rounded(a1), rounded(a2)});
+    filter.publish({rounded(b0), rounded(b1), rounded(b0), rounded(a1), rounded(a2)});
 }
 
 } // namespace dsp

@@ -93,17 +93,10 @@ class SubnormalBiquad {
     double y1_, y2_, x1_, x2_;
 };
 
-/// A second-order filter.
-struct Biquad {
-    SharedCoefficients coefficients;
-    BiquadState state; ///< audio thread
-};
-
 enum class BiquadType { lowPass = 0, highPass = 1 };
 
-/// Designs by the well-known bilinear recipes, in double, and publishes the result; the state goes on.
-/// `frequency` and `sampleRate` in Hz; nothing is clamped, so a frequency above half the rate gives a filter
-/// that grows. Any thread.
-void designBiquad(Biquad& filter, BiquadType type, double frequency, double sampleRate, double q);
+/// Designs a filter with the common bilinear formulas, in double, and publishes its coefficients. `frequency`
+/// and `sampleRate` in Hz. Nothing is clamped: above half the rate the filter is unstable. Any thread.
+void designBiquad(SharedCoefficients& filter, BiquadType type, double frequency, double sampleRate, double q);
 
 } // namespace dsp

@@ -7,7 +7,6 @@
 // are kept until the next one, so that each tap can be read as the memory was at any frame.
 #pragma once
 
-#include "base/shared.h"
 #include "dsp/memory_span.h"
 #include "parameters/pattern_laws.h"
 
@@ -23,15 +22,14 @@ using parameters::kMaxTaps;
 /// One signal of a sub-block, a sample per frame.
 using Row = std::array<float, kSubBlockFrames>;
 
+/// Audio thread.
 struct ModuleDelay {
-    std::int32_t writeIndex = 0; ///< next slot to write; audio thread
-    std::int32_t written = 0; ///< slots below this one hold signal, those above count as zero; audio thread
-    std::array<float, kMaxTaps> tapOut{};      ///< what each tap read last; audio thread
-    float lfoOffset = 0.0f;                    ///< read offset in samples, zero or negative; audio thread
-    base::Shared<std::int32_t> interpMode = 1; ///< 0 cubic, 1 linear, 2 none
-    base::Shared<bool> clearRequested;
-    alignas(64) Row writePositions{};                       ///< of the sub-block; audio thread
-    alignas(64) std::array<float, kEvictedSlots> evicted{}; ///< samples that it overwrites; audio thread
+    std::int32_t writeIndex = 0;          ///< next slot to write
+    std::int32_t written = 0;             ///< slots below this one hold signal, those above count as zero
+    std::array<float, kMaxTaps> tapOut{}; ///< what each tap read last
+    float lfoOffset = 0.0f;               ///< read offset in samples, zero or negative
+    alignas(64) Row writePositions{};     ///< of the sub-block
+    alignas(64) std::array<float, kEvictedSlots> evicted{}; ///< samples that it overwrites
     /// Slots from `written` on are never read.
     alignas(64) std::array<float, kDelaySize> samples;
 
@@ -43,24 +41,18 @@ struct ModuleDelay {
         samples.back() = 0.0f;
     }
 
-    /// Forgets every echo and starts at the first slot again, from the next sample on. Any thread.
-    void clearDelayMemory() { clearRequested.store(true); }
-
-    /// Carries out what clearDelayMemory asked for. Audio thread.
-    void serveClearRequest() {
-        if (!clearRequested.load())
-            return;
-        clearRequested.store(false);
+    /// Forgets every echo and starts at the first slot again.
+    void clearDelayMemory() {
         writeIndex = 0;
         written = 0;
         tapOut.fill(0.0f);
         lfoOffset = 0.0f;
     }
 
-    /// Frames until the memory wraps, the limit of a sub-block. Audio thread.
+    /// Frames until the memory wraps, the limit of a sub-block.
     std::int32_t slotsLeft() const { return kDelaySize - writeIndex; }
 
-    /// The span of the next `frames` frames; keeps what they will evict. Audio thread.
+    /// The span of the next `frames` frames; keeps what they will evict.
     MemorySpan beginSpan(std::int32_t frames) {
         const std::int32_t kept = std::clamp(written - writeIndex, 0, kEvictedSlots);
         const auto next = std::copy_n(samples.begin() + writeIndex, kept, evicted.begin());
@@ -72,7 +64,7 @@ struct ModuleDelay {
         return {samples.data(), written, writeIndex, frames, writePositions.data(), evicted.data(), true};
     }
 
-    /// Moves past the span, all of whose frames are written now. Audio thread.
+    /// Moves past the span, all of whose frames are written now.
     void endSpan(MemorySpan& span) {
         writeIndex += span.frames;
         written = std::max(written, writeIndex);

@@ -1,22 +1,15 @@
 // Takes DC out of the wet signal.
 #pragma once
 
-#include "base/recompute.h"
-
 namespace dsp {
 
-/// A first-order high-pass at 32 Hz: the input less its own low-passed self.
+/// A first-order high-pass at 32 Hz: the input minus its low-passed self. Audio thread.
 struct Smoother {
-    float state = 0.0f;                   ///< the low-passed signal; audio thread
-    base::Shared<float> radiansPerSample; ///< of one Hz
+    float state = 0.0f; ///< the low-passed signal
 
-    /// Any thread. `sampleRate` in Hz.
-    void setSampleRate(float sampleRate) { radiansPerSample.renew(6.28319f / sampleRate); }
-
-    /// One sample of a signal whose low-passed self is `state`. `radians` is radiansPerSample as it stood at
-    /// the start of the sub-block. Audio thread.
-    static float process(float& state, float w, float radians) {
-        state = (w - state) * radians * 32.0f + state;
+    /// One sample. `radiansPerSample` is that of one Hz.
+    float process(float w, float radiansPerSample) {
+        state = (w - state) * radiansPerSample * 32.0f + state;
         return w - state;
     }
 };

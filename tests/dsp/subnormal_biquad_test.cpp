@@ -31,12 +31,12 @@ class SubnormalFilter : public testing::Test {
     BiquadState smallState() { return {smallSample(), smallSample(), smallSample(), smallSample()}; }
 
     BiquadCoefficients designed() {
-        Biquad filter;
+        SharedCoefficients filter;
         const double frequency = std::exp2(static_cast<double>(between(2.0f, 14.5f)));
         designBiquad(filter, below(2) ? BiquadType::lowPass : BiquadType::highPass, frequency, 48000.0,
                      static_cast<double>(between(0.2f, 5.0f)));
         BiquadCoefficients coefficients;
-        filter.coefficients.load(coefficients);
+        filter.load(coefficients);
         return coefficients;
     }
     BiquadCoefficients any() {
