@@ -82,19 +82,22 @@ void AudioLoop::smoothParameters(std::int32_t frames, SmoothedRows& smoothed) {
 /// The offset computed in a frame applies to the frame after it.
 Sweep AudioLoop::sweepTaps(std::int32_t frames, const Row& depth, SweepRow& lfoOffset) {
     alignas(64) Row phase;
-    const float step = lfo.step(controls.lfoRate, controls.lfoSampleTime);
+    ModuleFMop oscillator = lfo; // a copy, which no store into the rows can alias
+    const float step = oscillator.step(controls.lfoRate, controls.lfoSampleTime);
     for (std::int32_t i = 0; i < frames; ++i)
-        phase[at(i)] = lfo.advance(step);
+        phase[at(i)] = oscillator.advance(step);
+    lfo = oscillator;
     lfoOffset[0] = delay.lfoOffset;
     for (std::int32_t i = 0; i < frames; ++i)
-        lfoOffset[at(i + 1)] = -std::fabs((lfo.sine(phase[at(i)]) + 100.0f) * depth[at(i)]);
+        lfoOffset[at(i + 1)] = -std::fabs((oscillator.sine(phase[at(i)]) + 100.0f) * depth[at(i)]);
     delay.lfoOffset = lfoOffset[at(frames)];
     return sweepOf(lfoOffset.data(), frames);
 }
 
 void AudioLoop::mixInput(std::int32_t frames, const StereoRow& dry, Row& mono) const {
+    const float pan = controls.prePan;
     for (std::int32_t i = 0; i < frames; ++i)
-        mono[at(i)] = (1.0f - controls.prePan) * dry.left[at(i)] + controls.prePan * dry.right[at(i)];
+        mono[at(i)] = (1.0f - pan) * dry.left[at(i)] + pan * dry.right[at(i)];
 }
 
 void AudioLoop::runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
@@ -233,9 +236,10 @@ void AudioLoop::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fad
     // Copies, which no store into the rows can alias.
     Smoother left = dcBlockLeft;
     Smoother right = dcBlockRight;
+    const float radians = controls.dcRadiansPerSample;
     for (std::int32_t i = 0; i < frames; ++i) {
-        wet.left[at(i)] = left.process(sum.left[at(i)] * norm[at(i)], controls.dcRadiansPerSample);
-        wet.right[at(i)] = right.process(norm[at(i)] * sum.right[at(i)], controls.dcRadiansPerSample);
+        wet.left[at(i)] = left.process(sum.left[at(i)] * norm[at(i)], radians);
+        wet.right[at(i)] = right.process(norm[at(i)] * sum.right[at(i)], radians);
     }
     dcBlockLeft = left;
     dcBlockRight = right;

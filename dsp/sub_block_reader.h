@@ -24,10 +24,32 @@ struct SubBlockReader {
     const TapPaths& paths;
 
     /// A tap's samples for the whole span, in `row` or elsewhere.
-    const float* read(std::size_t tap, Row& row) const;
+    const float* read(std::size_t tap, Row& row) const {
+        if (const float* const samples = readAtOnce(tap, row))
+            return samples;
+        if (controls.interpMode == parameters::kWholeSamples)
+            readByFrame<WholeSampleReader>(tap, row);
+        else if (controls.interpMode == parameters::kLinear)
+            readByFrame<LinearReader>(tap, row);
+        else
+            readByFrame<CubicReader>(tap, row);
+        return row.data();
+    }
 
     /// The same, or null for a tap that has to be read frame by frame.
-    const float* readAtOnce(std::size_t tap, Row& row) const;
+    const float* readAtOnce(std::size_t tap, Row& row) const {
+        if (controls.interpMode == parameters::kWholeSamples)
+            return readWholeSamples(tap);
+        const bool linear = controls.interpMode == parameters::kLinear;
+        switch ((linear ? kernels.readLinear : kernels.readCubic)(span, sweep, paths[tap], row.data())) {
+        case TapRead::done:
+            return row.data();
+        case TapRead::silence:
+            return kSilence.data();
+        default:
+            return nullptr;
+        }
+    }
 
     /// Reads a tap in one frame with one of the readers of dsp/tap_reader.h.
     template <class Reader>
@@ -63,13 +85,26 @@ struct SubBlockReader {
   private:
     static constexpr std::int32_t kSamplesPerCacheLine = 16;
     static constexpr int kSecondCacheLocality = 2; ///< the second cache has room for all taps
+    static constexpr Row kSilence{};
 
     static float timeAt(const TapPath& path, std::int32_t frame) {
         return path.times ? path.times[frame] : path.time;
     }
-    const float* readWholeSamples(std::size_t tap) const;
+
+    /// Without interpolation the samples are used in place.
+    const float* readWholeSamples(std::size_t tap) const {
+        std::int32_t first = span.start + 1 - base::trunc(paths[tap].time);
+        if (first < 0)
+            first += kDelaySize;
+        const std::int32_t last = first + span.frames - 1;
+        return isUnwritten(span, first, last) ? kSilence.data() : contiguousSlots(span, first, last, first);
+    }
+
     template <class Reader>
-    void readByFrame(std::size_t tap, Row& row) const;
+    void readByFrame(std::size_t tap, Row& row) const {
+        for (std::int32_t i = 0; i < span.frames; ++i)
+            row[static_cast<std::size_t>(i)] = readFrame<Reader>(tap, i);
+    }
 };
 
 } // namespace dsp
