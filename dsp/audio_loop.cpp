@@ -3,6 +3,7 @@
 #include "parameters/parameter_table.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 
@@ -37,6 +38,7 @@ Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
 
 void AudioLoop::processReplacing(EngineControls& shared, const float* const* inputs, float* const* outputs,
                                  std::int32_t sampleFrames) {
+    assert(entry.enter() && "two threads render at once");
     serveClearRequest(shared);
     Fade fade(sampleFrames, shared.beginFadeBlock());
     for (std::int32_t first = 0; first < sampleFrames;) {
@@ -59,6 +61,7 @@ void AudioLoop::processReplacing(EngineControls& shared, const float* const* inp
         mixOutput(frames, dry, wet, smoothed, outputs[0] + first, outputs[1] + first);
         first += frames;
     }
+    assert(entry.leave());
 }
 
 void AudioLoop::serveClearRequest(EngineControls& shared) {

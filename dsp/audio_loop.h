@@ -14,6 +14,7 @@
 #include "dsp/module_delay.h"
 #include "dsp/module_fm_op.h"
 #include "dsp/one_pole.h"
+#include "dsp/single_entry.h"
 #include "dsp/smoother.h"
 #include "dsp/sub_block_reader.h"
 #include "dsp/tap_glides.h"
@@ -75,6 +76,7 @@ class AudioLoop {
     bool filterSubnormals(std::int32_t frames, const Row& mono, FilteredRow& filtered);
     void sumTaps(const SubBlockReader& reader, const FedTaps& fed, StereoRow& sum);
 
+    SingleEntry entry; ///< asserted in debug builds only
     const TapKernels* kernels = &chosenKernels();
     ControlSnapshot controls; ///< of the present sub-block
     OnePole stereoSmoother, mixSmoother, panSmoother, depthSmoother;
