@@ -18,7 +18,7 @@ namespace {
 
 constexpr char kReference[] = "reference";
 constexpr std::int32_t kBlock = 64;
-constexpr std::int32_t kMemoryFrames = 4194304;
+constexpr std::int32_t kMemoryFrames = dsp::kDelaySize;
 constexpr std::int32_t kFillFrames = 4096;
 constexpr std::int32_t kCallsInARow = 256;
 

@@ -1,5 +1,6 @@
 #include "bench/limits.h"
 
+#include "dsp/memory_span.h"
 #include "platform/large_pages.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace bench {
 namespace {
 
 constexpr std::size_t kBatchFrames = 4096;
-constexpr std::uint32_t kMemorySlots = 4194304;
+constexpr std::uint32_t kMemorySlots = dsp::kDelaySize;
 constexpr std::uint32_t kTaps = 128;
 constexpr std::uint32_t kGap = 32734; ///< samples from tap to tap
 constexpr std::uint32_t kSubBlock = 64;

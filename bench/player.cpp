@@ -1,6 +1,7 @@
 #include "bench/player.h"
 
 #include "bench/cold_caches.h"
+#include "dsp/memory_span.h"
 #include "reference/reference_engine.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ constexpr std::int32_t kBatchFrames = 4096;
 constexpr std::int32_t kColdBlocks = 1;
 constexpr double kSecondsOfRound = 0.02;
 constexpr double kSecondsOfColdRound = 0.0005;
-constexpr std::int32_t kMemoryFrames = 4194304;
+constexpr std::int32_t kMemoryFrames = dsp::kDelaySize;
 /// After so many frames every glide has arrived.
 constexpr std::int32_t kSettlingFrames = 250000;
 /// So many blocks hide the jump of a pattern that does not glide.

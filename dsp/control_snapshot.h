@@ -3,14 +3,12 @@
 
 #include "dsp/pattern_record.h"
 #include "dsp/shared_coefficients.h"
-#include "parameters/pattern_laws.h"
+#include "dsp/tap_pattern.h"
 
 #include <array>
 #include <cstdint>
 
 namespace dsp {
-
-using parameters::kMaxTaps;
 
 /// Plain copies, so that all stages of a sub-block work with the same values. Audio thread.
 struct ControlSnapshot {

@@ -17,18 +17,16 @@
 namespace dsp {
 
 constexpr std::uint32_t kDelayMask = kDelaySize - 1;
-using parameters::kMaxTaps;
-
 /// One signal of a sub-block, a sample per frame.
 using Row = std::array<float, kSubBlockFrames>;
 
 /// Audio thread.
 struct ModuleDelay {
-    std::int32_t writeIndex = 0;          ///< next slot to write
-    std::int32_t written = 0;             ///< slots below this one hold signal, those above count as zero
-    std::array<float, kMaxTaps> tapOut{}; ///< what each tap read last
-    float lfoOffset = 0.0f;               ///< read offset in samples, zero or negative
-    alignas(64) Row writePositions{};     ///< of the sub-block
+    std::int32_t writeIndex = 0; ///< next slot to write
+    std::int32_t written = 0;    ///< slots below this one hold signal, those above count as zero
+    std::array<float, parameters::kMaxTaps> tapOut{};       ///< what each tap read last
+    float lfoOffset = 0.0f;                                 ///< read offset in samples, zero or negative
+    alignas(64) Row writePositions{};                       ///< of the sub-block
     alignas(64) std::array<float, kEvictedSlots> evicted{}; ///< samples that it overwrites
     /// Slots from `written` on are never read.
     alignas(64) std::array<float, kDelaySize> samples;
