@@ -1,4 +1,4 @@
-// The way back from the taps into the delay memory.
+// The feedback from the taps to the delay memory.
 #pragma once
 
 #include <bit>
@@ -7,29 +7,27 @@
 
 namespace dsp {
 
-/// Added to everything that enters the memory: keeps decaying echoes out of the range where arithmetic gets
-/// slow.
+/// Added to everything that enters the memory, so that decaying echoes do not become subnormal.
 constexpr float kAntiDenormal = 1e-11f;
 
-/// The sum of the first and the last tap on its way back into the memory, less its low end. Audio thread.
+/// The sum of the first and the last tap, high-passed. Audio thread.
 struct FeedbackPath {
     double fbLowpass = 0.0; ///< low end of the feedback signal
     float fbSample = 0.0f;  ///< what feeds back into the next sample
 
-    /// What goes into the memory: the filtered input, a sample widened, and the feedback times `factor` less
-    /// its low end.
+    /// The sample for the memory: the filtered input plus the feedback times `factor`, minus its low end.
     float memoryInput(double filtered, float factor) {
         const double fed = static_cast<double>(factor * fbSample);
         fbLowpass = fbLowpass * 0.997 + fed * 0.003;
-        // Flushed by a look at the lower half of the number: the state drops to zero now and then even under
-        // a live signal, and every project that feeds back has that in its sound.
+        // The test uses the lower half of the double, so the state drops to zero now and then even under a
+        // live signal. Every project with feedback sounds that way.
         if ((std::bit_cast<std::uint64_t>(fbLowpass) & 0x7F800000u) == 0)
             fbLowpass = 0.0;
         return static_cast<float>((fed - fbLowpass) + filtered + static_cast<double>(kAntiDenormal));
     }
 
-    /// The first and the last tap feed back, as they were read. While the first is silent, the last value is
-    /// held.
+    /// Takes the first and the last tap, as read, for the next sample. While the first is silent, the
+    /// previous value is held.
     void capture(float first, float last) {
         if (std::fabs(first) > kAntiDenormal)
             fbSample = first + last - kAntiDenormal;

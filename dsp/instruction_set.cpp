@@ -6,9 +6,9 @@ namespace dsp {
 
 namespace {
 
-constexpr const TapKernels* kForms[] = {&sse2::kTapKernels, &avx2::kTapKernels, &avx512::kTapKernels};
+constexpr const TapKernels* kKernels[] = {&sse2::kTapKernels, &avx2::kTapKernels, &avx512::kTapKernels};
 
-/// How many of the forms the processor and the system beneath it can run; each set contains the one before.
+/// How many of kKernels the processor and the operating system support; each set includes the one before.
 std::size_t countUsable() {
     __builtin_cpu_init();
     if (!__builtin_cpu_supports("avx2"))
@@ -18,20 +18,20 @@ std::size_t countUsable() {
     return wide ? 3 : 2;
 }
 
-const TapKernels* asked = nullptr;
+const TapKernels* forced = nullptr;
 
 } // namespace
 
 std::span<const TapKernels* const> usableKernels() {
-    return {kForms, countUsable()};
+    return {kKernels, countUsable()};
 }
 
 const TapKernels& chosenKernels() {
-    return asked ? *asked : *usableKernels().back();
+    return forced ? *forced : *usableKernels().back();
 }
 
 void chooseKernels(const TapKernels* kernels) {
-    asked = kernels;
+    forced = kernels;
 }
 
 } // namespace dsp

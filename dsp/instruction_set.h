@@ -1,4 +1,4 @@
-// Which form of the tap loops this processor gets.
+// Choice of the tap kernels for this processor.
 #pragma once
 
 #include "dsp/tap_kernels.h"
@@ -7,14 +7,13 @@
 
 namespace dsp {
 
-/// The forms that this processor can run, plainest first, best last; never empty. Any thread.
+/// The kernels that this processor can run, best last; never empty. Any thread.
 std::span<const TapKernels* const> usableKernels();
 
-/// The form that engines made from now on will use: the best one, unless another was asked for. Any thread.
+/// The kernels that new engines use: the best, unless chooseKernels was called. Any thread.
 const TapKernels& chosenKernels();
 
-/// Asks for a form, so that tests can compare them; null for the best one again. Call while no engine is
-/// being made.
+/// Sets the kernels of new engines, for tests; null for the best again. Call while no engine is constructed.
 void chooseKernels(const TapKernels* kernels);
 
 } // namespace dsp

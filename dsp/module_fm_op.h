@@ -1,4 +1,4 @@
-// The sine that sweeps the read positions of all taps.
+// The sine oscillator that sweeps the read positions of all taps.
 #pragma once
 
 #include "base/truncation.h"

@@ -1,4 +1,4 @@
-// The smoother that lets parameters and tap times glide instead of click.
+// The smoother of parameters and tap times.
 #pragma once
 
 #include <algorithm>
@@ -13,11 +13,11 @@ struct OnePole {
     float b = std::bit_cast<float>(std::uint32_t{0x38FBA000}); ///< 0.00012, so that a + b is 1
     float z = 0.0f;
 
-    /// Whether a target opens the gate. At or under 1e-5 the gate is closed: the answer is 0 at once and the
-    /// glide waits where it stood.
+    /// Whether a target opens the gate. At or below 1e-5 the gate is closed: the result is 0 at once, and `z`
+    /// is kept.
     static bool opens(float v) { return v > 9.999999747378752e-06f; }
 
-    /// One sample of the glide toward `v`.
+    /// One sample of the glide to `v`.
     float gated(float v) {
         if (!opens(v))
             return 0.0f;
@@ -25,10 +25,10 @@ struct OnePole {
         return z;
     }
 
-    /// Whether a glide toward `v` has come to rest: one more sample would leave it where it is.
+    /// Whether a glide to `v` has ended: one more sample would not change `z`.
     bool rests(float v) const { return v * b + a * z == z; }
 
-    /// `frames` samples of the glide toward `v`.
+    /// `frames` samples of the glide to `v`.
     template <class Row>
     void gated(float v, Row& row, std::int32_t frames) {
         const auto end = row.begin() + frames;

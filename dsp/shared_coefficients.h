@@ -1,15 +1,14 @@
-// A filter's coefficients on their way from the threads that design filters to the audio loop. A mixture of
-// two sets can be an unstable filter, so the loop gets one whole set or none.
+// A filter's coefficients, from the threads that design filters to the audio loop. A mixture of two sets can
+// be an unstable filter, so the loop gets one whole set or keeps its old one.
 //
-// There are a few slots. A writer takes a free one, fills it and makes it the current one by a single
-// exchange; the slot that was current is free again. Nobody waits for anybody: of two writers each fills a
-// slot of its own, and the last exchange decides.
+// There are a few slots. A writer takes a free one, fills it and makes it current with one exchange, which
+// frees the slot that was current. No thread waits: two writers fill different slots, and the last exchange
+// wins.
 //
 // Memory order: every read-modify-write here is sequentially consistent, and the five values are stored with
-// release and loaded with acquire. A slot is filled again only after it was freed, which is after another one
-// became current. So a reader that meets a value of a later filling has also met that change of `current_`:
-// it finds another number there when it looks again, and drops what it copied: a slot has a new number with
-// each filling.
+// release and loaded with acquire. A slot is refilled only after it was freed, which is after another one
+// became current. So a reader that loads a value of a later filling also sees that change of `current_` when
+// it loads it again, and drops its copy: each filling has a new number.
 #pragma once
 
 #include <array>
@@ -26,9 +25,9 @@ struct BiquadCoefficients {
 
 class SharedCoefficients {
   public:
-    /// Makes `set` the current one. If all slots are taken, others are publishing at this moment and nothing
-    /// is stored: each of them sees what this thread stored before, when it looks at the parameters again
-    /// after its own publish (base/recompute.h). Any thread; never waits.
+    /// Makes `set` the current one. If all slots are taken by other writers, nothing is stored: each of those
+    /// looks at the parameters again after its own publish (base/recompute.h) and sees what this thread set.
+    /// Any thread; never waits.
     void publish(const BiquadCoefficients& set) {
         const std::uint32_t first = current_.load(std::memory_order_relaxed) + 1;
         for (std::uint32_t tried = 0; tried < kSlots; ++tried)
@@ -38,7 +37,7 @@ class SharedCoefficients {
             }
     }
 
-    /// Copies the current set, or leaves `set` as it is if another one became current meanwhile. Any thread;
+    /// Copies the current set, or leaves `set` as it is if another became current meanwhile. Any thread;
     /// never waits.
     void load(BiquadCoefficients& set) const {
         const std::uint32_t current = current_.load(std::memory_order_acquire);
@@ -52,7 +51,7 @@ class SharedCoefficients {
   private:
     struct Slot {
         std::array<std::atomic<float>, 5> values{};
-        std::uint32_t fillings = 0; ///< of whoever has taken the slot
+        std::uint32_t fillings = 0; ///< belongs to the writer that has taken the slot
     };
     static constexpr std::uint32_t kSlots = 4;
 
@@ -61,7 +60,7 @@ class SharedCoefficients {
     bool take(std::uint32_t slot) { return (taken_.fetch_or(bitOf(slot)) & bitOf(slot)) == 0; }
     void free(std::uint32_t slot) { taken_.fetch_and(~bitOf(slot)); }
 
-    /// Gives the number of this filling, whose remainder is the slot.
+    /// Gives the number of this filling; modulo kSlots it is the slot.
     std::uint32_t fill(std::uint32_t index, const BiquadCoefficients& set) {
         Slot& slot = slots_[index % kSlots];
         const std::array<float, 5> values = {set.b0, set.b1, set.b2, set.a1, set.a2};
@@ -71,8 +70,8 @@ class SharedCoefficients {
     }
 
     std::array<Slot, kSlots> slots_;
-    std::atomic<std::uint32_t> current_ = 0; ///< number of the filling that the loop reads
-    std::atomic<std::uint32_t> taken_ = 1;   ///< a bit for each slot: the current one, and those being filled
+    std::atomic<std::uint32_t> current_ = 0; ///< number of the current filling
+    std::atomic<std::uint32_t> taken_ = 1;   ///< a bit per slot: the current one and those being filled
 };
 
 } // namespace dsp

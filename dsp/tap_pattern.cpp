@@ -14,7 +14,7 @@ using parameters::stretchBend;
 
 namespace {
 
-/// The linear ramp that the gain curve is made from, less 1: zero at the loud end of the pattern.
+/// The linear ramp of the gains minus 1: zero at the loud end of the pattern.
 float ramp(float ampDecay, float inverseCount, std::int32_t numTaps, std::int32_t tap) {
     if (ampDecay >= 0.5f) {
         const float slope = (1.0f - ampDecay) * (inverseCount + inverseCount) - inverseCount;
@@ -23,8 +23,8 @@ float ramp(float ampDecay, float inverseCount, std::int32_t numTaps, std::int32_
     return ((inverseCount + inverseCount) * ampDecay - inverseCount) * static_cast<float>(tap);
 }
 
-/// A whole number of samples that never overflows, however wild the parameters: far beyond the memory every
-/// tap is silent anyway.
+/// The position in whole samples, limited so that it cannot overflow; beyond the memory a tap is silent
+/// anyway.
 std::int32_t accumulated(double position) {
     return trunc(std::min(position, 4.0 * kDelaySize));
 }
@@ -74,7 +74,7 @@ void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float
         pattern.tapTimeTarget[entry].store(time);
         pattern.tapGain[entry].store(limitedGain(gain, time));
     }
-    // Taps out of use keep their place, silent, for when they come back.
+    // Unused taps keep their times, at gain zero.
     for (auto entry = static_cast<std::size_t>(numTaps); entry < kMaxTaps; ++entry) {
         pattern.tapTimeTarget[entry].store(limitedTime(pattern.tapTimeTarget[entry].load()));
         pattern.tapGain[entry].store(0.0f);
