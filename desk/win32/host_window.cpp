@@ -91,8 +91,9 @@ HostWindow::System::System(const std::string& title, int width, int height)
     : width_(asLength(width)), height_(asLength(height)) {
     registerClass();
     const SIZE outer = outerSize(width_, height_);
-    window_ = CreateWindowExW(0, kClassName, platform::wide(title).c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
-                              outer.cx, outer.cy, nullptr, nullptr, platform::moduleHandle(), nullptr);
+    window_ =
+        CreateWindowExW(0, kClassName, platform::wide(title).c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
+                        outer.cx, outer.cy, nullptr, nullptr, platform::moduleHandle(), nullptr);
     if (!window_)
         throw std::runtime_error("there is no display to open a window on");
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
