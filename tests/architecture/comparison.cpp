@@ -32,7 +32,7 @@ const Row* rowNamed(const Rows& rows, const std::string& name) {
     return found == rows.end() ? nullptr : &*found;
 }
 
-std::string quoted(const std::string& name) {
+std::string withBackticks(const std::string& name) {
     return "`" + name + "`";
 }
 
@@ -56,10 +56,10 @@ Names linksOf(const Graph& graph, const Target& target) {
 void compareNames(const std::string& who, const Names& table, const Names& build, Sentences& sentences) {
     for (const std::string& name : build)
         if (!table.contains(name))
-            sentences.push_back(who + " links " + quoted(name) + ", which its row does not name");
+            sentences.push_back(who + " links " + withBackticks(name) + ", which its row does not name");
     for (const std::string& name : table)
         if (!build.contains(name))
-            sentences.push_back(who + " does not link " + quoted(name) + ", which its row names");
+            sentences.push_back(who + " does not link " + withBackticks(name) + ", which its row names");
 }
 
 void compareRooms(const Page& page, const Graph& graph, Sentences& sentences) {
@@ -70,20 +70,22 @@ void compareRooms(const Page& page, const Graph& graph, Sentences& sentences) {
             continue;
         const std::string folder = roomFolder(target);
         if (const auto [other, isNew] = rooms.emplace(folder, &target); !isNew) {
-            sentences.push_back(target.name + " is a second room in " + quoted(folder) + ", the folder of " +
-                                other->second->name);
+            sentences.push_back(target.name + " is a second room in " + withBackticks(folder) +
+                                ", the folder of " + other->second->name);
             continue;
         }
         order.push_back(folder);
         const Row* row = rowNamed(page.rooms, folder);
         if (!row) {
-            sentences.push_back(target.name + " in " + quoted(folder) + " has no row in the table of rooms");
+            sentences.push_back(target.name + " in " + withBackticks(folder) +
+                                " has no row in the table of rooms");
             continue;
         }
         const Names seen = seenFrom(graph, target);
-        compareNames(quoted(folder), row->links, asWritten(graph, seen), sentences);
+        compareNames(withBackticks(folder), row->links, asWritten(graph, seen), sentences);
         if (seen.contains("vstgui") != (row->third.find("VSTGUI") != std::string::npos))
-            sentences.push_back(quoted(folder) + (seen.contains("vstgui") ? " sees" : " does not see") +
+            sentences.push_back(withBackticks(folder) +
+                                (seen.contains("vstgui") ? " sees" : " does not see") +
                                 " VSTGUI, and its row says otherwise");
     }
     std::vector<std::string> rows;
@@ -92,8 +94,8 @@ void compareRooms(const Page& page, const Graph& graph, Sentences& sentences) {
             rows.push_back(row.name);
     for (std::size_t i = 0; i < std::min(rows.size(), order.size()); ++i)
         if (rows[i] != order[i] && std::ranges::find(rows, order[i]) != rows.end()) {
-            sentences.push_back("the table has " + quoted(rows[i]) + " where add_subdirectory has " +
-                                quoted(order[i]));
+            sentences.push_back("the table has " + withBackticks(rows[i]) + " where add_subdirectory has " +
+                                withBackticks(order[i]));
             break;
         }
 }
@@ -104,7 +106,7 @@ void findArrowsUp(const Page& page, Sentences& sentences) {
     for (const Row& row : page.rooms) {
         for (const std::string& name : row.links)
             if (!below.contains(name))
-                sentences.push_back(quoted(row.name) + " names " + quoted(name) +
+                sentences.push_back(withBackticks(row.name) + " names " + withBackticks(name) +
                                     ", which does not stand above it in the table");
         below.insert(row.name);
     }
@@ -115,12 +117,13 @@ void findRowsWithoutTarget(const Rows& rows, const Names& present, const std::st
     Names seen;
     for (const Row& row : rows) {
         if (!present.contains(row.name) && row.only.empty())
-            sentences.push_back("the row of " + quoted(row.name) + " in the table of " + table +
+            sentences.push_back("the row of " + withBackticks(row.name) + " in the table of " + table +
                                 " has no target");
         if (present.contains(row.name) && row.only == "Windows")
-            sentences.push_back(quoted(row.name) + " is built here, and its row says for Windows only");
+            sentences.push_back(withBackticks(row.name) +
+                                " is built here, and its row says for Windows only");
         if (!seen.insert(row.name).second)
-            sentences.push_back(quoted(row.name) + " has two rows in the table of " + table);
+            sentences.push_back(withBackticks(row.name) + " has two rows in the table of " + table);
     }
 }
 
@@ -140,14 +143,14 @@ void compareProgram(const Page& page, const Graph& graph, const Target& target, 
         return;
     }
     const Target* room = roomAround(graph, target);
-    if (!room || row->second != quoted(roomFolder(*room))) {
-        sentences.push_back(target.name + " lies in " + quoted(roomFolder(target)) + ", not in " +
+    if (!room || row->second != withBackticks(roomFolder(*room))) {
+        sentences.push_back(target.name + " lies in " + withBackticks(roomFolder(target)) + ", not in " +
                             row->second);
         return;
     }
     Names links = linksOf(graph, target);
     if (links.erase(roomFolder(*room)) == 0)
-        sentences.push_back(target.name + " does not link its room " + quoted(roomFolder(*room)));
+        sentences.push_back(target.name + " does not link its room " + withBackticks(roomFolder(*room)));
     compareNames(target.name, row->links, links, sentences);
 }
 
@@ -162,15 +165,15 @@ void compareHelper(const Page& page, const Graph& graph, const Target& target, S
 void lookAtPart(const Graph& graph, const Target& target, Sentences& sentences) {
     const Target* room = roomAround(graph, target);
     if (!room) {
-        sentences.push_back(target.name + " in " + quoted(roomFolder(target)) + " is part of no room");
+        sentences.push_back(target.name + " in " + withBackticks(roomFolder(target)) + " is part of no room");
         return;
     }
     Names allowed = asWritten(graph, seenFrom(graph, *room));
     allowed.insert(roomFolder(*room));
     for (const std::string& name : asWritten(graph, seenFrom(graph, target)))
         if (!allowed.contains(name))
-            sentences.push_back(target.name + " links " + quoted(name) + ", which its room " +
-                                quoted(roomFolder(*room)) + " does not see");
+            sentences.push_back(target.name + " links " + withBackticks(name) + ", which its room " +
+                                withBackticks(roomFolder(*room)) + " does not see");
 }
 
 /// Tests lie in the folder of a room's tests, of the tests of several rooms beside each other, or in one that
@@ -208,7 +211,7 @@ std::vector<std::string> differences(const Page& page, const Graph& graph) {
             if (isLinkable(target))
                 compareHelper(page, graph, target, sentences);
             if (!isFolderOfTests(page, roomFolder(target)))
-                sentences.push_back(target.name + " lies in " + quoted(roomFolder(target)) +
+                sentences.push_back(target.name + " lies in " + withBackticks(roomFolder(target)) +
                                     ", which is the folder of no room's tests");
         } else if (isLoaded(target)) {
             compareProgram(page, graph, target, sentences);
