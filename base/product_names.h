@@ -7,5 +7,6 @@ namespace base {
 
 inline constexpr std::string_view kVendorName = "Quillon Software";
 inline constexpr std::string_view kProductName = "Quillon Multitap Delay";
+inline constexpr std::string_view kVendorAndProduct = "Quillon Software Quillon Multitap Delay";
 
 } // namespace base

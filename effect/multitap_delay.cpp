@@ -26,7 +26,8 @@ constexpr bool shapesPattern(std::int32_t id) {
 } // namespace
 
 MultitapDelay::~MultitapDelay() {
-    midi::writeCcMap();
+    if (isComplete_)
+        midi::writeCcMap();
 }
 
 void MultitapDelay::makePrograms() {
@@ -46,6 +47,7 @@ void MultitapDelay::startUp() {
     host_.updateDisplay();
     if (programs_.size() > 0)
         setProgram(0);
+    isComplete_ = true;
 }
 
 void MultitapDelay::loadDefaultBank() {

@@ -41,7 +41,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
   public:
     /// Silent, with no programs yet. `host` outlives the effect.
     explicit MultitapDelay(interfaces::EffectHost& host) : host_(host) {}
-    /// Writes the controller map to the current directory.
+    /// Writes the controller map to the current directory, unless the effect was never complete.
     ~MultitapDelay();
     MultitapDelay(const MultitapDelay&) = delete;
     MultitapDelay& operator=(const MultitapDelay&) = delete;
@@ -110,6 +110,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     interfaces::EffectWindow* window_ = nullptr; ///< not owned
     dsp::DelayEngine engine_;
     presets::ProgramStore programs_;
+    bool isComplete_ = false; ///< startUp() has ended
     midi::NoteState notes_;
     base::Shared<float> sampleRate_ = 44100.0f; ///< Hz
     base::Shared<std::int32_t> curProgram_;

@@ -77,9 +77,7 @@ bool velmo_delay::getVendorString(char* text) {
 }
 
 bool velmo_delay::getProductString(char* text) {
-    const std::string vendorAndProduct =
-        std::string(base::kVendorName) + ' ' + std::string(base::kProductName);
-    copyText(text, vendorAndProduct.c_str(), vst2::kVstMaxProductStrLen);
+    copyText(text, base::kVendorAndProduct.data(), vst2::kVstMaxProductStrLen);
     return true;
 }
 

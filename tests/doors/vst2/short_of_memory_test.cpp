@@ -26,6 +26,25 @@ TEST_F(ShortOfMemory, AnEffectIsMadeOrNot) {
     EXPECT_LE(test::livingAllocations(), before + shortages) << "the toolkit loses a little";
 }
 
+TEST_F(ShortOfMemory, AnEffectThatIsNotMadeWritesNoControllerMap) {
+    const char* const map = "Pluginccmap.bin";
+    bool isMade = false;
+    const auto make = [&] {
+        try {
+            dispatch(ShortOfMemory::make(), effClose);
+            isMade = true;
+        } catch (const std::bad_alloc&) {
+            isMade = false;
+        }
+    };
+    atEveryAllocation(make, [&] {
+        EXPECT_TRUE(isMade || !std::filesystem::exists(map));
+        std::filesystem::remove(map);
+    });
+    make();
+    EXPECT_TRUE(std::filesystem::exists(map));
+}
+
 TEST_F(WindowShortOfMemory, OpensNextTime) {
     expectToOpen();
     close();
