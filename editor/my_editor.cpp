@@ -40,10 +40,7 @@ VSTGUI::CColor clearColour(const std::string& text) {
 } // namespace
 
 myEditor::myEditor(interfaces::EditorHost* owner, TapGains tapGain)
-    : xmlGuiEditor(owner), effectGains_(tapGain) {
-    // The first lock of mingw-w64's mutex allocates: here, where a failure is answered, and not in close().
-    const std::lock_guard first(lock);
-}
+    : xmlGuiEditor(owner), effectGains_(tapGain) {}
 
 bool myEditor::open(void* ptr) {
     viewTaps = nullptr;

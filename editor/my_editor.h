@@ -8,11 +8,11 @@
 #include "interfaces/effect_window.h"
 #include "midi/learn_machine.h"
 #include "parameters/pattern_laws.h"
+#include "platform/lock.h"
 #include "skin/xml_gui_editor.h"
 
 #include <array>
 #include <cstdint>
-#include <mutex>
 
 namespace controls {
 class ViewTaps;
@@ -70,7 +70,7 @@ class myEditor : public skin::xmlGuiEditor, public interfaces::EffectWindow {
 
     controls::ViewTaps* viewTaps = nullptr;        ///< not owned
     controls::CNoteDisplay* noteDisplay = nullptr; ///< not owned
-    std::mutex lock;                               ///< for whoever would write notes while the window closes
+    platform::Lock lock;                           ///< for whoever would write notes while the window closes
     std::int8_t note = 0;
     std::int32_t noteMode = controls::kNoNote;
     bool opened = false;
