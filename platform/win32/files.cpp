@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <new>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -104,6 +105,13 @@ File makeDraft(std::string& folder) {
     }
 }
 
+/// Puts the draft in the place of `path`. Throws nothing: whoever made the draft must go on to remove it.
+std::error_code placeDraft(const std::string& draft, const std::string& path) try {
+    return giveName(pathFromText(draft), pathFromText(path));
+} catch (const std::bad_alloc&) {
+    return {ERROR_NOT_ENOUGH_MEMORY, std::system_category()};
+}
+
 /// Writes a new file and puts it in the place of `path`: a move is the one step that cannot be seen half
 /// done. It is on the disk by then, so that a power cut leaves one of the two.
 Replacement replaceFile(const std::string& path, Bytes bytes) {
@@ -115,7 +123,7 @@ Replacement replaceFile(const std::string& path, Bytes bytes) {
     file.close();
     Replacement result = Replacement::failed;
     if (isWritten) {
-        const std::error_code error = giveName(pathFromText(draft), pathFromText(path));
+        const std::error_code error = placeDraft(draft, path);
         if (!error)
             return Replacement::done;
         result = refusedOrFailed(static_cast<DWORD>(error.value()));
