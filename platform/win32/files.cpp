@@ -185,6 +185,9 @@ std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path,
 }
 
 std::error_code giveName(const std::filesystem::path& draft, const std::filesystem::path& target) {
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY))
+        return {ERROR_ACCESS_DENIED, std::system_category()};
     const Security own = securityOf(draft);
     takeOver(target, draft);
     // Keeps more of the old file, such as its second streams, but needs one, and a file system that can.
