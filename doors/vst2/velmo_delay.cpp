@@ -1,6 +1,6 @@
 #include "doors/vst2/velmo_delay.h"
 
-#include "base/number_text.h"
+#include "base/fixed_text.h"
 #include "base/product_names.h"
 #include "doors/vst2/event_list.h"
 #include "editor/my_editor.h"
