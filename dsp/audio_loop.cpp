@@ -38,12 +38,12 @@ Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
 
 void AudioLoop::processReplacing(EngineControls& shared, const float* const* inputs, float* const* outputs,
                                  std::int32_t sampleFrames) {
-    assert(entry.enter() && "two threads render at once");
+    assert(entry_.enter() && "two threads render at once");
     serveClearRequest(shared);
     Fade fade(sampleFrames, shared.beginFadeBlock());
     for (std::int32_t first = 0; first < sampleFrames;) {
         serveClearRequest(shared);
-        const std::int32_t frames = std::min({kSubBlockFrames, sampleFrames - first, delay.slotsLeft()});
+        const std::int32_t frames = std::min({kSubBlockFrames, sampleFrames - first, delay_.slotsLeft()});
         StereoRow dry, sum, wet;
         SmoothedRows smoothed;
         alignas(64) SweepRow lfoOffset;
@@ -55,68 +55,68 @@ void AudioLoop::processReplacing(EngineControls& shared, const float* const* inp
         smoothParameters(frames, smoothed);
         const Sweep sweep = sweepTaps(frames, smoothed.depth, lfoOffset);
         mixInput(frames, dry, mono);
-        const TapPaths& paths = tapGlides.advance(controls, *kernels, frames);
+        const TapPaths& paths = tapGlides_.advance(controls_, *kernels_, frames);
         runDelay(frames, mono, sweep, paths, sum);
         shapeWet(frames, first, fade, sum, wet);
         mixOutput(frames, dry, wet, smoothed, outputs[0] + first, outputs[1] + first);
         first += frames;
     }
-    assert(entry.leave());
+    assert(entry_.leave());
 }
 
 void AudioLoop::serveClearRequest(EngineControls& shared) {
     if (shared.takeClearRequest())
-        delay.clearDelayMemory();
+        delay_.clearDelayMemory();
 }
 
 void AudioLoop::readControls(EngineControls& shared) {
-    if (!shared.read(controls))
-        tapGlides.restart();
+    if (!shared.read(controls_))
+        tapGlides_.restart();
     shared.showFullInputGain();
 }
 
 void AudioLoop::smoothParameters(std::int32_t frames, SmoothedRows& smoothed) {
-    stereoSmoother.gated(controls.stereo, smoothed.stereo, frames);
-    mixSmoother.gated(controls.mix, smoothed.mix, frames);
-    panSmoother.gated(controls.pan, smoothed.pan, frames);
-    depthSmoother.gated(controls.depth, smoothed.depth, frames);
+    stereoSmoother_.gated(controls_.stereo, smoothed.stereo, frames);
+    mixSmoother_.gated(controls_.mix, smoothed.mix, frames);
+    panSmoother_.gated(controls_.pan, smoothed.pan, frames);
+    depthSmoother_.gated(controls_.depth, smoothed.depth, frames);
 }
 
 /// The offset computed in a frame applies to the frame after it.
 Sweep AudioLoop::sweepTaps(std::int32_t frames, const Row& depth, SweepRow& lfoOffset) {
     alignas(64) Row phase;
     ModuleFMop oscillator = lfo; // a copy, which no store into the rows can alias
-    const float step = oscillator.step(controls.lfoRate, controls.lfoSampleTime);
+    const float step = oscillator.step(controls_.lfoRate, controls_.lfoSampleTime);
     for (std::int32_t i = 0; i < frames; ++i)
         phase[at(i)] = oscillator.advance(step);
     lfo = oscillator;
-    lfoOffset[0] = delay.lfoOffset;
+    lfoOffset[0] = delay_.lfoOffset;
     for (std::int32_t i = 0; i < frames; ++i)
         lfoOffset[at(i + 1)] = -std::fabs((oscillator.sine(phase[at(i)]) + 100.0f) * depth[at(i)]);
-    delay.lfoOffset = lfoOffset[at(frames)];
+    delay_.lfoOffset = lfoOffset[at(frames)];
     return sweepOf(lfoOffset.data(), frames);
 }
 
 void AudioLoop::mixInput(std::int32_t frames, const StereoRow& dry, Row& mono) const {
-    const float pan = controls.prePan;
+    const float pan = controls_.prePan;
     for (std::int32_t i = 0; i < frames; ++i)
         mono[at(i)] = (1.0f - pan) * dry.left[at(i)] + pan * dry.right[at(i)];
 }
 
 void AudioLoop::runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
                          StereoRow& sum) {
-    MemorySpan span = delay.beginSpan(frames);
-    const SubBlockReader reader{*kernels, controls, span, sweep, paths};
+    MemorySpan span = delay_.beginSpan(frames);
+    const SubBlockReader reader{*kernels_, controls_, span, sweep, paths};
     StereoRow fedRows;
     const FedTaps fed = recirculate(reader, mono, fedRows);
-    delay.endSpan(span);
+    delay_.endSpan(span);
     sumTaps(reader, fed, sum);
 }
 
 /// Writes the input and the feedback to the memory. The first and the last tap are read for the whole
 /// sub-block beforehand where they read nothing that it writes, and else frame by frame.
 AudioLoop::FedTaps AudioLoop::recirculate(const SubBlockReader& reader, const Row& mono, StereoRow& fedRows) {
-    const std::size_t last = at(controls.numTaps - 1);
+    const std::size_t last = at(controls_.numTaps - 1);
     FedTaps fed;
     fed.first = reader.readAtOnce(0, fedRows.left);
     fed.last = last > 0 && fed.first ? reader.readAtOnce(last, fedRows.right) : fed.first;
@@ -124,9 +124,9 @@ AudioLoop::FedTaps AudioLoop::recirculate(const SubBlockReader& reader, const Ro
         writeMemory(reader.span, mono, [&](std::int32_t i) { return FedSamples{fed.first[i], fed.last[i]}; });
         return fed;
     }
-    if (controls.interpMode == kWholeSamples)
+    if (controls_.interpMode == kWholeSamples)
         return recirculateByFrame<WholeSampleReader>(reader, mono, fedRows);
-    if (controls.interpMode == kLinear)
+    if (controls_.interpMode == kLinear)
         return recirculateByFrame<LinearReader>(reader, mono, fedRows);
     return recirculateByFrame<CubicReader>(reader, mono, fedRows);
 }
@@ -134,7 +134,7 @@ AudioLoop::FedTaps AudioLoop::recirculate(const SubBlockReader& reader, const Ro
 template <class Reader>
 AudioLoop::FedTaps AudioLoop::recirculateByFrame(const SubBlockReader& reader, const Row& mono,
                                                  StereoRow& fedRows) {
-    const std::size_t last = at(controls.numTaps - 1);
+    const std::size_t last = at(controls_.numTaps - 1);
     writeMemory(reader.span, mono, [&](std::int32_t i) {
         fedRows.left[at(i)] = reader.readFrame<Reader>(0, i);
         fedRows.right[at(i)] = reader.readFrame<Reader>(last, i);
@@ -156,8 +156,8 @@ void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed rea
     BiquadState lowPass = preLowPass;
     BiquadState highPass = preHighPass;
     const auto filter = [&](std::int32_t i) {
-        const float low = lowPass.process(mono[at(i)], controls.lowPass);
-        return static_cast<double>(highPass.process(low, controls.highPass));
+        const float low = lowPass.process(mono[at(i)], controls_.lowPass);
+        return static_cast<double>(highPass.process(low, controls_.highPass));
     };
     feedBack(span, filter, readFed);
     preLowPass = lowPass;
@@ -166,29 +166,29 @@ void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed rea
 
 template <class ReadFiltered, class ReadFed>
 void AudioLoop::feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed) {
-    float* const slots = delay.samples.data() + span.start;
-    FeedbackPath feedback = feedbackPath;
+    float* const slots = delay_.samples.data() + span.start;
+    FeedbackPath feedback = feedbackPath_;
     for (std::int32_t i = 0; i < span.frames; ++i) {
-        slots[i] = feedback.memoryInput(readFiltered(i), controls.feedback);
+        slots[i] = feedback.memoryInput(readFiltered(i), controls_.feedback);
         const FedSamples fed = readFed(i);
         feedback.capture(fed.first, fed.last);
     }
-    feedbackPath = feedback;
+    feedbackPath_ = feedback;
 }
 
 /// Runs both filters on (near-)subnormal input; false, with nothing changed, if out of range.
 bool AudioLoop::filterSubnormals(std::int32_t frames, const Row& mono, FilteredRow& filtered) {
     const auto inRange = [](float sample) { return SubnormalBiquad::inRange(sample); };
-    if (!SubnormalBiquad::inRange(preLowPass, controls.lowPass) ||
-        !SubnormalBiquad::inRange(preHighPass, controls.highPass) ||
+    if (!SubnormalBiquad::inRange(preLowPass, controls_.lowPass) ||
+        !SubnormalBiquad::inRange(preHighPass, controls_.highPass) ||
         !std::all_of(mono.begin(), mono.begin() + frames, inRange))
         return false;
     constexpr double kStep = std::numeric_limits<float>::denorm_min();
     SubnormalBiquad lowPass(preLowPass);
     SubnormalBiquad highPass(preHighPass);
     for (std::int32_t i = 0; i < frames; ++i) {
-        const double low = lowPass.process(SubnormalBiquad::stepsOf(mono[at(i)]), controls.lowPass);
-        const double high = highPass.process(low, controls.highPass);
+        const double low = lowPass.process(SubnormalBiquad::stepsOf(mono[at(i)]), controls_.lowPass);
+        const double high = highPass.process(low, controls_.highPass);
         if (!SubnormalBiquad::inRange(low) || !SubnormalBiquad::inRange(high))
             return false;
         filtered[at(i)] = high * kStep;
@@ -203,7 +203,7 @@ void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, Stereo
     sum.left.fill(0.0f);
     sum.right.fill(0.0f);
     const std::int32_t frames = reader.span.frames;
-    const std::size_t last = at(controls.numTaps - 1);
+    const std::size_t last = at(controls_.numTaps - 1);
     alignas(64) Row row;
     for (std::size_t tap = 0; tap < std::min(kPrefetchedTaps, last); ++tap)
         reader.prefetch(tap);
@@ -218,13 +218,13 @@ void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, Stereo
         else
             samples = reader.read(tap, row);
         Row& side = tap % 2 == 0 ? sum.left : sum.right;
-        kernels->addTap(side.data(), samples, controls.tapGain[tap], frames);
-        delay.tapOut[tap] = samples[frames - 1];
+        kernels_->addTap(side.data(), samples, controls_.tapGain[tap], frames);
+        delay_.tapOut[tap] = samples[frames - 1];
     }
     // With an odd count the entry behind the last tap belongs to the last pair. Its gain is zero, so what it
     // read last matters only if it was infinite or NaN.
     if (last % 2 == 0) {
-        const float unused = delay.tapOut[last + 1] * controls.tapGain[last + 1];
+        const float unused = delay_.tapOut[last + 1] * controls_.tapGain[last + 1];
         for (float& sample : sum.right)
             sample += unused;
     }
@@ -235,11 +235,11 @@ void AudioLoop::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fad
                          StereoRow& wet) {
     alignas(64) Row norm;
     for (std::int32_t i = 0; i < frames; ++i)
-        norm[at(i)] = controls.wetLevel * fade.next(firstFrame + i);
+        norm[at(i)] = controls_.wetLevel * fade.next(firstFrame + i);
     // Copies, which no store into the rows can alias.
     Smoother left = dcBlockLeft;
     Smoother right = dcBlockRight;
-    const float radians = controls.dcRadiansPerSample;
+    const float radians = controls_.dcRadiansPerSample;
     for (std::int32_t i = 0; i < frames; ++i) {
         wet.left[at(i)] = left.process(sum.left[at(i)] * norm[at(i)], radians);
         wet.right[at(i)] = right.process(norm[at(i)] * sum.right[at(i)], radians);

@@ -27,7 +27,7 @@ namespace dsp {
 class AudioLoop {
   public:
     /// No feedback. Call before audio runs.
-    void reset() { feedbackPath.fbSample = 0.0f; }
+    void reset() { feedbackPath_.fbSample = 0.0f; }
 
     /// Renders one block: 2 channels of `sampleFrames` in, the same out. Input and output buffers may be the
     /// same, also crossed. Any length; below 1 only the fade counts the block. Allocates nothing, locks
@@ -76,16 +76,16 @@ class AudioLoop {
     bool filterSubnormals(std::int32_t frames, const Row& mono, FilteredRow& filtered);
     void sumTaps(const SubBlockReader& reader, const FedTaps& fed, StereoRow& sum);
 
-    SingleEntry entry; ///< asserted in debug builds only
-    const TapKernels* kernels = &chosenKernels();
-    ControlSnapshot controls; ///< of the present sub-block
-    OnePole stereoSmoother, mixSmoother, panSmoother, depthSmoother;
+    SingleEntry entry_; ///< asserted in debug builds only
+    const TapKernels* kernels_ = &chosenKernels();
+    ControlSnapshot controls_; ///< of the present sub-block
+    OnePole stereoSmoother_, mixSmoother_, panSmoother_, depthSmoother_;
     ModuleFMop lfo;
-    TapGlides tapGlides;
+    TapGlides tapGlides_;
     BiquadState preLowPass, preHighPass;
-    FeedbackPath feedbackPath;
+    FeedbackPath feedbackPath_;
     Smoother dcBlockLeft, dcBlockRight;
-    ModuleDelay delay;
+    ModuleDelay delay_;
 };
 
 } // namespace dsp

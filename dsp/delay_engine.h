@@ -15,16 +15,16 @@ class DelayEngine : public EngineControls {
     /// Back to a silent engine at 44100 Hz with every parameter at zero. Call before audio runs.
     void startUp() {
         reset();
-        loop.reset();
+        loop_.reset();
     }
 
     /// Renders one block: see AudioLoop. Audio thread.
     void processReplacing(const float* const* inputs, float* const* outputs, std::int32_t sampleFrames) {
-        loop.processReplacing(*this, inputs, outputs, sampleFrames);
+        loop_.processReplacing(*this, inputs, outputs, sampleFrames);
     }
 
   private:
-    AudioLoop loop; ///< audio thread
+    AudioLoop loop_; ///< audio thread
 };
 
 } // namespace dsp

@@ -3,6 +3,7 @@
 #include "base/recompute.h"
 #include "dsp/biquad.h"
 #include "dsp/smoother.h"
+#include "parameters/pattern_laws.h"
 
 #include <bit>
 
@@ -16,12 +17,13 @@ namespace {
 constexpr double kResonanceOnChange = 1.0;
 constexpr double kResonanceOnPrepare = 0.3;
 
+// The filters have one taper when their parameter is set, which the displays show, and these when the effect
+// is turned on or the rate changes. Existing projects rely on the difference.
+constexpr Law kLowPassOnPrepare = {Law::Shape::square, 18000.0, 500.0, "Hz"};
+constexpr Law kHighPassOnPrepare = {Law::Shape::square, 2400.0, 210.0, "Hz"};
+
 PatternRecord::Key keyOf(const PatternSettings& settings) {
     return std::bit_cast<PatternRecord::Key>(settings);
-}
-
-float feedbackFactor(float feedback) {
-    return static_cast<float>(static_cast<double>(feedback * 0.9f) - 0.45);
 }
 
 /// Level of the wet signal: 1 for a flat pattern of full gain, up to 2 for a sparse one.
@@ -37,12 +39,12 @@ float wetLevelOf(const std::array<float, kMaxTaps>& tapGain, std::size_t numTaps
 void EngineControls::reset() {
     for (base::Shared<float>& value : params)
         value.store(0.0f);
-    const PatternRecord::Rewrite rewrite = patternRecord.begin();
-    clearTaps(pattern);
-    patternRecord.endOther(rewrite);
+    const PatternRecord::Rewrite rewrite = patternRecord_.begin();
+    clearTaps(pattern_);
+    patternRecord_.endOther(rewrite);
     clearDelayMemory();
     setSampleRate(44100.0f);
-    lfoRate.store(2.0f);
+    lfoRate_.store(2.0f);
     designBiquad(preLowPass, BiquadType::lowPass, 8000.0, 44100.0, kResonanceOnPrepare);
     // A high-pass at 400 Hz and 44100 Hz.
     preHighPass.publish({0.9125569462776184f, -1.8251138925552368f, 0.9125569462776184f, -1.8236311674118042f,
@@ -53,7 +55,7 @@ void EngineControls::reset() {
 
 void EngineControls::computeTapPattern(const base::Shared<float>& sampleRate) {
     computeFrom([this] { return params[kLfoRate].loadInOrder(); },
-                [this](float rate) { lfoRate.renew((rate * 14.0f) * rate); });
+                [this](float rate) { lfoRate_.renew(kSweepRate.numberFor(rate)); });
     computeFrom([this] { return params[kSet].loadInOrder(); },
                 [this](float set) {
                     // A "Set" outside its range may give a mode that does not exist: cubic then.
@@ -64,7 +66,7 @@ void EngineControls::computeTapPattern(const base::Shared<float>& sampleRate) {
 }
 
 PatternSettings EngineControls::patternSettings(const base::Shared<float>& sampleRate) {
-    const float ampDecay = params[kAmpDecay].limit(0.99999f);
+    const float ampDecay = params[kAmpDecay].limit(kMostAmpDecay);
     return {{params[kBaseLength].loadInOrder(), params[kTaps].loadInOrder(), params[kStretch].loadInOrder(),
              ampDecay, params[kCurve].loadInOrder()},
             sampleRate.loadInOrder()};
@@ -73,11 +75,11 @@ PatternSettings EngineControls::patternSettings(const base::Shared<float>& sampl
 void EngineControls::updatePattern(const base::Shared<float>& sampleRate) {
     for (int computations = 0; computations < kMostComputations; ++computations) {
         const PatternSettings settings = patternSettings(sampleRate);
-        if (patternRecord.holds(keyOf(settings)))
+        if (patternRecord_.holds(keyOf(settings)))
             return;
-        const PatternRecord::Rewrite rewrite = patternRecord.begin();
-        computeTaps(pattern, settings.parameters, settings.sampleRate);
-        if (patternRecord.endComputed(rewrite, keyOf(settings)) == PatternRecord::Outcome::unfinished)
+        const PatternRecord::Rewrite rewrite = patternRecord_.begin();
+        computeTaps(pattern_, settings.parameters, settings.sampleRate);
+        if (patternRecord_.endComputed(rewrite, keyOf(settings)) == PatternRecord::Outcome::unfinished)
             return;
     }
 }
@@ -86,11 +88,11 @@ void EngineControls::updatePattern(const base::Shared<float>& sampleRate) {
 void EngineControls::collapsePattern(const base::Shared<float>& sampleRate) {
     for (int computations = 0; computations < kMostComputations; ++computations) {
         const PatternSettings settings = patternSettings(sampleRate);
-        const PatternRecord::Rewrite rewrite = patternRecord.begin();
-        computeTaps(pattern, settings.parameters, settings.sampleRate);
-        for (base::Shared<float>& time : pattern.tapTimeTarget)
+        const PatternRecord::Rewrite rewrite = patternRecord_.begin();
+        computeTaps(pattern_, settings.parameters, settings.sampleRate);
+        for (base::Shared<float>& time : pattern_.tapTimeTarget)
             time.store(0.0f);
-        const PatternRecord::Outcome outcome = patternRecord.endOther(rewrite);
+        const PatternRecord::Outcome outcome = patternRecord_.endOther(rewrite);
         const bool isPresent = sameBits(settings, patternSettings(sampleRate));
         if (outcome == PatternRecord::Outcome::unfinished ||
             (outcome == PatternRecord::Outcome::whole && isPresent))
@@ -100,9 +102,9 @@ void EngineControls::collapsePattern(const base::Shared<float>& sampleRate) {
 
 void EngineControls::prepare(const base::Shared<float>& sampleRate) {
     computeFrom([&] { return sampleRate.loadInOrder(); }, [this](float rate) { setSampleRate(rate); });
-    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, 18000.0f, 500.0f, kResonanceOnPrepare},
+    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, kLowPassOnPrepare, kResonanceOnPrepare},
                  sampleRate);
-    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, 2400.0f, 210.0f, kResonanceOnPrepare},
+    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, kHighPassOnPrepare, kResonanceOnPrepare},
                  sampleRate);
     computeTapPattern(sampleRate);
     collapsePattern(sampleRate);
@@ -111,8 +113,8 @@ void EngineControls::prepare(const base::Shared<float>& sampleRate) {
 }
 
 void EngineControls::setSampleRate(float sampleRate) {
-    lfoSampleTime.renew(1.0f / sampleRate);
-    dcRadiansPerSample.renew(6.28319f / sampleRate);
+    lfoSampleTime_.renew(1.0f / sampleRate);
+    dcRadiansPerSample_.renew(6.28319f / sampleRate);
 }
 
 void EngineControls::armFade() {
@@ -121,15 +123,13 @@ void EngineControls::armFade() {
     fadeArmed.store(true);
 }
 
-// The filters have one taper when their parameter is set and another when the effect is turned on or the rate
-// changes. Existing projects rely on the difference.
 void EngineControls::designLowPassOnChange(const base::Shared<float>& sampleRate) {
-    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, 20090.0f, 500.0f, kResonanceOnChange},
+    designFilter(preLowPass, {BiquadType::lowPass, kPreLowPass, kLowPassFrequency, kResonanceOnChange},
                  sampleRate);
 }
 
 void EngineControls::designHighPassOnChange(const base::Shared<float>& sampleRate) {
-    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, 2400.0f, 102.0f, kResonanceOnChange},
+    designFilter(preHighPass, {BiquadType::highPass, kPreHighPass, kHighPassFrequency, kResonanceOnChange},
                  sampleRate);
 }
 
@@ -142,15 +142,15 @@ void EngineControls::designFilter(SharedCoefficients& filter, const FilterTaper&
         },
         [&](const std::array<float, 2>& seen) {
             const auto [p, rate] = seen;
-            designBiquad(filter, taper.type, static_cast<double>(p * taper.range * p + taper.lowest),
+            designBiquad(filter, taper.type, static_cast<double>(taper.frequency.numberFor(p)),
                          static_cast<double>(rate), taper.resonance);
         });
 }
 
 bool EngineControls::takeClearRequest() {
-    const bool requested = clearRequested.load();
+    const bool requested = clearRequested_.load();
     if (requested)
-        clearRequested.store(false);
+        clearRequested_.store(false);
     return requested;
 }
 
@@ -171,10 +171,10 @@ bool EngineControls::read(ControlSnapshot& snapshot) const {
     snapshot.pan = parameterValue(kOutPan);
     snapshot.depth = parameterValue(kLfoDepth);
     snapshot.prePan = parameterValue(kPrePan);
-    snapshot.feedback = feedbackFactor(parameterValue(kFeedback));
-    snapshot.lfoRate = lfoRate.load();
-    snapshot.lfoSampleTime = lfoSampleTime.load();
-    snapshot.dcRadiansPerSample = dcRadiansPerSample.load();
+    snapshot.feedback = static_cast<float>(feedbackFactorOf(parameterValue(kFeedback)));
+    snapshot.lfoRate = lfoRate_.load();
+    snapshot.lfoSampleTime = lfoSampleTime_.load();
+    snapshot.dcRadiansPerSample = dcRadiansPerSample_.load();
     preLowPass.load(snapshot.lowPass);
     preHighPass.load(snapshot.highPass);
     return samePattern;
@@ -184,16 +184,16 @@ bool EngineControls::readPattern(ControlSnapshot& snapshot) const {
     const std::int32_t mode = interpMode.load();
     const bool sameMode = mode == snapshot.interpMode;
     snapshot.interpMode = mode;
-    const std::uint32_t generation = patternRecord.generation();
+    const std::uint32_t generation = patternRecord_.generation();
     if (generation == snapshot.patternGeneration && generation != PatternRecord::kNone)
         return sameMode;
     snapshot.patternGeneration = generation;
-    snapshot.numTaps = pattern.numTaps.load();
+    snapshot.numTaps = pattern_.numTaps.load();
     // With an odd count the entry behind the last tap belongs to the last pair.
     const auto numTaps = static_cast<std::size_t>(snapshot.numTaps);
     for (std::size_t tap = 0; tap < (numTaps + 1) / 2 * 2; ++tap) {
-        snapshot.tapGain[tap] = pattern.tapGain[tap].load();
-        snapshot.tapTimeTarget[tap] = pattern.tapTimeTarget[tap].load();
+        snapshot.tapGain[tap] = pattern_.tapGain[tap].load();
+        snapshot.tapTimeTarget[tap] = pattern_.tapTimeTarget[tap].load();
     }
     snapshot.wetLevel = wetLevelOf(snapshot.tapGain, numTaps);
     return false;

@@ -13,6 +13,7 @@
 #include "dsp/pattern_record.h"
 #include "dsp/shared_coefficients.h"
 #include "dsp/tap_pattern.h"
+#include "parameters/law.h"
 #include "parameters/parameter_table.h"
 
 #include <array>
@@ -37,7 +38,7 @@ class EngineControls {
     void computeTapPattern(const base::Shared<float>& sampleRate);
 
     /// Requests that the audio loop clear the delay memory before its next frame. Any thread.
-    void clearDelayMemory() { clearRequested.store(true); }
+    void clearDelayMemory() { clearRequested_.store(true); }
 
     /// Prepares for a sample rate, in Hz, and requests a clear. Tap times are zero until the next
     /// computeTapPattern. Filter states, feedback, glides and the sweep's phase are kept. Any thread.
@@ -52,7 +53,7 @@ class EngineControls {
     void designHighPassOnChange(const base::Shared<float>& sampleRate);
 
     /// The tap tables. Any thread.
-    const TapPattern& tapPattern() const { return pattern; }
+    const TapPattern& tapPattern() const { return pattern_; }
 
     // --- For the audio loop ---
 
@@ -70,11 +71,11 @@ class EngineControls {
     void showFullInputGain() { params[parameters::kPreGain].store(1.0f); }
 
   private:
-    /// Design of an input filter from its parameter p: frequency p * range * p + lowest, in Hz.
+    /// Design of an input filter from its parameter.
     struct FilterTaper {
         BiquadType type;
         std::int32_t id;
-        float range, lowest;
+        const parameters::Law& frequency;
         double resonance;
     };
 
@@ -87,16 +88,16 @@ class EngineControls {
     bool readPattern(ControlSnapshot& snapshot) const;
 
     std::array<base::Shared<float>, parameters::kNumLiveParameters> params{}; ///< normalised, by id
-    TapPattern pattern;
-    PatternRecord patternRecord; ///< what `pattern` was computed from
+    TapPattern pattern_;
+    PatternRecord patternRecord_; ///< what `pattern_` was computed from
     base::Shared<std::int32_t> interpMode = std::int32_t{parameters::kLinear};
     SharedCoefficients preLowPass, preHighPass;
-    base::Shared<float> lfoRate;                         ///< Hz
-    base::Shared<float> lfoSampleTime = 1.0f / 44100.0f; ///< seconds
-    base::Shared<float> dcRadiansPerSample;              ///< of one Hz
-    base::Shared<std::int32_t> fadeBlockCount;           ///< blocks since the fade was armed
+    base::Shared<float> lfoRate_;                         ///< Hz
+    base::Shared<float> lfoSampleTime_ = 1.0f / 44100.0f; ///< seconds
+    base::Shared<float> dcRadiansPerSample_;              ///< of one Hz
+    base::Shared<std::int32_t> fadeBlockCount;            ///< blocks since the fade was armed
     base::Shared<bool> fadeArmed;
-    base::Shared<bool> clearRequested;
+    base::Shared<bool> clearRequested_;
 };
 
 } // namespace dsp

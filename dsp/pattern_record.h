@@ -32,35 +32,35 @@ class PatternRecord {
 
     /// Whether the tables are those computed from `key`. Any thread.
     bool holds(const Key& key) const {
-        const std::uint32_t number = begun.load();
-        if (valid.load() != number)
+        const std::uint32_t number = begun_.load();
+        if (valid_.load() != number)
             return false;
         for (std::size_t i = 0; i < key.size(); ++i)
-            if (computedFrom[i].load() != key[i])
+            if (computedFrom_[i].load() != key[i])
                 return false;
-        return begun.load() == number;
+        return begun_.load() == number;
     }
 
     /// Any thread.
     Rewrite begin() {
-        const std::uint32_t number = begun.fetch_add(1) + 1;
-        return {number, ended.load() == number - 1};
+        const std::uint32_t number = begun_.fetch_add(1) + 1;
+        return {number, ended_.load() == number - 1};
     }
 
     /// The tables were computed from `key`. Any thread.
     Outcome endComputed(const Rewrite& rewrite, const Key& key) {
-        if (rewrite.alone && begun.load() == rewrite.number) {
+        if (rewrite.alone && begun_.load() == rewrite.number) {
             for (std::size_t i = 0; i < key.size(); ++i)
-                computedFrom[i].store(key[i]);
-            valid.store(rewrite.number);
+                computedFrom_[i].store(key[i]);
+            valid_.store(rewrite.number);
         }
         return endOther(rewrite);
     }
 
     /// The tables were not computed from a key. Any thread.
     Outcome endOther(const Rewrite& rewrite) {
-        const std::uint32_t finished = ended.fetch_add(1) + 1;
-        const std::uint32_t started = begun.load();
+        const std::uint32_t finished = ended_.fetch_add(1) + 1;
+        const std::uint32_t started = begun_.load();
         if (rewrite.alone && started == rewrite.number)
             return Outcome::whole;
         return finished == started ? Outcome::mixed : Outcome::unfinished;
@@ -72,15 +72,15 @@ class PatternRecord {
     /// The generation of the tables, or kNone while they are being rewritten. A copy made after this call is
     /// valid for as long as the generation stays the same. Any thread.
     std::uint32_t generation() const {
-        const std::uint32_t finished = ended.load();
-        return begun.load() == finished ? finished : kNone;
+        const std::uint32_t finished = ended_.load();
+        return begun_.load() == finished ? finished : kNone;
     }
 
   private:
-    std::atomic<std::uint32_t> begun = 0;     ///< rewrites begun
-    std::atomic<std::uint32_t> ended = 0;     ///< rewrites ended
-    std::atomic<std::uint32_t> valid = kNone; ///< number of the rewrite that `computedFrom` belongs to
-    std::array<std::atomic<std::uint32_t>, 6> computedFrom{};
+    std::atomic<std::uint32_t> begun_ = 0;     ///< rewrites begun
+    std::atomic<std::uint32_t> ended_ = 0;     ///< rewrites ended
+    std::atomic<std::uint32_t> valid_ = kNone; ///< number of the rewrite that `computedFrom_` belongs to
+    std::array<std::atomic<std::uint32_t>, 6> computedFrom_{};
 };
 
 } // namespace dsp

@@ -9,6 +9,7 @@
 namespace dsp {
 
 using base::trunc;
+using parameters::baseLengthOf;
 using parameters::numTapsOf;
 using parameters::stretchBend;
 
@@ -43,10 +44,6 @@ float limitedTime(float time) {
 
 } // namespace
 
-std::int32_t baseLengthOf(float baseLength, float sampleRate) {
-    return trunc((baseLength * baseLength * sampleRate) * 2.0f + 1.0f);
-}
-
 void clearTaps(TapPattern& pattern) {
     pattern.numTaps.store(1);
     for (std::size_t entry = 0; entry < kMaxTaps; ++entry) {
@@ -57,7 +54,7 @@ void clearTaps(TapPattern& pattern) {
 
 void computeTaps(TapPattern& pattern, const PatternParameters& parameters, float sampleRate) {
     const double bend = static_cast<double>(stretchBend(parameters.stretch));
-    const double length = static_cast<double>(baseLengthOf(parameters.baseLength, sampleRate));
+    const double length = trunc(baseLengthOf(parameters.baseLength, sampleRate));
     const std::int32_t numTaps = numTapsOf(parameters.taps);
     const float inverseCount = 1.0f / static_cast<float>(numTaps);
     const float exponent = parameters.curve * 1.5f + 0.5f;

@@ -25,9 +25,6 @@ struct TapPattern {
     std::array<base::Shared<float>, kMaxTaps> tapTimeTarget{}; ///< delay from the input in whole samples
 };
 
-/// The base length in samples, from "Bs Lgh 1", normalised, at `sampleRate` Hz.
-std::int32_t baseLengthOf(float baseLength, float sampleRate);
-
 /// The parameters that shape a pattern, normalised.
 struct PatternParameters {
     float baseLength, taps, stretch, ampDecay, curve;
