@@ -14,7 +14,7 @@ namespace dsp {
 struct ControlSnapshot {
     std::uint32_t patternGeneration = PatternRecord::kNone; ///< of the tables below
     std::int32_t numTaps = 1;
-    std::int32_t interpMode = 1;
+    std::int32_t interpMode = parameters::kLinear;
     float stereo, mix, pan, depth, prePan; ///< normalised
     float feedback;                        ///< factor, -0.45..0.45
     float wetLevel;                        ///< 1..2, more for sparse patterns

@@ -60,7 +60,7 @@ class EngineControls {
     /// Whether a clear was requested since the last call. Audio thread.
     bool takeClearRequest();
 
-    /// Counts one block of a fade that is armed. Gives whether this block is faded. Audio thread.
+    /// Counts a block of the whole-sample mode, up to four. Gives whether this block is faded. Audio thread.
     bool beginFadeBlock();
 
     /// Copies all that one sub-block needs. The tap tables are copied only if they are new; true if they and
@@ -95,7 +95,7 @@ class EngineControls {
     base::Shared<float> lfoRate_;                         ///< Hz
     base::Shared<float> lfoSampleTime_ = 1.0f / 44100.0f; ///< seconds
     base::Shared<float> dcRadiansPerSample_;              ///< of one Hz
-    base::Shared<std::int32_t> fadeBlockCount;            ///< blocks since the fade was armed
+    base::Shared<std::int32_t> fadeBlockCount;            ///< blocks counted of it, 0..4
     base::Shared<bool> fadeArmed;
     base::Shared<bool> clearRequested_;
 };

@@ -56,7 +56,7 @@ const Parameter& parameter(std::int32_t id);
 /// The normalised start values by id, those of the free ids included.
 std::array<float, kNumParameters> defaultValues();
 
-/// How the taps are read. The engine has three ways; see interpolationMode.
+/// How the taps are read. The engine has three ways; see interpolationModeOf.
 enum InterpolationMode : std::int32_t { kCubic = 0, kLinear = 1, kWholeSamples = 2 };
 
 /// The law of "Set", without a limit: values outside 0..1 may give other numbers than the three modes.
