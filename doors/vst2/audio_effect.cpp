@@ -166,16 +166,20 @@ class AudioEffect::Hold {
     explicit Hold(AudioEffect& effect) : effect_(effect) {
         effect_.holders_.fetch_add(1, std::memory_order_relaxed);
     }
-    ~Hold() { effect_.release(); }
+    ~Hold() { effect_.release(count_); }
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
 
+    /// Releases the host's own hold with this one.
+    void endWithHost() { ++count_; }
+
   private:
     AudioEffect& effect_;
+    int count_ = 1;
 };
 
-void AudioEffect::release() {
-    if (holders_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+void AudioEffect::release(int count) {
+    if (holders_.fetch_sub(count, std::memory_order_acq_rel) == count)
         delete this;
 }
 
@@ -196,18 +200,18 @@ void AudioEffect::closeForHost() {
         });
         audioMaster = nullptr;
     }
-    release();
 }
 
 std::intptr_t AudioEffect::dispatchEffectClass(AEffect* effect, std::int32_t opcode, std::int32_t index,
                                                std::intptr_t value, void* ptr, float opt) {
     AudioEffect* const object = effectOf(effect);
-    const Hold hold(*object);
+    Hold hold(*object);
     const std::intptr_t answer =
         orElse(std::intptr_t{0}, [&] { return object->dispatcher(opcode, index, value, ptr, opt); });
     if (opcode != effClose)
         return answer;
     object->closeForHost();
+    hold.endWithHost();
     return 1;
 }
 

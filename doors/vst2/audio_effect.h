@@ -96,8 +96,8 @@ class AudioEffect : public interfaces::EditorHost {
     class Hold;
 
     void setFlag(vst2::AEffectFlags flag, bool state);
-    /// Deletes the object with its last holder.
-    void release();
+    /// Takes `count` holders away, and deletes the object with its last one.
+    void release(int count);
     void closeForHost();
 
     static std::intptr_t dispatchEffectClass(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index,
