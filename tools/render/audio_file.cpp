@@ -42,17 +42,22 @@ constexpr std::int64_t kLongestPlainFile = (std::int64_t{1} << 32) - 65536;
 constexpr int kLowestRate = 1000;
 constexpr int kHighestRate = 768000;
 
-} // namespace
-
-AudioReader::AudioReader(const std::filesystem::path& path) : path_(path) {
+/// Opens a file for reading. Throws ToolError for a folder; other errors are in the handle.
+SndfileHandle openForReading(const std::filesystem::path& path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
         throw ToolError(path.string() + " is a folder, not a file");
-    file_ = SndfileHandle(path.c_str());
+    return SndfileHandle(path.c_str());
+}
+
+} // namespace
+
+AudioReader::AudioReader(const std::filesystem::path& path)
+    : path_(path), file_(openForReading(path)), channels_(file_.channels()) {
     if (!file_ || file_.error() != SF_ERR_NO_ERROR)
         throw ToolError(path.string() + " cannot be read: " + printable(trimmed(file_.strError())));
-    if (file_.channels() < 1 || file_.channels() > 2)
-        throw ToolError(path.string() + " has " + std::to_string(file_.channels()) +
+    if (channels_ < 1 || channels_ > 2)
+        throw ToolError(path.string() + " has " + std::to_string(channels_) +
                         " channels; only mono and stereo files can be played");
     if (file_.samplerate() < kLowestRate || file_.samplerate() > kHighestRate)
         throw ToolError(path.string() + " has a sample rate of " + std::to_string(file_.samplerate()) +
@@ -63,16 +68,16 @@ AudioReader::AudioReader(const std::filesystem::path& path) : path_(path) {
 }
 
 std::int64_t AudioReader::read(std::span<float> samples) {
-    const auto wanted = static_cast<sf_count_t>(samples.size()) / channels();
+    const auto wanted = static_cast<sf_count_t>(samples.size()) / channels_;
     const sf_count_t frames = file_.readf(samples.data(), wanted);
     if (frames < wanted && file_.error() != SF_ERR_NO_ERROR)
         throw ToolError(path_.string() +
                         " cannot be read to its end: " + printable(trimmed(file_.strError())));
-    const auto last = samples.begin() + frames * channels();
+    const auto last = samples.begin() + frames * channels_;
     const auto bad =
         std::find_if_not(samples.begin(), last, [](float sample) { return std::isfinite(sample); });
     if (bad != last) {
-        const std::int64_t frame = position_ + (bad - samples.begin()) / channels();
+        const std::int64_t frame = position_ + (bad - samples.begin()) / channels_;
         throw ToolError(path_.string() + " holds a sample that is no number, at " +
                         fixedText(static_cast<double>(frame) / sampleRate(), 3) + " s");
     }

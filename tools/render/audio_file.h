@@ -17,7 +17,7 @@ class AudioReader {
     /// Throws ToolError, naming the file, if it cannot be played.
     explicit AudioReader(const std::filesystem::path& path);
 
-    int channels() const { return file_.channels(); }
+    int channels() const { return channels_; }
     int sampleRate() const { return file_.samplerate(); }
     /// Length as the file's header has it.
     std::int64_t frames() const { return file_.frames(); }
@@ -28,6 +28,7 @@ class AudioReader {
   private:
     std::filesystem::path path_;
     mutable SndfileHandle file_;
+    int channels_; ///< 1 or 2
     std::int64_t position_ = 0;
 };
 
