@@ -27,13 +27,16 @@ std::string wholeNumber(float value) {
     return std::to_string(base::trunc(value));
 }
 
-template <const Law& law>
+template <const Law& ControlLaw>
 void displayWhole(float p, char* text) {
-    write(wholeNumber(law.numberFor(p)), text);
+    write(wholeNumber(ControlLaw.numberFor(p)), text);
 }
-template <const Law& law>
+template <const Law& ControlLaw>
 void displayThreeDecimals(float p, char* text) {
-    write(threeDecimals(law.numberFor(p)), text);
+    write(threeDecimals(ControlLaw.numberFor(p)), text);
+}
+void displayBipolar(float p, char* text) {
+    displayThreeDecimals<kBipolar>(p, text);
 }
 void displayBaseLength(float p, char* text) {
     write(wholeNumber(baseLengthOf(p, 1000.0f)), text);
@@ -56,8 +59,6 @@ void displayDryWet(float p, char* text) {
 void displayNothing(float, char* text) {
     text[0] = '\0';
 }
-
-constexpr auto displayBipolar = displayThreeDecimals<kBipolar>;
 
 constexpr Parameter kTable[kNumLiveParameters] = {
     {"Bs Lgh 1", 0.4f, kLongestGap, displayBaseLength},                      // ms

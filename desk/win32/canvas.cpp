@@ -15,7 +15,7 @@ namespace {
 
 /// The first of these that there is. They have the same widths as the typeface on the other system, so that
 /// both lay out alike; systems that stand in for Windows may have the second alone.
-constexpr const wchar_t* typefaces[] = {L"Arial", L"Liberation Sans"};
+constexpr const wchar_t* kTypefaces[] = {L"Arial", L"Liberation Sans"};
 
 /// The kind of file, by Windows' own name for it.
 constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
@@ -80,7 +80,7 @@ void copyRows(const Picture& picture, const Gdiplus::BitmapData& sheet) {
 }
 
 std::unique_ptr<Gdiplus::FontFamily> findTypeface() {
-    for (const wchar_t* name : typefaces)
+    for (const wchar_t* name : kTypefaces)
         if (auto family = std::make_unique<Gdiplus::FontFamily>(name); family->IsAvailable())
             return family;
     const Gdiplus::InstalledFontCollection all;

@@ -10,13 +10,11 @@ namespace tools::render {
 
 namespace {
 
-namespace files = std::filesystem;
-
-constexpr const char* description =
+constexpr const char* kDescription =
     "Plays an audio file through a VST 2.4 effect and writes what comes out to a new file.\n"
     "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
 
-constexpr const char* examples = R"(Examples:
+constexpr const char* kExamples = R"(Examples:
   Echoes from program 3, as a 24-bit file:
     quillon-render voice.wav echoes.wav --program 3
 
@@ -207,7 +205,7 @@ Options optionsFrom(const Words& words) {
 } // namespace
 
 std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments) {
-    CLI::App app(description, "quillon-render");
+    CLI::App app(kDescription, "quillon-render");
     app.allow_windows_style_options(false); // A file may be called /this, on every system.
     Words words;
     app.add_option("IN", words.input, "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo");
@@ -219,7 +217,7 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     app.get_formatter()->column_width(34);
     app.get_formatter()->label("TEXT", "");
     app.get_formatter()->label("Positionals", "Files");
-    app.footer(examples);
+    app.footer(kExamples);
     if (const auto help = parseOrHelp(app, argumentCount, arguments))
         return HelpText{*help};
     if (words.version)

@@ -10,7 +10,7 @@ namespace tools::render {
 namespace {
 
 constexpr int kBarWidth = 40;
-constexpr const char* clearLine = "\r\033[K";
+constexpr const char* kClearLine = "\r\033[K";
 
 } // namespace
 
@@ -20,7 +20,7 @@ Progress::Progress(Style style, std::string what, std::int64_t total, int sample
 
 Progress::~Progress() {
     if (style_ == Style::bar)
-        std::fputs(clearLine, stderr);
+        std::fputs(kClearLine, stderr);
 }
 
 void Progress::show(std::int64_t frames) {
@@ -43,7 +43,7 @@ void Progress::showBar(std::int64_t frames) {
         bar += i < filled ? "\u2588" : "\u2591";
     const std::string percent = std::to_string(hundredths) + " %";
     const std::string tail = frames > total_ ? ", tail " + tailText(frames) : "";
-    std::fprintf(stderr, "%s%s  %s  %s%s", clearLine, what_.c_str(), bar.c_str(), percent.c_str(),
+    std::fprintf(stderr, "%s%s  %s  %s%s", kClearLine, what_.c_str(), bar.c_str(), percent.c_str(),
                  tail.c_str());
     std::fflush(stderr);
 }

@@ -28,7 +28,7 @@ constexpr double kLongestGap = 2.1;
 /// By then the filters have died away, in seconds.
 constexpr double kFilterSound = 0.1;
 
-constexpr const char* lowPassName = "Pre LP";
+constexpr const char* kLowPassName = "Pre LP";
 
 struct Control {
     const char* name;
@@ -51,7 +51,7 @@ void set(host::Plugin& plugin, const char* name, float value) {
 /// Opens the low-pass as far as it can go at this rate and still be a filter: its highest frequency lies
 /// above half of the lower sample rates.
 void openLowPass(host::Plugin& plugin, double sampleRate) {
-    const std::int32_t id = *parameterNamed(plugin, lowPassName);
+    const std::int32_t id = *parameterNamed(plugin, kLowPassName);
     WantedValue frequency;
     frequency.kind = WantedValue::Kind::shownNumber;
     frequency.number = std::floor(0.47 * sampleRate);
@@ -155,7 +155,7 @@ std::vector<float> singleTapSound(host::Plugin& plugin, double sampleRate) {
 
 bool hasTapPattern(host::Plugin& plugin) {
     const auto isThere = [&](const char* name) { return parameterNamed(plugin, name).has_value(); };
-    return plugin.effect()->numInputs == 2 && plugin.effect()->numOutputs == 2 && isThere(lowPassName) &&
+    return plugin.effect()->numInputs == 2 && plugin.effect()->numOutputs == 2 && isThere(kLowPassName) &&
            std::all_of(std::begin(kPlainControls), std::end(kPlainControls),
                        [&](const Control& control) { return isThere(control.name); }) &&
            std::all_of(std::begin(kSingleTapControls), std::end(kSingleTapControls),

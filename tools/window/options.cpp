@@ -10,10 +10,10 @@ namespace tools::window {
 
 namespace {
 
-constexpr const char* description = "Opens the editor of a VST 2.4 effect in a window of its own.\n"
-                                    "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
+constexpr const char* kDescription = "Opens the editor of a VST 2.4 effect in a window of its own.\n"
+                                     "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
 
-constexpr const char* examples = R"(Examples:
+constexpr const char* kExamples = R"(Examples:
   Look at the plug-in:
     quillon-window
 
@@ -101,14 +101,14 @@ Options optionsFrom(const Words& words) {
 } // namespace
 
 std::variant<Options, HelpText> parseOptions(int argumentCount, const char* const* arguments) {
-    CLI::App app(description, "quillon-window");
+    CLI::App app(kDescription, "quillon-window");
     Words words;
     addSkinOptions(app, words);
     addEffectOptions(app, words);
     addOtherOptions(app, words);
     app.get_formatter()->column_width(34);
     app.get_formatter()->label("TEXT", "");
-    app.footer(examples);
+    app.footer(kExamples);
     if (const auto help = parseOrHelp(app, argumentCount, arguments))
         return HelpText{*help};
     if (words.version)
