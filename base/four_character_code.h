@@ -1,4 +1,4 @@
-// Codes of four letters, as formats of audio programs have them.
+// Four-character codes, as plug-in formats use them.
 #pragma once
 
 #include <cstdint>

@@ -3,23 +3,23 @@
 // parameter that has changed since. So each looks at the parameters again after its store, and computes again
 // if they differ.
 //
-// Memory order: parameters are stored, results stored and both looked at by sequentially consistent accesses,
-// which have one order for all threads. Say that the last result to be stored is not the one of the last
-// parameter: then whoever stored that result looked at the parameters before the last was stored, or would
-// have computed again. So the thread that stored the last parameter looked at the result still later, and
-// would have replaced it.
+// Memory order: all loads and stores of parameters and results are sequentially consistent, so all threads
+// see them in one order. Suppose that thread A stores the last result, from outdated parameters. A then read
+// the parameters again before thread B stored the last of them, or A would have computed again. B computes
+// after its own store, so it finds A's result in the field and replaces it: A's was not the last. Only a
+// thread that has reached kMostComputations may leave an outdated result.
 #pragma once
 
 #include "base/shared.h"
 
 namespace base {
 
-/// A thread computes a result so many times at most. Each time but the first, another thread has changed a
-/// parameter during the time before, which takes it longer than the computation.
+/// The most times that one call computes a result. Each repetition needs another thread that has changed a
+/// parameter during the previous computation, and such a change takes longer than a computation.
 constexpr int kMostComputations = 8;
 
-/// Calls `compute` with what `look` gives, and again while `look` then gives something else. `look` and
-/// `compute` use accesses as said above. Any thread.
+/// Calls `compute` with the result of `look`, and again while a second `look` gives a different result. Both
+/// use sequentially consistent accesses, as described above. Any thread.
 template <class Look, class Compute>
 void computeFrom(Look look, Compute compute) {
     auto seen = look();

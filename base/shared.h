@@ -18,40 +18,40 @@ bool sameBits(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 
-/// A field that several threads use. It can't be read or written but through these functions, all of which
-/// may be called on any thread and never wait.
+/// A field that several threads use. Only these functions read and write it; any thread may call them, and
+/// none of them waits.
 template <class T>
 class Shared {
   public:
     constexpr Shared(T value = T{}) : value_(value) {}
-    /// Starts with the value that the other one has at this moment.
+    /// Copies the present value.
     Shared(const Shared& other) : value_(other.load()) {}
     Shared& operator=(const Shared&) = delete;
     ~Shared() = default;
 
-    /// The value at this moment.
+    /// The present value.
     T load() const { return value_.load(std::memory_order_relaxed); }
     void store(T value) { value_.store(value, std::memory_order_relaxed); }
-    /// Stores `value` and gives the one that stood there.
+    /// Stores `value` and gives the previous one.
     T exchange(T value) { return value_.exchange(value, std::memory_order_relaxed); }
     /// Sets `bits` in addition to those that are set.
     void setBits(T bits) { value_.fetch_or(bits, std::memory_order_relaxed); }
-    /// Stores `value` if `expected` still stands there.
+    /// Stores `value` if the field still holds `expected`.
     void replace(T expected, T value) {
         value_.compare_exchange_strong(expected, value, std::memory_order_relaxed);
     }
 
-    /// As load and store, but in the one order that all such accesses have (base/recompute.h).
+    /// Sequentially consistent load and store (base/recompute.h).
     T loadInOrder() const { return value_.load(); }
     void storeInOrder(T value) { value_.store(value); }
     /// Adds `amount` and gives the sum.
     T addInOrder(T amount) { return value_.fetch_add(amount) + amount; }
-    /// Stores a result, unless it stands there already.
+    /// Stores a result unless the field already holds it.
     void renew(T value) {
         if (!sameBits(loadInOrder(), value))
             storeInOrder(value);
     }
-    /// Lowers the field to `limit`, unless another thread changes it at this very moment: then its value
+    /// Lowers the field to `limit`, unless another thread changes it meanwhile: then that thread's value
     /// stays. Gives the field's value, limited.
     T limit(T limit) {
         T value = loadInOrder();

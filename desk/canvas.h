@@ -1,5 +1,5 @@
-// A sheet of paper with the few strokes that a tool's pictures need, drawn by the system's own means and
-// written as a PNG. The origin is the top left corner, a unit is a pixel, angles and curves come out smooth.
+// A canvas with the few drawing operations that the tools' pictures need, drawn by the system and written as
+// a PNG. The origin is the top left corner, a unit is a pixel, edges are anti-aliased.
 #pragma once
 
 #include "desk/picture.h"

@@ -1,4 +1,4 @@
-// Loading another shared library, for the hosts in this house.
+// Loading of other shared libraries.
 #pragma once
 
 #include <string>

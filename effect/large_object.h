@@ -1,11 +1,11 @@
-// Where an instance lies: taps read all over its delay memory, which fewer and larger pages make cheaper.
+// Allocates an instance in large pages: taps read all over its delay memory, which costs less with these.
 #pragma once
 
 #include <cstddef>
 
 namespace effect {
 
-/// For the outermost class of an instance: its memory comes in large pages, where the system grants them.
+/// Base of the outermost class of an instance: its memory consists of large pages if the system grants them.
 struct LargeObject {
     static void* operator new(std::size_t size);
     static void operator delete(void* memory);

@@ -13,12 +13,12 @@ using namespace parameters;
 
 namespace {
 
-/// Whether a jump of the taps follows from this parameter, so that it has to be masked.
+/// Whether a change of this parameter makes the taps jump, which a fade has to mask.
 constexpr bool movesTaps(std::int32_t id) {
     return id == kBaseLength || id == kTaps || id == kStretch;
 }
 
-/// Whether the picture of the pattern follows from this parameter.
+/// Whether the drawn pattern depends on this parameter.
 constexpr bool shapesPattern(std::int32_t id) {
     return movesTaps(id) || id == kAmpDecay || id == kCurve;
 }
@@ -108,7 +108,7 @@ void MultitapDelay::storeParameter(std::int32_t id, float value) {
     loadParameter(id);
 }
 
-/// The live value follows from the stored one of the current program, also where two threads set it.
+/// Copies the stored value of the current program to the live one, also while another thread sets it.
 void MultitapDelay::loadParameter(std::int32_t id) {
     struct Stored {
         std::int32_t program;

@@ -1,10 +1,10 @@
 // The effect: everything that it is apart from how hosts speak to it. A door for a plug-in format owns one,
 // turns the calls of its hosts into operations of it, and tells it where its host and its window are.
 //
-// What crosses from one thread to another, and how. No lock guards any of it; every such field is a plain
-// 32-bit value (or a byte), written and read by relaxed atomic accesses. What follows from other fields is
-// computed again if they have changed meanwhile (base/recompute.h), so that no race of two writers
-// outlives them.
+// The fields that threads share. No lock guards any of them; each is a plain 32-bit value (or a byte),
+// written and read by relaxed atomic accesses. A field that is computed from others is computed again if
+// they have changed meanwhile (base/recompute.h), so that a race of two writers leaves no outdated
+// value.
 //
 //   field                        written by                              read by
 //   live parameters              setParameter, setProgram (any thread),  the audio loop, once a sub-block
@@ -56,9 +56,9 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     /// in a message box.
     void startUp();
 
-    /// Makes ready to play: no echo is left, and all that follows from the parameters is renewed.
+    /// Prepares for playing: clears all echoes and recomputes all that depends on the parameters.
     void resume();
-    /// In Hz. Forgets every echo. The tap times are zero until the next change of a parameter or resume().
+    /// In Hz. Clears all echoes. The tap times are zero until the next change of a parameter or resume().
     void setSampleRate(float rate);
     /// In Hz. Any thread.
     float getSampleRate() const { return sampleRate_.load(); }
@@ -68,14 +68,14 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
         engine_.processReplacing(inputs, outputs, sampleFrames);
     }
 
-    /// Normalised. Id -1 stores nothing and renews all that follows from the parameters. Any thread.
+    /// Normalised. Id -1 stores nothing and recomputes all that depends on the parameters. Any thread.
     void setParameter(std::int32_t id, float value) override;
     /// Any thread. 0 for an id that does nothing.
     float getParameter(std::int32_t id) const;
     /// The value as the window shows it. Writes at most parameters::kDisplayTextSize bytes.
     void getParameterDisplay(std::int32_t id, char* text) const;
 
-    /// Forgets every echo, whatever the number; then selects the program if there is one. Any thread.
+    /// Clears all echoes, whatever the number; then selects the program if there is one. Any thread.
     void setProgram(std::int32_t program) override;
     std::int32_t getProgram() override { return curProgram_.load(); }
     /// Keeps the first 24 bytes.
@@ -89,7 +89,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     /// Always 1. Ends in a change of program, also where the chunk was refused.
     std::int32_t setChunk(void* data, std::int32_t byteSize, bool isPreset) override;
 
-    /// Acts on a MIDI message at once. Allocates nothing. The host's thread of its choice.
+    /// Acts on a MIDI message at once. Allocates nothing. On whichever thread the host chooses.
     void processMidi(const midi::Message& message) { midi::readMessage(message, notes_, *this); }
 
     /// The levels of all taps, for a window.

@@ -10,7 +10,7 @@ using namespace vst2;
 
 namespace {
 
-/// Until an editor says better.
+/// Until the editor tells its own.
 constexpr int kFirstWidth = 480, kFirstHeight = 160;
 
 /// What an editor draws appears one turn later, 16 ms at the earliest; so many of these without a change mean

@@ -1,5 +1,5 @@
-// A plug-in's editor in a window of its own, as a host shows it: sized as the editor says, given its time
-// regularly, taken away in order.
+// A plug-in's editor in a window of its own, as a host shows it: sized as the editor asks, called idle
+// regularly, closed in order.
 //
 //     host::EditorWindow window("Quillon Multitap Delay");
 //     window.open(plugin);
@@ -28,7 +28,7 @@ std::optional<EditorSize> editorSize(Plugin& plugin);
 
 class EditorWindow {
   public:
-    /// Makes the window, not to be seen before an editor is in it. Throws HostError without a display.
+    /// Makes the window, hidden until an editor is in it. Throws HostError without a display.
     explicit EditorWindow(const std::string& title);
     /// Closes the editor.
     ~EditorWindow();
@@ -42,17 +42,17 @@ class EditorWindow {
     void close();
     bool isOpen() const { return plugin_ != nullptr; }
 
-    /// Gives the editor its turn, then waits for the window up to `milliseconds`. With less than 50 of them
-    /// the editor seems alive to the hand.
+    /// Calls the editor's idle, then waits for the window up to `milliseconds`. Below 50 ms the editor feels
+    /// responsive.
     void serve(int milliseconds);
     /// Whether the person has closed the window.
     bool isClosed() const { return window_.isClosed(); }
 
-    /// What is to be seen now; nothing if that cannot be told.
+    /// What is on the screen now; nothing if that cannot be read.
     std::optional<desk::Picture> picture() const { return window_.picture(); }
-    /// The picture when it has come to rest: when the editor has had its turn several times and nothing
-    /// changed. Gives the last one if it goes on changing for `patienceMilliseconds`, and nothing if there is
-    /// none to be had or the person closes the window.
+    /// The picture once it stops changing: after several idle calls without a change. Gives the last one if
+    /// it goes on changing for `patienceMilliseconds`, and nothing if none can be read or the person closes
+    /// the window.
     std::optional<desk::Picture> settledPicture(int patienceMilliseconds);
 
   private:

@@ -69,7 +69,7 @@ void checkRecord(const AEffect* effect, const std::string& path) {
         throw HostError(path + ": the plug-in's record lacks a function");
 }
 
-/// Far beyond what any plug-in has, and little enough for a host to go through one by one.
+/// Far more than any plug-in has, yet few enough for a host to visit one by one.
 constexpr std::int32_t kMostPrograms = 65536;
 constexpr std::int32_t kMostParameters = 65536;
 constexpr std::int32_t kMostChannels = 1024;
@@ -337,7 +337,7 @@ std::intptr_t Plugin::callback(AEffect* effect, std::int32_t opcode, std::int32_
 std::intptr_t Plugin::handle(HostCall call, void* ptr) {
     const std::optional<std::intptr_t> answer =
         behaviour_.answer ? behaviour_.answer(call, ptr) : std::nullopt;
-    call.answer = answer ? *answer : ownManners(call, ptr);
+    call.answer = answer ? *answer : defaultAnswer(call, ptr);
     const std::intptr_t result = call.answer;
     if (behaviour_.record) {
         const std::lock_guard guard(callsGuard_);
@@ -346,7 +346,7 @@ std::intptr_t Plugin::handle(HostCall call, void* ptr) {
     return result;
 }
 
-std::intptr_t Plugin::ownManners(const HostCall& call, void* ptr) {
+std::intptr_t Plugin::defaultAnswer(const HostCall& call, void* ptr) {
     switch (call.opcode) {
     case audioMasterVersion:
         return behaviour_.version;

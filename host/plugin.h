@@ -6,7 +6,7 @@
 //     plugin.process(inputs, outputs, 512);
 //
 // The tools and the tests use nothing else to reach a plug-in. What the plug-in says to its host is answered
-// the way a plain sequencer would and recorded, call by call, for whoever wants to look.
+// the way a plain sequencer would and recorded, call by call, for inspection.
 #pragma once
 
 #include "desk/shared_library.h"
@@ -25,7 +25,7 @@
 
 namespace host {
 
-/// Something about the library or the instance is not as a host needs it; what() is one line for a person.
+/// The library or the instance cannot be used; what() is one line for a person.
 class HostError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -48,7 +48,7 @@ class Library {
     vst2::VstEntryPoint entryPoint_ = nullptr;
 };
 
-/// One call from the plug-in to its host, as it came, with the record's state at that moment.
+/// One call from the plug-in to its host, with the state of the plug-in's record at that time.
 struct HostCall {
     std::int32_t opcode = 0;
     std::int32_t index = 0;
@@ -63,14 +63,14 @@ struct HostCall {
 
 /// How the host behaves; change it before the instance is made, or between calls.
 struct HostBehaviour {
-    /// Answer to audioMasterVersion; 0 makes a plug-in of good manners refuse to come up.
+    /// Answer to audioMasterVersion; 0 makes a well-behaved plug-in refuse to load.
     std::int32_t version = vst2::kVstVersion;
     float sampleRate = 44100.0f;  ///< Hz; follows setSampleRate
     std::int32_t blockSize = 512; ///< frames; follows setBlockSize
     double tempo = 120.0;         ///< beats per minute
     std::string vendor = "Quillon Software";
     std::string product = "Quillon Test Host";
-    /// Looks at each call first; a value is the answer, none leaves it to the host's own manners.
+    /// Called first for each call: a value is the answer, none leaves it to the host's default.
     std::function<std::optional<std::intptr_t>(const HostCall& call, void* ptr)> answer;
     /// Whether calls are recorded. Recording allocates: turn it off where the audio thread is watched.
     bool record = true;
@@ -163,7 +163,7 @@ class Plugin {
     void processStereo(const float* inLeft, const float* inRight, float* outLeft, float* outRight,
                        std::int64_t frames, std::int32_t blockSize);
 
-    /// What the plug-in has said to its host, in order, since the entry point was called. Look when no other
+    /// The plug-in's calls to its host, in order, since the entry point was called. Read it while no other
     /// thread is in the plug-in.
     const std::vector<HostCall>& calls() const { return calls_; }
     std::int64_t callsOf(std::int32_t opcode) const;
@@ -174,7 +174,7 @@ class Plugin {
     static std::intptr_t callback(vst2::AEffect* effect, std::int32_t opcode, std::int32_t index,
                                   std::intptr_t value, void* ptr, float opt);
     std::intptr_t handle(HostCall call, void* ptr);
-    std::intptr_t ownManners(const HostCall& call, void* ptr);
+    std::intptr_t defaultAnswer(const HostCall& call, void* ptr);
     vst2::VstTimeInfo* timeInfo();
     std::string text(std::int32_t opcode, std::int32_t index = 0);
 

@@ -1,4 +1,4 @@
-// The editor as a door knows it: a window that a host opens, closes and lets breathe. Everything runs on the
+// The editor as a door knows it: a window that a host opens, closes and calls idle on. Everything runs on the
 // host's window thread.
 #pragma once
 

@@ -1,5 +1,5 @@
-// Which MIDI controller drives which parameter. One map for the whole process: every instance reads it with
-// each controller that arrives, and sees at once what another has changed.
+// Which MIDI controller drives which parameter. One map for the whole process: every instance reads it for
+// each controller message, so a change made through one instance applies to all at once.
 #pragma once
 
 #include "base/shared.h"

@@ -1,5 +1,5 @@
-// Reads MIDI messages for what they mean to the effect. Channels and timing inside the block play no part:
-// every message acts at once, on all sixteen channels alike.
+// Turns MIDI messages into program and controller changes. Channel and time within the block are ignored:
+// each message takes effect at once, whatever its channel.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@ struct Message {
     std::int32_t deltaFrames; ///< samples into the block
 };
 
-/// The last note that came by. The effect makes no sound from notes.
+/// The last note received. The effect makes no sound from notes.
 struct NoteState {
     std::int32_t currentNote = 0;     ///< 0..127
     std::int32_t currentVelocity = 0; ///< 0..127, 0 for a note-off

@@ -1,6 +1,6 @@
-// Binding a controller by moving it: a control of the editor is armed, and the next controller that comes by
-// is bound to its parameter. The machine is complete, but as the editor's controls report to it by no path
-// today, it stays idle; bindings come from the map's file.
+// MIDI learn: a control of the editor is armed, and the next controller received is bound to its parameter.
+// The machine is complete, but no control of the editor reports to it today, so it stays idle; bindings come
+// from the map's file.
 #pragma once
 
 #include "base/shared.h"
@@ -13,14 +13,14 @@ namespace midi {
 constexpr std::int32_t kLearnTagBase = 0x100000;
 
 /// Idle, or armed with the one overlay that waits for a controller. Armed on the window's thread, read and
-/// disarmed by whatever thread brings MIDI.
+/// disarmed on whichever thread delivers MIDI.
 class LearnMachine {
   public:
     /// A control has reported a value, normalised: exactly 1 from the overlay of a parameter arms it, in
     /// place of another one that may be waiting. Everything else changes nothing.
     void controlChanged(std::int32_t tag, float value);
 
-    /// Nobody waits any longer, for the controls are new.
+    /// Idle again: the controls were made anew.
     void disarm();
 
     /// Binds `controller` to the parameter that waits, if any, and is idle again. Allocates nothing.

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// What parts folders in the paths that this system gives out.
+/// Separates folders in the paths that this system gives.
 extern const char kFolderSeparator;
 
 /// The names of everything in a folder, without the folder itself and the one above it, in the order in which

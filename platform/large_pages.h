@@ -1,12 +1,12 @@
-// Memory in larger pages. A processor remembers only so many pages at a time; what reads all over 16 MiB does
-// so much faster where these are 8 pages of 2 MiB and not 4096 small ones.
+// Memory in large pages. A processor's TLB holds few pages; scattered reads of 16 MiB are much faster with
+// 8 pages of 2 MiB than with 4096 small ones.
 #pragma once
 
 #include <cstddef>
 
 namespace platform {
 
-/// What memory has to begin at to consist of large pages from its first byte on, in bytes.
+/// Size and alignment of a large page, in bytes.
 constexpr std::size_t kLargePage = std::size_t{2} * 1024 * 1024;
 
 /// Asks the system for large pages in place of the small ones of this memory. It may grant some, all or none

@@ -34,7 +34,7 @@ constexpr std::size_t kNumParamsOffset = 24;
 constexpr std::size_t kParamsOffset = 56;
 constexpr std::int64_t kRecordSize = 60;
 
-/// Nothing that is read lies further behind.
+/// The most bytes of a file that are read; far more than a bank has.
 constexpr std::size_t kLargestImage = 16 * 1024 * 1024;
 
 using Image = std::vector<unsigned char>;
@@ -59,8 +59,8 @@ bool isBank(const Image& image) {
     return fxMagic == kPlainBank || fxMagic == kChunkBank;
 }
 
-/// Whether the chunk that a bank announces lies within the file. Of a file larger than the image nobody
-/// knows: a chunk that goes on behind the image is then taken as there, and is refused for its size.
+/// Whether the chunk that a bank announces lies within the file. An image of full size may be the start of a
+/// larger file: its chunk counts as complete here, and is refused for its size later.
 bool holdsItsChunk(const Image& image) {
     const auto chunkSize = wordAt(image, kChunkSizeOffset);
     return chunkSize && (image.size() == kLargestImage ||
@@ -82,7 +82,7 @@ bool loadRecord(const Image& image, std::size_t record, std::int32_t numParams, 
     return true;
 }
 
-/// Walks the records by their own counts as they stand in memory, up to the end of the image and no further.
+/// Steps through the records by their own counts, not byte-swapped, up to the end of the image at most.
 void loadPlainBank(const Image& image, BankReceiver& receiver) {
     const std::int32_t selected = receiver.getProgram();
     const std::int32_t numPrograms = headerWord(image, kNumProgramsOffset);

@@ -20,8 +20,8 @@ class BankReceiver {
     ~BankReceiver() = default;
 };
 
-/// A word of a bank file as this reader turns it round. Right while the file word's last byte is below 0x80;
-/// else only that byte survives and the bits above it are all ones.
+/// A big-endian word of a bank file as this reader byte-swaps it. Correct if the file word's last byte is
+/// below 0x80; else only that byte survives and the bits above it are all ones.
 std::int32_t swappedWord(std::int32_t word);
 
 /// Reads the bank file into `receiver`. A file that cannot be used changes nothing and is reported in a

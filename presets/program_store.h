@@ -36,7 +36,7 @@ struct StoredProgram {
 
 class ProgramStore {
   public:
-    /// Makes 128 default programs. If memory is short the store comes up empty: size() is 0 then.
+    /// Makes 128 default programs. If memory is short the store stays empty: size() is 0 then.
     void allocate();
     /// 128, or 0 before allocate().
     std::int32_t size() const { return programs ? kNumPrograms : 0; }

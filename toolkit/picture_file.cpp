@@ -14,8 +14,8 @@ namespace {
 
 using std::size_t;
 
-/// Numbers at their places in a file, by the order of their bytes. Asked for one past its end, throws
-/// std::out_of_range.
+/// Reads numbers of either byte order at given offsets of a file. Throws std::out_of_range past the end of
+/// the file.
 class Header {
   public:
     explicit Header(const FileBytes& file) : file_(file) {}
@@ -26,13 +26,13 @@ class Header {
                std::ranges::equal(
                    bytes, std::string_view(reinterpret_cast<const char*>(file_.data()) + at, bytes.size()));
     }
-    /// Where these bytes stand next.
+    /// The offset of the next occurrence of `bytes`.
     size_t find(size_t from, std::string_view bytes) const {
         const std::string_view all(reinterpret_cast<const char*>(file_.data()), size());
         const size_t found = all.find(bytes, from);
         return found == all.npos ? throw std::out_of_range("cut off") : found;
     }
-    /// Wants all of `length` bytes to be there.
+    /// Throws unless the file holds `length` bytes from `at` on.
     void expect(size_t at, std::int64_t length) const {
         if (length < 0 || at > size() || static_cast<std::uint64_t>(length) > size() - at)
             throw std::out_of_range("cut off");
@@ -48,11 +48,11 @@ class Header {
     const FileBytes& file_;
 };
 
-/// From one part to the next, up to the one that ends it.
+/// Steps through the chunks, up to IEND.
 PictureSize pngSize(const Header& header) {
     size_t at = 8;
     for (bool isEnd = false; !isEnd;) {
-        constexpr std::int64_t around = 12; // length, kind and check sum
+        constexpr std::int64_t around = 12; // length, type and CRC
         const std::int64_t length = around + header.fromHigh32(at);
         header.expect(at, length);
         isEnd = header.stands(at + 4, "IEND");
@@ -62,10 +62,10 @@ PictureSize pngSize(const Header& header) {
 }
 
 PictureSize bmpSize(const Header& header) {
-    constexpr std::uint32_t oldest = 12; // the kind that counts in 16 bits
+    constexpr std::uint32_t oldest = 12; // size of the core header, which has 16-bit sides
     const size_t pixels = header.fromLow32(10);
     const bool isOldest = header.fromLow32(14) == oldest;
-    // A height below zero means that the rows come from the top.
+    // A negative height means rows from the top down.
     const PictureSize size =
         isOldest ? PictureSize{header.fromLow16(18), header.fromLow16(20)}
                  : PictureSize{header.signedFromLow32(18), std::abs(header.signedFromLow32(22))};
@@ -78,7 +78,7 @@ PictureSize bmpSize(const Header& header) {
     return size;
 }
 
-/// From one marker to the next, past the one that opens the picture, to the one that ends it.
+/// Steps through the segments from behind SOI, then looks for EOI.
 PictureSize jpegSize(const Header& header) {
     PictureSize size;
     size_t at = 2;
@@ -90,9 +90,9 @@ PictureSize jpegSize(const Header& header) {
             return {};
         if (isFrame)
             size = {header.fromHigh16(at + 7), header.fromHigh16(at + 5)};
-        if (marker == 0xDA) // pixels, in which no other marker looks like the end
+        if (marker == 0xDA) // SOS: coded pixels, in which 0xFF is never followed by 0xD9
             break;
-        if (marker == 0xFF) // a filling
+        if (marker == 0xFF) // a fill byte
             ++at;
         else
             at += 2 + header.fromHigh16(at + 2);
@@ -101,7 +101,7 @@ PictureSize jpegSize(const Header& header) {
     return size;
 }
 
-/// How many bytes of colours follow a header of a GIF whose flags stand there.
+/// Size of the colour table behind a GIF header whose flags are at `flags`, in bytes.
 size_t gifColours(const Header& header, size_t flags) {
     const unsigned value = header.byte(flags);
     return value & 0x80 ? size_t{3} << ((value & 7) + 1) : 0;
@@ -111,14 +111,14 @@ size_t firstGifBlock(const Header& header) {
     return 13 + gifColours(header, 10);
 }
 
-/// From there on. Bytes that begin no block lie between some, and decoders pass over them.
+/// The first block from `at` on. Between blocks there may be other bytes, which decoders skip.
 size_t nextGifBlock(const Header& header, size_t at) {
     while (std::string_view("!,;").find(static_cast<char>(header.byte(at))) == std::string_view::npos)
         ++at;
     return at;
 }
 
-/// Of a picture or an extension, with all its data.
+/// The end of a picture or an extension at `at`, with all its data.
 size_t endOfGifBlock(const Header& header, size_t at) {
     at += header.byte(at) == ',' ? 11 + gifColours(header, at + 9) : 2;
     while (header.byte(at) != 0)
@@ -126,8 +126,8 @@ size_t endOfGifBlock(const Header& header, size_t at) {
     return at + 1;
 }
 
-/// Of the first picture, which is the one that is shown. It may be larger than the screen that the file
-/// speaks of, and the other way round.
+/// The size of the first picture, which is the one that is shown, with the logical screen's
+/// side where that is larger.
 PictureSize gifSize(const Header& header) {
     size_t at = nextGifBlock(header, firstGifBlock(header));
     while (header.byte(at) == '!')
@@ -139,7 +139,7 @@ PictureSize gifSize(const Header& header) {
             std::max(header.fromLow16(8), header.fromLow16(at + 7))};
 }
 
-/// A list of numbers in a TIFF.
+/// The values of a field in a TIFF.
 class TiffField {
   public:
     TiffField(const Header& header, bool isLow, size_t entry)
@@ -164,14 +164,14 @@ class TiffField {
     size_t at_ = 0;
 };
 
-/// What is told of the first picture in a TIFF.
+/// The fields that matter of a TIFF's first directory.
 struct TiffPicture {
     PictureSize size;
     std::int64_t bitsPerSample = 1, samplesPerPixel = 1;
     bool isPacked = false;
     std::optional<TiffField> offsets, lengths; ///< of the strips or tiles
 
-    /// All rows in one strip.
+    /// In bytes, with all rows in one strip.
     std::int64_t unpackedLength() const {
         return (std::min(size.width, kLongestPictureSide) * bitsPerSample * samplesPerPixel + 7) / 8 *
                std::min(size.height, kLongestPictureSide);
@@ -204,8 +204,8 @@ TiffPicture tiffPicture(const Header& header, bool isLow) {
     return picture;
 }
 
-/// Its strips or tiles may lie anywhere. The length of a single strip may be missing or, where the rows tell
-/// it as well, be too large: decoders find it by themselves.
+/// Strips or tiles may be anywhere in the file. The length of a single strip may be missing or, if it can be
+/// computed from the rows, too large: decoders compute it themselves.
 PictureSize tiffSize(const Header& header, bool isLow) {
     const TiffPicture picture = tiffPicture(header, isLow);
     const auto& [offsets, lengths] = std::tie(picture.offsets, picture.lengths);
@@ -229,7 +229,7 @@ PictureSize icoEntrySize(const Header& header, size_t entry) {
     return {side(entry), side(entry + 1)};
 }
 
-/// In bits, as the picture itself says; many a directory says nothing of it.
+/// Bits per pixel, from the picture itself; many directories leave it at 0.
 unsigned icoEntryDepth(const Header& header, size_t entry) {
     constexpr unsigned deepest = 32;
     constexpr size_t bits = 14;
@@ -239,7 +239,7 @@ unsigned icoEntryDepth(const Header& header, size_t entry) {
     return header.stands(picture, "\x89PNG") ? deepest : header.fromLow16(picture + bits);
 }
 
-/// The entry of the largest picture, and of those the one with the most colours, the first in the file.
+/// The entry of the largest picture; among equals the deepest, then the first in the file.
 size_t largestIcoEntry(const Header& header) {
     const auto rank = [&](size_t entry) {
         const PictureSize size = icoEntrySize(header, entry);
@@ -268,7 +268,7 @@ PictureSize icoSize(const Header& header) {
     const size_t entry = largestIcoEntry(header), picture = header.fromLow32(entry + 12);
     header.expect(picture, header.fromLow32(entry + 8));
     const PictureSize size = icoEntrySize(header, entry);
-    // Below its rows come as many that say what is to be seen.
+    // The height counts the rows of the mask too, which follow those of the picture.
     const bool isTrue =
         header.stands(picture, "\x89PNG") || (header.signedFromLow32(picture + 4) == size.width &&
                                               header.signedFromLow32(picture + 8) == 2 * size.height);
@@ -296,7 +296,7 @@ FileBytes largestOf(const FileBytes& ico) {
     return alone;
 }
 
-/// A GIF with the first picture alone, and nothing that is spare.
+/// A GIF with the first picture alone.
 FileBytes firstOf(const FileBytes& gif) {
     const Header header(gif);
     const auto place = [&](size_t at) { return gif.begin() + static_cast<std::ptrdiff_t>(at); };
@@ -317,7 +317,7 @@ bool isDrawable(const PictureSize& size) {
            size.height <= kLongestPictureSide && size.width * size.height <= kMostPicturePixels;
 }
 
-/// Takes a picture's pixels from what is left.
+/// Subtracts a picture's pixels from the allowance; false if they exceed it or cannot be drawn.
 bool takes(const std::optional<PictureSize>& size, PictureAllowance& allowance) {
     if (!size || !isDrawable(*size) || size->width * size->height > allowance.pixels)
         return false;

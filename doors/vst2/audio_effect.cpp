@@ -20,8 +20,8 @@ static_assert(sizeof(EditorRect) == sizeof(ERect) && offsetof(EditorRect, top) =
               offsetof(EditorRect, bottom) == offsetof(ERect, bottom) &&
               offsetof(EditorRect, right) == offsetof(ERect, right));
 
-/// What `call` gives, or `otherwise` where it throws, as it may when memory runs out: a host is written in
-/// anybody's language and knows nothing of our exceptions. Audio goes past it, since it throws nothing.
+/// The result of `call`, or `otherwise` if it throws, as when memory runs out: no exception may reach a host.
+/// The audio path does not use it, since it throws nothing.
 template <class Answer, class Call>
 Answer orElse(Answer otherwise, const Call& call) noexcept {
     try {

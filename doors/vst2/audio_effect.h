@@ -1,6 +1,6 @@
 // The frame between a host's C interface and an effect written as a class. A host calls through the function
-// pointers of its AEffect record; static stubs turn each call into a virtual operation here, and a row of
-// wrappers calls the host back. Every operation has an empty default.
+// pointers of its AEffect record; static stubs turn each call into a virtual operation here, and
+// wrappers call the host back. Every operation has an empty default.
 //
 // No lock is taken anywhere in the frame, and nothing is assumed about the calling thread.
 #pragma once
@@ -23,7 +23,7 @@ class AudioEffect : public interfaces::EditorHost {
     AudioEffect(const AudioEffect&) = delete;
     AudioEffect& operator=(const AudioEffect&) = delete;
 
-    /// What AEffect::dispatcher reaches. 0 for what is not known.
+    /// Carries out an opcode of AEffect::dispatcher. 0 for an unknown one.
     virtual std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                                      float opt);
     virtual void open() {}
@@ -111,7 +111,7 @@ class AudioEffect : public interfaces::EditorHost {
     static void setParameterClass(vst2::AEffect* effect, std::int32_t index, float value);
     static float getParameterClass(vst2::AEffect* effect, std::int32_t index);
 
-    /// The host, until it closes the effect, each of its calls that has not returned, and who keeps it alive.
+    /// Counts the host until it closes the effect, its calls that have not returned, and keepAlive().
     std::atomic<int> holders_ = 1;
 };
 

@@ -1,5 +1,5 @@
-// The later half of the host interface: opcodes 25 to 79. Most of them keep an empty answer here, and an
-// effect overrides those that it has something to say to.
+// The later half of the host interface: opcodes 25 to 79. Most have an empty default here; an effect
+// overrides those that it supports.
 #pragma once
 
 #include "doors/vst2/audio_effect.h"
@@ -13,7 +13,7 @@ class AudioEffectX : public AudioEffect {
     std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                              float opt) override;
 
-    /// MIDI ahead of a block. Allocates nothing. The host's thread of its choice.
+    /// MIDI for the next block. Allocates nothing. On whichever thread the host chooses.
     virtual std::int32_t processEvents(vst2::VstEvents*) { return 0; }
     virtual bool canParameterBeAutomated(std::int32_t) { return true; }
     /// `category` is ignored. Writes 25 bytes.
@@ -30,7 +30,7 @@ class AudioEffectX : public AudioEffect {
     /// Writes 65 bytes.
     virtual bool getProductString(char*) { return false; }
     virtual std::int32_t getVendorVersion() { return 0; }
-    /// 1 for yes, -1 for no, 0 for what is not known.
+    /// 1 for yes, -1 for no, 0 for unknown.
     virtual std::int32_t canDo(const char*) { return 0; }
     virtual std::int32_t getVstVersion() { return vst2::kVstVersion; }
 

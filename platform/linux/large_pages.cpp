@@ -6,7 +6,7 @@
 namespace platform {
 
 void preferLargePages(void* memory, std::size_t size) {
-    // What lies beside the memory, on the pages of its ends, is none of our business.
+    // Whole pages only: those at the ends hold other memory too.
     const auto begin = reinterpret_cast<std::uintptr_t>(memory);
     const std::uintptr_t first = (begin + kLargePage - 1) / kLargePage * kLargePage;
     const std::uintptr_t last = (begin + size) / kLargePage * kLargePage;

@@ -1,5 +1,5 @@
-// Small dealings with text: numbers that read and print the same in every language setting, names that are
-// compared the way people mean them, and bytes of unknown origin made fit to print.
+// Text helpers: numbers that read and print the same in every locale, comparison of names regardless of case
+// and blanks, and bytes of unknown encoding made printable.
 #pragma once
 
 #include <optional>
