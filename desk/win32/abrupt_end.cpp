@@ -47,8 +47,8 @@ class Line {
         add(": ");
     }
     void add(const char* text) {
-        while (*text && length_ < text_.size() - 2)
-            text_[length_++] = *text++;
+        while (*text && length_ < buffer.size() - 2)
+            buffer[length_++] = *text++;
     }
     void addHexadecimal(DWORD number) {
         char digits[] = "0x00000000";
@@ -57,15 +57,15 @@ class Line {
         add(digits);
     }
     void send() {
-        text_[length_++] = '\r';
-        text_[length_++] = '\n';
+        buffer[length_++] = '\r';
+        buffer[length_++] = '\n';
         DWORD written = 0;
-        WriteFile(GetStdHandle(STD_ERROR_HANDLE), text_.data(), static_cast<DWORD>(length_), &written,
+        WriteFile(GetStdHandle(STD_ERROR_HANDLE), buffer.data(), static_cast<DWORD>(length_), &written,
                   nullptr);
     }
 
   private:
-    static inline std::array<char, kLongestDescription> text_;
+    static inline std::array<char, kLongestDescription> buffer;
     std::size_t length_ = 0;
 };
 
@@ -280,7 +280,7 @@ void NTAPI handleLoader(void*, DWORD reason, void*) {
 } // namespace
 
 // A name that the linker keeps, in the table of what the system calls for each thread and for the process.
-extern "C" __attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK quillonLoader = handleLoader;
+extern "C" __attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK kQuillonLoader = handleLoader;
 
 AbruptEndWatch::AbruptEndWatch(const char* tool, CallDescription description) {
     toolName = tool;

@@ -14,7 +14,7 @@ CommandLine::CommandLine(int count, const char* const* words) : pointers_(words,
         return;
     for (int i = 0; i < wideCount; ++i)
         words_.push_back(platform::utf8(wideWords[i]));
-    LocalFree(wideWords);
+    LocalFree(static_cast<void*>(wideWords));
     pointers_.clear();
     for (const std::string& word : words_)
         pointers_.push_back(word.c_str());

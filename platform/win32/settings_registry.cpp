@@ -33,7 +33,7 @@ class RegistrySettings final : public SettingsStore {
         if (RegCreateKeyExA(HKEY_CURRENT_USER, kSettingsKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
                             &key, nullptr) != ERROR_SUCCESS)
             return false;
-        const auto size = static_cast<DWORD>(lstrlenA(value.c_str()) + 1);
+        const auto size = static_cast<DWORD>(lstrlenA(value.c_str())) + 1;
         const LSTATUS status =
             RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), size);
         RegCloseKey(key);
