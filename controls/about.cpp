@@ -26,7 +26,7 @@ struct Credit {
     const char* text;
 };
 
-constexpr Credit credits[] = {
+constexpr Credit kCredits[] = {
     {160, 145, "Quillon Multitap Delay 1.0"},
     {140, 125, "Plug-in design and DSP code by Quillon Software"},
     {105, 90, "Skinnable GUI system by Quillon Software"},
@@ -40,8 +40,8 @@ constexpr Credit credits[] = {
 CRect creditsArea(const CRect& clickable, const CRect& toDisplay) {
     const CCoord left = toDisplay.left - std::trunc(clickable.getWidth() * 0.17543860236179962);
     const CCoord height = clickable.getHeight();
-    return {left, height - credits[0].top, left + clickable.getWidth(),
-            height - std::end(credits)[-1].bottom};
+    return {left, height - kCredits[0].top, left + clickable.getWidth(),
+            height - std::end(kCredits)[-1].bottom};
 }
 
 /// A tag that is no parameter's, so that no hint is given for one while the box is open.
@@ -100,7 +100,7 @@ void CAbout::draw(CDrawContext* context) {
     const CCoord height = getHeight();
     context->setFont(VSTGUI::kNormalFont, 10.0, VSTGUI::kItalicFace);
     context->setFontColor(VSTGUI::CColor(0xFF, 0xFF, 0xFF, 0xFF));
-    for (const Credit& credit : credits)
+    for (const Credit& credit : kCredits)
         context->drawString(credit.text,
                             CRect(area.left, height - credit.top, area.right, height - credit.bottom),
                             VSTGUI::kCenterText, true);

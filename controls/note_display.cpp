@@ -12,7 +12,7 @@ using VSTGUI::CDrawContext;
 
 namespace {
 
-constexpr const char* noteNames[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
+constexpr const char* kNoteNames[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
 
 } // namespace
 
@@ -33,8 +33,8 @@ void CNoteDisplay::draw(CDrawContext* context) {
 
     char text[32] = "Chord";
     if (*mode == kOneNote) {
-        const int pitch = *note;
-        std::snprintf(text, sizeof text, "%s %d", noteNames[std::abs(pitch % 12)], pitch / 12 - 2);
+        const std::int8_t pitch = *note;
+        std::snprintf(text, sizeof text, "%s %d", kNoteNames[std::abs(pitch % 12)], pitch / 12 - 2);
     } else if (*mode == kNoNote) {
         std::snprintf(text, sizeof text, "OFF");
     }

@@ -25,11 +25,11 @@ using VSTGUI::CRect;
 
 namespace {
 
-constexpr CColor pictureColour(0x66, 0x66, 0x66, 0xFF);
-constexpr std::uint8_t brightGreen = 0xBD;
-constexpr std::uint8_t warningRed = 0xB3;
-constexpr CColor pageColour(0x2D, 0x2D, 0x66, 0xFF);
-constexpr CColor linkColour(0xFF, 0xFF, 0x66, 0xFF);
+constexpr CColor kPictureColour(0x66, 0x66, 0x66, 0xFF);
+constexpr std::uint8_t kBrightGreen = 0xBD;
+constexpr std::uint8_t kWarningRed = 0xB3;
+constexpr CColor kPageColour(0x2D, 0x2D, 0x66, 0xFF);
+constexpr CColor kLinkColour(0xFF, 0xFF, 0x66, 0xFF);
 
 /// A line of help; top and bottom count from the view's top.
 struct HelpLine {
@@ -40,48 +40,48 @@ struct HelpLine {
 };
 
 // The blanks at the ends and in between are meant: they move the centred lines to where they stand.
-constexpr HelpLine firstPage[] = {
-    {0, 11, pageColour, "Things you must know about Quillon Multitap Delay."},
-    {14, 25, pageColour,
+constexpr HelpLine kFirstPage[] = {
+    {0, 11, kPageColour, "Things you must know about Quillon Multitap Delay."},
+    {14, 25, kPageColour,
      "First thing to know, the size of the memory is fixed at 4194304 samples, that means that at SampleRate "
      " = "
      "44100"},
-    {26, 37, pageColour,
+    {26, 37, kPageColour,
      "the Quillon Multitap Delay has a maximum delay of about 95 seconds (as per 4194304/44100),  therefore "
      "you "
      "could easly     "},
-    {38, 49, pageColour,
+    {38, 49, kPageColour,
      "have more than one minute of audio stored in your Quillon Multitap Delay instance while running, and "
      "that "
      "can come and go  "},
-    {50, 61, pageColour,
+    {50, 61, kPageColour,
      "depending on your settings. _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ _ "
      "_ _ _                      "},
-    {62, 73, pageColour,
+    {62, 73, kPageColour,
      "To clear the memory just turn the plugin off and then on again.                                        "
      "   "
      "       "},
-    {76, 87, pageColour, "...right-click for more..."},
+    {76, 87, kPageColour, "...right-click for more..."},
 };
 
-constexpr HelpLine secondPage[] = {
-    {0, 11, pageColour,
+constexpr HelpLine kSecondPage[] = {
+    {0, 11, kPageColour,
      "Quillon Multitap Delay supports MIDI Learn/Forget for any parameter; all you need to do is to "
      "right-click "
      "on a parameter"},
-    {12, 23, pageColour,
+    {12, 23, kPageColour,
      " and select 'MIDI Learn', then move a controller. The controller will then be bound to that parameter. "
      "   "
      "   "},
-    {24, 35, pageColour,
+    {24, 35, kPageColour,
      "To clear a bound-parameter, right-click on it again, and select the 'Forget' option from the dropdown "
      "Menu.  "},
-    {36, 47, pageColour,
+    {36, 47, kPageColour,
      "The settings also responde to MIDI Program Change messages so that preset changes can be automated.    "
      "   "
      "   "},
-    {48, 59, linkColour, "[Please press the Alt key and click here to open the Help file as PDF]"},
-    {89, 100, pictureColour, "VST Plug-In Technology by Steinberg, AU System by Apple"},
+    {48, 59, kLinkColour, "[Please press the Alt key and click here to open the Help file as PDF]"},
+    {89, 100, kPictureColour, "VST Plug-In Technology by Steinberg, AU System by Apple"},
 };
 
 /// The colour of a tap's core at `t`, 0 for the first tap up to 1. Green is left to the caller.
@@ -127,8 +127,8 @@ void ViewTaps::drawPicture(CDrawContext& context) {
     context.setDrawMode(VSTGUI::kAliasing);
     context.setLineStyle(VSTGUI::kLineSolid);
     context.setLineWidth(1);
-    context.setFrameColor(pictureColour);
-    context.setFillColor(pictureColour);
+    context.setFrameColor(kPictureColour);
+    context.setFillColor(kPictureColour);
     if (isDirty())
         setDirty(false);
     const std::int64_t end = drawBars(context);
@@ -146,7 +146,7 @@ std::int64_t ViewTaps::drawBars(CDrawContext& context) {
     const float inv = 1.0f / static_cast<float>(taps);
     const float add = wide ? static_cast<float>(taps) * 0.022779042f : 0.0f;
     const float mul = wide ? inv * 45.9f : 1.0f;
-    std::uint8_t green = pictureColour.green;
+    std::uint8_t green = kPictureColour.green;
     std::int64_t x = 0;
     for (std::int32_t i = 0; i < taps; ++i) {
         const double t = static_cast<float>(i) * inv;
@@ -160,9 +160,9 @@ std::int64_t ViewTaps::drawBars(CDrawContext& context) {
             // A dim column ends a bar that has the room. Even taps are lit up before it, odd ones go on with
             // what the bar before them ended in.
             if (column == 2)
-                green = pictureColour.green;
+                green = kPictureColour.green;
             else if (i % 2 == 0)
-                green = brightGreen;
+                green = kBrightGreen;
             context.setFrameColor(barColour(t, shape, green));
             const CCoord left = view.left + static_cast<double>(x + column);
             context.drawLine(CPoint(left, view.bottom), CPoint(left, y));
@@ -174,16 +174,17 @@ std::int64_t ViewTaps::drawBars(CDrawContext& context) {
 
 void ViewTaps::drawText(CDrawContext& context, std::int64_t end) {
     const CRect view = getViewSize();
-    context.setFrameColor(pictureColour);
+    context.setFrameColor(kPictureColour);
     const bool full = takeWarning();
-    CColor colour = pictureColour;
+    CColor colour = kPictureColour;
     if (full)
-        colour.red = warningRed;
+        colour.red = kWarningRed;
     context.setFontColor(colour);
     setTextFont(context);
 
     const CCoord x = trunc(static_cast<double>(end + 2) + view.left);
-    const CCoord y = trunc(trunc(view.bottom - view.top) / 3 + view.top);
+    const std::int32_t third = trunc(view.bottom - view.top) / 3;
+    const CCoord y = trunc(third + view.top);
     char text[32];
     std::snprintf(text, sizeof text, "%d", shownMs.load());
     drawMeasured(context, 0, text, CRect(x, y, x + 46, y + 14));
@@ -202,7 +203,7 @@ void ViewTaps::drawText(CDrawContext& context, std::int64_t end) {
 /// Centred, and measured only when it is another text than last at this place: to measure a text costs as
 /// much as to draw it, and the picture is drawn anew with every change of the pattern.
 void ViewTaps::drawMeasured(CDrawContext& context, std::size_t place, const char* text, const CRect& area) {
-    MeasuredText& measured = measuredTexts[place];
+    MeasuredText& measured = measuredTexts_[place];
     if (measured.text != text)
         measured = {text, context.getStringWidth(text)};
     CRect rest = area;
@@ -230,9 +231,9 @@ void ViewTaps::drawHelp(CDrawContext& context) const {
                     CRect(view.left, view.top + line.top, view.right, view.top + line.bottom));
     };
     if (helpPage == 1)
-        std::for_each(std::begin(firstPage), std::end(firstPage), drawLine);
+        std::for_each(std::begin(kFirstPage), std::end(kFirstPage), drawLine);
     else
-        std::for_each(std::begin(secondPage), std::end(secondPage), drawLine);
+        std::for_each(std::begin(kSecondPage), std::end(kSecondPage), drawLine);
 }
 
 void ViewTaps::mouse(CPoint&, const CButtonState& buttons) {

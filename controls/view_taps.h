@@ -70,7 +70,7 @@ class ViewTaps final : public VSTGUI::CControl {
         std::string text;
         VSTGUI::CCoord width = 0;
     };
-    std::array<MeasuredText, 4> measuredTexts; ///< what stood at each place of the picture last
+    std::array<MeasuredText, 4> measuredTexts_; ///< what stood at each place of the picture last
     std::int32_t helpPage = 0;
 };
 
