@@ -96,7 +96,7 @@ void xmlGuiEditor::skinReadFont(VSTGUI::CParamDisplay* control, const char* obje
         control->setBackground(background);
         control->setBackOffset(control->getViewSize().getTopLeft());
     }
-    const auto withColour = [&](const char* tag, VSTGUI::CColor colour, auto setColour) {
+    const auto withColour = [&](const char* tag, const VSTGUI::CColor& colour, auto setColour) {
         if (const SkinTag* const found = findTag(*object, tag))
             (control->*setColour)(colourOf(found->value).value_or(colour));
     };
@@ -438,7 +438,9 @@ int xmlGuiEditor::buildAbout(ObjectReader& object) {
         return kPassedOver;
     const std::int32_t width = trunc(picture->getWidth()), height = trunc(picture->getHeight());
     CRect shown(0, 0, width, height);
-    shown.offset((trunc(background->getWidth()) - width) / 2, (trunc(background->getHeight()) - height) / 2);
+    const std::int32_t left = (trunc(background->getWidth()) - width) / 2;
+    const std::int32_t top = (trunc(background->getHeight()) - height) / 2;
+    shown.offset(left, top);
     const std::int32_t tag = kFirstAboutTag + aboutCount;
     VSTGUI::SharedPointer<VSTGUI::CSplashScreen> box;
     if (aboutCount == 0)

@@ -25,7 +25,9 @@ VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, cons
     const auto picture = readImage(folder, name, allowance);
     if (!picture)
         return VSTGUI::makeOwned<MissingImage>();
-    return memory ? toolkit::makeWindowBitmap(picture, memory) : VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
+    if (memory)
+        return toolkit::makeWindowBitmap(picture, memory);
+    return VSTGUI::makeOwned<VSTGUI::CBitmap>(picture);
 }
 
 VSTGUI::SharedPointer<VSTGUI::CBitmap> loadImage(const std::string& folder, const std::string& name) {

@@ -2,10 +2,10 @@
 // small. The records hold no resources of their own, so nothing runs on one when it is copied or dropped.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <type_traits>
 
 /// Items in the order in which they were appended; `items[0]` to `items[count - 1]` are valid. Appending may
@@ -27,7 +27,7 @@ struct GrowArray {
         if (!items)
             capacity = 0;
     }
-    ~GrowArray() { std::free(items); }
+    ~GrowArray() { release(items); }
     GrowArray(const GrowArray&) = delete;
     GrowArray& operator=(const GrowArray&) = delete;
 
@@ -54,17 +54,18 @@ struct GrowArray {
 
   private:
     static Item* allocate(std::int64_t room) {
-        return static_cast<Item*>(std::malloc(static_cast<std::size_t>(room) * sizeof(Item)));
+        return static_cast<Item*>(std::malloc(static_cast<std::size_t>(room) * sizeof *items));
     }
+
+    static void release(Item* block) { std::free(static_cast<void*>(block)); }
 
     bool grow() {
         const std::int64_t newCapacity = capacity * factor + step;
         Item* newItems = allocate(newCapacity);
         if (!newItems)
             return false;
-        if (count > 0)
-            std::memcpy(newItems, items, static_cast<std::size_t>(count) * sizeof(Item));
-        std::free(items);
+        std::copy_n(items, count, newItems);
+        release(items);
         items = newItems;
         capacity = newCapacity;
         return true;

@@ -8,10 +8,10 @@ namespace tools::window {
 namespace {
 
 /// A longer name ends the host. For a name that stands first, blanks before it count.
-constexpr std::size_t longestName = 59;
+constexpr std::size_t kLongestName = 59;
 
 /// The priority above which there is none: a sign binds so.
-constexpr int tightest = 19;
+constexpr int kTightest = 19;
 
 /// How tightly an operator binds; nothing if the byte is none.
 std::optional<int> priorityOf(char byte) {
@@ -27,7 +27,7 @@ std::optional<int> priorityOf(char byte) {
         return 18;
     case '*':
     case '/':
-        return tightest;
+        return kTightest;
     default:
         return std::nullopt;
     }
@@ -67,7 +67,7 @@ class Reading {
         if (base::isDigit(here()))
             return;
         skipName();
-        if (at_ > begin && at_ > longestName)
+        if (at_ > begin && at_ > kLongestName)
             return stop(begin, "a name at the beginning that reaches beyond the 59th character ends the host",
                         true);
         skipBlanks();
@@ -108,7 +108,7 @@ class Reading {
         const std::size_t begin = at_;
         if (here() == '-') {
             ++at_;
-            level(tightest);
+            level(kTightest);
         } else if (here() == '(') {
             ++at_;
             isInGroup_ = true;
@@ -116,7 +116,7 @@ class Reading {
         } else if (base::isDigit(here())) {
             while (base::isDigit(here()) || here() == '.')
                 ++at_;
-        } else if (skipName(); at_ - begin > longestName) {
+        } else if (skipName(); at_ - begin > kLongestName) {
             stop(begin, "a name of 60 characters or more ends the host", true);
         } else if (at_ == begin) {
             stop(begin, here() == '.'

@@ -95,16 +95,16 @@ class Arrangement {
 };
 
 // Messages of the builder that name no tag.
-constexpr const char* badConstant = "Expression parser error";
-constexpr const char* badLink = "Error attempting to link a display to an invalid parameter id";
+constexpr const char* kBadConstant = "Expression parser error";
+constexpr const char* kBadLink = "Error attempting to link a display to an invalid parameter id";
 
 /// Where in the object a message of the builder belongs.
 Place placeOf(const Message& message, const SourceElement& object) {
     // A fault in a line of constants has the line for its caption.
     const std::size_t line = object.text.find(message.caption);
-    if (message.text == badConstant && line != std::string::npos)
+    if (message.text == kBadConstant && line != std::string::npos)
         return placeWithin(object.text, line, object.textPlace);
-    if (const SourceAttribute* const link = object.find("link"); link && message.text == badLink)
+    if (const SourceAttribute* const link = object.find("link"); link && message.text == kBadLink)
         return link->valuePlace;
     for (const SourceAttribute& tag : object.attributes)
         if (message.text.find(" tag " + lowered(tag.name) + " for ") != std::string::npos)

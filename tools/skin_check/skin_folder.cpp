@@ -38,7 +38,7 @@ std::string namesOfSkinsIn(const files::path& folder) {
 
 /// In any letters that the system knows; where it tells small letters from capitals, in any letter case too.
 std::optional<files::path> findIn(const files::path& folder, const std::string& name) {
-    const files::path exact = folder / pathFromWord(name);
+    files::path exact = folder / pathFromWord(name);
     std::error_code error;
     if (files::exists(exact, error))
         return exact;

@@ -20,7 +20,7 @@ using skin::TagRule;
 using skin::TagType;
 
 /// What of a tag's value reaches the plug-in; the rest is cut.
-constexpr std::size_t mostValueBytes = skin::kTagValueSize - 1;
+constexpr std::size_t kMostValueBytes = skin::kTagValueSize - 1;
 
 std::string of(const SourceElement& element) {
     return " of <" + printable(element.name) + ">";
@@ -98,10 +98,10 @@ class Judge {
 
     void judgeValue(const SourceElement& object, const SourceAttribute& tag, const TagRule& rule) {
         const std::string name = inQuotes(tag.name) + of(object);
-        if (tag.value.size() > mostValueBytes)
-            find(tag.valuePlace, name + " is cut behind " + std::to_string(mostValueBytes) + " characters");
+        if (tag.value.size() > kMostValueBytes)
+            find(tag.valuePlace, name + " is cut behind " + std::to_string(kMostValueBytes) + " characters");
         if (rule.type == TagType::number)
-            judgeExpression(tag.value.substr(0, mostValueBytes), tag.valuePlace, name);
+            judgeExpression(tag.value.substr(0, kMostValueBytes), tag.valuePlace, name);
         else if (rule.type == TagType::colour && !isColour(tag.value))
             find(tag.valuePlace,
                  name + " should be six digits for red, green and blue as in FF8000, without #");

@@ -10,9 +10,9 @@ namespace tools::window {
 namespace {
 
 /// As deep as the plug-in's reader goes.
-constexpr int deepestElement = 1000;
+constexpr int kDeepestElement = 1000;
 /// As long as the name in a closing tag may be before the plug-in's reader ends the process.
-constexpr std::size_t longestClosingName = 255;
+constexpr std::size_t kLongestClosingName = 255;
 
 /// Thrown where the plug-in's reader refuses the file.
 struct Refused {
@@ -100,7 +100,7 @@ class Scanner {
         const std::size_t begin = position_;
         if (here() != '<' || !base::isLetter(at(begin + 1)))
             throw Refused{begin, whyNoElement(begin)};
-        if (depth >= deepestElement)
+        if (depth >= kDeepestElement)
             throw Refused{begin, "elements are nested deeper than any skin needs"};
         ++position_;
         SourceElement result;
@@ -209,7 +209,7 @@ class Scanner {
         position_ += 2;
         skipBlanks();
         const std::string closed = name();
-        if (closed.size() > longestClosingName)
+        if (closed.size() > kLongestClosingName)
             throw Refused{begin,
                           "the name in this closing tag is longer than 255 characters, which ends the host",
                           true};
