@@ -128,30 +128,30 @@ class Construction {
     std::int32_t count_;
 };
 
-/// What forgets every echo, together with the block that follows: work put off until then is counted too.
+/// A call that clears the delay memory, timed with the next block, since clearing may be deferred to it.
 template <class Instance>
-class Forgetting {
+class Clearing {
   public:
-    Forgetting(const std::string& library, const std::vector<std::uint8_t>& bank, std::int32_t written)
+    Clearing(const std::string& library, const std::vector<std::uint8_t>& bank, std::int32_t written)
         : instance(library, bank), written_(written) {
         instance.start();
         instance.setParameter(reference::kTaps, 0.0f);
         instance.setParameter(reference::kSet, 0.0f);
     }
-    virtual ~Forgetting() = default;
+    virtual ~Clearing() = default;
     Contestant contestant() {
         return {[this] { return run(); }, 1.0, 0.0, 1};
     }
 
   protected:
-    virtual void forget() = 0;
+    virtual void clear() = 0;
     Instance instance;
 
   private:
     double run() {
         playFrames(written_ < kFillFrames ? kBlock : kFillFrames, written_);
         const double start = processorSeconds();
-        forget();
+        clear();
         playFrames(kBlock, kBlock);
         return processorSeconds() - start;
     }
@@ -163,18 +163,18 @@ class Forgetting {
 };
 
 template <class Instance>
-class ProgramChange final : public Forgetting<Instance> {
-    using Forgetting<Instance>::Forgetting;
-    void forget() override { this->instance.setProgram(0); }
+class ProgramChange final : public Clearing<Instance> {
+    using Clearing<Instance>::Clearing;
+    void clear() override { this->instance.setProgram(0); }
 };
 
 template <class Instance>
-class Resume final : public Forgetting<Instance> {
-    using Forgetting<Instance>::Forgetting;
-    void forget() override { this->instance.resume(); }
+class Resume final : public Clearing<Instance> {
+    using Clearing<Instance>::Clearing;
+    void clear() override { this->instance.resume(); }
 };
 
-/// One parameter to and fro, under 128 taps.
+/// One parameter set to two values in turn, with 128 taps.
 template <class Instance>
 class Setting {
   public:

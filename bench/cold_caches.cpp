@@ -14,9 +14,9 @@ constexpr std::size_t kLine = 64;
 } // namespace
 
 void evictCaches() {
-    static std::vector<std::uint8_t> stranger(kMoreThanAnyCache, 1);
-    for (std::size_t i = 0; i < stranger.size(); i += kLine)
-        stranger[i] = static_cast<std::uint8_t>(stranger[i] + 1);
+    static std::vector<std::uint8_t> otherData(kMoreThanAnyCache, 1);
+    for (std::size_t i = 0; i < otherData.size(); i += kLine)
+        otherData[i] = static_cast<std::uint8_t>(otherData[i] + 1);
 }
 
 } // namespace bench

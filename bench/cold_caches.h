@@ -1,4 +1,4 @@
-// Makes the caches forget.
+// Evicts the processor's caches.
 #pragma once
 
 namespace bench {

@@ -1,5 +1,5 @@
-// Brings an effect into a situation and lets it play there. The built library and the literal reference are
-// played through the same few operations, so that both do the same work on the same signal.
+// Prepares an effect for a case of the timing and plays it. The built library and the literal reference are
+// driven by the same few calls, so that both do the same work on the same signal.
 #pragma once
 
 #include "bench/contest.h"

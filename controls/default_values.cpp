@@ -16,19 +16,19 @@ bool isOneOf(const CControl& control) {
     return (... || (dynamic_cast<const Kinds*>(&control) != nullptr));
 }
 
-/// The toolkit's own test, which looks at buttons and keys and takes every control. The first call has to
-/// come before ours is in its place.
-CControl::CheckDefaultValueEventFuncT toolkitsResetClick() {
+/// The toolkit's own test, which looks at buttons and keys only. The first call must come before ours is
+/// installed.
+CControl::CheckDefaultValueEventFuncT toolkitResetClick() {
     static const auto isResetClick = CControl::CheckDefaultValueEventFunc;
     return isResetClick;
 }
 
 bool isResetClickOnDefault(CControl* control, VSTGUI::MouseDownEvent& event) {
-    return hasDefault(*control) && toolkitsResetClick()(control, event);
+    return hasDefault(*control) && toolkitResetClick()(control, event);
 }
 
-bool putOursInPlace() {
-    toolkitsResetClick();
+bool installResetClick() {
+    toolkitResetClick();
     CControl::CheckDefaultValueEventFunc = isResetClickOnDefault;
     return true;
 }
@@ -42,7 +42,7 @@ bool hasDefault(const CControl& control) {
 
 void resetOnlyControlsWithDefault() {
     // Hosts may make instances on several threads at once: one of them does it, the others see it done.
-    [[maybe_unused]] static const bool isDone = putOursInPlace();
+    [[maybe_unused]] static const bool isDone = installResetClick();
 }
 
 } // namespace controls

@@ -1,6 +1,5 @@
-// What lies, unseen, above every control of a parameter: it takes the right click for itself and opens a menu
-// about the parameter's MIDI controller there. Everything else that the hand does goes to the control below,
-// as if nothing lay above it.
+// An invisible view above every control of a parameter. A right click on it opens the menu for the
+// parameter's MIDI controller. All other events go to the control below, as if the view were not there.
 #pragma once
 
 #include "vstgui/lib/controls/ccontrol.h"
@@ -33,7 +32,7 @@ class CMidiLearn final : public VSTGUI::CControl {
     CMidiLearn(const CMidiLearn& other) = default;
 
     /// `refresh` is called with the control below right before a press, a tick of the wheel or a key is
-    /// passed on to it, so that the hand goes on from what it shows then.
+    /// passed on to it, so that the gesture starts from the present value.
     void setRefresh(std::function<void(VSTGUI::CControl&)> refresh) { refresh_ = std::move(refresh); }
 
     /// The tag of the control below, and so the parameter's id.

@@ -48,7 +48,7 @@ bool myEditor::open(void* ptr) {
     // A host that is asked for room may close the window and open it again, overlays and all.
     const int opening = ++openings_;
     const bool isShown = xmlGuiEditor::open(ptr);
-    opened = isShown && (opening != openings_ || hasOverlays());
+    opened = isShown && (opening != openings_ || tryToAddOverlays());
     if (!opened) {
         viewTaps = nullptr;
         noteDisplay = nullptr;
@@ -56,10 +56,10 @@ bool myEditor::open(void* ptr) {
     return opened;
 }
 
-/// A window that memory is too short for is taken away again.
-bool myEditor::hasOverlays() try {
+/// Without enough memory it closes the window again and gives false.
+bool myEditor::tryToAddOverlays() try {
     learn.disarm();
-    layOverlays();
+    addOverlays();
     return true;
 } catch (const std::bad_alloc&) {
     close();
@@ -77,7 +77,7 @@ void myEditor::close() {
 }
 
 /// One for every control of a parameter, above all that the skin has made.
-void myEditor::layOverlays() {
+void myEditor::addOverlays() {
     const std::vector<VSTGUI::CControl*> covered = controls();
     for (std::int32_t id = 0; id < numParams(); ++id)
         for (VSTGUI::CControl* control : covered)
@@ -153,7 +153,7 @@ int myEditor::createControls(const char* name, SkinObject* object, SkinContext* 
 
 int myEditor::buildViewTaps(ObjectReader& tags) {
     const VSTGUI::CRect place = tags.box();
-    if (tags.isLost() || !frame)
+    if (tags.hasFailed() || !frame)
         return skin::kPassedOver;
     const float taps = theEffect().getParameter(parameters::kTaps);
     const float stretch = theEffect().getParameter(parameters::kStretch);
@@ -169,7 +169,7 @@ int myEditor::buildNoteDisplay(ObjectReader& tags) {
     const VSTGUI::CRect place = tags.box();
     const std::int32_t id = tags.integer("id");
     const std::string fontColour = tags.text("fontcolor"), backColour = tags.text("backcolor");
-    if (tags.isLost() || !frame)
+    if (tags.hasFailed() || !frame)
         return skin::kPassedOver;
     const auto display = VSTGUI::makeOwned<controls::CNoteDisplay>(place, this, id, &note, &noteMode);
     display->setBackColor(clearColour(backColour));
@@ -179,12 +179,12 @@ int myEditor::buildNoteDisplay(ObjectReader& tags) {
     return skin::kDone;
 }
 
-/// Makes nothing. A skin may hold one, and its faults are told under the name of its sister.
+/// Makes nothing. A skin may hold one, and messages about its faults name NoteDisplay.
 int myEditor::readPresetsDisplay(ObjectReader& tags) {
-    tags.callIt("NoteDisplay");
+    tags.setMessageName("NoteDisplay");
     tags.box();
     tags.text("fontcolor");
-    return tags.isLost() ? skin::kPassedOver : skin::kDone;
+    return tags.hasFailed() ? skin::kPassedOver : skin::kDone;
 }
 
 } // namespace editor

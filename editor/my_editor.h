@@ -60,8 +60,8 @@ class myEditor : public skin::xmlGuiEditor, public interfaces::EffectWindow {
     int buildViewTaps(ObjectReader& tags);
     int buildNoteDisplay(ObjectReader& tags);
     int readPresetsDisplay(ObjectReader& tags);
-    bool hasOverlays();
-    void layOverlays();
+    bool tryToAddOverlays();
+    void addOverlays();
     void showPattern();
 
     TapGains effectGains_;

@@ -27,20 +27,21 @@ class AEffGUIEditor : public interfaces::AEffEditor, public VSTGUI::VSTGUIEditor
     bool getRect(interfaces::EditorRect** size) override;
     /// Opens an empty frame of the editor's size in the host's window `ptr`.
     bool open(void* ptr) override;
-    /// Gives all windows of the process their turn and has what is dirty drawn. The one source of time.
+    /// Serves the events and timers of all windows of the process and draws what is dirty. Without these
+    /// calls the window stands still.
     void idle() override;
     bool onKeyDown(interfaces::KeyCode& key) override;
     bool onKeyUp(interfaces::KeyCode& key) override;
     /// `distance` in turns of the wheel, upward positive; acts where the pointer is.
     bool onWheel(float distance) override;
-    /// How the hand turns a knob: 0 in a circle, 1 in a circle from where it is, 2 up and down. One mode for
+    /// How the mouse turns a knob: 0 in a circle, 1 in a circle from where it is, 2 up and down. One mode for
     /// all knobs in the process.
     bool setKnobMode(std::int32_t value) override;
     /// A parameter has changed. Any thread.
     virtual void setParameter(std::int32_t, float) {}
     virtual void draw() {}
 
-    /// The pump for long gestures: at most about every tenth of a second it gives the host a turn too.
+    /// Idles during long gestures and lets the host idle too, at most about every 100 ms.
     void doIdleStuff() override;
     std::int32_t getKnobMode() const override;
     void beginEdit(std::int32_t index) override;
@@ -57,14 +58,14 @@ class AEffGUIEditor : public interfaces::AEffEditor, public VSTGUI::VSTGUIEditor
     void closeFrame();
     /// Whether there is a frame. Any thread.
     bool hasFrame() const;
-    /// Whether the caller is on the thread that opened the window and gives it its time. Any thread.
+    /// Whether the caller is on the thread that opens the window and calls idle(). Any thread.
     bool onWindowThread() const;
     /// Whether the left button is held in a gesture that began in the window.
     bool leftButtonDown() const { return window_.leftButtonDown(); }
 
     interfaces::EditorRect rect = {}; ///< what the host is told, in pixels
-    std::uint32_t lastTicks;          ///< of the next idle round that a gesture allows, in milliseconds
-    bool inIdleStuff = false;         ///< while the host has its turn inside a gesture
+    std::uint32_t lastTicks;          ///< when doIdleStuff() is next due, in milliseconds
+    bool inIdleStuff = false;         ///< while the host's idle runs inside a gesture
 
   private:
     void noteWindowThread();

@@ -204,7 +204,7 @@ int xmlGuiEditor::buildBackground(ObjectReader& object) {
     if (!object.has("filename"))
         return kDone;
     CBitmap* const bitmap = object.picture("filename");
-    if (object.isLost())
+    if (object.hasFailed())
         return kPassedOver;
     background = bitmap;
     const int width = trunc(bitmap->getWidth()), height = trunc(bitmap->getHeight());
@@ -217,7 +217,7 @@ int xmlGuiEditor::buildBackground(ObjectReader& object) {
 
 int xmlGuiEditor::buildUpdate(ObjectReader& object) {
     const std::int32_t src = object.integer("src"), dst = object.integer("dst");
-    if (object.isLost())
+    if (object.hasFailed())
         return kPassedOver;
     updateLinks.append({src, dst});
     return kDone;
@@ -229,9 +229,9 @@ int xmlGuiEditor::buildSlider(ObjectReader& object) {
     const double xOffset = object.number("xoff", x), yOffset = object.number("yoff", y);
     CBitmap* const ground = object.picture("bitmap_bk", background);
     CBitmap* const handle = object.picture("bitmap_handle");
-    if (!object.isLost() && !ground)
-        object.lose(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
-    if (object.isLost() || !frame)
+    if (!object.hasFailed() && !ground)
+        object.fail(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
+    if (object.hasFailed() || !frame)
         return kPassedOver;
 
     using VSTGUI::CSlider;
@@ -258,10 +258,10 @@ int xmlGuiEditor::buildKnob(ObjectReader& object) {
     const double xOffset = object.number("xoff", place.left), yOffset = object.number("yoff", place.top);
     CBitmap* const ground = object.picture("bitmap_bk", background);
     CBitmap* const handle = object.picture("bitmap_handle");
-    if (!object.isLost() && handle && !ground)
-        object.lose(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
+    if (!object.hasFailed() && handle && !ground)
+        object.fail(findTag(*object.object(), "bitmap_handle")->value, "Bitmap not found");
     const std::optional<bool> isTransparent = object.flag("transparent");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
 
     const CPoint offset(trunc(xOffset), trunc(yOffset));
@@ -286,7 +286,7 @@ int xmlGuiEditor::buildOnOff(ObjectReader& object) {
     const double x = object.number("x"), y = object.number("y");
     const std::int32_t id = object.integer("id");
     CBitmap* const states = object.picture("bitmap_handle", nullptr, kButtonPictureMissing);
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
     const auto button = VSTGUI::makeOwned<VSTGUI::COnOffButton>(place, this, id, states, 0);
@@ -300,11 +300,11 @@ int xmlGuiEditor::buildAutoDisplay(ObjectReader& object) {
     const CRect place = object.box();
     const std::int32_t id = object.integer("id"), style = object.integer("style");
     const std::int32_t link = object.integer("link");
-    if (!object.isLost() && link > numParams())
-        object.lose("Error attempting to link a display to an invalid parameter id", kSkinError,
+    if (!object.hasFailed() && link > numParams())
+        object.fail("Error attempting to link a display to an invalid parameter id", kSkinError,
                     platform::MessageIcon::error);
     CBitmap* const ground = object.picture("bitmap_bk");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const auto display =
         VSTGUI::makeOwned<controls::CParamDisplayLink>(&theEffect(), link, place, id, ground, style);
@@ -321,7 +321,7 @@ int xmlGuiEditor::buildDisplay(ObjectReader& object) {
 }
 
 int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
-    object.callIt("display");
+    object.setMessageName("display");
     controls::CDisplay* const display = buildText(object, object.box(), kAnyDisplayTag);
     if (!display)
         return kPassedOver;
@@ -332,7 +332,7 @@ int xmlGuiEditor::buildAnyDisplay(ObjectReader& object) {
 controls::CDisplay* xmlGuiEditor::buildText(ObjectReader& object, const CRect& place, std::int32_t tag) {
     const std::int32_t style = object.integer("style");
     CBitmap* const ground = object.picture("bitmap_bk");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return nullptr;
     const auto display = VSTGUI::makeOwned<controls::CDisplay>(place, ground, style);
     skinReadFont(display, "autodisp", object.object(), object.context());
@@ -346,7 +346,7 @@ int xmlGuiEditor::buildOptionMenu(ObjectReader& object) {
     const std::int32_t id = object.integer("id"), style = object.integer("style");
     CBitmap* const ground = object.picture("bitmap_bk");
     CBitmap* const activeGround = object.picture("bitmap_bk_active");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, id, ground, activeGround, style);
     addEntries(menu, *object.object(), id);
@@ -383,7 +383,7 @@ int xmlGuiEditor::buildSkinSelector(ObjectReader& object) {
     const std::int32_t style = object.integer("style");
     CBitmap* const ground = object.picture("bitmap_bk");
     CBitmap* const activeGround = object.picture("bitmap_bk_active");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const auto menu = VSTGUI::makeOwned<SkinMenu>(place, this, kSkinSelectorTag, ground, activeGround, style);
     for (const SkinName& name : skinNames)
@@ -400,9 +400,9 @@ int xmlGuiEditor::buildSwitch(ObjectReader& object) {
     const std::int32_t id = object.integer("id");
     const double entries = object.number("entries");
     // Skins of both kinds name the picture's faults alike.
-    object.callIt("vswitch");
+    object.setMessageName("vswitch");
     CBitmap* const images = object.picture("bitmap_handle");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const double height = images->getHeight() * (1.0 / entries);
     const CRect place = placeOf(x, y, images->getWidth(), height);
@@ -421,7 +421,7 @@ int xmlGuiEditor::buildKick(ObjectReader& object) {
     const std::int32_t id = object.integer("id");
     CBitmap* const states = object.picture("bitmap_handle", nullptr, kButtonPictureMissing);
     const std::optional<bool> isTransparent = object.flag("transparent");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, states->getWidth(), states->getHeight() / 2);
     const auto button = VSTGUI::makeOwned<VSTGUI::CKickButton>(place, this, id, states);
@@ -434,7 +434,7 @@ int xmlGuiEditor::buildKick(ObjectReader& object) {
 int xmlGuiEditor::buildAbout(ObjectReader& object) {
     const CRect area = object.box();
     CBitmap* const picture = object.picture("bitmap_pop", nullptr, kButtonPictureMissing);
-    if (object.isLost() || !frame || !background)
+    if (object.hasFailed() || !frame || !background)
         return kPassedOver;
     const std::int32_t width = trunc(picture->getWidth()), height = trunc(picture->getHeight());
     CRect shown(0, 0, width, height);
@@ -460,7 +460,7 @@ int xmlGuiEditor::buildVuMeter(ObjectReader& object) {
                        style = object.integer("style");
     CBitmap* const off = object.picture("bitmap_off");
     CBitmap* const on = object.picture("bitmap_on");
-    if (object.isLost() || !frame)
+    if (object.hasFailed() || !frame)
         return kPassedOver;
     const CRect place = placeOf(x, y, on->getWidth(), on->getHeight());
     // The meter divides by the number of its lamps.

@@ -15,12 +15,12 @@ bool xmlGuiEditor::ObjectReader::isRequired(const char* tag) const {
 }
 
 double xmlGuiEditor::ObjectReader::number(const char* tag, double fallback) {
-    if (isLost_)
+    if (hasFailed_)
         return fallback;
     double value = fallback;
     const bool isNeeded = isRequired(tag);
     const bool isGood = skinReadTag(name_, tag, object_, true, !isNeeded, &value, context_) == 1;
-    isLost_ = isNeeded && !isGood;
+    hasFailed_ = isNeeded && !isGood;
     return isGood ? value : fallback;
 }
 
@@ -35,29 +35,29 @@ VSTGUI::CRect xmlGuiEditor::ObjectReader::box() {
 
 std::string xmlGuiEditor::ObjectReader::text(const char* tag) {
     char value[kTagValueSize] = "";
-    if (!isLost_)
-        isLost_ = skinReadTag(name_, tag, object_, false, !isRequired(tag), value, context_) == 0;
+    if (!hasFailed_)
+        hasFailed_ = skinReadTag(name_, tag, object_, false, !isRequired(tag), value, context_) == 0;
     return value;
 }
 
 std::optional<bool> xmlGuiEditor::ObjectReader::flag(const char* tag) {
-    const SkinTag* const found = isLost_ ? nullptr : findTag(*object_, tag);
+    const SkinTag* const found = hasFailed_ ? nullptr : findTag(*object_, tag);
     return found ? std::optional(isYes(found->value)) : std::nullopt;
 }
 
 CBitmap* xmlGuiEditor::ObjectReader::picture(const char* tag, CBitmap* fallback, const char* caption) {
-    if (isLost_ || (!isRequired(tag) && !has(tag)))
+    if (hasFailed_ || (!isRequired(tag) && !has(tag)))
         return fallback;
     const std::string name = text(tag);
-    CBitmap* const bitmap = isLost_ ? nullptr : skinGetBitmap(context_, name.c_str());
-    if (!isLost_ && !bitmap)
-        lose(name, caption);
+    CBitmap* const bitmap = hasFailed_ ? nullptr : skinGetBitmap(context_, name.c_str());
+    if (!hasFailed_ && !bitmap)
+        fail(name, caption);
     return bitmap;
 }
 
-void xmlGuiEditor::ObjectReader::lose(const std::string& text, const char* caption,
+void xmlGuiEditor::ObjectReader::fail(const std::string& text, const char* caption,
                                       platform::MessageIcon icon) {
-    isLost_ = true;
+    hasFailed_ = true;
     platform::showMessage(text.c_str(), caption, {.icon = icon});
 }
 

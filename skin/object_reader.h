@@ -19,19 +19,19 @@
 
 namespace skin {
 
-/// After the first fault in a tag that must be there, which has then been shown, the object is lost: nothing
-/// more is read, and what is asked for is 0 or empty.
+/// After the first missing or faulty tag that is required, a message has been shown and the reader has
+/// failed: it reads nothing more and gives 0 or empty for every tag. The object is not built then.
 class xmlGuiEditor::ObjectReader {
   public:
     ObjectReader(const KindRule& kind, const SkinObject* object, SkinContext* context)
         : kind_(kind), name_(kind.name), object_(object), context_(context) {}
 
-    bool isLost() const { return isLost_; }
+    bool hasFailed() const { return hasFailed_; }
     const KindRule& kind() const { return kind_; }
     const SkinObject* object() const { return object_; }
     SkinContext* context() const { return context_; }
-    /// Names the object differently in the messages from here on.
-    void callIt(const char* name) { name_ = name; }
+    /// The object's name in later messages; at first the kind's name.
+    void setMessageName(const char* name) { name_ = name; }
 
     /// A number; `fallback` if it may be missing and is missing or faulty.
     double number(const char* tag, double fallback = 0.0);
@@ -45,13 +45,13 @@ class xmlGuiEditor::ObjectReader {
     std::optional<bool> flag(const char* tag);
 
     /// The picture that a tag names; `fallback` if it may be missing and is. Without memory for it, the
-    /// object is lost with a box titled `caption`.
+    /// reader fails with a message titled `caption`.
     VSTGUI::CBitmap* picture(const char* tag, VSTGUI::CBitmap* fallback = nullptr,
                              const char* caption = "Bitmap not found");
     bool has(const char* tag) const { return findTag(*object_, tag) != nullptr; }
 
-    /// The object is lost for a reason of the builder's.
-    void lose(const std::string& text, const char* caption,
+    /// Shows the message and fails: the builder has found a fault.
+    void fail(const std::string& text, const char* caption,
               platform::MessageIcon icon = platform::MessageIcon::none);
 
   private:
@@ -61,7 +61,7 @@ class xmlGuiEditor::ObjectReader {
     const char* name_; ///< of the object in messages
     const SkinObject* object_;
     SkinContext* context_;
-    bool isLost_ = false;
+    bool hasFailed_ = false;
 };
 
 /// The place of a control. Each side is cut to a whole pixel after the addition.

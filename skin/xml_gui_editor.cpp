@@ -71,7 +71,7 @@ xmlGuiEditor::~xmlGuiEditor() {
 
 // The pass over a skin
 
-/// From the first object to the last, and whatever comes between.
+/// The scope of one pass: no second one starts within it, and the pictures are released at its end.
 class xmlGuiEditor::Pass {
   public:
     Pass(xmlGuiEditor& editor, SkinContext& context) : editor_(editor), context_(context) {
@@ -98,7 +98,7 @@ bool xmlGuiEditor::loadSkin(void* parent, bool backgroundOnly) {
     return readSkin(context);
 }
 
-bool xmlGuiEditor::loadSkinOrNothing(void* parent) try {
+bool xmlGuiEditor::tryToLoadSkin(void* parent) try {
     return loadSkin(parent, false);
 } catch (const std::bad_alloc&) {
     closeFrame();
@@ -142,12 +142,12 @@ void xmlGuiEditor::resetLists() {
 bool xmlGuiEditor::open(void* ptr) {
     if (isReading_)
         return false;
-    // A host that opens twice gets its second window in place of the first.
+    // A second open() replaces the first window.
     closeFrame();
     systemWindow.store(ptr);
     resetLists();
     notedChanges_.store(0u);
-    const bool loaded = loadSkinOrNothing(ptr);
+    const bool loaded = tryToLoadSkin(ptr);
     skinLoaded = 1;
     queueRead.store(0);
     if (std::exchange(isClosedWhileReading_, false)) {
@@ -155,12 +155,12 @@ bool xmlGuiEditor::open(void* ptr) {
         return false;
     }
     const bool isShown = frame != nullptr;
-    askForFramesSize();
+    requestFrameSize();
     // The host may have closed it instead.
     return loaded && (frame || !isShown);
 }
 
-void xmlGuiEditor::askForFramesSize() {
+void xmlGuiEditor::requestFrameSize() {
     if (!frame || !frame->getPlatformFrame())
         return;
     const auto width = static_cast<std::int16_t>(frame->getWidth());
@@ -175,8 +175,8 @@ void xmlGuiEditor::askForFramesSize() {
 void xmlGuiEditor::close() {
     skinLoaded = 0;
     if (isReading_) {
-        // A message about the skin stands open and lets the host go on. What the skin is being turned into is
-        // still in use behind it.
+        // A message about the skin is open, and the host goes on meanwhile. The pass that shows it still uses
+        // the window.
         isClosedWhileReading_ = true;
         return;
     }
@@ -184,7 +184,7 @@ void xmlGuiEditor::close() {
     background = nullptr;
 }
 
-// What the window is made of
+// The window's controls
 
 std::int32_t xmlGuiEditor::numParams() const {
     return theEffect().getNumParameters();
@@ -209,12 +209,12 @@ bool xmlGuiEditor::isMenuId(std::int32_t tag) const {
 void xmlGuiEditor::setParameter(std::int32_t index, float value) {
     if (!hasFrame())
         return;
-    if (!onWindowThread() || !hasShown(index, value))
+    if (!onWindowThread() || !tryToShow(index, value))
         noteChange(index, value);
 }
 
-/// False if there was not enough memory for it: then the next idle tries again, and the effect goes on.
-bool xmlGuiEditor::hasShown(std::int32_t index, float value) try {
+/// Without enough memory, the next idle() tries again.
+bool xmlGuiEditor::tryToShow(std::int32_t index, float value) try {
     if (trunc(value) != kRefreshAll)
         showParameter(index, value);
     else if (skinLoaded)
@@ -330,7 +330,7 @@ void xmlGuiEditor::queueParameterUpdate(std::int32_t id) {
     queueWrite.store(next);
 }
 
-// Time
+// Idle
 
 void xmlGuiEditor::idle() {
     AEffGUIEditor::idle();
@@ -359,7 +359,7 @@ void xmlGuiEditor::serveQueue() {
 
 void xmlGuiEditor::showHint() {
     char hint[256];
-    const std::int32_t id = tagBeingTurned();
+    const std::int32_t id = heldTag();
     if (isParameter(id)) {
         char name[interfaces::kParameterTextSize], display[parameters::kDisplayTextSize];
         char label[interfaces::kParameterTextSize];
@@ -378,8 +378,9 @@ void xmlGuiEditor::showHint() {
     anyDisplay->setHoriAlign(VSTGUI::kLeftText);
 }
 
-/// The tag of the control in the hand, without what marks an overlay; no parameter's id if there is none.
-std::int32_t xmlGuiEditor::tagBeingTurned() const {
+/// The tag, without the overlay bit, of the control that the mouse holds or that is modal; numParams() if
+/// there is none.
+std::int32_t xmlGuiEditor::heldTag() const {
     VSTGUI::CView* const focus = leftButtonDown() ? frame->getFocusView() : nullptr;
     const auto* const control = dynamic_cast<CControl*>(focus ? focus : frame->getModalView());
     if (!control)
@@ -388,7 +389,7 @@ std::int32_t xmlGuiEditor::tagBeingTurned() const {
     return tag & kOverlayBit ? tag & 0xFFFF : tag;
 }
 
-// From the hand to the effect
+// From the controls to the effect
 
 void xmlGuiEditor::valueChanged(CControl* control) {
     const VSTGUI::SharedPointer<CControl> held(control);
@@ -450,13 +451,13 @@ void xmlGuiEditor::runMenuActions(CControl& control, std::int32_t tag) {
 
 void xmlGuiEditor::selectSkin(CControl& control) {
     const float choice = control.getValue();
-    const auto count = static_cast<float>(skinNames.count); // not to be asked for behind the message
+    const auto count = static_cast<float>(skinNames.count); // the editor may be gone after the message
     const std::int32_t index = trunc(choice);
     auto* const menu = dynamic_cast<SkinMenu*>(&control);
     if (choice < count && index >= 0 && skinSaveName(skinNames[index].text)) {
         if (menu)
             menu->showNoChoice();
-        tellOfChosenSkin();
+        announceChosenSkin();
     }
     if (menu)
         menu->showValue(count);
@@ -464,7 +465,7 @@ void xmlGuiEditor::selectSkin(CControl& control) {
         control.setValue(count);
 }
 
-void xmlGuiEditor::tellOfChosenSkin() {
+void xmlGuiEditor::announceChosenSkin() {
     const toolkit::InputPause pause;
     drawBeforeMessage();
     platform::showMessage("The new skin has been selected.\n"

@@ -87,10 +87,10 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     /// Shows a parameter's new value, normalised, in the first control that has its id for a tag. Index -1
     /// sets all controls from the effect, kRefreshAll as value the same without scaling menus. Any thread.
     void setParameter(std::int32_t index, float value) override;
-    /// Has the views of a parameter drawn at one of the next idle rounds. Any thread.
+    /// Has the views of a parameter drawn at one of the next calls of idle(). Any thread.
     void queueParameterUpdate(std::int32_t id);
 
-    /// A control has been moved by the hand.
+    /// The user has moved a control.
     void valueChanged(VSTGUI::CControl* control) override;
 
     /// Tells the host of the gestures of parameters only: it may use the index for its tables.
@@ -131,7 +131,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     std::vector<VSTGUI::CControl*> controls() const;
     /// Shows what other threads have noted down since the last time.
     virtual void showNotedChanges();
-    /// Gives a control that a hand is about to move the present value of its parameter, if it is of a kind
+    /// Gives a control that the user is about to move the present value of its parameter, if it is of a kind
     /// that the builder has bound to one; any other stays as it is.
     void bringUpToDate(VSTGUI::CControl& control);
 
@@ -146,7 +146,7 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     GrowArray<MenuAction> menuActions;
     std::int32_t aboutCount = 0;
     VSTGUI::CSplashScreen* aboutBoxes[4] = {}; ///< not owned
-    controls::CDisplay* anyDisplay = nullptr;  ///< shows what is being turned; not owned
+    controls::CDisplay* anyDisplay = nullptr;  ///< shows the parameter in use; not owned
 
     class ObjectReader;
 
@@ -157,13 +157,14 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     class Pass;
 
     bool readSkin(SkinContext& context);
-    /// Opens the window. One that memory is too short for is taken away again.
-    bool loadSkinOrNothing(void* parent);
+    /// loadSkin() with a window. Without enough memory it closes the window again and gives false.
+    bool tryToLoadSkin(void* parent);
 
-    bool hasShown(std::int32_t index, float value);
+    /// Shows a change now. False without enough memory.
+    bool tryToShow(std::int32_t index, float value);
     /// If the skin has been changed for one of another size: asks the host to make room. A host that does is
     /// told the new size from now on, any other the size of the start.
-    void askForFramesSize();
+    void requestFrameSize();
 
     void noteChange(std::int32_t index, float value);
     void showParameter(std::int32_t index, float value);
@@ -175,14 +176,14 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
 
     void serveQueue();
     void showHint();
-    std::int32_t tagBeingTurned() const;
+    std::int32_t heldTag() const;
 
     /// Does what a control that was used is for.
     void act(VSTGUI::CControl& control);
     void applyParameterControl(VSTGUI::CControl& control, std::int32_t tag);
     void runMenuActions(VSTGUI::CControl& control, std::int32_t tag);
     void selectSkin(VSTGUI::CControl& control);
-    void tellOfChosenSkin();
+    void announceChosenSkin();
 
     int build(ObjectReader& object);
     void bindValue(VSTGUI::CControl* control, std::int32_t id);

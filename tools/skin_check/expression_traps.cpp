@@ -35,9 +35,9 @@ std::optional<int> priorityOf(char byte) {
 
 /// Goes the evaluator's way through an expression, level by level. The first byte behind an operand that is
 /// no operator ends all of them.
-class Reading {
+class TrapFinder {
   public:
-    explicit Reading(std::string_view text) : text_(text) {}
+    explicit TrapFinder(std::string_view text) : text_(text) {}
 
     std::optional<ExpressionTrap> trap() {
         assignment();
@@ -150,7 +150,7 @@ class Reading {
 } // namespace
 
 std::optional<ExpressionTrap> findExpressionTrap(std::string_view expression) {
-    return Reading(expression).trap();
+    return TrapFinder(expression).trap();
 }
 
 } // namespace tools::window

@@ -45,10 +45,10 @@ class SilentEffect final : public interfaces::EditorHost {
     std::shared_ptr<void> keepAlive() override { return nullptr; }
 };
 
-/// A person who has chosen this skin.
-class OneChoice final : public platform::SettingsStore {
+/// Settings in which this skin is chosen.
+class FixedChoice final : public platform::SettingsStore {
   public:
-    explicit OneChoice(std::string skin) : skin_(std::move(skin)) {}
+    explicit FixedChoice(std::string skin) : skin_(std::move(skin)) {}
     std::optional<std::string> read(const std::string&) override { return skin_; }
     bool write(const std::string&, const std::string&) override { return false; }
 
@@ -61,21 +61,21 @@ struct Message {
     std::string caption;
 };
 
-/// Takes the messages, the skins and the settings of this process in hand.
-class Arrangement {
+/// Replaces the message box, the settings and the module folder of this process while it lives.
+class ProcessOverrides {
   public:
-    explicit Arrangement(const std::filesystem::path& folder) : choice_(textOf(folder.filename())) {
+    explicit ProcessOverrides(const std::filesystem::path& folder) : choice_(textOf(folder.filename())) {
         platform::replaceModuleFolder(textOf(folder.parent_path() / ""));
         platform::replaceSettingsStore(&choice_);
         platform::replaceMessageBox(note, this);
     }
-    ~Arrangement() {
+    ~ProcessOverrides() {
         platform::replaceMessageBox(nullptr, nullptr);
         platform::replaceSettingsStore(nullptr);
         platform::replaceModuleFolder({});
     }
-    Arrangement(const Arrangement&) = delete;
-    Arrangement& operator=(const Arrangement&) = delete;
+    ProcessOverrides(const ProcessOverrides&) = delete;
+    ProcessOverrides& operator=(const ProcessOverrides&) = delete;
 
     std::vector<Message> takeMessages() { return std::exchange(messages_, {}); }
 
@@ -87,10 +87,10 @@ class Arrangement {
     }
 
     static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
-        static_cast<Arrangement*>(context)->messages_.push_back({text, caption});
+        static_cast<ProcessOverrides*>(context)->messages_.push_back({text, caption});
     }
 
-    OneChoice choice_;
+    FixedChoice choice_;
     std::vector<Message> messages_;
 };
 
@@ -114,10 +114,10 @@ Place placeOf(const Message& message, const SourceElement& object) {
 
 class RecordingEditor final : public editor::myEditor {
   public:
-    RecordingEditor(interfaces::EditorHost& owner, const SourceElement& root, Arrangement& arrangement)
-        : myEditor(&owner, levels()), root_(root), arrangement_(arrangement) {
+    RecordingEditor(interfaces::EditorHost& owner, const SourceElement& root, ProcessOverrides& overrides)
+        : myEditor(&owner, levels()), root_(root), overrides_(overrides) {
         // The pass that only measures has said nothing that the next one does not say.
-        arrangement_.takeMessages();
+        overrides_.takeMessages();
     }
 
     std::vector<Finding> findings;
@@ -126,7 +126,7 @@ class RecordingEditor final : public editor::myEditor {
     int createControls(const char* name, skin::SkinObject* object, skin::SkinContext* context) override {
         const int result = myEditor::createControls(name, object, context);
         const SourceElement& source = root_.children.at(next_++);
-        const auto messages = arrangement_.takeMessages();
+        const auto messages = overrides_.takeMessages();
         for (const Message& message : messages)
             findings.push_back({placeOf(message, source), message.caption + ": " + message.text});
         if (messages.empty() && result != 1)
@@ -173,16 +173,16 @@ class RecordingEditor final : public editor::myEditor {
     }
 
     const SourceElement& root_;
-    Arrangement& arrangement_;
+    ProcessOverrides& overrides_;
     std::size_t next_ = 0;
 };
 
 } // namespace
 
 std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root) {
-    Arrangement arrangement(folder);
+    ProcessOverrides overrides(folder);
     SilentEffect effect;
-    RecordingEditor editor(effect, root, arrangement);
+    RecordingEditor editor(effect, root, overrides);
     editor.open(nullptr);
     editor.close();
     return std::move(editor.findings);

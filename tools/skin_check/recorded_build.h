@@ -1,4 +1,4 @@
-// The plug-in's own editor, building a skin while somebody takes notes.
+// Builds a skin with the plug-in's own editor and records the messages.
 #pragma once
 
 #include "tools/skin_check/skin_source.h"
@@ -10,7 +10,7 @@ namespace tools::window {
 
 /// Builds the skin in `folder`, whose text has been read to `root`, an element <GUI>, in a window that is
 /// nowhere. Gives every message that it raises, every object that it passes over and every picture that it
-/// does not find. Messages, settings and the module's folder of the whole process are other ones meanwhile.
+/// does not find. Replaces the message box, settings and module folder of the process meanwhile.
 std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root);
 
 } // namespace tools::window

@@ -1,5 +1,5 @@
-// Reads a skin as its author's second pair of eyes: what the text holds that the plug-in does not see or sees
-// differently, and what the plug-in says when it builds the window, each with its place in the file.
+// Checks a skin for its author: what in the text the plug-in ignores or reads differently, and the messages
+// it shows when it builds the window, each with its place in the file.
 #pragma once
 
 #include "tools/skin_check/skin_source.h"

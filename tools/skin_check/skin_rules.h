@@ -1,5 +1,5 @@
-// What a skin means, word by word, against the table of the language. Whatever the plug-in would pass over in
-// silence, or read differently from how it looks, is told.
+// Checks a skin's objects and tags against the table of the language: finds what the plug-in would ignore
+// without a message, or read differently from how it looks.
 #pragma once
 
 #include "tools/skin_check/skin_source.h"

@@ -30,7 +30,7 @@ std::string tag(std::string_view name) {
 }
 
 /// The beginning of what stands there, short enough to be quoted.
-std::string glimpse(std::string_view text) {
+std::string excerpt(std::string_view text) {
     constexpr std::size_t most = 24;
     text = text.substr(0, std::min(text.find_first_of("\r\n"), text.size()));
     return text.size() > most ? inQuotes(std::string(text.substr(0, most)) + "...") : inQuotes(text);
@@ -44,7 +44,7 @@ class Scanner {
         SkinSource source;
         try {
             source.root = element(0);
-            lookBehindRoot(*source.root);
+            checkBehindRoot(*source.root);
         } catch (const Refused& refused) {
             find(refused.position, refused.reason);
             findings_.back().endsTheHost = refused.endsTheHost;
@@ -112,7 +112,7 @@ class Scanner {
             content(result, depth);
         } else if (!endsEmpty()) {
             find(position_,
-                 tag(result.name) + " ends here, at " + glimpse(rest(position_)) +
+                 tag(result.name) + " ends here, at " + excerpt(rest(position_)) +
                      ", and what follows up to the next \"<\" is taken for text; is a quote, a \"/\" "
                      "or a \">\" missing?");
         }
@@ -173,7 +173,7 @@ class Scanner {
                                          " has no closing quote"};
         attribute.valuePlace = place(begin);
         attribute.value = text_.substr(begin, end - begin);
-        lookForEntities(begin, attribute.value);
+        checkEntities(begin, attribute.value);
         position_ = end + 1;
     }
 
@@ -200,7 +200,7 @@ class Scanner {
                                       " is lost: only the last one between its children counts"});
         owner.textPlace = place(begin);
         owner.text = text_.substr(begin, end - begin);
-        lookForEntities(begin, owner.text);
+        checkEntities(begin, owner.text);
     }
 
     void closingTag(const SourceElement& owner) {
@@ -245,10 +245,10 @@ class Scanner {
                 return opening.reason;
         if (at(begin) == '<')
             return "the name of an element must follow \"<\" at once and begin with a letter";
-        return "a file begins with an element, and not with " + glimpse(rest(begin));
+        return "a file begins with an element, and not with " + excerpt(rest(begin));
     }
 
-    void lookForEntities(std::size_t begin, std::string_view text) {
+    void checkEntities(std::size_t begin, std::string_view text) {
         for (std::size_t from = 0; (from = text.find('&', from)) != std::string_view::npos; ++from) {
             std::size_t end = from + 1;
             while (end < text.size() && (base::isNameByte(text[end]) || text[end] == '#'))
@@ -259,7 +259,7 @@ class Scanner {
         }
     }
 
-    void lookBehindRoot(const SourceElement& root) {
+    void checkBehindRoot(const SourceElement& root) {
         skipBlanks();
         if (!isAtEnd())
             find(position_, "nothing behind the end of " + tag(root.name) + " is read");
