@@ -4,6 +4,7 @@
 #include "dsp/pattern_record.h"
 #include "dsp/shared_coefficients.h"
 #include "dsp/tap_pattern.h"
+#include "parameters/parameter_table.h"
 
 #include <array>
 #include <cstdint>

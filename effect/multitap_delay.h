@@ -12,14 +12,15 @@
 //                                the audio loop too
 //   stored program values        setParameter, setChunk (any thread)     setProgram, getChunk
 //   curProgram, sampleRate        setProgram, setSampleRate               setParameter, getChunk, resume
-//   tap times, gains, count,     computeTapPattern (any thread), entry   the audio loop, once a sub-block
-//   read mode, sweep's rate      by entry, in place
+//   tap times, gains, count,     computeTapPattern (any thread), entry   the audio loop, once a sub-block;
+//   read mode, sweep's rate      by entry, in place                      the gains by drawPattern too
 //   filter coefficients          setParameter, setProgram, resume,       the audio loop, once a sub-block
 //                                setSampleRate; as one whole set
 //   fadeArmed, fadeBlockCount    setParameter, resume; the audio loop    the audio loop, once a block
 //   the request to clear         setProgram, resume, setSampleRate       the audio loop, which carries it out
-//   the controller map           the constructor, an editor's menu       processEvents
-//   the control that learns      the editor; processEvents               processEvents
+//   the controller map           makePrograms, an editor's menu          processMidi, an editor's menu,
+//                                                                        the destructor
+//   the control that learns      the editor; processMidi                 processMidi
 //
 // The delay memory, the filters' and smoothers' states and the sweep's phase belong to the audio thread
 // alone. Program names belong to the host's own thread.
@@ -68,7 +69,8 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
         engine_.processReplacing(inputs, outputs, sampleFrames);
     }
 
-    /// Normalised. Id -1 stores nothing and recomputes all that depends on the parameters. Any thread.
+    /// Normalised. Id -1 stores nothing: tap pattern, read mode and sweep rate are computed anew from the
+    /// parameters, the filters are not. Any thread.
     void setParameter(std::int32_t id, float value) override;
     /// Any thread. 0 for an id that does nothing.
     float getParameter(std::int32_t id) const;

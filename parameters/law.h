@@ -1,5 +1,6 @@
 // What the normalised value of a parameter is worth in its unit, and back. Display and engine follow a law in
-// single precision; tables of values in double, where the normalised float is the one nearest to the number.
+// single precision; the table of factory programs in double, where the normalised float is the one nearest to
+// the number.
 #pragma once
 
 #include <cmath>
@@ -30,14 +31,15 @@ struct Law {
     }
 };
 
-/// What one gap between two taps can reach; even gaps are half of it. Lengths of the pattern follow
-/// baseLengthOf.
+/// What one gap between two taps can reach; even gaps are half of it. Sound and display follow baseLengthOf,
+/// which adds one sample or millisecond.
 inline constexpr Law kLongestGap = {Law::Shape::square, 2000.0, 0.0, "ms"};
 /// Cut to a whole number.
 inline constexpr Law kTapCount = {Law::Shape::linear, 127.0, 1.0, ""};
 inline constexpr Law kSweepRate = {Law::Shape::square, 14.0, 0.0, "Hz"};
 inline constexpr Law kStretchPercent = {Law::Shape::linear, 60.0, -30.0, "%"};
-/// From when the parameter is set until the filter is prepared for a sample rate.
+/// Of the filters after their parameters were set. When the effect is turned on or the rate changes,
+/// EngineControls::prepare designs them by laws of its own.
 inline constexpr Law kLowPassFrequency = {Law::Shape::square, 20090.0, 500.0, "Hz"};
 inline constexpr Law kHighPassFrequency = {Law::Shape::square, 2400.0, 102.0, "Hz"};
 inline constexpr Law kWetPercent = {Law::Shape::linear, 100.0, 0.0, "% wet"};

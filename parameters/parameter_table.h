@@ -45,7 +45,7 @@ constexpr bool isLive(std::int32_t id) {
 struct Parameter {
     const char* name;   ///< as stored; two of the names end in a blank that belongs to them
     float defaultValue; ///< normalised
-    const Law& law;     ///< of the number that tables of values hold; nearly always the display's
+    const Law& law;     ///< of the number in the table of factory programs; a few displays show another
     /// Writes the value as a person reads it, at most kDisplayTextSize - 1 characters and a NUL. Any thread.
     void (*display)(float value, char* text);
 };

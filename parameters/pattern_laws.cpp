@@ -18,7 +18,8 @@ float stretchBend(float stretch) {
 }
 
 float baseLengthOf(float baseLength, float perSecond) {
-    return (baseLength * baseLength * perSecond) * 2.0f + 1.0f;
+    constexpr auto longestGap = static_cast<float>(kLongestGap.span / 1000.0); // seconds
+    return (baseLength * baseLength * perSecond) * longestGap + 1.0f;
 }
 
 double feedbackFactorOf(float feedback) {
