@@ -11,15 +11,15 @@ namespace base {
 void copyText(char* text, const char* source, std::size_t maxLen);
 
 /// Copies as much of `source` as fits, with a NUL behind it and nothing but NULs up to the buffer's end.
-template <std::size_t Size>
-void copyText(char (&buffer)[Size], const char* source) {
-    copyText(buffer, source, Size - 1);
+template <std::size_t size>
+void copyText(char (&buffer)[size], const char* source) {
+    copyText(buffer, source, size - 1);
 }
 
 /// The same, but false and an empty buffer if `source` does not fit: half a path leads somewhere else.
-template <std::size_t Size>
-bool copyWholeText(char (&buffer)[Size], const char* source) {
-    const bool fits = std::strlen(source) < Size;
+template <std::size_t size>
+bool copyWholeText(char (&buffer)[size], const char* source) {
+    const bool fits = std::strlen(source) < size;
     copyText(buffer, fits ? source : "");
     return fits;
 }

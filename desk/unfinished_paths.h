@@ -11,7 +11,7 @@
 
 namespace desk {
 
-template <typename Character, std::size_t LongestPath>
+template <typename Character, std::size_t longestPath>
 class UnfinishedPaths {
   public:
     using Kind = UnfinishedPath::Kind;
@@ -21,7 +21,7 @@ class UnfinishedPaths {
         std::size_t place = 0;
         while (place < entries_.size() && entries_[place].kind != Kind::none)
             ++place;
-        if (place == entries_.size() || path.size() >= LongestPath)
+        if (place == entries_.size() || path.size() >= longestPath)
             return entries_.size();
         Entry& entry = entries_[place];
         *std::copy(path.begin(), path.end(), entry.path.begin()) = 0;
@@ -45,7 +45,7 @@ class UnfinishedPaths {
   private:
     struct Entry {
         std::atomic<Kind> kind = Kind::none;
-        std::array<Character, LongestPath> path = {};
+        std::array<Character, longestPath> path = {};
     };
     std::array<Entry, 8> entries_;
 };

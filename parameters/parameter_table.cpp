@@ -27,13 +27,13 @@ std::string wholeNumber(float value) {
     return std::to_string(base::trunc(value));
 }
 
-template <const Law& ControlLaw>
+template <const Law& law>
 void displayWhole(float p, char* text) {
-    write(wholeNumber(ControlLaw.numberFor(p)), text);
+    write(wholeNumber(law.numberFor(p)), text);
 }
-template <const Law& ControlLaw>
+template <const Law& law>
 void displayThreeDecimals(float p, char* text) {
-    write(threeDecimals(ControlLaw.numberFor(p)), text);
+    write(threeDecimals(law.numberFor(p)), text);
 }
 void displayBipolar(float p, char* text) {
     displayThreeDecimals<kBipolar>(p, text);

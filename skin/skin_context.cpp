@@ -28,12 +28,12 @@ std::optional<std::string> skinFile(const std::string& folder, const std::string
                           : platform::findPath(folder, name + platform::kFolderSeparator + kSkinFile);
 }
 
-/// For the operations that are given room for `Size` bytes.
-template <std::size_t Size>
+/// For the operations that are given room for `size` bytes.
+template <std::size_t size>
 void copyInto(char* buffer, const std::string& text) {
-    char whole[Size];
+    char whole[size];
     base::copyWholeText(whole, text.c_str());
-    std::copy_n(whole, Size, buffer);
+    std::copy_n(whole, size, buffer);
 }
 
 /// The folder as it is really spelled, so that every file in it is found; as the name says if there is none.
