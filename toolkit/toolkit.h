@@ -93,10 +93,10 @@ class DisplayMemory {
 VSTGUI::SharedPointer<VSTGUI::CBitmap> makeWindowBitmap(const VSTGUI::PlatformBitmapPtr& pixels,
                                                         std::shared_ptr<DisplayMemory> memory);
 
-/// Gives all open windows of this process their turn: what the hand did on them, timers, drawing. The host's
-/// idle call is the only time they have, as there is no thread and no timer of our own. Called again from
-/// inside such a turn it draws, and takes no input. On Windows it does nothing, as windows have their time
-/// from the host's message loop there. On the window thread.
+/// Serves all open windows of this process: input, timers, drawing. The host's idle call is the only time
+/// they have, as there is no thread and no timer of our own. Called again from inside such a pass it draws,
+/// and takes no input. On Windows it does nothing, as windows have their time from the host's message loop
+/// there. On the window thread.
 void serveToolkitWindows();
 
 /// Draws what is due, takes no input. For a pump inside a long gesture. On the window thread.

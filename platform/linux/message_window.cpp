@@ -76,7 +76,8 @@ class MessageWindow {
     bool hasProperty(xcb_window_t window, xcb_atom_t property) const;
     xcb_window_t outermostOf(xcb_window_t window) const;
 
-    bool isAcknowledgedBy(const xcb_generic_event_t& event);
+    /// Draws, resizes and the like as the event asks for; true if it closes the box.
+    bool handleEvent(const xcb_generic_event_t& event);
     bool isClosingKey(const xcb_key_press_event_t& event) const;
     bool isOnButton(int x, int y) const;
     void movePointer(int x, int y);
@@ -258,12 +259,12 @@ void MessageWindow::show(const std::string& caption) {
 
 bool MessageWindow::serve() {
     while (const XcbEvent event{xcb_wait_for_event(connection_)})
-        if (isAcknowledgedBy(*event))
+        if (handleEvent(*event))
             return true;
     return false;
 }
 
-bool MessageWindow::isAcknowledgedBy(const xcb_generic_event_t& event) {
+bool MessageWindow::handleEvent(const xcb_generic_event_t& event) {
     constexpr std::uint8_t sentByProgram = 0x80;
     constexpr xcb_button_t leftButton = 1;
     switch (event.response_type & ~sentByProgram) {

@@ -213,7 +213,7 @@ class ToolkitWindow::OpenFrame {
         self->closing_.emplace_back([self] { self->close(); });
     }
 
-    /// Releases the frame, now or when its last event is over. An event comes out of a turn of the loop,
+    /// Releases the frame, now or when its last event is over. An event comes out of a pass of the loop,
     /// which then has to be over too, or out of a key that the host has passed on, and may come inside
     /// another one.
     void finish() noexcept {
@@ -225,7 +225,7 @@ class ToolkitWindow::OpenFrame {
         try {
             frame_->doAfterEventProcessing([this] { finish(); });
         } catch (const std::bad_alloc&) {
-            loop.inNextTurn(std::move(closing_));
+            loop.inNextPass(std::move(closing_));
         }
     }
 
@@ -244,7 +244,7 @@ class ToolkitWindow::OpenFrame {
     /// May be tried again where it throws.
     void close() {
         if (frame_) {
-            // There was no memory to wait for the end of its event. Tried again after the next turn.
+            // There was no memory to wait for the end of its event. Tried again after the next pass.
             if (frame_->inEventProcessing())
                 throw std::bad_alloc();
             endModalViews(*frame_);

@@ -24,17 +24,17 @@ bool isPast(std::uint32_t moment, std::uint32_t now) {
 } // namespace
 
 /// Being inside serve().
-class WindowLoop::Turn {
+class WindowLoop::Pass {
   public:
-    explicit Turn(WindowLoop& loop) : loop_(loop) { ++loop_.turns_; }
-    ~Turn() {
-        if (--loop_.turns_ > 0)
+    explicit Pass(WindowLoop& loop) : loop_(loop) { ++loop_.passesUnderWay_; }
+    ~Pass() {
+        if (--loop_.passesUnderWay_ > 0)
             return;
         loop_.forgetUnregistered();
         loop_.runJobs(loop_.jobs_);
     }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
+    Pass(const Pass&) = delete;
+    Pass& operator=(const Pass&) = delete;
 
   private:
     WindowLoop& loop_;
@@ -85,8 +85,8 @@ bool WindowLoop::unregisterTimer(ITimerHandler* handler) {
 
 void WindowLoop::serve() {
     const bool isInside = isServing();
-    const Turn turn(*this);
-    // Who registers during the turn has to wait for the next one.
+    const Pass pass(*this);
+    // Who registers during the pass has to wait for the next one.
     const std::size_t count = isInside ? 0 : eventHandlers_.size();
     for (std::size_t i = 0; i < count; ++i)
         if (eventHandlers_[i])
@@ -95,7 +95,7 @@ void WindowLoop::serve() {
 }
 
 void WindowLoop::serveTimers() {
-    const Turn turn(*this);
+    const Pass pass(*this);
     runDueTimers();
 }
 
@@ -151,7 +151,7 @@ void WindowLoop::afterServing(std::function<void()> job) {
     afterServing(std::move(jobs));
 }
 
-void WindowLoop::inNextTurn(Jobs jobs) noexcept {
+void WindowLoop::inNextPass(Jobs jobs) noexcept {
     jobs_.splice(jobs_.end(), jobs);
 }
 
