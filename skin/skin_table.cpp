@@ -22,9 +22,9 @@ constexpr auto optional(TagType type, Names... names) {
 }
 
 /// The tags of all groups, one group behind the other.
-template <std::size_t... Sizes>
-constexpr auto tags(const std::array<TagRule, Sizes>&... groups) {
-    std::array<TagRule, (Sizes + ...)> all;
+template <std::size_t... sizes>
+constexpr auto tags(const std::array<TagRule, sizes>&... groups) {
+    std::array<TagRule, (sizes + ...)> all;
     auto end = all.begin();
     ((end = std::ranges::copy(groups, end).out), ...);
     return all;
