@@ -1,5 +1,6 @@
 #include "platform/folders.h"
 
+#include "base/ascii.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -13,15 +14,6 @@ namespace {
 struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
-
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalButForCase(const std::string& a, const std::string& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lowered(x) == lowered(y); });
-}
 
 std::string joined(const std::string& folder, const std::string& name) {
     return folder.empty() || folder.ends_with('/') ? folder + name : folder + "/" + name;
@@ -46,7 +38,7 @@ std::vector<std::string> pieces(const std::string& name) {
 std::vector<std::string> candidates(const std::string& folder, const std::string& name) {
     std::vector<std::string> found;
     for (const std::string& entry : listFolder(folder))
-        if (entry != name && equalButForCase(entry, name))
+        if (entry != name && base::equalIgnoringCase(entry, name))
             found.push_back(entry);
     std::sort(found.begin(), found.end());
     if (fileExists(joined(folder, name)))

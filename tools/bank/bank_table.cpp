@@ -1,6 +1,8 @@
 #include "tools/bank/bank_table.h"
 
+#include "base/ascii.h"
 #include "tools/bank/cell_text.h"
+#include "tools/common/text.h"
 
 #include <algorithm>
 #include <map>
@@ -27,25 +29,11 @@ constexpr std::string_view kBrandWords[] = {
     "moog",    "mutron", "roland",  "strymon", "tascam", "univibe", "vox",      "watkins",  "yamaha",
 };
 
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char c) { return lowered(c); });
-    return result;
-}
-
-bool isLetter(char c) {
-    return lowered(c) >= 'a' && lowered(c) <= 'z';
-}
-
 std::string brandIn(std::string_view name) {
-    const std::string text = lowered(name);
+    const std::string text = tools::lowered(name);
     for (auto start = text.begin(); start != text.end();) {
-        start = std::find_if(start, text.end(), isLetter);
-        const auto end = std::find_if_not(start, text.end(), isLetter);
+        start = std::find_if(start, text.end(), base::isLetter);
+        const auto end = std::find_if_not(start, text.end(), base::isLetter);
         const std::string word(start, end);
         if (std::find(std::begin(kBrandWords), std::end(kBrandWords), word) != std::end(kBrandWords))
             return word;
@@ -176,7 +164,7 @@ Bank parseTable(std::string_view text, const std::string& fileName) {
             place.refuse(kFamilyColumn,
                          "a bank holds " + std::to_string(kNumPrograms) + " programs, this is one more");
         bank[count] = parseProgram(cells, place);
-        const auto [other, isNew] = rowOfName.emplace(lowered(bank[count].name), line + 1);
+        const auto [other, isNew] = rowOfName.emplace(tools::lowered(bank[count].name), line + 1);
         if (!isNew)
             place.refuse(kNameColumn,
                          quoted(bank[count].name) + " is taken by row " + std::to_string(other->second));

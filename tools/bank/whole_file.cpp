@@ -1,25 +1,21 @@
 #include "tools/bank/whole_file.h"
 
 #include "tools/bank/bank_program.h"
+#include "tools/common/input_file.h"
 #include "tools/common/output_file.h"
 #include "tools/common/tool_error.h"
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <system_error>
 
 namespace bank {
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path) {
-    std::error_code ignored;
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path, ignored))
+    try {
+        return tools::readBytes(path);
+    } catch (const tools::ToolError&) {
         throw BankError(path + ": cannot be opened");
-    std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
-    if (file.bad())
-        throw BankError(path + ": cannot be read");
-    return bytes;
+    }
 }
 
 void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {

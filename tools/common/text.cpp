@@ -1,5 +1,7 @@
 #include "tools/common/text.h"
 
+#include "base/ascii.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,10 +13,6 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\f\v";
 
-char small(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 /// Small letters, one blank between words, none at the ends.
 std::string comparable(std::string_view text) {
     std::string result;
@@ -22,7 +20,7 @@ std::string comparable(std::string_view text) {
         const bool blank = kBlanks.find(letter) != std::string_view::npos;
         if (blank && !result.empty() && result.back() == ' ')
             continue;
-        result += blank ? ' ' : small(letter);
+        result += blank ? ' ' : base::toLowerCase(letter);
     }
     return result;
 }
@@ -71,7 +69,7 @@ std::string_view trimmed(std::string_view text) {
 
 std::string lowered(std::string_view text) {
     std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), small);
+    std::transform(result.begin(), result.end(), result.begin(), base::toLowerCase);
     return result;
 }
 

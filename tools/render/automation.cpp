@@ -1,8 +1,8 @@
 #include "tools/render/automation.h"
 
+#include "tools/common/input_file.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
-#include "tools/render/byte_reader.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,8 @@
 #include "tools/render/midi_file.h"
 
+#include "tools/common/input_file.h"
 #include "tools/common/tool_error.h"
-#include "tools/render/byte_reader.h"
+#include "tools/render/big_endian.h"
 
 #include <algorithm>
 #include <string>

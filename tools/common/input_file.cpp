@@ -1,4 +1,4 @@
-#include "tools/render/byte_reader.h"
+#include "tools/common/input_file.h"
 
 #include "tools/common/tool_error.h"
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <system_error>
 
-namespace tools::render {
+namespace tools {
 
 namespace {
 
@@ -41,11 +41,4 @@ std::string readText(const std::filesystem::path& path, std::uintmax_t limit) {
     return readWhole<std::string>(path, limit);
 }
 
-std::uint32_t bigEndian(std::span<const std::uint8_t> bytes, std::size_t offset, std::size_t size) {
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < size; ++i)
-        number = (number << 8) | bytes[offset + i];
-    return number;
-}
-
-} // namespace tools::render
+} // namespace tools
