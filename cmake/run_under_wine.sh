@@ -66,7 +66,17 @@ fi
 
 # The first program of a Windows starts its services, which keep what the program's output goes to open until the last
 # program has ended. So the first is one whose output nobody waits for.
-wake() { "$wine" cmd.exe /c exit >/dev/null 2>&1 9>&-; }
+# Where it cannot be started, as beside one that is just ending, it is tried again.
+wake() {
+  for seconds in 0 1 2 4; do
+    sleep "$seconds"
+    if "$wine" cmd.exe /c exit >/dev/null 2>&1 9>&-; then
+      return
+    fi
+  done
+  echo 'wine does not start' >&2
+  exit 1
+}
 
 if [ $has_screen = no ]; then
   wake
