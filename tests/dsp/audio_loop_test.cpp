@@ -32,7 +32,7 @@ void renderOnTwoThreads() {
 
 TEST(AudioLoopDeathTest, EndsADebugBuildWhereTwoThreadsRenderAtOnce) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(renderOnTwoThreads(), "entry.enter");
+    EXPECT_DEATH(renderOnTwoThreads(), "two threads render at once");
 }
 
 TEST(SingleEntry, LetsOneInAtATime) {
