@@ -70,7 +70,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     }
 
     /// Normalised. Id -1 stores nothing: tap pattern, read mode and sweep rate are computed anew from the
-    /// parameters, the filters are not. Any thread.
+    /// parameters, the filters are not, and the window is told. Any thread.
     void setParameter(std::int32_t id, float value) override;
     /// Any thread. 0 for an id that does nothing.
     float getParameter(std::int32_t id) const;
