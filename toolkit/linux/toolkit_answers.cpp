@@ -3,9 +3,9 @@
 // to ours (toolkit.cmake). On the window thread.
 #include "platform/linux/xcb_handles.h"
 
+// The names are the linker's own.
 extern "C" {
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the linker's own names.
 xcb_get_motion_events_cookie_t __real_xcb_get_motion_events(xcb_connection_t* connection, xcb_window_t window,
                                                             xcb_timestamp_t start, xcb_timestamp_t stop);
 xcb_query_pointer_reply_t* __real_xcb_query_pointer_reply(xcb_connection_t* connection,
@@ -32,5 +32,4 @@ xcb_query_pointer_reply_t* __wrap_xcb_query_pointer_reply(xcb_connection_t* conn
     last = *reply;
     return &last;
 }
-// NOLINTEND(bugprone-reserved-identifier)
 }
