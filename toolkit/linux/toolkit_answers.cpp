@@ -1,6 +1,6 @@
 // Frees two answers of the display that the toolkit asks for and forgets: one with every motion of the
 // pointer, one or two whenever a menu or a splash screen opens. Its calls of these two functions are linked
-// to ours (toolkit.cmake). On the window thread.
+// to ours (toolkit/CMakeLists.txt). On the window thread.
 #include "platform/linux/xcb_handles.h"
 
 // The names are the linker's own.
