@@ -167,7 +167,7 @@ std::int32_t MultitapDelay::getChunk(void** data, bool isPreset) {
 std::int32_t MultitapDelay::setChunk(void* data, std::int32_t byteSize, bool isPreset) {
     const std::int32_t program = getProgram();
     if (programs_.size() > 0)
-        programs_.setChunk(data, byteSize, program, isPreset);
+        programs_.setChunk(data, byteSize, program, isPreset, *this);
     setProgram(program);
     return 1;
 }

@@ -54,7 +54,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     /// threads.
     void setWindow(interfaces::EffectWindow& window) { window_ = &window; }
     /// The last step: 44100 Hz, and the programs of the factory bank. A bank that cannot be used is reported
-    /// in a message box.
+    /// to the host.
     void startUp();
 
     /// Prepares for playing: clears all echoes and recomputes all that depends on the parameters.
@@ -88,7 +88,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     /// The current program, or all of them. Gives the size in bytes and points `data` at the bytes, which
     /// stay as they are until the next getChunk or setChunk.
     std::int32_t getChunk(void** data, bool isPreset);
-    /// Always 1. Ends in a change of program, also where the chunk was refused.
+    /// Always 1. Ends in a change of program, also where the chunk was refused, of which the host is told.
     std::int32_t setChunk(void* data, std::int32_t byteSize, bool isPreset) override;
 
     /// Acts on a MIDI message at once. Allocates nothing. On whichever thread the host chooses.
@@ -105,6 +105,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     void loadParameter(std::int32_t id);
 
     std::int32_t uniqueID() override { return host_.uniqueID(); }
+    void reportProblem(const char* text, const char* caption) override { host_.reportProblem(text, caption); }
     void programChange(std::int32_t program) override { setProgram(program); }
     void controlChange(std::int32_t controller, float value) override;
 

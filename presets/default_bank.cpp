@@ -3,7 +3,6 @@
 #include "base/four_character_code.h"
 #include "parameters/parameter_table.h"
 #include "platform/files.h"
-#include "platform/message_box.h"
 
 #include <algorithm>
 #include <bit>
@@ -114,17 +113,17 @@ void loadDefaultBank(const std::string& path, BankReceiver& receiver) {
     constexpr char caption[] = "Preset loader";
     std::optional<Image> image = platform::readWholeFile(path, kLargestImage);
     if (!image) {
-        platform::showMessage("Default bank error: file not found", caption);
+        receiver.reportProblem("Default bank error: file not found", caption);
         return;
     }
     constexpr char notABank[] = "Default bank error: not an fxb file";
     if (!isBank(*image)) {
-        platform::showMessage(notABank, caption);
+        receiver.reportProblem(notABank, caption);
         return;
     }
     const std::int32_t fxID = headerWord(*image, kFxIDOffset);
     if (fxID != receiver.uniqueID() && fxID != kOlderUniqueID) {
-        platform::showMessage("Default bank error: wrong unique ID", caption);
+        receiver.reportProblem("Default bank error: wrong unique ID", caption);
         return;
     }
     if (headerWord(*image, kFxMagicOffset) == kPlainBank)
@@ -132,7 +131,7 @@ void loadDefaultBank(const std::string& path, BankReceiver& receiver) {
     else if (holdsItsChunk(*image))
         loadChunkBank(*image, receiver);
     else
-        platform::showMessage(notABank, caption);
+        receiver.reportProblem(notABank, caption);
 }
 
 } // namespace presets

@@ -2,13 +2,15 @@
 // instance. The format is public; which words are read, and how, is this reader's own.
 #pragma once
 
+#include "presets/problem_receiver.h"
+
 #include <cstdint>
 #include <string>
 
 namespace presets {
 
 /// The plug-in, as far as a bank can change it.
-class BankReceiver {
+class BankReceiver : public ProblemReceiver {
   public:
     virtual std::int32_t uniqueID() = 0;
     virtual std::int32_t getProgram() = 0;
@@ -24,8 +26,8 @@ class BankReceiver {
 /// below 0x80; else only that byte survives and the bits above it are all ones.
 std::int32_t swappedWord(std::int32_t word);
 
-/// Reads the bank file into `receiver`. A file that cannot be used changes nothing and is reported in a
-/// message box. Runs where the plug-in is constructed, never on the audio thread.
+/// Reads the bank file into `receiver`. A file that cannot be used changes nothing and is reported to it.
+/// Runs where the plug-in is constructed, never on the audio thread.
 void loadDefaultBank(const std::string& path, BankReceiver& receiver);
 
 } // namespace presets

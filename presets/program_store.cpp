@@ -1,7 +1,6 @@
 #include "presets/program_store.h"
 
 #include "base/number_text.h"
-#include "platform/message_box.h"
 
 #include <algorithm>
 #include <cstring>
@@ -67,13 +66,14 @@ std::int32_t ProgramStore::getChunk(void** data, std::int32_t program, bool isPr
     return isPreset ? kPresetChunkSize : kBankChunkSize;
 }
 
-void ProgramStore::setChunk(const void* data, std::int32_t byteSize, std::int32_t program, bool isPreset) {
+void ProgramStore::setChunk(const void* data, std::int32_t byteSize, std::int32_t program, bool isPreset,
+                            ProblemReceiver& receiver) {
     stagePrograms();
     // A negative size counts as huge.
     const auto size = static_cast<std::uint64_t>(std::int64_t{byteSize});
     const bool fits = isPreset ? size <= kPresetChunkSize : size == kBankChunkSize;
     if (!fits)
-        platform::showMessage(
+        receiver.reportProblem(
             isPreset ? "Can't load preset, wrong file size!" : "Can't load bank, wrong file size!", "Error!");
     else if (size > 0)
         std::memmove(static_cast<void*>(isPreset ? &chunkPrograms[program] : chunkPrograms), data, size);

@@ -7,6 +7,7 @@
 
 #include "base/shared.h"
 #include "presets/delay_program.h"
+#include "presets/problem_receiver.h"
 
 #include <array>
 #include <cstdint>
@@ -59,9 +60,10 @@ class ProgramStore {
     std::int32_t getChunk(void** data, std::int32_t program, bool isPreset);
 
     /// Takes over a chunk. A preset may be short, then it overwrites the front of `program`; a bank must fit
-    /// exactly. A chunk of a wrong size changes nothing and is reported in a message box. The content is
-    /// taken as it stands.
-    void setChunk(const void* data, std::int32_t byteSize, std::int32_t program, bool isPreset);
+    /// exactly. A chunk of a wrong size changes nothing and is reported to `receiver`. The content is taken
+    /// as it stands.
+    void setChunk(const void* data, std::int32_t byteSize, std::int32_t program, bool isPreset,
+                  ProblemReceiver& receiver);
 
   private:
     void stagePrograms();

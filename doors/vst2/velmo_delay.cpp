@@ -5,6 +5,7 @@
 #include "doors/vst2/event_list.h"
 #include "editor/my_editor.h"
 #include "parameters/parameter_table.h"
+#include "platform/message_box.h"
 
 #include <string>
 #include <string_view>
@@ -36,6 +37,10 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
     effect_.setWindow(*window);
     window->setKnobMode(VSTGUI::kLinearMode);
     effect_.startUp();
+}
+
+void velmo_delay::reportProblem(const char* text, const char* caption) {
+    platform::showMessage(text, caption);
 }
 
 void velmo_delay::getParameterLabel(std::int32_t, char* text) {

@@ -49,6 +49,8 @@ class velmo_delay final : public AudioEffectX, public effect::LargeObject, priva
 
   private:
     std::int32_t uniqueID() const override { return cEffect.uniqueID; }
+    /// In a message box.
+    void reportProblem(const char* text, const char* caption) override;
 
     effect::MultitapDelay effect_{*this};
 };

@@ -36,9 +36,15 @@ class Receiver final : public presets::BankReceiver {
         // Reads every byte that is announced, so that one outside of the image is noticed.
         for (std::int32_t i = 0; i < byteSize; ++i)
             sum_ = sum_ + static_cast<const std::uint8_t*>(data)[i];
-        programs_.setChunk(data, byteSize, selected_, isPreset);
+        programs_.setChunk(data, byteSize, selected_, isPreset, *this);
         return 1;
     }
+    void reportProblem(const char* text, const char* caption) override {
+        problems_ += std::string(caption) + ": " + text + "\n";
+    }
+
+    /// A line for each.
+    const std::string& problems() const { return problems_; }
 
     conversation::Bytes allPrograms() {
         void* data = nullptr;
@@ -50,30 +56,22 @@ class Receiver final : public presets::BankReceiver {
 
   private:
     presets::ProgramStore programs_;
+    std::string problems_;
     std::int32_t selected_ = 0;
     volatile unsigned sum_ = 0;
 };
 
-std::string asLines(const std::vector<std::string>& messages) {
-    std::string lines;
-    for (const std::string& message : messages)
-        lines += message + "\n";
-    return lines;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Unattended& unattended = Unattended::instance();
-    unattended.forgetMessages();
-    const std::string path = unattended.folder() + "default.fxb";
+    const std::string path = Unattended::instance().folder() + "default.fxb";
     promise(platform::writeWholeFile(path, data, size), "a place for the bank");
 
     Receiver receiver;
     presets::loadDefaultBank(path, receiver);
 
     const conversation::BankOutcome expected = conversation::outcomeOf({data, data + size});
-    promise(asLines(unattended.messages()) == expected.message, "the message that belongs to the file");
+    promise(receiver.problems() == expected.message, "the message that belongs to the file");
     promise(receiver.getProgram() == 0, "the selection is where it was");
     promise(receiver.allPrograms() == conversation::bytesOf(expected.programs), "the programs of the file");
     return 0;

@@ -4,7 +4,6 @@
 #include "base/four_character_code.h"
 #include "desk/private_folder.h"
 #include "platform/files.h"
-#include "platform/message_box.h"
 #include "support/program_bank.h"
 
 #include <string>
@@ -33,6 +32,7 @@ TEST(SwappedWord, KeepsTheLastByteAloneFrom128OnUnderOnes) {
 class NotingReceiver final : public presets::BankReceiver {
   public:
     std::string asked;
+    std::string problems;
 
   private:
     std::int32_t uniqueID() override { return base::fourCharacterCode("qlvd"); }
@@ -46,28 +46,24 @@ class NotingReceiver final : public presets::BankReceiver {
                  " bytes from " + std::to_string(*static_cast<unsigned char*>(data)) + ", ";
         return 1;
     }
+    void reportProblem(const char* text, const char* caption) override {
+        problems += std::string(caption) + ": " + text;
+    }
 };
 
 constexpr char kNoBank[] = "Preset loader: Default bank error: not an fxb file";
 
 class DefaultBank : public testing::Test {
   protected:
-    /// What is asked of the effect, or the message.
+    /// What is asked of the effect, or the problem that it is told of.
     std::string load(const Bytes& image) {
         platform::writeWholeFile("bank.fxb", image.data(), image.size());
         return loadFile("bank.fxb");
     }
     std::string loadFile(const std::string& path) {
-        std::string messages;
-        platform::replaceMessageBox(
-            [](void* context, const char* text, const char* caption, const platform::MessageLook&) {
-                *static_cast<std::string*>(context) += std::string(caption) + ": " + text;
-            },
-            &messages);
         NotingReceiver receiver;
         presets::loadDefaultBank(path, receiver);
-        platform::replaceMessageBox(nullptr, nullptr);
-        return receiver.asked + messages;
+        return receiver.asked + receiver.problems;
     }
     static Bytes cut(const Bytes& bytes, std::size_t size) {
         return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)};

@@ -1,5 +1,4 @@
 // The programs and their chunks from inside, byte for byte.
-#include "platform/message_box.h"
 #include "presets/program_store.h"
 #include "support/program_bank.h"
 
@@ -31,21 +30,15 @@ Bytes anyBank() {
     return bank;
 }
 
-class Store : public testing::Test {
+class Store : public testing::Test, private presets::ProblemReceiver {
   protected:
     Store() {
-        platform::replaceMessageBox(
-            [](void* context, const char* text, const char* caption, const platform::MessageLook&) {
-                *static_cast<std::string*>(context) += std::string(caption) + ": " + text;
-            },
-            &messages);
         store.allocate();
         store.clearStaging();
     }
-    ~Store() override { platform::replaceMessageBox(nullptr, nullptr); }
 
     void take(const Bytes& chunk, std::int32_t program, bool isPreset) {
-        store.setChunk(chunk.data(), static_cast<std::int32_t>(chunk.size()), program, isPreset);
+        store.setChunk(chunk.data(), static_cast<std::int32_t>(chunk.size()), program, isPreset, *this);
     }
     Bytes chunk(std::int32_t program, bool isPreset) {
         void* data = nullptr;
@@ -56,6 +49,11 @@ class Store : public testing::Test {
 
     presets::ProgramStore store;
     std::string messages;
+
+  private:
+    void reportProblem(const char* text, const char* caption) override {
+        messages += std::string(caption) + ": " + text;
+    }
 };
 
 TEST_F(Store, KeepsEveryByteOfABank) {
