@@ -25,13 +25,7 @@ constexpr bool shapesPattern(std::int32_t id) {
 
 } // namespace
 
-MultitapDelay::~MultitapDelay() {
-    if (isComplete_)
-        midi::writeCcMap();
-}
-
 void MultitapDelay::makePrograms() {
-    midi::readCcMap(platform::moduleFolder());
     programs_.allocate();
     if (programs_.size() > 0)
         setProgram(0);
@@ -47,7 +41,6 @@ void MultitapDelay::startUp() {
     host_.updateDisplay();
     if (programs_.size() > 0)
         setProgram(0);
-    isComplete_ = true;
 }
 
 void MultitapDelay::loadDefaultBank() {

@@ -18,8 +18,8 @@
 //                                setSampleRate; as one whole set
 //   fadeArmed, fadeBlockCount    setParameter, resume; the audio loop    the audio loop, once a block
 //   the request to clear         setProgram, resume, setSampleRate       the audio loop, which carries it out
-//   the controller map           makePrograms, an editor's menu          processMidi, an editor's menu,
-//                                                                        the destructor
+//   the controller map           the door, an editor's menu              processMidi, an editor's menu,
+//                                                                        the door
 //   the control that learns      the editor; processMidi                 processMidi
 //
 // The delay memory, the filters' and smoothers' states and the sweep's phase belong to the audio thread
@@ -42,13 +42,10 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
   public:
     /// Silent, with no programs yet. `host` outlives the effect.
     explicit MultitapDelay(interfaces::EffectHost& host) : host_(host) {}
-    /// Writes the controller map to the current directory, unless the effect was never complete.
-    ~MultitapDelay();
     MultitapDelay(const MultitapDelay&) = delete;
     MultitapDelay& operator=(const MultitapDelay&) = delete;
 
-    /// The first step to a complete effect: reads the controller map, makes 128 default programs and selects
-    /// the first one.
+    /// The first step to a complete effect: makes 128 default programs and selects the first one.
     void makePrograms();
     /// The window that is told of every change from now on; not owned. Before the effect is shared by
     /// threads.
@@ -113,7 +110,6 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     interfaces::EffectWindow* window_ = nullptr; ///< not owned
     dsp::DelayEngine engine_;
     presets::ProgramStore programs_;
-    bool isComplete_ = false; ///< startUp() has ended
     midi::NoteState notes_;
     base::Shared<float> sampleRate_ = 44100.0f; ///< Hz
     base::Shared<std::int32_t> curProgram_;

@@ -4,8 +4,10 @@
 #include "base/product_names.h"
 #include "doors/vst2/event_list.h"
 #include "editor/my_editor.h"
+#include "midi/cc_map.h"
 #include "parameters/parameter_table.h"
 #include "platform/message_box.h"
+#include "platform/module_folder.h"
 
 #include <string>
 #include <string_view>
@@ -25,6 +27,7 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
     : AudioEffectX(host, presets::kNumPrograms, parameters::kNumParameters) {
     canMono();
     programsAreChunks();
+    midi::readCcMap(platform::moduleFolder());
     effect_.makePrograms();
     if (audioMaster) {
         setNumInputs(2);
@@ -37,6 +40,10 @@ velmo_delay::velmo_delay(vst2::audioMasterCallback host)
     effect_.setWindow(*window);
     window->setKnobMode(VSTGUI::kLinearMode);
     effect_.startUp();
+}
+
+velmo_delay::~velmo_delay() {
+    midi::writeCcMap();
 }
 
 void velmo_delay::reportProblem(const char* text, const char* caption) {

@@ -10,9 +10,12 @@ namespace vst2_door {
 
 class velmo_delay final : public AudioEffectX, public effect::LargeObject, private interfaces::EffectHost {
   public:
-    /// A complete effect at 44100 Hz, on program 0 of the factory bank or, without one, on the default
-    /// program. A bank that cannot be used is reported in a message box. `host` may be null.
+    /// A complete effect at 44100 Hz, with the controller map of its file, on program 0 of the factory bank
+    /// or, without one, on the default program. A bank that cannot be used is reported in a message box.
+    /// `host` may be null.
     explicit velmo_delay(vst2::audioMasterCallback host);
+    /// Writes the controller map to the current directory.
+    ~velmo_delay() override;
 
     void resume() override { effect_.resume(); }
     void setSampleRate(float rate) override { effect_.setSampleRate(rate); }

@@ -3,6 +3,7 @@
 #include "effect/multitap_delay.h"
 
 #include "desk/private_folder.h"
+#include "midi/cc_map.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
 #include "platform/module_folder.h"
@@ -57,6 +58,16 @@ class Effect : public testing::Test {
     int boxes = 0;
     std::unique_ptr<effect::MultitapDelay> effect;
 };
+
+TEST_F(Effect, LeavesTheControllerMapToItsDoor) {
+    midi::bindController(3, 77);
+    const Bytes map(84, 0x05);
+    platform::writeWholeFile("Pluginccmap.bin", map.data(), map.size());
+    start();
+    EXPECT_EQ(midi::controllerOf(3), 77);
+    effect.reset();
+    EXPECT_EQ(platform::readWholeFile("Pluginccmap.bin", 1000), map);
+}
 
 TEST_F(Effect, TellsItsHostOfAMissingBankAndOpensNoBox) {
     start();
