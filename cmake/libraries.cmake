@@ -1,10 +1,11 @@
 # Other people's libraries that more than one folder of the house uses, as targets under the same names on both systems:
 # for the tools CLI11::CLI11, nlohmann_json::nlohmann_json and quillon_sndfile, for the tests GTest::gtest and
-# GTest::gtest_main, for the bench benchmark::benchmark.
+# GTest::gtest_main, for the bench benchmark::benchmark. On Linux also LV2's headers, PkgConfig::LV2.
 #
 # On Linux all of them are Debian's. For Windows there are no packages: what is headers alone is used from where Debian
 # puts it, through a folder that shows nothing else of this machine; what has to be compiled is compiled here.
 if(NOT WIN32)
+  quillon_pkg_config(LV2 lv2)
   if(QUILLON_BUILD_TOOLS)
     quillon_find(CLI11 libcli11-dev)
     quillon_find(nlohmann_json nlohmann-json3-dev)
