@@ -1,0 +1,24 @@
+#!/bin/sh
+# validate.sh SORD_VALIDATE BUNDLE: fails unless the validator has looked at the bundle and found no error, by the
+# descriptions that Debian's package of the format has. A bundle with a fault must not get through.
+set -eu
+validator=$1 bundle=$2
+standard=
+for name in core ui units port-groups port-props presets state atom urid log options buf-size parameters schemas; do
+  for file in /usr/lib/lv2/$name.lv2/*.ttl; do
+    case $file in *.meta.ttl | */meta.ttl) ;; *) standard="$standard $file" ;; esac
+  done
+done
+
+# shellcheck disable=SC2086 # no blanks in those
+validate() { "$validator" $standard "$@" 2>&1; }
+
+validate "$bundle"/*.ttl | tee /dev/stderr | grep -q '^Found 0 errors among'
+
+faulty=$(mktemp --suffix=.ttl)
+trap 'rm -f "$faulty"' EXIT
+sed 's/lv2:symbol "mix"/lv2:symbool "mix"/' "$bundle/QuillonMultitapDelay.ttl" >"$faulty"
+if validate "$bundle/manifest.ttl" "$faulty" | grep -q '^Found 0 errors'; then
+  echo "The validator has overlooked a port without a symbol." >&2
+  exit 1
+fi
