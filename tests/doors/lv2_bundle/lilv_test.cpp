@@ -78,7 +78,7 @@ std::uint32_t bitsOf(float value) {
 class Bundle : public testing::Test {
   protected:
     Bundle() {
-        for (const char* const folder : {"/usr/lib/lv2/core.lv2/", QUILLON_LV2_BUNDLE "/"}) {
+        for (const char* const folder : {LV2_DESCRIPTIONS "/core.lv2/", QUILLON_LV2_BUNDLE "/"}) {
             const Node path(lilv_new_file_uri(world.get(), nullptr, folder));
             lilv_world_load_bundle(world.get(), path.get());
         }

@@ -1,11 +1,11 @@
 #!/bin/sh
-# validate.sh SORD_VALIDATE BUNDLE: fails unless the validator has looked at the bundle and found no error, by the
-# descriptions that Debian's package of the format has. A bundle with a fault must not get through.
+# validate.sh SORD_VALIDATE DESCRIPTIONS BUNDLE: fails unless the validator has looked at the bundle and found no error, by
+# what the format's own bundles in the folder DESCRIPTIONS say. A bundle with a fault must not get through.
 set -eu
-validator=$1 bundle=$2
+validator=$1 descriptions=$2 bundle=$3
 standard=
 for name in core ui units port-groups port-props presets state atom urid log options buf-size parameters schemas; do
-  for file in /usr/lib/lv2/$name.lv2/*.ttl; do
+  for file in "$descriptions/$name".lv2/*.ttl; do
     case $file in *.meta.ttl | */meta.ttl) ;; *) standard="$standard $file" ;; esac
   done
 done
