@@ -8,10 +8,10 @@
 
 namespace lv2_door {
 
-/// By this hosts and their sessions know the effect. Must never change.
+/// By this hosts and saved projects know the effect. Must never change.
 inline constexpr char kPluginUri[] = "urn:quillon:multitap-delay";
 
-/// Indexes. Sessions may hold them: must never change.
+/// Indexes. Projects may hold them: must never change.
 enum Port : std::uint32_t {
     kInputLeft = 0,
     kInputRight = 1,

@@ -26,7 +26,7 @@ struct ControlPort {
 /// Of a live parameter.
 const ControlPort& controlPortOf(std::int32_t id);
 
-/// A port's name in the letters that a symbol may have: "Fade / Swell" is fade_swell. Presets and sessions
+/// A port's name in the letters that a symbol may have: "Fade / Swell" is fade_swell. Presets and projects
 /// keep values by it.
 std::string symbolOf(const char* name);
 

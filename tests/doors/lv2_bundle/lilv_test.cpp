@@ -27,7 +27,7 @@ constexpr char kGroups[] = "http://lv2plug.in/ns/ext/port-groups#";
 constexpr char kPresets[] = "http://lv2plug.in/ns/ext/presets#";
 constexpr char kLabels[] = "http://www.w3.org/2000/01/rdf-schema#label";
 
-/// What a port has to be. Written down here once more: hosts keep sessions by it.
+/// What a port has to be. Written down here once more: projects are kept by it.
 struct ControlWords {
     const char* symbol;
     const char* name;
