@@ -11,20 +11,6 @@ namespace effect {
 
 using namespace parameters;
 
-namespace {
-
-/// Whether a change of this parameter makes the taps jump, which a fade has to mask.
-constexpr bool movesTaps(std::int32_t id) {
-    return id == kBaseLength || id == kTaps || id == kStretch;
-}
-
-/// Whether the drawn pattern depends on this parameter.
-constexpr bool shapesPattern(std::int32_t id) {
-    return movesTaps(id) || id == kAmpDecay || id == kCurve;
-}
-
-} // namespace
-
 void MultitapDelay::makePrograms() {
     programs_.allocate();
     if (programs_.size() > 0)

@@ -42,6 +42,16 @@ constexpr bool isLive(std::int32_t id) {
     return static_cast<std::uint32_t>(id) < kNumLiveParameters;
 }
 
+/// Whether a change of this parameter makes the taps jump, which a fade has to mask.
+constexpr bool movesTaps(std::int32_t id) {
+    return id == kBaseLength || id == kTaps || id == kStretch;
+}
+
+/// Whether the picture of the echoes depends on this parameter.
+constexpr bool shapesPattern(std::int32_t id) {
+    return movesTaps(id) || id == kAmpDecay || id == kCurve;
+}
+
 struct Parameter {
     const char* name;   ///< as stored; two of the names end in a blank that belongs to them
     float defaultValue; ///< normalised
