@@ -40,6 +40,11 @@ class ToolkitWindow {
     /// that hold nothing else.
     void fitContainers(int width, int height);
 
+    /// Tells a host that looks for it how large the frame is, in pixels, and that it cannot become larger: on
+    /// X11 by the hints that window managers go by. The host may make it smaller. On Windows, where hosts ask
+    /// in other ways, it does nothing.
+    void announceSize(int width, int height);
+
   private:
     class OpenFrame;
     std::vector<std::shared_ptr<OpenFrame>> frames_;

@@ -20,6 +20,7 @@
 #include "child_process.h"
 #include "virtual_screen.h"
 
+#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 
 namespace {
@@ -584,6 +585,28 @@ TEST_F(ToolkitWindows, WithoutADisplayTakeTheirFrameAndDoNothing) {
     setenv("DISPLAY", screen().name().c_str(), 1);
     openFrame();
     EXPECT_TRUE(showsPixel(5, 5, grey)) << "and can be opened when there is one";
+}
+
+TEST_F(ToolkitWindows, TellHostsHowLargeTheyAreAndMayBecome) {
+    openFrame();
+    window.announceSize(300, 110);
+    XSizeHints hints = {};
+    long given = 0;
+    ASSERT_TRUE(XGetWMNormalHints(display(), childrenOf(parent).front(), &hints, &given));
+    EXPECT_EQ(hints.flags, PMaxSize | PBaseSize);
+    EXPECT_EQ(hints.max_width, 300);
+    EXPECT_EQ(hints.max_height, 110);
+    EXPECT_EQ(hints.base_width, 300);
+    EXPECT_EQ(hints.base_height, 110);
+}
+
+TEST_F(ToolkitWindows, AnnounceNoSizeWhereTheyAreNotOpen) {
+    window.announceSize(300, 110);
+    openFrame();
+    const Window gone = childrenOf(parent).front();
+    XDestroyWindow(display(), gone);
+    XSync(display(), False);
+    window.announceSize(300, 110);
 }
 
 /// Windows around windows, as hosts make them.

@@ -91,4 +91,24 @@ void DisplayConnection::resizeWithContainers(std::uint32_t window, int width, in
     }
 }
 
+void DisplayConnection::setSizeHints(std::uint32_t window, int width, int height) const {
+    struct SizeHints {                         // as the window managers' convention lays them out
+        std::uint32_t flags = 1 << 5 | 1 << 8; // greatest and base size
+        std::uint32_t before[6] = {};
+        std::int32_t greatestWidth, greatestHeight;
+        std::uint32_t between[6] = {};
+        std::int32_t baseWidth, baseHeight;
+        std::uint32_t gravity = 0;
+    };
+    static_assert(sizeof(SizeHints) == 18 * 4);
+    const SizeHints hints = {
+        .greatestWidth = width, .greatestHeight = height, .baseWidth = width, .baseHeight = height};
+    xcb_connection_t* c = connection_.get();
+    const auto request =
+        xcb_change_property_checked(c, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
+                                    XCB_ATOM_WM_SIZE_HINTS, 32, sizeof hints / 4, &hints);
+    // Checked: the host reads them as soon as we return.
+    std::free(xcb_request_check(c, request));
+}
+
 } // namespace toolkit

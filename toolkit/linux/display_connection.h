@@ -23,6 +23,10 @@ class DisplayConnection {
     /// for it. The one that a window manager looks after is the last.
     void resizeWithContainers(std::uint32_t window, int width, int height) const;
 
+    /// Says in the hints of `window` that this is its size and its greatest one. There is no least size:
+    /// hosts that place the window in one of their own would not let that grow beyond it.
+    void setSizeHints(std::uint32_t window, int width, int height) const;
+
   private:
     struct Size {
         int width = 0;

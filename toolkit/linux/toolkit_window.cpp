@@ -307,4 +307,10 @@ void ToolkitWindow::fitContainers(int width, int height) {
             DisplayConnection().resizeWithContainers(window, width, height);
 }
 
+void ToolkitWindow::announceSize(int width, int height) {
+    for (const auto& opened : frames_)
+        if (const std::uint32_t window = opened->window())
+            DisplayConnection().setSizeHints(window, width, height);
+}
+
 } // namespace toolkit

@@ -212,4 +212,6 @@ void ToolkitWindow::fitContainers(int width, int height) {
             resizeWithContainers(window, {width, height});
 }
 
+void ToolkitWindow::announceSize(int, int) {}
+
 } // namespace toolkit
