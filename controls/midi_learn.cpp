@@ -127,7 +127,7 @@ CMouseEventResult CMidiLearn::onMouseMoved(CPoint& where, const CButtonState& bu
 void CMidiLearn::openMenu(const CPoint& where) {
     const std::int32_t id = getTag();
     VSTGUI::CFrame* frame = getFrame();
-    if (!frame || id < 0 || id >= parameters::kNumParameters)
+    if (!frame || id < 0 || id >= parameters::kNumParameters || (effect && !effect->bindsControllers()))
         return;
     CPoint inFrame(where);
     localToFrame(inFrame);

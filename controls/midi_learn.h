@@ -1,5 +1,6 @@
 // An invisible view above every control of a parameter. A right click on it opens the menu for the
-// parameter's MIDI controller. All other events go to the control below, as if the view were not there.
+// parameter's MIDI controller, or does nothing where the effect binds no controllers. All other events go to
+// the control below, as if the view were not there.
 #pragma once
 
 #include "vstgui/lib/controls/ccontrol.h"
@@ -25,8 +26,8 @@ namespace controls {
 class CMidiLearn final : public VSTGUI::CControl {
   public:
     /// `tag` is midi::kLearnTagBase and the parameter's id. `control` is the control below, of the same
-    /// frame, which owns both; `size` is its place. `effect` is the plug-in, which is told of gestures;
-    /// without one nobody is.
+    /// frame, which owns both; `size` is its place. `effect` is the plug-in, which is told of gestures
+    /// and asked whether it binds controllers; without one nobody is.
     CMidiLearn(const VSTGUI::CRect& size, VSTGUI::IControlListener* listener, std::int32_t tag,
                VSTGUI::CControl* control, interfaces::EditorHost* effect);
     CMidiLearn(const CMidiLearn& other) = default;

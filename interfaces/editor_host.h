@@ -32,6 +32,8 @@ class EditorHost {
 
     /// Hz.
     virtual float getSampleRate() const = 0;
+    /// Whether MIDI controllers can be bound to parameters.
+    virtual bool bindsControllers() const = 0;
 
     /// The person takes hold of a parameter, and lets it go; the host is told.
     virtual bool beginEdit(std::int32_t id) = 0;

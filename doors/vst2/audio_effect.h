@@ -69,6 +69,7 @@ class AudioEffect : public interfaces::EditorHost {
     vst2::AEffect* getAeffect() { return &cEffect; }
     std::int32_t getNumParameters() const override { return numParams; }
     float getSampleRate() const override { return 44100.0f; }
+    bool bindsControllers() const override { return true; }
     std::int32_t getBlockSize() const { return blockSize; }
 
     void masterIdle() override { callHost(vst2::audioMasterIdle); }

@@ -2,6 +2,7 @@
 // while it opens and on others later.
 #include "controls/midi_learn.h"
 
+#include "doors/vst2/audio_effect_x.h"
 #include "midi/cc_map.h"
 #include "midi/learn_machine.h"
 #include "recorded_toolkit.h"
@@ -403,6 +404,25 @@ TEST_F(LearnOverlay, OpensNoMenuOverAControlWithoutAParameter) {
         frame.click(inside, MouseButton::Right);
         EXPECT_TRUE(menus.empty());
     }
+}
+
+/// An effect whose parameters no controller can be bound to.
+class WithoutControllers final : public vst2_door::AudioEffectX {
+  public:
+    WithoutControllers() : AudioEffectX(nullptr, 1, parameters::kNumParameters) {}
+    void processReplacing(float**, float**, std::int32_t) override {}
+    bool bindsControllers() const override { return false; }
+};
+
+TEST_F(LearnOverlay, OpensNoMenuWhereNoControllerCanBeBound) {
+    WithoutControllers effect;
+    frame.add(
+        new CMidiLearn(below->getViewSize(), &listener, midi::kLearnTagBase + kFeedback, below, &effect));
+    EXPECT_TRUE(frame.click(inside, MouseButton::Right));
+    EXPECT_TRUE(menus.empty());
+    EXPECT_TRUE(below->calls.empty());
+    frame.press(inside, MouseButton::Left);
+    EXPECT_EQ(below->calls, (Calls{"down"}));
 }
 
 TEST_F(LearnOverlay, OpensNoMenuOutsideAFrame) {

@@ -37,6 +37,7 @@ class SilentEffect final : public interfaces::EditorHost {
     void getParameterLabel(std::int32_t, char* text) override { *text = '\0'; }
     void getParameterDisplay(std::int32_t, char* text) override { *text = '\0'; }
     float getSampleRate() const override { return 44100.0f; }
+    bool bindsControllers() const override { return false; }
     bool beginEdit(std::int32_t) override { return false; }
     bool endEdit(std::int32_t) override { return false; }
     void masterIdle() override {}
