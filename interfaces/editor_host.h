@@ -39,6 +39,9 @@ class EditorHost {
     virtual bool beginEdit(std::int32_t id) = 0;
     virtual bool endEdit(std::int32_t id) = 0;
 
+    /// Says why the skin cannot be read, with which there is no window; `line` has no end of line.
+    virtual void reportUnreadableSkin(const char* line) = 0;
+
     /// Lets the host do its own idle work.
     virtual void masterIdle() = 0;
     /// Whether the host says yes to a capability.

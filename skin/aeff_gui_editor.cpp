@@ -5,6 +5,7 @@
 #include "platform/threads.h"
 
 #include "vstgui/lib/events.h"
+#include "vstgui/lib/platform/iplatformframe.h"
 
 #include <utility>
 
@@ -81,6 +82,16 @@ void AEffGUIEditor::setFrame(CFrame* newFrame) {
 
 bool AEffGUIEditor::hasFrame() const {
     return hasFrame_.load();
+}
+
+void* AEffGUIEditor::ownWindow() const {
+    const auto* const onScreen = frame ? frame->getPlatformFrame() : nullptr;
+    return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
+}
+
+void AEffGUIEditor::announceSize() {
+    if (frame)
+        window_.announceSize(trunc(frame->getWidth()), trunc(frame->getHeight()));
 }
 
 void AEffGUIEditor::noteWindowThread() {

@@ -41,6 +41,12 @@ class AEffGUIEditor : public interfaces::AEffEditor, public VSTGUI::VSTGUIEditor
     virtual void setParameter(std::int32_t, float) {}
     virtual void draw() {}
 
+    /// The system's handle of the window that the editor has opened in the host's; null while none is on the
+    /// screen.
+    void* ownWindow() const;
+    /// Tells a host that looks for it how large that window is.
+    void announceSize();
+
     /// Idles during long gestures and lets the host idle too, at most about every 100 ms.
     void doIdleStuff() override;
     std::int32_t getKnobMode() const override;

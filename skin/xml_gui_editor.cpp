@@ -12,7 +12,6 @@
 #include "skin/skin_object.h"
 
 #include "vstgui/lib/controls/cbuttons.h"
-#include "vstgui/lib/platform/iplatformframe.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -41,12 +40,6 @@ static_assert(parameters::kNumParameters <= 30);
 constexpr char kRestingHint[] = "Parameter Value";
 
 using XmlTree = std::unique_ptr<XmlNode, decltype(&xmlFreeNode)>;
-
-/// The system's window of a frame; null while it is unseen.
-void* windowOf(const VSTGUI::CFrame* frame) {
-    const auto* const onScreen = frame ? frame->getPlatformFrame() : nullptr;
-    return onScreen ? onScreen->getPlatformRepresentation() : nullptr;
-}
 
 /// Takes what has gone, such as a menu, from the screen. Windows are drawn 16 ms after a change at the
 /// earliest, and while a message stands open not at all.
@@ -111,11 +104,13 @@ bool xmlGuiEditor::readSkin(SkinContext& context) {
     const auto file = *context.path ? platform::findPath(context.path, "skin.xml") : std::nullopt;
     const XmlTree root(file ? xmlParseFile(file->c_str()) : nullptr, xmlFreeNode);
     if (!root) {
-        std::printf("%s%s skin file missing\n", context.path, "skin.xml");
+        char line[kPathSize + 32];
+        std::snprintf(line, sizeof line, "%s%s skin file missing", context.path, "skin.xml");
+        theEffect().reportUnreadableSkin(line);
         return false;
     }
     if (!base::equalIgnoringCase(root->name, "GUI")) {
-        std::printf("<GUI> node missing\n");
+        theEffect().reportUnreadableSkin("<GUI> node missing");
         return false;
     }
     for (XmlNode* child = root->child; child; child = child->next) {
@@ -161,7 +156,7 @@ bool xmlGuiEditor::open(void* ptr) {
 }
 
 void xmlGuiEditor::requestFrameSize() {
-    if (!frame || !frame->getPlatformFrame())
+    if (!frame || !ownWindow())
         return;
     const auto width = static_cast<std::int16_t>(frame->getWidth());
     const auto height = static_cast<std::int16_t>(frame->getHeight());
@@ -472,7 +467,7 @@ void xmlGuiEditor::announceChosenSkin() {
                           "Please close and open this window.\n"
                           "If nothing changes it's probably because your host only hides\n"
                           "the editor windows, so you may have to reopen the plug-in",
-                          "SKIN SELECTED!", {.owner = windowOf(frame)});
+                          "SKIN SELECTED!", {.owner = ownWindow()});
 }
 
 } // namespace skin

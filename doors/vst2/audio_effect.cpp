@@ -2,6 +2,8 @@
 
 #include "base/number_text.h"
 
+#include <cstdio>
+
 namespace vst2_door {
 
 using interfaces::AEffEditor;
@@ -123,6 +125,10 @@ std::intptr_t AudioEffect::dispatcher(std::int32_t opcode, std::int32_t index, s
 void AudioEffect::setParameterAutomated(std::int32_t id, float value) {
     setParameter(id, value);
     callHost(audioMasterAutomate, id, 0, nullptr, value);
+}
+
+void AudioEffect::reportUnreadableSkin(const char* line) {
+    std::printf("%s\n", line);
 }
 
 void AudioEffect::setEditor(AEffEditor* newEditor) {

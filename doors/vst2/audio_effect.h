@@ -73,6 +73,8 @@ class AudioEffect : public interfaces::EditorHost {
     std::int32_t getBlockSize() const { return blockSize; }
 
     void masterIdle() override { callHost(vst2::audioMasterIdle); }
+    /// On standard output.
+    void reportUnreadableSkin(const char* line) override;
 
     /// Numbers as hosts show them; `text` holds maxLen + 1 bytes. See base/number_text.h.
     void dB2string(float value, char* text, std::size_t maxLen) const;

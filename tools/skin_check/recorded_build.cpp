@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -41,6 +42,7 @@ class SilentEffect final : public interfaces::EditorHost {
     bool beginEdit(std::int32_t) override { return false; }
     bool endEdit(std::int32_t) override { return false; }
     void masterIdle() override {}
+    void reportUnreadableSkin(const char* line) override { std::printf("%s\n", line); }
     bool canHostDo(const char*) override { return false; }
     bool sizeWindow(std::int32_t, std::int32_t) override { return false; }
     std::shared_ptr<void> keepAlive() override { return nullptr; }
