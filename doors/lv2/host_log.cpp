@@ -1,21 +1,8 @@
 #include "doors/lv2/host_log.h"
 
-#include <string_view>
+#include "doors/lv2/features.h"
 
 namespace lv2_door {
-
-namespace {
-
-/// What the host offers under `uri`; null if nothing.
-template <class Data>
-Data* featureOf(const LV2_Feature* const* features, std::string_view uri) {
-    for (; features && *features; ++features)
-        if ((*features)->URI == uri)
-            return static_cast<Data*>((*features)->data);
-    return nullptr;
-}
-
-} // namespace
 
 HostLog::HostLog(const LV2_Feature* const* features) {
     auto* const map = featureOf<LV2_URID_Map>(features, LV2_URID__map);
