@@ -84,6 +84,7 @@ TEST_F(LV2Windows, AreDraggedAndFedBesideInstancesThatPlay) {
             WindowHost& window = track->window;
             const std::size_t touches = window.touches.size(), writes = window.writes.size();
             window.point(30, 30);
+            window.serve();
             window.press();
             EXPECT_TRUE(window.moveUntil(30, round % 2 ? 10 : 50, [&] {
                 for (const auto& each : tracks)
