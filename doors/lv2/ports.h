@@ -10,6 +10,8 @@ namespace lv2_door {
 
 /// By this hosts and saved projects know the effect. Must never change.
 inline constexpr char kPluginUri[] = "urn:quillon:multitap-delay";
+/// And by this its window, which has a module of its own.
+inline constexpr char kWindowUri[] = "urn:quillon:multitap-delay#window";
 
 /// Indexes. Projects may hold them: must never change.
 enum Port : std::uint32_t {

@@ -24,16 +24,20 @@ constexpr char kPrefixes[] = "@prefix doap: <http://usefulinc.com/ns/doap#> .\n"
                              "@prefix foaf: <http://xmlns.com/foaf/0.1/> .\n"
                              "@prefix log: <http://lv2plug.in/ns/ext/log#> .\n"
                              "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
+                             "@prefix opts: <http://lv2plug.in/ns/ext/options#> .\n"
                              "@prefix pg: <http://lv2plug.in/ns/ext/port-groups#> .\n"
                              "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n"
                              "@prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .\n"
                              "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n"
+                             "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n"
                              "@prefix urid: <http://lv2plug.in/ns/ext/urid#> .\n";
 
 /// The URI of the plug-in, or of something that belongs to it.
 struct Uri {
     std::string_view part = {};
 };
+
+constexpr Uri kWindow = {"window"};
 
 std::ostream& operator<<(std::ostream& out, const Uri& uri) {
     return out << '<' << lv2_door::kPluginUri << (uri.part.empty() ? "" : "#") << uri.part << '>';
@@ -110,6 +114,16 @@ void writeControlPort(std::ostream& out, std::int32_t id) {
     writeScalePoints(out, scalePointsOf(id));
 }
 
+/// What the window needs of a host, and what it uses where a host has it.
+void writeWindow(std::ostream& out) {
+    out << '\n'
+        << kWindow << '\n'
+        << "    a ui:X11UI ;\n"
+        << "    lv2:extensionData ui:idleInterface ;\n"
+        << "    lv2:requiredFeature ui:idleInterface , ui:parent ;\n"
+        << "    lv2:optionalFeature ui:resize , ui:touch , opts:options , urid:map , log:log .\n";
+}
+
 constexpr char kNextPort[] = "    ] , [\n";
 
 void writePorts(std::ostream& out) {
@@ -135,12 +149,16 @@ void writePorts(std::ostream& out) {
 
 } // namespace
 
-std::string manifest(const std::string& module, Programs programs) {
+std::string manifest(const Modules& modules, Programs programs) {
     std::ostringstream out;
     out << kPrefixes << '\n'
         << Uri{} << '\n'
         << "    a lv2:Plugin ;\n"
-        << "    lv2:binary <" << module << "> ;\n"
+        << "    lv2:binary <" << modules.plugin << "> ;\n"
+        << "    rdfs:seeAlso <" << kPluginFile << "> .\n\n"
+        << kWindow << '\n'
+        << "    a ui:X11UI ;\n"
+        << "    lv2:binary <" << modules.window << "> ;\n"
         << "    rdfs:seeAlso <" << kPluginFile << "> .\n";
     for (std::size_t index = 0; index < programs.size(); ++index) {
         writePresetHead(out, programs, index);
@@ -164,8 +182,10 @@ std::string plugin() {
         << "    doap:maintainer [ a foaf:Organization ; foaf:name " << quoted(base::kVendorName) << " ] ;\n"
         << kVersion << "    lv2:optionalFeature lv2:hardRTCapable , log:log , urid:map ;\n"
         << "    pg:mainInput " << Uri{"audio_in"} << " ;\n"
-        << "    pg:mainOutput " << Uri{"audio_out"} << " ;\n";
+        << "    pg:mainOutput " << Uri{"audio_out"} << " ;\n"
+        << "    ui:ui " << kWindow << " ;\n";
     writePorts(out);
+    writeWindow(out);
     return out.str();
 }
 

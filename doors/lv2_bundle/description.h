@@ -13,9 +13,15 @@ using Programs = std::span<const presets::DelayProgram>;
 inline constexpr char kPluginFile[] = "QuillonMultitapDelay.ttl";
 inline constexpr char kPresetsFile[] = "presets.ttl";
 
-/// What hosts read of every bundle: that there is a plug-in in `module`, a file beside it, and which presets.
-std::string manifest(const std::string& module, Programs programs);
-/// The plug-in with its ports.
+/// The files that hosts load.
+struct Modules {
+    std::string plugin;
+    std::string window;
+};
+
+/// What hosts read of every bundle: that there is a plug-in with a window, where, and which presets.
+std::string manifest(const Modules& modules, Programs programs);
+/// The plug-in with its ports, and its window.
 std::string plugin();
 /// The programs as presets.
 std::string presetValues(Programs programs);

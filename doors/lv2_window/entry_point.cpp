@@ -68,7 +68,7 @@ const void* extensionData(const char* uri) noexcept {
     return std::string_view(uri) == LV2_UI__idleInterface ? &kIdle : nullptr;
 }
 
-constexpr LV2UI_Descriptor kDescriptor = {lv2_window::kWindowUri, instantiate, cleanup, portEvent,
+constexpr LV2UI_Descriptor kDescriptor = {lv2_door::kWindowUri, instantiate, cleanup, portEvent,
                                           extensionData};
 
 } // namespace

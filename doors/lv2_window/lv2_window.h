@@ -30,9 +30,6 @@ class NoticeEditor;
 
 namespace lv2_window {
 
-/// By this bundles and hosts know the window. Must never change.
-inline constexpr char kWindowUri[] = "urn:quillon:multitap-delay#window";
-
 /// Always held by a std::shared_ptr, as its views may end later than the host's window.
 class Lv2Window final : public interfaces::EditorHost, public std::enable_shared_from_this<Lv2Window> {
   public:

@@ -1,9 +1,14 @@
 // The bundle as hosts read it, through the library that most of them read it with. What a validator does not
 // notice is looked at here: every index, name, symbol, default and range, and every value of every preset.
+#include "desk/shared_library.h"
 #include "doors/lv2/ports.h"
 #include "presets/delay_program.h"
 
 #include <lilv/lilv.h>
+#include <lv2/log/log.h>
+#include <lv2/options/options.h>
+#include <lv2/ui/ui.h>
+#include <lv2/urid/urid.h>
 
 #include <algorithm>
 #include <array>
@@ -142,6 +147,55 @@ TEST_F(Bundle, NamesAModuleThatHasThePlugin) {
     ASSERT_TRUE(instance);
     EXPECT_STREQ(lilv_instance_get_uri(instance), lv2_door::kPluginUri);
     lilv_instance_free(instance);
+}
+
+/// The one window that the bundle has, as hosts look for it.
+class WindowOfTheBundle : public Bundle {
+  protected:
+    void SetUp() override {
+        Bundle::SetUp();
+        windows.reset(lilv_plugin_get_uis(plugin));
+        ASSERT_EQ(lilv_uis_size(windows.get()), 1u);
+        window = lilv_uis_get(windows.get(), lilv_uis_begin(windows.get()));
+    }
+    /// The names under a property of it, behind the prefix that they all have.
+    std::set<std::string> names(const std::string& property) const {
+        std::set<std::string> found;
+        const Nodes values(
+            lilv_world_find_nodes(world.get(), lilv_ui_get_uri(window), uri(kLv2 + property).get(), nullptr));
+        LILV_FOREACH(nodes, i, values.get())
+        found.insert(textOf(lilv_nodes_get(values.get(), i)));
+        return found;
+    }
+
+    struct Free {
+        void operator()(LilvUIs* uis) const { lilv_uis_free(uis); }
+    };
+    std::unique_ptr<LilvUIs, Free> windows;
+    const LilvUI* window = nullptr;
+};
+
+TEST_F(WindowOfTheBundle, IsOneOfX11InAModuleBesideTheOther) {
+    EXPECT_EQ(textOf(lilv_ui_get_uri(window)), lv2_door::kWindowUri);
+    EXPECT_TRUE(lilv_ui_is_a(window, uri(LV2_UI__X11UI).get()));
+    EXPECT_EQ(textOf(lilv_ui_get_binary_uri(window)),
+              "file://" QUILLON_LV2_BUNDLE "/QuillonMultitapDelayWindow.so");
+    EXPECT_EQ(textOf(lilv_ui_get_bundle_uri(window)), "file://" QUILLON_LV2_BUNDLE "/");
+}
+
+TEST_F(WindowOfTheBundle, RequiresAParentAndIdleRoundsAndNothingElse) {
+    EXPECT_EQ(names("requiredFeature"), (std::set<std::string>{LV2_UI__parent, LV2_UI__idleInterface}));
+    EXPECT_EQ(names("extensionData"), (std::set<std::string>{LV2_UI__idleInterface}));
+    EXPECT_EQ(names("optionalFeature"),
+              (std::set<std::string>{LV2_UI__resize, LV2_UI__touch, LV2_OPTIONS__options, LV2_URID__map,
+                                     LV2_LOG__log}));
+}
+
+TEST_F(WindowOfTheBundle, IsInTheModuleThatTheBundleNames) {
+    const desk::SharedLibrary module(QUILLON_LV2_BUNDLE "/QuillonMultitapDelayWindow.so");
+    const auto find = reinterpret_cast<LV2UI_DescriptorFunction>(module.symbol("lv2ui_descriptor"));
+    ASSERT_TRUE(find);
+    EXPECT_STREQ(find(0)->URI, lv2_door::kWindowUri);
 }
 
 TEST_F(Bundle, HasTwoAudioPortsOnEitherSide) {

@@ -3,7 +3,6 @@
 // picture of the echoes, a line of text about the control in use.
 #include "window_host.h"
 
-#include "doors/lv2_window/lv2_window.h"
 
 #include "child_process.h"
 #include "desk/message_watch.h"
@@ -125,7 +124,7 @@ TEST_F(LV2Window, IsAChildOfTheHostsWindowOnTheScreen) {
 
 TEST_F(LV2Window, IsDescribedAsThatOfThePluginAndOfNoOther) {
     open();
-    EXPECT_STREQ(host->descriptor().URI, lv2_window::kWindowUri);
+    EXPECT_STREQ(host->descriptor().URI, lv2_door::kWindowUri);
     EXPECT_EQ(host->descriptor().extension_data("urn:anything"), nullptr);
     host->close();
     EXPECT_FALSE(host->open({}, "urn:another"));
