@@ -18,7 +18,7 @@ using namespace parameters;
 
 namespace {
 
-constexpr char kSkinError[] = "Skin Error";
+constexpr char kSkinError[] = "Skin Error", kWindow[] = "Window";
 constexpr std::uint32_t kFloatFormat = 0;
 
 /// While one of these lives, messages go to a host's log and not into boxes: a host that looks at all windows
@@ -57,11 +57,13 @@ Lv2Window::~Lv2Window() = default;
 
 bool Lv2Window::open() {
     if (!features_.parent) {
-        log_.warn("Window", "the host has none for it to open in");
+        log_.warn(kWindow, "the host offers no parent");
         return false;
     }
-    if (!openSkin() && !openNotice())
+    if (!openSkin() && !openNotice()) {
+        log_.warn(kWindow, "cannot be opened in the parent that the host offers");
         return false;
+    }
     requestRoom();
     return true;
 }

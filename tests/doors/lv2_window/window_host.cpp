@@ -72,11 +72,10 @@ void WindowHost::close() {
 }
 
 void WindowHost::destroyContainer() {
-    if (container_ != None) {
-        XDestroyWindow(screen_.display(), container_);
-        XSync(screen_.display(), False);
-    }
-    container_ = None;
+    if (!std::exchange(hasContainer_, false))
+        return;
+    XDestroyWindow(screen_.display(), container_);
+    XSync(screen_.display(), False);
 }
 
 void WindowHost::serve() {

@@ -106,7 +106,8 @@ class WindowHost {
     test::VirtualScreen& screen_;
     std::string module_;
     int x_, y_;
-    Window container_;
+    Window container_; ///< also once it is destroyed
+    bool hasContainer_ = true;
     std::optional<desk::SharedLibrary> library_;
     const LV2UI_Descriptor* descriptor_ = nullptr;
     LV2UI_Handle handle_ = nullptr;
