@@ -4,6 +4,7 @@
 #include "doors/lv2_window/lv2_window.h"
 
 #include <memory>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -51,7 +52,7 @@ void cleanup(LV2UI_Handle handle) noexcept {
 void portEvent(LV2UI_Handle handle, std::uint32_t port, std::uint32_t size, std::uint32_t format,
                const void* data) noexcept try {
     windowOf(handle)->portEvent(port, size, format, data);
-} catch (...) {
+} catch (const std::bad_alloc&) {
     // The next value shows all of it.
 }
 
