@@ -8,6 +8,7 @@
 #include <lv2/urid/urid.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace lv2_window {
