@@ -1,6 +1,6 @@
 #include "doors/lv2_bundle/control_ports.h"
 
-#include "parameters/parameter_table.h"
+#include "parameters/host_panel.h"
 
 #include <string_view>
 
@@ -10,28 +10,11 @@ using namespace parameters;
 
 namespace {
 
-constexpr const Group& kPattern = kGroups[0];
-constexpr const Group& kMotion = kGroups[1];
-constexpr const Group& kInput = kGroups[2];
-constexpr const Group& kOutput = kGroups[3];
-
-constexpr ControlPort kPorts[kNumLiveParameters] = {
-    {"Base length", kPattern},    {"Echoes", kPattern},     {"Sweep rate", kMotion}, {"Stretch", kPattern},
-    {"Fade / Swell", kPattern},   {"Fade curve", kPattern}, {"Feedback", kOutput},   {"Sweep depth", kMotion},
-    {"How echoes move", kMotion}, {"High cut", kInput},     {"Low cut", kInput},     {"Input pan", kInput},
-    {"Input gain", kInput},       {"Stereo", kOutput},      {"Mix", kOutput},        {"Echo pan", kOutput},
-    {"Output gain", kOutput},
-};
-
 constexpr bool isLowerLetterOrDigit(char letter) {
     return (letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9');
 }
 
 } // namespace
-
-const ControlPort& controlPortOf(std::int32_t id) {
-    return kPorts[id];
-}
 
 std::string symbolOf(const char* name) {
     std::string symbol;
@@ -52,9 +35,12 @@ std::string shortNameOf(std::int32_t id) {
 }
 
 std::vector<ScalePoint> scalePointsOf(std::int32_t id) {
-    if (id == kSet)
-        return {{0.0f, "Jump"}, {0.5f, "Glide"}, {1.0f, "Fine"}};
     std::vector<ScalePoint> points;
+    if (id == kSet) {
+        for (const SetPlace& place : kSetPlaces)
+            points.push_back({place.value, place.name});
+        return points;
+    }
     for (const float value : {0.0f, 0.25f, 0.5f, 0.75f, 1.0f}) {
         char text[kDisplayTextSize];
         parameter(id).display(value, text);

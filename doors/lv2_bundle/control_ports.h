@@ -1,30 +1,11 @@
-// What a control port is called, and where a person finds it in a host's own panel: as in the effect's
-// window.
+// What a control port has besides its name and group: a symbol, a short name and values with texts.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace lv2_bundle {
-
-/// A field of the window with the controls in it.
-struct Group {
-    const char* name;
-    const char* symbol;
-};
-
-inline constexpr std::array<Group, 4> kGroups = {
-    {{"Pattern", "pattern"}, {"Motion", "motion"}, {"Input", "input"}, {"Output", "output"}}};
-
-struct ControlPort {
-    const char* name; ///< hosts keep values by it: must stay
-    const Group& group;
-};
-
-/// Of a live parameter.
-const ControlPort& controlPortOf(std::int32_t id);
 
 /// A port's name in the letters that a symbol may have: "Fade / Swell" is fade_swell. Presets and projects
 /// keep values by it.

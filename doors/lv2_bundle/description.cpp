@@ -5,6 +5,7 @@
 #include "doors/lv2/ports.h"
 #include "doors/lv2_bundle/control_ports.h"
 #include "doors/lv2_bundle/turtle.h"
+#include "parameters/host_panel.h"
 
 #include <cstdint>
 #include <ostream>
@@ -103,7 +104,7 @@ void writeScalePoints(std::ostream& out, std::span<const ScalePoint> points) {
 }
 
 void writeControlPort(std::ostream& out, std::int32_t id) {
-    const ControlPort& port = controlPortOf(id);
+    const PanelEntry& port = panelEntry(id);
     writePortHead(out, {"lv2:InputPort , lv2:ControlPort", lv2_door::controlPort(id), symbolOf(port.name),
                         port.name, shortNameOf(id), port.group.symbol});
     out << "        lv2:default " << decimalText(parameter(id).defaultValue) << " ;\n"
@@ -196,9 +197,8 @@ std::string presetValues(Programs programs) {
         writePresetHead(out, programs, index);
         out << "    lv2:port";
         for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
-            out << (id == 0 ? "" : " ,") << "\n        [ lv2:symbol "
-                << quoted(symbolOf(controlPortOf(id).name)) << " ; pset:value "
-                << decimalText(programs[index].values[id]) << " ]";
+            out << (id == 0 ? "" : " ,") << "\n        [ lv2:symbol " << quoted(symbolOf(panelEntry(id).name))
+                << " ; pset:value " << decimalText(programs[index].values[id]) << " ]";
         out << " .\n";
     }
     return out.str();
