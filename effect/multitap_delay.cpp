@@ -105,6 +105,10 @@ float MultitapDelay::getParameter(std::int32_t id) const {
     return isLive(id) ? engine_.parameterValue(id) : 0.0f;
 }
 
+float MultitapDelay::getStoredParameter(std::int32_t id) const {
+    return programs_.size() > 0 ? programs_.value(curProgram_.loadInOrder(), id) : getParameter(id);
+}
+
 void MultitapDelay::getParameterDisplay(std::int32_t id, char* text) const {
     text[0] = '\0';
     parameter(id).display(getParameter(id), text);

@@ -71,6 +71,9 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     void setParameter(std::int32_t id, float value) override;
     /// Any thread. 0 for an id that does nothing.
     float getParameter(std::int32_t id) const;
+    /// What the current program holds for a live parameter: the value that was set, also where the sound goes
+    /// by another one ("Amp Decay" has a limit, "Pre Gain" is always 1). Any thread.
+    float getStoredParameter(std::int32_t id) const;
     /// The value as the window shows it. Writes at most parameters::kDisplayTextSize bytes.
     void getParameterDisplay(std::int32_t id, char* text) const;
 

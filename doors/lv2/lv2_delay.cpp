@@ -43,11 +43,7 @@ void Lv2Delay::run(std::uint32_t frames) {
     else
         setAllParameters();
     isPlaying_ = true;
-    const bool isConnected = inputs_[0] && inputs_[1] && outputs_[0] && outputs_[1];
-    if (isConnected || frames == 0)
-        effect_.processReplacing(inputs_.data(), outputs_.data(), static_cast<std::int32_t>(frames));
-    else
-        playWithoutSomePorts(frames);
+    missing_.process(effect_, inputs_, outputs_, frames);
 }
 
 /// What a control's port says, within its range; where it says nothing or no number, what it said before.
@@ -77,20 +73,6 @@ void Lv2Delay::setChangedParameters() {
         const float before = values_[static_cast<std::size_t>(id)];
         if (std::bit_cast<std::uint32_t>(value) != std::bit_cast<std::uint32_t>(before))
             setParameter(id, value);
-    }
-}
-
-/// A missing input is silent, a missing output unheard.
-void Lv2Delay::playWithoutSomePorts(std::uint32_t frames) {
-    for (std::uint32_t first = 0; first < frames; first += kMostFramesAtOnce) {
-        std::array<const float*, 2> inputs;
-        std::array<float*, 2> outputs;
-        for (std::size_t channel = 0; channel < 2; ++channel) {
-            inputs[channel] = inputs_[channel] ? inputs_[channel] + first : silence_.data();
-            outputs[channel] = outputs_[channel] ? outputs_[channel] + first : unheard_.data();
-        }
-        const std::uint32_t count = std::min(frames - first, kMostFramesAtOnce);
-        effect_.processReplacing(inputs.data(), outputs.data(), static_cast<std::int32_t>(count));
     }
 }
 

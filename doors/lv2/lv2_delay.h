@@ -6,6 +6,7 @@
 #include "doors/lv2/host_log.h"
 #include "doors/lv2/ports.h"
 #include "effect/large_object.h"
+#include "effect/missing_channels.h"
 #include "effect/multitap_delay.h"
 
 #include <array>
@@ -28,9 +29,6 @@ class Lv2Delay final : public effect::LargeObject, private interfaces::EffectHos
     void run(std::uint32_t frames);
 
   private:
-    static constexpr std::uint32_t kMostFramesAtOnce = 1024;
-    using Samples = std::array<float, kMostFramesAtOnce>;
-
     bool updateDisplay() override { return false; }
     std::int32_t uniqueID() const override { return base::fourCharacterCode("qlvd"); }
     void reportProblem(const char* text, const char* caption) override { log_.warn(caption, text); }
@@ -39,18 +37,16 @@ class Lv2Delay final : public effect::LargeObject, private interfaces::EffectHos
     void setParameter(std::int32_t id, float value);
     void setAllParameters();
     void setChangedParameters();
-    void playWithoutSomePorts(std::uint32_t frames);
 
     HostLog log_;
     effect::MultitapDelay effect_{*this};
-    std::array<const float*, 2> inputs_ = {};
-    std::array<float*, 2> outputs_ = {};
+    effect::InputChannels inputs_ = {};
+    effect::OutputChannels outputs_ = {};
     std::array<const float*, parameters::kNumLiveParameters> controls_ = {};
     /// What each parameter was set to last.
     std::array<float, parameters::kNumLiveParameters> values_;
     bool isPlaying_ = false; ///< run() has been called since activate()
-    const Samples silence_ = {};
-    Samples unheard_ = {};
+    effect::MissingChannels missing_;
 };
 
 } // namespace lv2_door

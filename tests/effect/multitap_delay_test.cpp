@@ -86,4 +86,21 @@ TEST_F(Effect, TellsItsHostOfAChunkOfAWrongSizeAndOpensNoBox) {
     EXPECT_EQ(boxes, 0);
 }
 
+TEST_F(Effect, RemembersValuesThatTheSoundDoesNotGoBy) {
+    start();
+    effect->setParameter(parameters::kAmpDecay, 1.0f);
+    effect->setParameter(parameters::kPreGain, 0.25f);
+    float samples[2] = {};
+    float* const channels[] = {&samples[0], &samples[1]};
+    effect->processReplacing(channels, channels, 1);
+    EXPECT_EQ(effect->getParameter(parameters::kAmpDecay), 0.99999f);
+    EXPECT_EQ(effect->getParameter(parameters::kPreGain), 1.0f);
+    EXPECT_EQ(effect->getStoredParameter(parameters::kAmpDecay), 1.0f);
+    EXPECT_EQ(effect->getStoredParameter(parameters::kPreGain), 0.25f);
+    effect->setProgram(1);
+    EXPECT_EQ(effect->getStoredParameter(parameters::kAmpDecay), 0.0f);
+    effect->setProgram(0);
+    EXPECT_EQ(effect->getStoredParameter(parameters::kAmpDecay), 1.0f);
+}
+
 } // namespace
