@@ -1,9 +1,27 @@
 # Other people's libraries that more than one folder of the house uses, as targets under the same names on both systems:
 # for the tools CLI11::CLI11, nlohmann_json::nlohmann_json and quillon_sndfile, for the tests GTest::gtest and
-# GTest::gtest_main, for the bench benchmark::benchmark. On Linux also LV2's headers, PkgConfig::LV2.
+# GTest::gtest_main, for the bench benchmark::benchmark. For the doors CLAP's headers, clap, and on Linux LV2's,
+# PkgConfig::LV2.
 #
 # On Linux all of them are Debian's. For Windows there are no packages: what is headers alone is used from where Debian
 # puts it, through a folder that shows nothing else of this machine; what has to be compiled is compiled here.
+
+# quillon_headers(CLI11::CLI11 /usr/include/CLI libcli11-dev): a library of headers in that one folder.
+function(quillon_headers target folder package)
+  if(NOT EXISTS ${folder})
+    quillon_missing(${folder} ${package})
+  endif()
+  get_filename_component(name ${folder} NAME)
+  set(view ${CMAKE_BINARY_DIR}/headers/${name})
+  file(MAKE_DIRECTORY ${view})
+  file(CREATE_LINK ${folder} ${view}/${name} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${view})
+endfunction()
+
+# Of this package nothing but the headers of one format.
+quillon_headers(clap /usr/share/dpf/distrho/src/clap dpf-source)
+
 if(NOT WIN32)
   quillon_pkg_config(LV2 lv2)
   if(QUILLON_BUILD_TOOLS)
@@ -21,19 +39,6 @@ if(NOT WIN32)
   endif()
   return()
 endif()
-
-# quillon_headers(CLI11::CLI11 /usr/include/CLI libcli11-dev): a library of headers in that one folder.
-function(quillon_headers target folder package)
-  if(NOT EXISTS ${folder})
-    quillon_missing(${folder} ${package})
-  endif()
-  get_filename_component(name ${folder} NAME)
-  set(view ${CMAKE_BINARY_DIR}/headers/${name})
-  file(MAKE_DIRECTORY ${view})
-  file(CREATE_LINK ${folder} ${view}/${name} SYMBOLIC)
-  add_library(${target} INTERFACE IMPORTED GLOBAL)
-  target_include_directories(${target} SYSTEM INTERFACE ${view})
-endfunction()
 
 if(QUILLON_BUILD_TOOLS)
   quillon_headers(CLI11::CLI11 /usr/include/CLI libcli11-dev)

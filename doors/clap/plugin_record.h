@@ -1,0 +1,18 @@
+// The record of functions that a host holds of an instance. Each function finds the instance, checks in
+// builds with assertions that the host calls it on the thread that it belongs to, and passes the call on.
+#pragma once
+
+#include "doors/clap/clap_delay.h"
+
+#include <clap/plugin.h>
+
+namespace clap_door {
+
+/// What every instance says of itself.
+extern const clap_plugin_descriptor_t kDescriptor;
+
+/// A new instance for `host`, as a host gets it: its record, with whose destroy() it goes. Throws
+/// std::bad_alloc.
+const clap_plugin_t* makePlugin(const clap_host_t& host);
+
+} // namespace clap_door

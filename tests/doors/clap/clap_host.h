@@ -1,0 +1,355 @@
+// A small CLAP host: loads a module, holds instances of its plug-in, plays blocks with events. By itself it
+// keeps to the rules of the format; what it is handed may break them.
+#pragma once
+
+#include "desk/shared_library.h"
+#include "doors/clap/parameter_list.h"
+
+#include <clap/entry.h>
+#include <clap/ext/audio-ports.h>
+#include <clap/ext/note-ports.h>
+#include <clap/ext/params.h>
+#include <clap/ext/state.h>
+#include <clap/ext/thread-check.h>
+#include <clap/plugin-factory.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace clap_test {
+
+inline constexpr char kPluginId[] = "quillon.multitap-delay";
+inline constexpr char kModule[] = QUILLON_CLAP "/QuillonMultitapDelay.clap";
+
+/// A loaded module between init() and deinit().
+class Module {
+  public:
+    explicit Module(const std::string& path = kModule)
+        : library_(path), entry_(static_cast<const clap_plugin_entry_t*>(library_.symbol("clap_entry"))) {
+        if (!entry_ || !entry_->init(path.c_str()))
+            throw std::runtime_error(path + " is no usable module");
+    }
+    ~Module() { entry_->deinit(); }
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    const clap_plugin_entry_t& entry() const { return *entry_; }
+
+  private:
+    desk::SharedLibrary library_;
+    const clap_plugin_entry_t* entry_;
+};
+
+inline const clap_plugin_factory_t& factoryOf(const clap_plugin_entry_t& entry) {
+    const auto* const factory =
+        static_cast<const clap_plugin_factory_t*>(entry.get_factory(CLAP_PLUGIN_FACTORY_ID));
+    if (!factory)
+        throw std::runtime_error("no factory");
+    return *factory;
+}
+
+/// What an instance may ask of its host. On one thread alone it tells "audio" while `isAudioCall` is set.
+class Host {
+  public:
+    enum Offer : unsigned { kNothing = 0, kLog = 1, kParameters = 2, kThreadCheck = 4, kEverything = 7 };
+
+    explicit Host(unsigned offers = kEverything) : offers_(offers) {}
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    clap_host_t record = {CLAP_VERSION_INIT, this,   "tests", "tests", "", "1",
+                          getExtension,      ignore, ignore,  ignore};
+    std::vector<std::string> lines; ///< of the log, each behind its severity
+    clap_param_rescan_flags rescanned = 0;
+    std::atomic<bool> isAudioCall = false;
+
+  private:
+    struct Log {
+        void(CLAP_ABI* log)(const clap_host_t* host, std::int32_t severity, const char* message);
+    };
+
+    static Host& of(const clap_host_t* host) { return *static_cast<Host*>(host->host_data); }
+    static void ignore(const clap_host_t*) {}
+    static const void* getExtension(const clap_host_t* host, const char* id) {
+        static constexpr Log log = {[](const clap_host_t* self, std::int32_t severity, const char* message) {
+            of(self).lines.push_back(std::to_string(severity) + " " + message);
+        }};
+        static constexpr clap_host_params_t parameters = {
+            [](const clap_host_t* self, clap_param_rescan_flags flags) { of(self).rescanned |= flags; },
+            [](const clap_host_t*, clap_id, clap_param_clear_flags) {}, ignore};
+        static constexpr clap_host_thread_check_t threads = {
+            [](const clap_host_t* self) {
+                return !of(self).isAudioCall && std::this_thread::get_id() == of(self).mainThread_;
+            },
+            [](const clap_host_t* self) { return of(self).isAudioCall.load(); }};
+        const unsigned offers = of(host).offers_;
+        if (offers & kLog && std::strcmp(id, "clap.log") == 0)
+            return &log;
+        if (offers & kParameters && std::strcmp(id, CLAP_EXT_PARAMS) == 0)
+            return &parameters;
+        if (offers & kThreadCheck && std::strcmp(id, CLAP_EXT_THREAD_CHECK) == 0)
+            return &threads;
+        return nullptr;
+    }
+
+    unsigned offers_;
+    std::thread::id mainThread_ = std::this_thread::get_id();
+};
+
+/// Events for a plug-in, in the order in which they were added.
+class Events {
+  public:
+    Events& value(clap_id id, double value, std::uint32_t time = 0) {
+        clap_event_param_value_t event = {};
+        event.header = header(sizeof event, CLAP_EVENT_PARAM_VALUE, time);
+        event.param_id = id;
+        event.note_id = event.port_index = event.channel = event.key = -1;
+        event.value = value;
+        return add(event);
+    }
+    Events& midi(std::uint8_t status, std::uint8_t second, std::uint8_t third = 0, std::uint32_t time = 0) {
+        clap_event_midi_t event = {};
+        event.header = header(sizeof event, CLAP_EVENT_MIDI, time);
+        event.data[0] = status;
+        event.data[1] = second;
+        event.data[2] = third;
+        return add(event);
+    }
+    template <class Event>
+    Events& add(const Event& event) {
+        static_assert(sizeof(Event) <= sizeof(Storage));
+        storage_.emplace_back();
+        std::memcpy(storage_.back().bytes, &event, sizeof event);
+        return *this;
+    }
+    /// An entry that is there and null.
+    Events& nothing() {
+        storage_.emplace_back().isNull = true;
+        return *this;
+    }
+    void clear() { storage_.clear(); }
+    bool isEmpty() const { return storage_.empty(); }
+
+    static clap_event_header_t header(std::size_t size, std::uint16_t type, std::uint32_t time) {
+        return {static_cast<std::uint32_t>(size), time, CLAP_CORE_EVENT_SPACE_ID, type, 0};
+    }
+
+    const clap_input_events_t* list() {
+        list_ = {this,
+                 [](const clap_input_events_t* self) {
+                     return static_cast<std::uint32_t>(of(self).storage_.size());
+                 },
+                 [](const clap_input_events_t* self, std::uint32_t index) {
+                     const Storage& storage = of(self).storage_.at(index);
+                     return storage.isNull ? nullptr
+                                           : reinterpret_cast<const clap_event_header_t*>(storage.bytes);
+                 }};
+        return &list_;
+    }
+
+  private:
+    struct Storage {
+        alignas(8) unsigned char bytes[128] = {};
+        bool isNull = false;
+    };
+    static const Events& of(const clap_input_events_t* list) {
+        return *static_cast<const Events*>(list->ctx);
+    }
+
+    std::deque<Storage> storage_;
+    clap_input_events_t list_ = {};
+};
+
+/// What a plug-in tells its host. Takes at most `room` events.
+struct ToldEvents {
+    std::vector<clap_event_param_value_t> values;
+    std::size_t room = ~std::size_t{0};
+
+    const clap_output_events_t* list() {
+        list_ = {this, [](const clap_output_events_t* self, const clap_event_header_t* event) {
+                     auto& told = *static_cast<ToldEvents*>(self->ctx);
+                     if (told.values.size() >= told.room)
+                         return false;
+                     if (event->type != CLAP_EVENT_PARAM_VALUE ||
+                         event->size < sizeof(clap_event_param_value_t))
+                         throw std::logic_error("another event than a value");
+                     told.values.push_back(*reinterpret_cast<const clap_event_param_value_t*>(event));
+                     return true;
+                 }};
+        return &list_;
+    }
+
+  private:
+    clap_output_events_t list_ = {};
+};
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// An instance from create to destroy, initialised.
+class Instance {
+  public:
+    /// Throws std::runtime_error if there is none.
+    Instance(const clap_plugin_entry_t& entry, Host& host) : host_(host) {
+        const clap_plugin_factory_t& factory = factoryOf(entry);
+        plugin_ = factory.create_plugin(&factory, &host.record, kPluginId);
+        if (!plugin_)
+            throw std::runtime_error("no instance");
+        if (!plugin_->init(plugin_)) {
+            plugin_->destroy(plugin_);
+            throw std::runtime_error("no working instance");
+        }
+    }
+    Instance(const Module& module, Host& host) : Instance(module.entry(), host) {}
+    ~Instance() {
+        deactivate();
+        plugin_->destroy(plugin_);
+    }
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+
+    const clap_plugin_t* plugin() const { return plugin_; }
+    template <class Extension>
+    const Extension& extension(const char* id) const {
+        const void* const found = plugin_->get_extension(plugin_, id);
+        if (!found)
+            throw std::runtime_error(std::string("no ") + id);
+        return *static_cast<const Extension*>(found);
+    }
+    const clap_plugin_params_t& parameters() const {
+        return extension<clap_plugin_params_t>(CLAP_EXT_PARAMS);
+    }
+
+    /// Also starts processing. False if the plug-in refuses.
+    bool activate(double rate = 44100.0) {
+        deactivate();
+        isActive_ = plugin_->activate(plugin_, rate, 1, 65536);
+        if (isActive_)
+            onAudioThread([&] { plugin_->start_processing(plugin_); });
+        return isActive_;
+    }
+    void deactivate() {
+        if (!isActive_)
+            return;
+        onAudioThread([&] { plugin_->stop_processing(plugin_); });
+        plugin_->deactivate(plugin_);
+        isActive_ = false;
+    }
+    void reset() {
+        onAudioThread([&] { plugin_->reset(plugin_); });
+    }
+
+    /// Two channels each; `events` take effect in this block.
+    clap_process_status process(float* const* inputs, float* const* outputs, std::uint32_t frames,
+                                Events* events = nullptr, ToldEvents* told = nullptr) {
+        clap_audio_buffer_t in = {const_cast<float**>(inputs), nullptr, 2, 0, 0};
+        clap_audio_buffer_t out = {const_cast<float**>(outputs), nullptr, 2, 0, ~std::uint64_t{0}};
+        Events none;
+        ToldEvents unheard;
+        const clap_process_t block = {-1,
+                                      frames,
+                                      nullptr,
+                                      &in,
+                                      &out,
+                                      1,
+                                      1,
+                                      (events ? *events : none).list(),
+                                      (told ? *told : unheard).list()};
+        return process(block);
+    }
+    clap_process_status process(const clap_process_t& block) {
+        clap_process_status status = CLAP_PROCESS_ERROR;
+        onAudioThread([&] { status = plugin_->process(plugin_, &block); });
+        return status;
+    }
+    /// On the thread that the format wants for it.
+    void flush(Events& events, ToldEvents* told = nullptr) {
+        ToldEvents unheard;
+        const auto work = [&] {
+            parameters().flush(plugin_, events.list(), (told ? *told : unheard).list());
+        };
+        if (isActive_)
+            onAudioThread(work);
+        else
+            work();
+    }
+    void set(clap_id id, double value) {
+        Events events;
+        flush(events.value(id, value));
+    }
+
+    double value(clap_id id) const {
+        double value = -1.0;
+        if (!parameters().get_value(plugin_, id, &value))
+            throw std::runtime_error("no value");
+        return value;
+    }
+    std::string text(clap_id id, double value) const {
+        char text[CLAP_NAME_SIZE];
+        return parameters().value_to_text(plugin_, id, value, text, sizeof text) ? text : "none";
+    }
+    std::optional<double> read(clap_id id, const char* text) const {
+        double value = -1.0;
+        return parameters().text_to_value(plugin_, id, text, &value) ? std::optional(value) : std::nullopt;
+    }
+
+    /// `portion` bytes at a time. Nothing if the plug-in says that it could not.
+    std::optional<Bytes> save(std::size_t portion = 1000, std::size_t room = ~std::size_t{0}) {
+        struct Sink {
+            std::size_t portion, room;
+            Bytes bytes;
+        } sink = {portion, room, {}};
+        const clap_ostream_t stream = {
+            &sink, [](const clap_ostream_t* self, const void* data, std::uint64_t size) -> std::int64_t {
+                auto& to = *static_cast<Sink*>(self->ctx);
+                const auto count = std::min<std::uint64_t>({size, to.portion, to.room - to.bytes.size()});
+                const auto* const bytes = static_cast<const std::uint8_t*>(data);
+                to.bytes.insert(to.bytes.end(), bytes, bytes + count);
+                return count > 0 ? static_cast<std::int64_t>(count) : -1;
+            }};
+        return extension<clap_plugin_state_t>(CLAP_EXT_STATE).save(plugin_, &stream)
+                   ? std::optional(sink.bytes)
+                   : std::nullopt;
+    }
+    /// At the end of `bytes` the stream answers `end`: 0, or a failure below that.
+    bool load(const Bytes& bytes, std::size_t portion = 1000, std::int64_t end = 0) {
+        struct Source {
+            const Bytes& bytes;
+            std::size_t portion, position;
+            std::int64_t end;
+        } source = {bytes, portion, 0, end};
+        const clap_istream_t stream = {
+            &source, [](const clap_istream_t* self, void* data, std::uint64_t size) -> std::int64_t {
+                auto& from = *static_cast<Source*>(self->ctx);
+                const auto count =
+                    std::min<std::uint64_t>({size, from.portion, from.bytes.size() - from.position});
+                if (count == 0)
+                    return from.end;
+                std::memcpy(data, from.bytes.data() + from.position, count);
+                from.position += count;
+                return static_cast<std::int64_t>(count);
+            }};
+        return extension<clap_plugin_state_t>(CLAP_EXT_STATE).load(plugin_, &stream);
+    }
+
+  private:
+    template <class Work>
+    void onAudioThread(const Work& work) {
+        host_.isAudioCall = true;
+        work();
+        host_.isAudioCall = false;
+    }
+
+    Host& host_;
+    const clap_plugin_t* plugin_ = nullptr;
+    bool isActive_ = false;
+};
+
+} // namespace clap_test
