@@ -42,8 +42,8 @@ class ClapDelay final : private interfaces::EffectHost {
 
     /// Plays a block, which may be of any length, also of no frame, and in place. Each event takes effect at
     /// its frame: the block is played in pieces. An event that stands behind a later one takes effect where
-    /// the block has got to, one from beyond the end at the end. The first block after activate() begins like
-    /// that: a host may have restored values since. Allocates nothing, locks nothing. The audio thread.
+    /// the block has got to, one from beyond the end at the end. The first block of an instance and the first
+    /// one after activate() begin like that. Allocates nothing, locks nothing. The audio thread.
     void process(const clap_process_t& block);
     /// Sets values without playing and tells of changes. A host may do so in the middle of a block that
     /// another thread plays: nothing is touched that belongs to the audio thread.

@@ -64,6 +64,11 @@ Bytes factoryChunk() {
 /// Where in their block events stand.
 enum class Places { kStart, kAnywhere, kUnsorted };
 
+void PrintTo(Places places, std::ostream* out) {
+    constexpr const char* names[] = {"at the start", "anywhere", "unsorted"};
+    *out << names[static_cast<int>(places)];
+}
+
 class Duel {
   public:
     Duel(const Scenario& scenario, Places places, std::int32_t readOfForeignMode)
@@ -367,14 +372,9 @@ TEST_P(ThroughEvents, SoundsLikeTheReference) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(AtTheStart, ThroughEvents,
+INSTANTIATE_TEST_SUITE_P(Scenarios, ThroughEvents,
                          testing::Combine(testing::Range<std::uint64_t>(0, kFamilies),
-                                          testing::Values(Places::kStart)));
-INSTANTIATE_TEST_SUITE_P(Anywhere, ThroughEvents,
-                         testing::Combine(testing::Range<std::uint64_t>(0, kFamilies),
-                                          testing::Values(Places::kAnywhere)));
-INSTANTIATE_TEST_SUITE_P(Unsorted, ThroughEvents,
-                         testing::Combine(testing::Range<std::uint64_t>(0, kFamilies),
-                                          testing::Values(Places::kUnsorted)));
+                                          testing::Values(Places::kStart, Places::kAnywhere,
+                                                          Places::kUnsorted)));
 
 } // namespace

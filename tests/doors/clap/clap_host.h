@@ -264,17 +264,19 @@ class Instance {
                                       (told ? *told : unheard).list()};
         return process(block);
     }
-    clap_process_status process(const clap_process_t& block) {
+    clap_process_status process(const clap_process_t& block) { return process(&block); }
+    clap_process_status process(const clap_process_t* block) {
         clap_process_status status = CLAP_PROCESS_ERROR;
-        onAudioThread([&] { status = plugin_->process(plugin_, &block); });
+        onAudioThread([&] { status = plugin_->process(plugin_, block); });
         return status;
     }
-    /// On the thread that the format wants for it.
     void flush(Events& events, ToldEvents* told = nullptr) {
         ToldEvents unheard;
-        const auto work = [&] {
-            parameters().flush(plugin_, events.list(), (told ? *told : unheard).list());
-        };
+        flush(events.list(), (told ? *told : unheard).list());
+    }
+    /// On the thread that the format wants for it.
+    void flush(const clap_input_events_t* in, const clap_output_events_t* out) {
+        const auto work = [&] { parameters().flush(plugin_, in, out); };
         if (isActive_)
             onAudioThread(work);
         else

@@ -36,11 +36,13 @@ class EventList : public testing::Test {
         float* const channels[] = {left.data(), right.data()};
         instance.process(channels, channels, frames, list, to);
     }
-    /// What a fresh instance plays with these events in a block of 2000 frames.
+    /// What a fresh instance plays with these events in a block of 2000 frames, echoes from the first ones
+    /// on.
     Stereo soundWith(Events& list, double set = 2.0) {
         Host other;
         Instance fresh(module(), other);
         fresh.set(kSet, set);
+        fresh.set(kBaseLength, 0.05);
         fresh.activate();
         return played(fresh, 6000, 2000, &list);
     }
@@ -326,10 +328,10 @@ TEST_F(EventList, MakesDoWithoutLists) {
     clap_process_t block = {};
     block.frames_count = 64;
     EXPECT_EQ(instance.process(block), CLAP_PROCESS_CONTINUE);
-    instance.parameters().flush(instance.plugin(), nullptr, nullptr);
+    instance.flush(nullptr, nullptr);
     instance.deactivate();
-    instance.parameters().flush(instance.plugin(), nullptr, nullptr);
-    instance.parameters().flush(instance.plugin(), events.value(kProgramId, 3.0).list(), nullptr);
+    instance.flush(nullptr, nullptr);
+    instance.flush(events.value(kProgramId, 3.0).list(), nullptr);
     Events none;
     instance.flush(none, &told);
     expectAllTold(told, instance, 0);
