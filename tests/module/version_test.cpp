@@ -1,4 +1,4 @@
-// What Explorer shows of the module's file.
+// What Explorer shows of the modules' files.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -8,13 +8,14 @@
 
 namespace {
 
-class VersionResource : public testing::Test {
+class VersionResource : public testing::TestWithParam<std::string> {
   protected:
     VersionResource() {
         DWORD ignored = 0;
-        block_.resize(GetFileVersionInfoSizeA(QUILLON_LIBRARY, &ignored));
+        const std::string& file = GetParam();
+        block_.resize(GetFileVersionInfoSizeA(file.c_str(), &ignored));
         if (!block_.empty())
-            GetFileVersionInfoA(QUILLON_LIBRARY, 0, static_cast<DWORD>(block_.size()), block_.data());
+            GetFileVersionInfoA(file.c_str(), 0, static_cast<DWORD>(block_.size()), block_.data());
     }
 
     std::string text(const std::string& name) {
@@ -30,14 +31,14 @@ class VersionResource : public testing::Test {
     std::vector<char> block_;
 };
 
-TEST_F(VersionResource, NamesTheProductAndItsMaker) {
+TEST_P(VersionResource, NamesTheProductAndItsMaker) {
     EXPECT_EQ(text("ProductName"), "Quillon Multitap Delay");
     EXPECT_EQ(text("FileDescription"), "Quillon Multitap Delay");
     EXPECT_EQ(text("CompanyName"), "Quillon Software");
-    EXPECT_EQ(text("OriginalFilename"), "QuillonMultitapDelay.dll");
+    EXPECT_EQ(text("OriginalFilename"), GetParam().substr(GetParam().rfind('/') + 1));
 }
 
-TEST_F(VersionResource, HasTheVersionOfTheProject) {
+TEST_P(VersionResource, HasTheVersionOfTheProject) {
     EXPECT_EQ(text("FileVersion"), QUILLON_VERSION);
     EXPECT_EQ(text("ProductVersion"), QUILLON_VERSION);
     VS_FIXEDFILEINFO* numbers = nullptr;
@@ -49,5 +50,7 @@ TEST_F(VersionResource, HasTheVersionOfTheProject) {
                   std::to_string(HIWORD(low)),
               QUILLON_VERSION);
 }
+
+INSTANTIATE_TEST_SUITE_P(Modules, VersionResource, testing::Values(QUILLON_LIBRARY, QUILLON_CLAP_MODULE));
 
 } // namespace
