@@ -1,6 +1,6 @@
 // What a CLAP host's audio thread calls waits for nothing: no allocation, no lock, no system call, from the
 // first block on and whatever the events are.
-#include "doors/clap/clap_host.h"
+#include "clap_module.h"
 #include "system_call_trap.h"
 #include "watched_calls.h"
 
@@ -64,7 +64,7 @@ class ClapAudioPath : public testing::Test {
 
     const Module module;
     Host host;
-    Instance instance{module, host};
+    Instance instance{module.entry(), host};
     std::array<float, kLongestBlock> noise, left, right;
     int numTold = 0;
 };
@@ -72,7 +72,7 @@ class ClapAudioPath : public testing::Test {
 TEST_F(ClapAudioPath, SeesTheAllocationsOfAnInstanceThatComesAndGoes) {
     startWatchingCalls();
     {
-        Instance other(module, host);
+        Instance other(module.entry(), host);
     }
     EXPECT_GT(stopWatchingCalls().count, 0);
 }

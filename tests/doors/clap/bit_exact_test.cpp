@@ -2,7 +2,7 @@
 // says in other words becomes events and states, and the reference is told what the door should make of it.
 // Events stand at the start of a block or anywhere in it, sorted or not; then the reference plays the same
 // pieces.
-#include "clap_host.h"
+#include "clap_module.h"
 
 #include "block_buffers.h"
 #include "desk/private_folder.h"
@@ -336,7 +336,7 @@ class Duel {
     const Places places_;
     Random random_;
     Host host_;
-    std::unique_ptr<Instance> instance_ = std::make_unique<Instance>(module(), host_);
+    std::unique_ptr<Instance> instance_ = std::make_unique<Instance>(module().entry(), host_);
     std::unique_ptr<ReferenceEngine> reference_;
     std::vector<Change> changes_;
     float rate_ = 44100.0f;

@@ -1,8 +1,7 @@
-// A small CLAP host: loads a module, holds instances of its plug-in, plays blocks with events. By itself it
-// keeps to the rules of the format; what it is handed may break them.
+// A small CLAP host: holds instances of the plug-in, plays blocks with events. By itself it keeps to the
+// rules of the format; what it is handed may break them.
 #pragma once
 
-#include "desk/shared_library.h"
 #include "doors/clap/parameter_list.h"
 
 #include <clap/entry.h>
@@ -17,7 +16,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <deque>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -27,26 +26,6 @@
 namespace clap_test {
 
 inline constexpr char kPluginId[] = "quillon.multitap-delay";
-inline constexpr char kModule[] = QUILLON_CLAP "/QuillonMultitapDelay.clap";
-
-/// A loaded module between init() and deinit().
-class Module {
-  public:
-    explicit Module(const std::string& path = kModule)
-        : library_(path), entry_(static_cast<const clap_plugin_entry_t*>(library_.symbol("clap_entry"))) {
-        if (!entry_ || !entry_->init(path.c_str()))
-            throw std::runtime_error(path + " is no usable module");
-    }
-    ~Module() { entry_->deinit(); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
-
-    const clap_plugin_entry_t& entry() const { return *entry_; }
-
-  private:
-    desk::SharedLibrary library_;
-    const clap_plugin_entry_t* entry_;
-};
 
 inline const clap_plugin_factory_t& factoryOf(const clap_plugin_entry_t& entry) {
     const auto* const factory =
@@ -125,18 +104,20 @@ class Events {
     }
     template <class Event>
     Events& add(const Event& event) {
-        static_assert(sizeof(Event) <= sizeof(Storage));
-        storage_.emplace_back();
-        std::memcpy(storage_.back().bytes, &event, sizeof event);
+        return add(&event, sizeof event);
+    }
+    /// In a block of exactly this size, so that a step too far is noticed.
+    Events& add(const void* event, std::size_t size) {
+        entries_.push_back(std::make_unique<unsigned char[]>(size));
+        std::memcpy(entries_.back().get(), event, size);
         return *this;
     }
     /// An entry that is there and null.
     Events& nothing() {
-        storage_.emplace_back().isNull = true;
+        entries_.push_back(nullptr);
         return *this;
     }
-    void clear() { storage_.clear(); }
-    bool isEmpty() const { return storage_.empty(); }
+    void clear() { entries_.clear(); }
 
     static clap_event_header_t header(std::size_t size, std::uint16_t type, std::uint32_t time) {
         return {static_cast<std::uint32_t>(size), time, CLAP_CORE_EVENT_SPACE_ID, type, 0};
@@ -145,26 +126,20 @@ class Events {
     const clap_input_events_t* list() {
         list_ = {this,
                  [](const clap_input_events_t* self) {
-                     return static_cast<std::uint32_t>(of(self).storage_.size());
+                     return static_cast<std::uint32_t>(of(self).entries_.size());
                  },
                  [](const clap_input_events_t* self, std::uint32_t index) {
-                     const Storage& storage = of(self).storage_.at(index);
-                     return storage.isNull ? nullptr
-                                           : reinterpret_cast<const clap_event_header_t*>(storage.bytes);
+                     return reinterpret_cast<const clap_event_header_t*>(of(self).entries_.at(index).get());
                  }};
         return &list_;
     }
 
   private:
-    struct Storage {
-        alignas(8) unsigned char bytes[128] = {};
-        bool isNull = false;
-    };
     static const Events& of(const clap_input_events_t* list) {
         return *static_cast<const Events*>(list->ctx);
     }
 
-    std::deque<Storage> storage_;
+    std::vector<std::unique_ptr<unsigned char[]>> entries_;
     clap_input_events_t list_ = {};
 };
 
@@ -207,7 +182,6 @@ class Instance {
             throw std::runtime_error("no working instance");
         }
     }
-    Instance(const Module& module, Host& host) : Instance(module.entry(), host) {}
     ~Instance() {
         deactivate();
         plugin_->destroy(plugin_);

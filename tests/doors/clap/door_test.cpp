@@ -1,6 +1,6 @@
 // The module as a host meets it: what it says of itself, its ports and parameters, and where it writes what
 // went wrong.
-#include "clap_host.h"
+#include "clap_module.h"
 #include "sound.h"
 
 #include "desk/private_folder.h"
@@ -110,7 +110,7 @@ TEST_F(CopiedModule, TellsTheHostsLogOfAMissingBank) {
     testing::internal::CaptureStderr();
     {
         const Module copy(path());
-        Instance instance(copy, host);
+        Instance instance(copy.entry(), host);
         EXPECT_EQ(instance.text(kProgramId, 127), "Fiber Cascade");
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -122,7 +122,7 @@ TEST_F(CopiedModule, TellsStandardErrorOfAMissingBankWhereThereIsNoLog) {
     testing::internal::CaptureStderr();
     {
         const Module copy(path());
-        Instance instance(copy, host);
+        Instance instance(copy.entry(), host);
     }
     std::string errors = testing::internal::GetCapturedStderr();
     std::erase(errors, '\r');
@@ -132,7 +132,7 @@ TEST_F(CopiedModule, TellsStandardErrorOfAMissingBankWhereThereIsNoLog) {
 TEST_F(CopiedModule, FindsAProgramByTheFirstOfItsNameOrTheCurrentOne) {
     Host host(Host::kLog);
     const Module copy(path());
-    Instance instance(copy, host);
+    Instance instance(copy.entry(), host);
     EXPECT_EQ(instance.read(kProgramId, "Fiber Cascade"), 0.0);
     instance.set(kProgramId, 5.0);
     EXPECT_EQ(instance.read(kProgramId, "fiber cascade"), 5.0);
@@ -149,13 +149,13 @@ class Door : public testing::Test {
 
     desk::PrivateFolder folder;
     Host host;
-    Instance instance{module(), host};
+    Instance instance{module().entry(), host};
 };
 
 TEST_F(Door, MakesDoWithAHostThatOffersNothing) {
     Host bare(Host::kNothing);
     bare.record.get_extension = nullptr;
-    Instance other(module(), bare);
+    Instance other(module().entry(), bare);
     EXPECT_TRUE(other.activate());
     EXPECT_TRUE(instance.activate());
     EXPECT_EQ(played(other), played(instance));
@@ -337,7 +337,7 @@ TEST_F(Door, KeepsInstancesApart) {
     Host others[8];
     std::vector<std::unique_ptr<Instance>> instances;
     for (Host& other : others)
-        instances.push_back(std::make_unique<Instance>(module(), other));
+        instances.push_back(std::make_unique<Instance>(module().entry(), other));
     instances.front()->activate();
     const Stereo alone = played(*instances.front());
     for (const auto& other : instances) {
@@ -355,7 +355,7 @@ TEST_F(Door, PlaysOnlyWhatItHasChannelsFor) {
     instance.activate();
     const Stereo both = played(instance, 6000, 6000);
     Host otherHost;
-    Instance other(module(), otherHost);
+    Instance other(module().entry(), otherHost);
     other.set(kSet, 1.0);
     other.activate();
     Row left = noise(6000, 1), right = noise(6000, 2), out(6000);
@@ -404,7 +404,7 @@ TEST_F(Door, MakesDoWithCallsOutOfOrder) {
 
 TEST_F(Door, PlaysAsIfActivatedForAHostThatForgetsTo) {
     Host other;
-    Instance second(module(), other);
+    Instance second(module().entry(), other);
     // Whose first blocks are faded in behind activate(), as its taps jump.
     const double telephone = instance.read(kProgramId, "Telephone").value();
     instance.set(kProgramId, telephone);
@@ -416,7 +416,7 @@ TEST_F(Door, PlaysAsIfActivatedForAHostThatForgetsTo) {
 TEST_F(Door, LeavesTheCurrentFolderAlone) {
     {
         Host other;
-        Instance passing(module(), other);
+        Instance passing(module().entry(), other);
     }
     EXPECT_TRUE(std::filesystem::is_empty("."));
 }

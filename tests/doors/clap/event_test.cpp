@@ -1,5 +1,5 @@
 // What a host's events do: values and MIDI at their frame, and what the host is told in return.
-#include "clap_host.h"
+#include "clap_module.h"
 #include "sound.h"
 
 #include "desk/private_folder.h"
@@ -40,7 +40,7 @@ class EventList : public testing::Test {
     /// on.
     Stereo soundWith(Events& list, double set = 2.0) {
         Host other;
-        Instance fresh(module(), other);
+        Instance fresh(module().entry(), other);
         fresh.set(kSet, set);
         fresh.set(kBaseLength, 0.05);
         fresh.activate();
@@ -49,7 +49,7 @@ class EventList : public testing::Test {
 
     desk::PrivateFolder folder;
     Host host;
-    Instance instance{module(), host};
+    Instance instance{module().entry(), host};
     Events events;
     ToldEvents told;
 };
@@ -204,7 +204,7 @@ void writeMap(std::int32_t id, std::int32_t controller) {
 TEST_F(EventList, BindsControllersByTheMapInTheCurrentFolder) {
     writeMap(kFeedback, 21);
     Host other;
-    Instance mapped(module(), other);
+    Instance mapped(module().entry(), other);
     mapped.activate();
     Row samples(64);
     float* const channels[] = {samples.data(), samples.data()};
@@ -221,7 +221,7 @@ TEST_F(EventList, BindsControllersByTheMapInTheCurrentFolder) {
 TEST_F(EventList, HasNoControllersWithoutAMap) {
     std::filesystem::remove("Pluginccmap.bin");
     Host other;
-    Instance mapless(module(), other);
+    Instance mapless(module().entry(), other);
     const double before = mapless.value(kFeedback);
     mapless.activate();
     Row samples(64);

@@ -1,6 +1,6 @@
 // A sound that is kept with one door is the same behind the other: a chunk in a VST 2.4 project, a state or
 // the values of the same program here.
-#include "clap_host.h"
+#include "clap_module.h"
 
 #include "host/plugin.h"
 #include "support/plugin_folder.h"
@@ -61,7 +61,7 @@ TEST_P(SameSound, ComesFromAChunkAStateAndValues) {
 
     const clap_test::Module clap;
     clap_test::Host hosts[2];
-    clap_test::Instance loaded(clap, hosts[0]), set(clap, hosts[1]);
+    clap_test::Instance loaded(clap.entry(), hosts[0]), set(clap.entry(), hosts[1]);
     ASSERT_TRUE(loaded.load(stateOf(bank, GetParam())));
     for (std::size_t id = 0; id < values.size(); ++id)
         set.set(static_cast<clap_id>(id), clap_door::hostValueOf(static_cast<std::int32_t>(id), values[id]));

@@ -1,5 +1,5 @@
 // What a host keeps in a project: whole states come back bit by bit, anything else changes nothing.
-#include "clap_host.h"
+#include "clap_module.h"
 #include "sound.h"
 
 #include "desk/private_folder.h"
@@ -52,7 +52,7 @@ class State : public testing::Test {
 
     desk::PrivateFolder folder;
     Host host;
-    Instance instance{module(), host};
+    Instance instance{module().entry(), host};
 };
 
 TEST_F(State, HoldsAVersionTheProgramTheLiveValuesAndTheBank) {
@@ -74,7 +74,7 @@ TEST_F(State, ComesBackInAnotherInstance) {
     changeEverything();
     const Bytes saved = instance.save().value();
     Host other;
-    Instance second(module(), other);
+    Instance second(module().entry(), other);
     EXPECT_TRUE(second.load(saved));
     EXPECT_EQ(second.save(), saved);
     for (clap_id id = 0; id < 17; ++id)
@@ -126,7 +126,7 @@ TEST_F(State, HasTheHostReadAllValuesAgain) {
     changeEverything();
     const Bytes saved = instance.save().value();
     Host other;
-    Instance second(module(), other);
+    Instance second(module().entry(), other);
     second.activate();
     EXPECT_EQ(other.rescanned, 0u);
     EXPECT_TRUE(second.load(saved));
@@ -144,7 +144,7 @@ TEST_F(State, GoesThroughStreamsThatTakeAndGiveAByteAtATime) {
     const Bytes saved = instance.save(1).value();
     EXPECT_EQ(saved, instance.save());
     Host other;
-    Instance second(module(), other);
+    Instance second(module().entry(), other);
     EXPECT_TRUE(second.load(saved, 1));
     EXPECT_EQ(second.save(), saved);
 }
@@ -230,7 +230,7 @@ TEST_F(State, SoundsTheSameLoadedBeforeAndAfterActivation) {
     instance.activate(48000.0);
     const Stereo set = played(instance);
     Host hosts[2];
-    Instance before(module(), hosts[0]), after(module(), hosts[1]);
+    Instance before(module().entry(), hosts[0]), after(module().entry(), hosts[1]);
     EXPECT_TRUE(before.load(saved));
     before.activate(48000.0);
     after.activate(48000.0);

@@ -1,6 +1,6 @@
 // What a host may do at once: instances that play while others come and go, and questions, states and values
 // from the main thread while one plays.
-#include "clap_host.h"
+#include "clap_module.h"
 
 #include "desk/private_folder.h"
 
@@ -38,13 +38,13 @@ TEST(DoorsThreads, PlayWhileInstancesComeAndGo) {
     const desk::PrivateFolder folder;
     const Module module;
     Host hosts[3] = {Host(kOffers), Host(kOffers), Host(kOffers)};
-    Instance first(module, hosts[0]), second(module, hosts[1]);
+    Instance first(module.entry(), hosts[0]), second(module.entry(), hosts[1]);
     first.activate();
     second.activate(96000.0);
     std::thread audio([&] { play(first, 0.05); });
     std::thread otherAudio([&] { play(second, 0.07); });
     for (int i = 0; i < 10; ++i) {
-        Instance passing(module, hosts[2]);
+        Instance passing(module.entry(), hosts[2]);
         passing.activate(48000.0);
     }
     audio.join();
@@ -55,7 +55,7 @@ TEST(DoorsThreads, AnswerLoadAndSetWhileOneOfThemPlays) {
     const desk::PrivateFolder folder;
     const Module module;
     Host host(kOffers);
-    Instance instance(module, host);
+    Instance instance(module.entry(), host);
     instance.activate();
     std::atomic<bool> isOver = false;
     std::thread audio([&] {
