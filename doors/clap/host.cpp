@@ -33,7 +33,7 @@ void Host::warn(const char* subject, const char* text) const {
 
 void Host::rescanValues() const {
     if (params_ && params_->rescan)
-        params_->rescan(&host_, CLAP_PARAM_RESCAN_VALUES);
+        params_->rescan(&host_, CLAP_PARAM_RESCAN_VALUES | CLAP_PARAM_RESCAN_TEXT);
 }
 
 bool Host::isMainThread() const {

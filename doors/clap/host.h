@@ -25,7 +25,7 @@ class Host {
     /// Writes "subject: text" to the host's log or, where it has none, to standard error. Any thread but the
     /// audio thread.
     void warn(const char* subject, const char* text) const;
-    /// Has the host read all values again. The main thread.
+    /// Has the host read all values and the programs' names again. The main thread.
     void rescanValues() const;
 
     /// True if the host does not tell its threads apart.

@@ -122,7 +122,7 @@ TEST_F(State, ShowsValuesWithinTheirRangesWhateverItHolds) {
     EXPECT_EQ(instance.value(kFeedback), 0.0);
 }
 
-TEST_F(State, HasTheHostReadAllValuesAgain) {
+TEST_F(State, HasTheHostReadAllValuesAndNamesAgain) {
     changeEverything();
     const Bytes saved = instance.save().value();
     Host other;
@@ -130,7 +130,7 @@ TEST_F(State, HasTheHostReadAllValuesAgain) {
     second.activate();
     EXPECT_EQ(other.rescanned, 0u);
     EXPECT_TRUE(second.load(saved));
-    EXPECT_EQ(other.rescanned, CLAP_PARAM_RESCAN_VALUES);
+    EXPECT_EQ(other.rescanned, CLAP_PARAM_RESCAN_VALUES | CLAP_PARAM_RESCAN_TEXT);
     // The next block tells them too.
     Row samples(64);
     float* const channels[] = {samples.data(), samples.data()};
