@@ -1,8 +1,9 @@
 ; The installer for Windows. Whoever runs makensis passes
 ;   VERSION   as the library says it, like 1.0.0
-;   STAGE     the folder with everything that is delivered
-;   INSTALL   a file of instructions that put each delivered file in its place
+;   STAGE     the folder with everything that is delivered for VST hosts
+;   INSTALL   a file of instructions that put each file of it in its place
 ;   REMOVE    one that takes them away again (both by list_files.cmake)
+;   INSTALL_CLAP, REMOVE_CLAP   the same for CLAP hosts, which all look in one folder
 ;   OUTPUT    the installer to be written
 ;
 ; Nothing that a person added or changed is lost, neither by installing over it nor by uninstalling: only the very files
@@ -18,10 +19,15 @@ Target amd64-unicode
 !define PRODUCT "Quillon Multitap Delay"
 !define VENDOR "Quillon Software"
 !define BANK "default.fxb"
+!define LIBRARY "QuillonMultitapDelay"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${PRODUCT}"
 ; Where hosts and installers of other makers keep the place of the VST folder.
 !define VST_KEY "Software\VST"
 !define VST_VALUE "VSTPluginsPath"
+
+; Where CLAP hosts look, and the folder that is dealt with at the moment.
+Var ClapFolder
+Var Folder
 
 Name "${PRODUCT}"
 OutFile "${OUTPUT}"
@@ -40,7 +46,7 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 
 !define MUI_ABORTWARNING
 !define MUI_DIRECTORYPAGE_TEXT_TOP "Choose the folder for the effect, inside one in which your music software looks for \
-64-bit VST plug-ins. Skins of your own that are already there stay."
+64-bit VST plug-ins. For CLAP hosts it goes where they all look. Skins of your own that are already there stay."
 !insertmacro MUI_PAGE_LICENSE "${STAGE}/LICENSE"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -50,13 +56,13 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 
 ; For the installer and the uninstaller, which may share no function.
 !macro DefineBankQuestion prefix
-; Is the bank in the folder the one that comes with this version? "yes", "no" or "none" in $0. Uses $1 to $4.
+; Is the bank in $Folder the one that comes with this version? "yes", "no" or "none" in $0. Uses $1 to $4.
 Function ${prefix}IsBankOurs
   StrCpy $0 "none"
-  IfFileExists "$INSTDIR\${BANK}" 0 answered
+  IfFileExists "$Folder\${BANK}" 0 answered
   InitPluginsDir
   File "/oname=$PLUGINSDIR\${BANK}" "${STAGE}/${BANK}"
-  FileOpen $1 "$INSTDIR\${BANK}" r
+  FileOpen $1 "$Folder\${BANK}" r
   FileOpen $2 "$PLUGINSDIR\${BANK}" r
   ${Do}
     ClearErrors
@@ -102,36 +108,68 @@ Function .onInit
     ${EndIf}
     StrCpy $INSTDIR "$0\${PRODUCT}"
   ${EndIf}
+  StrCpy $ClapFolder "$COMMONFILES64\CLAP\${PRODUCT}"
 FunctionEnd
 
 Function un.onInit
   SetRegView 64
+  StrCpy $ClapFolder "$COMMONFILES64\CLAP\${PRODUCT}"
 FunctionEnd
 
 Function TellOfTrouble
-  MessageBox MB_ICONSTOP|MB_OK "Not everything could be written to $INSTDIR. Is the effect in use? Close your music \
+  MessageBox MB_ICONSTOP|MB_OK "Not everything could be written to $Folder. Is the effect in use? Close your music \
 software and run this again." /SD IDOK
+  SetErrorLevel 2
+  Abort
+FunctionEnd
+
+; One that was set aside before stays, too: the next free number is taken. Uses $0 to $4.
+Function SetForeignBankAside
+  Call IsBankOurs
+  ${If} $0 == "no"
+    StrCpy $1 1
+    ${While} ${FileExists} "$Folder\default before ${VERSION} ($1).fxb"
+      IntOp $1 $1 + 1
+    ${EndWhile}
+    ClearErrors
+    Rename "$Folder\${BANK}" "$Folder\default before ${VERSION} ($1).fxb"
+    ${If} ${Errors}
+      Call TellOfTrouble
+    ${EndIf}
+  ${EndIf}
+FunctionEnd
+
+!macro InstallInto folder files
+  StrCpy $Folder "${folder}"
+  Call SetForeignBankAside
+  ClearErrors
+  !include "${files}"
+  ${If} ${Errors}
+    Call TellOfTrouble
+  ${EndIf}
+!macroend
+
+!macro RemoveFrom folder files
+  StrCpy $Folder "${folder}"
+  Call un.IsBankOurs
+  ${If} $0 == "yes"
+    Delete "$Folder\${BANK}"
+  ${EndIf}
+  !include "${files}"
+!macroend
+
+Function un.TellOfUse
+  MessageBox MB_ICONSTOP|MB_OK "The effect is in use. Close your music software and run this again." /SD IDOK
   SetErrorLevel 2
   Abort
 FunctionEnd
 
 Section "Effect"
   SetOverwrite on
-  Call IsBankOurs
-  ${If} $0 == "no"
-    ; One that was set aside before stays, too: the next free number is taken.
-    StrCpy $1 1
-    ${While} ${FileExists} "$INSTDIR\default before ${VERSION} ($1).fxb"
-      IntOp $1 $1 + 1
-    ${EndWhile}
-    ClearErrors
-    Rename "$INSTDIR\${BANK}" "$INSTDIR\default before ${VERSION} ($1).fxb"
-    ${If} ${Errors}
-      Call TellOfTrouble
-    ${EndIf}
-  ${EndIf}
+  !insertmacro InstallInto "$INSTDIR" "${INSTALL}"
+  !insertmacro InstallInto "$ClapFolder" "${INSTALL_CLAP}"
+  StrCpy $Folder "$INSTDIR"
   ClearErrors
-  !include "${INSTALL}"
   WriteUninstaller "$INSTDIR\Uninstall.exe"
   ${If} ${Errors}
     Call TellOfTrouble
@@ -147,19 +185,23 @@ Section "Effect"
 SectionEnd
 
 Section "Uninstall"
-  ; The library first: while it is in use nothing else may go.
+  ; The libraries first: while one of them is in use nothing else may go.
+  InitPluginsDir
+  CopyFiles /SILENT "$INSTDIR\${LIBRARY}.dll" "$PLUGINSDIR"
   ClearErrors
-  Delete "$INSTDIR\QuillonMultitapDelay.dll"
+  Delete "$INSTDIR\${LIBRARY}.dll"
   ${If} ${Errors}
-    MessageBox MB_ICONSTOP|MB_OK "The effect is in use. Close your music software and run this again." /SD IDOK
-    SetErrorLevel 2
-    Abort
+    Call un.TellOfUse
   ${EndIf}
-  Call un.IsBankOurs
-  ${If} $0 == "yes"
-    Delete "$INSTDIR\${BANK}"
+  Delete "$ClapFolder\${LIBRARY}.clap"
+  ${If} ${Errors}
+    CopyFiles /SILENT "$PLUGINSDIR\${LIBRARY}.dll" "$INSTDIR"
+    Call un.TellOfUse
   ${EndIf}
-  !include "${REMOVE}"
+  !insertmacro RemoveFrom "$INSTDIR" "${REMOVE}"
+  !insertmacro RemoveFrom "$ClapFolder" "${REMOVE_CLAP}"
+  RMDir "$ClapFolder"
+  RMDir "$COMMONFILES64\CLAP"
   Delete "$INSTDIR\Uninstall.exe"
   RMDir "$INSTDIR"
   DeleteRegKey HKLM "${UNINSTALL_KEY}"

@@ -1,7 +1,7 @@
 # Writes what the installer does with each file of the stage: INSTALL, a file of instructions to put them in their
 # places, and REMOVE, one to take them away. The bank's removal is the installer's own business: it may be a person's.
 #
-#   cmake -DSTAGE=... -DINSTALL=... -DREMOVE=... -P list_files.cmake
+#   cmake -DSTAGE=... -DPLACE='$INSTDIR' -DINSTALL=... -DREMOVE=... -P list_files.cmake
 file(GLOB_RECURSE files RELATIVE ${STAGE} ${STAGE}/*)
 list(SORT files)
 set(install "")
@@ -11,18 +11,18 @@ foreach(file ${files})
   string(REPLACE "/" "\\" name "${file}")
   get_filename_component(folder "${file}" DIRECTORY)
   if(folder)
-    string(REPLACE "/" "\\" place "$INSTDIR\\${folder}")
+    string(REPLACE "/" "\\" place "${PLACE}\\${folder}")
     # With the folders around it, which may hold nothing else.
     while(folder)
       list(APPEND folders "${folder}")
       get_filename_component(folder "${folder}" DIRECTORY)
     endwhile()
   else()
-    set(place "$INSTDIR")
+    set(place "${PLACE}")
   endif()
   string(APPEND install "SetOutPath \"${place}\"\nFile \"${STAGE}/${file}\"\n")
   if(NOT file STREQUAL "default.fxb")
-    string(APPEND remove "Delete \"$INSTDIR\\${name}\"\n")
+    string(APPEND remove "Delete \"${PLACE}\\${name}\"\n")
   endif()
 endforeach()
 # Inner folders before those that they lie in.
@@ -30,7 +30,7 @@ list(REMOVE_DUPLICATES folders)
 list(SORT folders ORDER DESCENDING)
 foreach(folder ${folders})
   string(REPLACE "/" "\\" name "${folder}")
-  string(APPEND remove "RMDir \"$INSTDIR\\${name}\"\n")
+  string(APPEND remove "RMDir \"${PLACE}\\${name}\"\n")
 endforeach()
 file(WRITE ${INSTALL} "${install}")
 file(WRITE ${REMOVE} "${remove}")

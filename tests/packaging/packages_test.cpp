@@ -20,9 +20,11 @@ namespace {
 namespace files = std::filesystem;
 
 const files::path kStage = QUILLON_STAGE;
+const files::path kClapStage = QUILLON_CLAP;
 const files::path kChosen = "C:\\Studio\\VST Plug-ins\\Echo";
 const std::string kBank = "default.fxb";
 const std::string kLibrary = "QuillonMultitapDelay.dll";
+const std::string kClapLibrary = "QuillonMultitapDelay.clap";
 const std::string kUninstaller = "Uninstall.exe";
 const std::string kInstalledKey =
     "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Quillon Multitap Delay";
@@ -78,13 +80,22 @@ std::set<std::string> filesIn(const files::path& folder) {
     return names;
 }
 
+/// Where all CLAP hosts look.
+files::path clapFolder() {
+    return files::path(std::getenv("CommonProgramFiles")) / "CLAP" / "Quillon Multitap Delay";
+}
+
 /// Every delivered file is in the folder, whole.
-void expectTheStageIn(const files::path& folder) {
-    const std::set<std::string> delivered = filesIn(kStage);
-    ASSERT_TRUE(delivered.contains(kLibrary));
+void expectAllIn(const files::path& folder, const files::path& stage, const std::string& library) {
+    const std::set<std::string> delivered = filesIn(stage);
+    ASSERT_TRUE(delivered.contains(library));
     ASSERT_TRUE(delivered.contains("Quillon Skin/skin.xml"));
     for (const std::string& name : delivered)
-        EXPECT_TRUE(contentOf(folder / name) == contentOf(kStage / name)) << name;
+        EXPECT_TRUE(contentOf(folder / name) == contentOf(stage / name)) << name;
+}
+
+void expectTheStageIn(const files::path& folder) {
+    expectAllIn(folder, kStage, kLibrary);
 }
 
 /// Everything that the installer brought is gone when the uninstaller says so.
@@ -109,6 +120,7 @@ class Packages : public ::testing::Test {
         run("reg delete \"" + kInstalledKey + "\" /f >nul 2>nul");
         run("reg delete \"" + kFolderOfAllEffectsKey + "\" /f >nul 2>nul");
         files::remove_all("C:\\Studio");
+        files::remove_all(clapFolder().parent_path());
     }
 };
 
@@ -119,6 +131,27 @@ TEST_F(Packages, AreInstalledWhereThePersonWantsThem) {
     expected.insert(kUninstaller);
     EXPECT_EQ(filesIn(kChosen), expected);
     EXPECT_TRUE(hasKey(kInstalledKey));
+}
+
+TEST_F(Packages, AreInstalledWhereClapHostsLook) {
+    ASSERT_EQ(install(), 0);
+    expectAllIn(clapFolder(), kClapStage, kClapLibrary);
+    EXPECT_EQ(filesIn(clapFolder()), filesIn(kClapStage));
+    const desk::SharedLibrary library((clapFolder() / kClapLibrary).string());
+    EXPECT_NE(library.symbol("clap_entry"), nullptr);
+}
+
+TEST_F(Packages, KeepWhatAPersonAddedForClapHosts) {
+    ASSERT_EQ(install(), 0);
+    write(clapFolder() / "Mine/skin.xml", "my skin");
+    write(clapFolder() / kBank, "my bank");
+    ASSERT_EQ(install(), 0);
+    expectAllIn(clapFolder(), kClapStage, kClapLibrary);
+    EXPECT_EQ(contentOf(clapFolder() / "default before " QUILLON_VERSION " (1).fxb"), "my bank");
+    write(clapFolder() / kBank, "my other bank");
+    uninstall(kChosen);
+    EXPECT_EQ(filesIn(clapFolder()),
+              (std::set<std::string>{"Mine/skin.xml", "default before " QUILLON_VERSION " (1).fxb", kBank}));
 }
 
 TEST_F(Packages, LoadFromWhereTheyWereInstalled) {
@@ -174,6 +207,7 @@ TEST_F(Packages, LeaveNothingBehindWhenUninstalled) {
     setValue(kSettingsKey, "SkinName", "skin");
     uninstall(kChosen);
     EXPECT_TRUE(waitUntil([] { return !files::exists(kChosen); }));
+    EXPECT_FALSE(files::exists(clapFolder().parent_path()));
 }
 
 TEST_F(Packages, LeaveSkinsAndBankOfAPersonsOwnWhenUninstalled) {
@@ -195,6 +229,12 @@ TEST_F(Packages, StayWholeWhileTheEffectIsInUse) {
         expectTheStageIn(kChosen);
         EXPECT_TRUE(hasKey(kInstalledKey));
     }
+    {
+        const desk::SharedLibrary inUse((clapFolder() / kClapLibrary).string());
+        EXPECT_EQ(run(quoted(kChosen / kUninstaller) + " /S _?=" + kChosen.string()), 2);
+        expectTheStageIn(kChosen);
+        expectAllIn(clapFolder(), kClapStage, kClapLibrary);
+    }
     uninstall(kChosen);
     EXPECT_TRUE(waitUntil([] { return !files::exists(kChosen); }));
 }
@@ -203,6 +243,9 @@ TEST_F(Packages, AreInTheZipAsTheyAreDelivered) {
     const files::path effect = files::path(QUILLON_UNPACKED) / "Quillon Multitap Delay";
     expectTheStageIn(effect);
     EXPECT_EQ(filesIn(effect), filesIn(kStage));
+    const files::path clap = files::path(QUILLON_UNPACKED) / "CLAP" / "Quillon Multitap Delay";
+    expectAllIn(clap, kClapStage, kClapLibrary);
+    EXPECT_EQ(filesIn(clap), filesIn(kClapStage));
     EXPECT_TRUE(files::exists(files::path(QUILLON_UNPACKED) / "Read me.txt"));
     const desk::SharedLibrary library((files::absolute(effect) / kLibrary).string());
     EXPECT_NE(library.symbol("VSTPluginMain"), nullptr);
