@@ -10,7 +10,8 @@
 //   live parameters              setParameter, setProgram (any thread),  the audio loop, once a sub-block
 //                                from the stored value; "Pre Gain" by
 //                                the audio loop too
-//   stored program values        setParameter, setChunk (any thread)     setProgram, getChunk
+//   stored program values        setParameter, setChunk (any thread)     setProgram, getChunk,
+//                                                                        getStoredParameter
 //   curProgram, sampleRate        setProgram, setSampleRate               setParameter, getChunk, resume
 //   tap times, gains, count,     computeTapPattern (any thread), entry   the audio loop, once a sub-block;
 //   read mode, sweep's rate      by entry, in place                      the gains by drawPattern too
