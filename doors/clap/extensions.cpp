@@ -1,6 +1,7 @@
 #include "doors/clap/extensions.h"
 
 #include "base/fixed_text.h"
+#include "doors/clap/plugin_record.h"
 
 #include <clap/ext/audio-ports.h>
 #include <clap/ext/note-ports.h>

@@ -15,4 +15,10 @@ extern const clap_plugin_descriptor_t kDescriptor;
 /// std::bad_alloc.
 const clap_plugin_t* makePlugin(const clap_host_t& host);
 
+/// The instance behind a record.
+ClapDelay& delayOf(const clap_plugin_t* plugin);
+/// The same, for a call that belongs to one kind of thread.
+ClapDelay& onMainThread(const clap_plugin_t* plugin);
+ClapDelay& onAudioThread(const clap_plugin_t* plugin);
+
 } // namespace clap_door
