@@ -2,17 +2,22 @@
 # the door's folder, and that neither a host nor the system takes apart before its time.
 #
 #   quillon_module(quillon_lv2 ROOM lv2_door SUFFIX .so FOLDER ${QUILLON_LV2_BUNDLE})
+#
+# With NAME for a module that is not called like the product.
 if(WIN32)
   enable_language(RC)
 endif()
 
 function(quillon_module target)
-  cmake_parse_arguments(MODULE "" "ROOM;SUFFIX;FOLDER" "" ${ARGN})
+  cmake_parse_arguments(MODULE "" "ROOM;NAME;SUFFIX;FOLDER" "" ${ARGN})
+  if(NOT MODULE_NAME)
+    set(MODULE_NAME ${QUILLON_LIBRARY_NAME})
+  endif()
   add_library(${target} MODULE entry_point.cpp ${PROJECT_SOURCE_DIR}/platform/${QUILLON_SYSTEM}/process_end.cpp)
   target_link_libraries(${target} PRIVATE ${MODULE_ROOM} quillon_compile_options)
   if(WIN32)
     set(exports ${CMAKE_CURRENT_SOURCE_DIR}/exports.def)
-    set(file ${QUILLON_LIBRARY_NAME}${MODULE_SUFFIX})
+    set(file ${MODULE_NAME}${MODULE_SUFFIX})
     configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in version.rc @ONLY)
     target_sources(${target} PRIVATE ${exports} ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
     # No destructor of a static object runs while the system takes the library or the process away.
@@ -31,7 +36,7 @@ function(quillon_module target)
     endif()
   endif()
   set_target_properties(${target} PROPERTIES
-    PREFIX "" SUFFIX ${MODULE_SUFFIX} OUTPUT_NAME ${QUILLON_LIBRARY_NAME} LIBRARY_OUTPUT_DIRECTORY ${MODULE_FOLDER}
+    PREFIX "" SUFFIX ${MODULE_SUFFIX} OUTPUT_NAME ${MODULE_NAME} LIBRARY_OUTPUT_DIRECTORY ${MODULE_FOLDER}
     LINK_DEPENDS ${exports})
   add_dependencies(deliverable ${target})
 endfunction()
