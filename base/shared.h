@@ -46,6 +46,10 @@ class Shared {
     void storeInOrder(T value) { value_.store(value); }
     /// Adds `amount` and gives the sum.
     T addInOrder(T amount) { return value_.fetch_add(amount) + amount; }
+    /// Sets `bits` in addition to those that are set, and gives those of them that were.
+    T setBitsInOrder(T bits) { return value_.fetch_or(bits) & bits; }
+    /// Clears `bits`, and gives those of them that were set.
+    T takeBitsInOrder(T bits) { return value_.fetch_and(~bits) & bits; }
     /// Stores a result unless the field already holds it.
     void renew(T value) {
         if (!sameBits(loadInOrder(), value))
