@@ -44,6 +44,8 @@ class AEffGUIEditor : public interfaces::AEffEditor, public VSTGUI::VSTGUIEditor
     /// The system's handle of the window that the editor has opened in the host's; null while none is on the
     /// screen.
     void* ownWindow() const;
+    /// Takes that window from the screen and brings it back. False if there is none.
+    bool setVisible(bool isVisible) { return window_.setVisible(isVisible); }
     /// Tells a host that looks for it how large that window is.
     void announceSize();
 

@@ -11,6 +11,11 @@ class CFrame;
 
 namespace toolkit {
 
+enum class WindowSystem { x11, win32 };
+
+/// Whose windows those of the toolkit and of its hosts are here.
+WindowSystem windowSystem();
+
 /// An editor holds one; it is empty while its window is closed. On the window thread.
 class ToolkitWindow {
   public:
@@ -32,6 +37,9 @@ class ToolkitWindow {
     /// on, unseen, until that event is over. Do not use the frame afterwards. Does its work also without
     /// memory.
     void close() noexcept;
+
+    /// Takes the window from the screen and brings it back; what is in it stays. False if there is no window.
+    bool setVisible(bool isVisible);
 
     /// Whether the left button is held in a gesture that began in this window.
     bool leftButtonDown() const;

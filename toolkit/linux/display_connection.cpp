@@ -43,6 +43,12 @@ void DisplayConnection::destroyWindow(std::uint32_t window) const {
     std::free(xcb_request_check(c, xcb_destroy_window_checked(c, window)));
 }
 
+bool DisplayConnection::setVisible(std::uint32_t window, bool isVisible) const {
+    xcb_connection_t* c = connection_.get();
+    const auto request = isVisible ? xcb_map_window_checked(c, window) : xcb_unmap_window_checked(c, window);
+    return platform::ownedXcb(xcb_request_check(c, request)) == nullptr;
+}
+
 DisplayConnection::Size DisplayConnection::sizeOf(std::uint32_t window) const {
     xcb_connection_t* c = connection_.get();
     const auto reply = ownedXcb(xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));

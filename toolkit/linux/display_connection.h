@@ -18,6 +18,8 @@ class DisplayConnection {
     bool hasWindow(std::uint32_t window) const;
     bool hasKeyboardExtension() const;
     void destroyWindow(std::uint32_t window) const;
+    /// False if there is no such window.
+    bool setVisible(std::uint32_t window, bool isVisible) const;
 
     /// Resizes `window` and, one after the other, the windows around it that are little more than a frame
     /// for it. The one that a window manager looks after is the last.

@@ -173,6 +173,10 @@ void endModalViews(VSTGUI::CFrame& frame) {
 
 } // namespace
 
+WindowSystem windowSystem() {
+    return WindowSystem::x11;
+}
+
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
@@ -292,6 +296,14 @@ void ToolkitWindow::close() noexcept {
         opened->destroyWindow();
         opened->finish();
     }
+}
+
+bool ToolkitWindow::setVisible(bool isVisible) {
+    bool isThere = false;
+    for (const auto& opened : frames_)
+        if (const std::uint32_t window = opened->window())
+            isThere = DisplayConnection().setVisible(window, isVisible) || isThere;
+    return isThere;
 }
 
 bool ToolkitWindow::leftButtonDown() const {

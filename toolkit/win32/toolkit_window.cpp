@@ -114,6 +114,10 @@ void resizeWithContainers(HWND window, Size size) {
 
 } // namespace
 
+WindowSystem windowSystem() {
+    return WindowSystem::win32;
+}
+
 /// One frame between open() and the end of its closing.
 class ToolkitWindow::OpenFrame {
   public:
@@ -200,6 +204,16 @@ bool ToolkitWindow::open(VSTGUI::CFrame* frame, void* parent, std::shared_ptr<vo
 void ToolkitWindow::close() noexcept {
     for (const auto& opened : std::exchange(frames_, {}))
         OpenFrame::close(opened);
+}
+
+bool ToolkitWindow::setVisible(bool isVisible) {
+    bool isThere = false;
+    for (const auto& opened : frames_)
+        if (const HWND window = opened->window(); IsWindow(window)) {
+            ShowWindow(window, isVisible ? SW_SHOWNA : SW_HIDE);
+            isThere = true;
+        }
+    return isThere;
 }
 
 bool ToolkitWindow::leftButtonDown() const {
