@@ -2,13 +2,9 @@
 
 #include "doors/lv2_window/echo_filter.h"
 
-#include "child_process.h"
-
 #include <lv2/atom/atom.h>
 #include <lv2/parameters/parameters.h>
 
-#include <X11/Xutil.h>
-#include <X11/extensions/XTest.h>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -17,15 +13,10 @@
 namespace lv2_test {
 
 WindowHost::WindowHost(test::VirtualScreen& screen, std::string module, int x, int y)
-    : screen_(screen), module_(std::move(module)), x_(x), y_(y) {
-    container_ = XCreateSimpleWindow(screen.display(), screen.root(), x, y, 400, 300, 0, 0, 0xFF00FF);
-    XMapWindow(screen.display(), container_);
-    XSync(screen.display(), False);
-}
+    : HostedWindow(screen, x, y), module_(std::move(module)) {}
 
 WindowHost::~WindowHost() {
     close();
-    destroyContainer();
 }
 
 bool WindowHost::open(const Offers& offers, const char* plugin) {
@@ -41,7 +32,7 @@ bool WindowHost::open(const Offers& offers, const char* plugin) {
                                            Log::number(&log, LV2_PARAMETERS__sampleRate), sizeof rate,
                                            Log::number(&log, LV2_ATOM__Float), &rate},
                                           {LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr}};
-    const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(container_)};
+    const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(container())};
     const LV2_Feature resizing = {LV2_UI__resize, &resize_}, touching = {LV2_UI__touch, &touch_};
     const LV2_Feature told = {LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)};
     const bool isRateTold = offers.sampleRate.has_value();
@@ -71,13 +62,6 @@ void WindowHost::close() {
     library_.reset();
 }
 
-void WindowHost::destroyContainer() {
-    if (!std::exchange(hasContainer_, false))
-        return;
-    XDestroyWindow(screen_.display(), container_);
-    XSync(screen_.display(), False);
-}
-
 void WindowHost::serve() {
     for (const Write& echo : std::exchange(echoes_, {}))
         send(echo.port, echo.value);
@@ -86,13 +70,6 @@ void WindowHost::serve() {
     if (handle_) {
         EXPECT_EQ(interface->idle(handle_), 0);
     }
-}
-
-bool WindowHost::serveUntil(const std::function<bool()>& condition) {
-    return test::waitUntil([&] {
-        serve();
-        return condition();
-    });
 }
 
 void WindowHost::settle() {
@@ -104,52 +81,6 @@ void WindowHost::settle() {
 
 void WindowHost::sendBytes(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* data) {
     descriptor_->port_event(handle_, port, size, format, data);
-}
-
-void WindowHost::point(int x, int y) {
-    screen_.movePointer(x_ + x, y_ + y);
-}
-
-void WindowHost::press(unsigned button) {
-    XTestFakeButtonEvent(screen_.display(), button, True, CurrentTime);
-    XSync(screen_.display(), False);
-}
-
-void WindowHost::release(unsigned button) {
-    XTestFakeButtonEvent(screen_.display(), button, False, CurrentTime);
-    XSync(screen_.display(), False);
-}
-
-bool WindowHost::moveUntil(int x, int y, const std::function<bool()>& condition) {
-    // The display tells of a move only after the one before has been looked at, so a single one may be lost.
-    int step = 0;
-    return serveUntil([&] {
-        point(x + step % 2, y + step / 2 % 2);
-        step = (step + 1) % 4;
-        return condition();
-    });
-}
-
-bool WindowHost::showsPixel(int x, int y, test::Pixel colour) {
-    return serveUntil([=, this] { return pixel(x, y) == colour; });
-}
-
-std::vector<test::Pixel> WindowHost::part(int x, int y, int width, int height) {
-    std::vector<test::Pixel> pixels;
-    XImage* const image =
-        XGetImage(screen_.display(), screen_.root(), x_ + x, y_ + y, static_cast<unsigned>(width),
-                  static_cast<unsigned>(height), AllPlanes, ZPixmap);
-    if (!image)
-        return pixels;
-    for (int row = 0; row < height; ++row)
-        for (int column = 0; column < width; ++column)
-            pixels.push_back(XGetPixel(image, column, row) & 0xFFFFFF);
-    XDestroyImage(image);
-    return pixels;
-}
-
-bool WindowHost::changes(const std::vector<test::Pixel>& before, int x, int y, int width, int height) {
-    return serveUntil([&] { return part(x, y, width, height) != before; });
 }
 
 std::vector<Write> WindowHost::writesTo(std::int32_t id) const {

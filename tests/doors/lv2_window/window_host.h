@@ -20,6 +20,8 @@
 // Xlib defines words that the headers above use, so it comes last.
 #include "support/shown_editor.h"
 
+#include "hosted_window.h"
+
 namespace lv2_test {
 
 struct Write {
@@ -47,46 +49,29 @@ struct Offers {
 };
 
 /// One window of the module.
-class WindowHost {
+class WindowHost final : public test::HostedWindow {
   public:
     /// Makes a container at (`x`, `y`) of the screen; nothing is open in it yet.
     WindowHost(test::VirtualScreen& screen, std::string module, int x = 40, int y = 30);
     /// Ends the window, if that has not been done, and the container.
-    ~WindowHost();
-    WindowHost(const WindowHost&) = delete;
-    WindowHost& operator=(const WindowHost&) = delete;
+    ~WindowHost() override;
 
     /// Loads the module and has it make a window. False if it makes none.
     bool open(const Offers& offers = {}, const char* plugin = lv2_door::kPluginUri);
     /// cleanup() and unloading.
     void close();
-    void destroyContainer();
 
     bool isOpen() const { return handle_ != nullptr; }
-    Window container() const { return container_; }
     Window widget() const { return static_cast<Window>(reinterpret_cast<std::uintptr_t>(widget_)); }
     const LV2UI_Descriptor& descriptor() const { return *descriptor_; }
 
     /// One idle round, in which the host sends back what it was sent if `sendsBack`.
-    void serve();
-    bool serveUntil(const std::function<bool()>& condition);
+    void serve() override;
     /// Lets a number of idle rounds pass, and what they draw.
     void settle();
     void send(std::uint32_t port, float value) { sendBytes(port, sizeof value, 0, &value); }
     void sendParameter(std::int32_t id, float value) { send(lv2_door::controlPort(id), value); }
     void sendBytes(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* data);
-
-    // The hand, at places of the window.
-    void point(int x, int y);
-    void press(unsigned button = test::kLeft);
-    void release(unsigned button = test::kLeft);
-    /// Moves to the place and a pixel about it until something holds.
-    bool moveUntil(int x, int y, const std::function<bool()>& condition);
-
-    test::Pixel pixel(int x, int y) { return screen_.pixel(x_ + x, y_ + y); }
-    bool showsPixel(int x, int y, test::Pixel colour);
-    std::vector<test::Pixel> part(int x, int y, int width, int height);
-    bool changes(const std::vector<test::Pixel>& before, int x, int y, int width, int height);
 
     std::vector<Write> writesTo(std::int32_t id) const;
 
@@ -103,11 +88,7 @@ class WindowHost {
     static void touch(LV2UI_Feature_Handle handle, std::uint32_t port, bool isTouched);
     static int resize(LV2UI_Feature_Handle handle, int width, int height);
 
-    test::VirtualScreen& screen_;
     std::string module_;
-    int x_, y_;
-    Window container_; ///< also once it is destroyed
-    bool hasContainer_ = true;
     std::optional<desk::SharedLibrary> library_;
     const LV2UI_Descriptor* descriptor_ = nullptr;
     LV2UI_Handle handle_ = nullptr;

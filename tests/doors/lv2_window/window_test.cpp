@@ -96,24 +96,13 @@ class LV2Window : public test::EditorOnScreen {
         std::ofstream(module.beside("Quillon Skin/skin.xml")) << "<GUI>" << objects << "</GUI>";
         hasLamp_ = false;
     }
-    std::vector<Window> childrenOf(Window around) {
-        Window ignored = None, *children = nullptr;
-        unsigned count = 0;
-        std::vector<Window> found;
-        if (XQueryTree(screen().display(), around, &ignored, &ignored, &children, &count) && children) {
-            found.assign(children, children + count);
-            XFree(children);
-        }
-        return found;
-    }
-
     std::optional<WindowHost> host;
     bool hasLamp_ = true; ///< the skin
 };
 
 TEST_F(LV2Window, IsAChildOfTheHostsWindowOnTheScreen) {
     open();
-    EXPECT_EQ(childrenOf(host->container()), std::vector<Window>{host->widget()});
+    EXPECT_EQ(host->children(), std::vector<Window>{host->widget()});
     EXPECT_TRUE(screen().isShown(host->widget()));
     const test::Place place = test::placeOf(screen(), host->widget());
     EXPECT_EQ(place.width, kSkinWidth);
@@ -392,13 +381,13 @@ TEST_F(LV2Window, OpensNoMenuAtARightClick) {
 TEST_F(LV2Window, SaysInItsPlaceAndInTheLogThatThereIsNoSkin) {
     std::filesystem::remove(module.beside("Quillon Skin/skin.xml"));
     hasLamp_ = false;
-    const std::vector<Window> shown = childrenOf(screen().root());
+    const std::vector<Window> shown = host->childrenOf(screen().root());
     testing::internal::CaptureStdout();
     ASSERT_TRUE(host->open());
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(host->log.lines, std::string(LV2_LOG__Warning) + " Skin Error: " +
                                    module.beside("Quillon Skin/skin.xml") + " skin file missing\n");
-    EXPECT_EQ(childrenOf(screen().root()), shown) << "no box";
+    EXPECT_EQ(host->childrenOf(screen().root()), shown) << "no box";
     EXPECT_TRUE(host->showsPixel(3, 3, 0xF4F2EC));
     const auto blank = std::vector<Pixel>(400 * 100, 0xF4F2EC);
     EXPECT_TRUE(host->changes(blank, 0, 0, 400, 100)) << "no text";
@@ -428,11 +417,11 @@ TEST_F(LV2Window, SaysThatASkinIsMalformedOrHasNoPicture) {
 
 TEST_F(LV2Window, LogsTheFaultOfAnObjectAndOpensWithoutIt) {
     writeSkin(R"(<background filename="background.png"/><knob id="6" x="10" y="10" w="40"/>)");
-    const std::vector<Window> shown = childrenOf(screen().root());
+    const std::vector<Window> shown = host->childrenOf(screen().root());
     open();
     EXPECT_EQ(host->log.lines,
               std::string(LV2_LOG__Warning) + " Skin Error: Missing tag h for object knob\n");
-    EXPECT_EQ(childrenOf(screen().root()), shown) << "no box";
+    EXPECT_EQ(host->childrenOf(screen().root()), shown) << "no box";
 }
 
 TEST_F(LV2Window, WritesFaultsToStandardErrorWhereTheHostHasNoLog) {
@@ -465,7 +454,7 @@ TEST_F(LV2Window, IsGoneFromTheScreenWithItsEnd) {
     open();
     const Window container = host->container();
     host->close();
-    EXPECT_EQ(childrenOf(container), std::vector<Window>{});
+    EXPECT_EQ(host->childrenOf(container), std::vector<Window>{});
 }
 
 TEST_F(LV2Window, OpensTwentyTimes) {
