@@ -31,13 +31,16 @@ std::string inLines(std::string_view text) {
 
 } // namespace
 
-NoticeEditor::NoticeEditor(interfaces::EditorHost* owner, const std::string& fault)
-    : AEffGUIEditor(owner), text_("The skin cannot be shown.\n\n" + inLines(fault)) {
+NoticeEditor::NoticeEditor(interfaces::EditorHost* owner) : AEffGUIEditor(owner) {
     rect = {0, 0, kHeight, kWidth};
 }
 
 NoticeEditor::~NoticeEditor() {
     closeFrame();
+}
+
+void NoticeEditor::setFault(const std::string& fault) {
+    text_ = "The skin cannot be shown.\n\n" + inLines(fault);
 }
 
 bool NoticeEditor::open(void* ptr) {

@@ -9,9 +9,11 @@ namespace skin {
 
 class NoticeEditor final : public AEffGUIEditor {
   public:
-    /// `fault` says in UTF-8 what is wrong with the skin.
-    NoticeEditor(interfaces::EditorHost* effect, const std::string& fault);
+    explicit NoticeEditor(interfaces::EditorHost* effect);
     ~NoticeEditor() override;
+
+    /// Says in UTF-8 what is wrong with the skin, from the next opening on.
+    void setFault(const std::string& fault);
 
     /// False if the display does not know the host's window `ptr`. Throws std::bad_alloc.
     bool open(void* ptr) override;

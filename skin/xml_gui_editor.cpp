@@ -124,6 +124,13 @@ bool xmlGuiEditor::readSkin(SkinContext& context) {
     return true;
 }
 
+void xmlGuiEditor::readSize() {
+    if (isReading_ || frame)
+        return;
+    rect = {};
+    loadSkin(nullptr, true);
+}
+
 void xmlGuiEditor::resetLists() {
     displayLinks.clear();
     updateLinks.clear();

@@ -78,6 +78,10 @@ class xmlGuiEditor : public AEffGUIEditor, public VSTGUI::IControlListener {
     explicit xmlGuiEditor(interfaces::EditorHost* effect);
     ~xmlGuiEditor() override;
 
+    /// Has getRect() tell the size of the skin that is chosen now; an empty one if there is none that can be
+    /// read. While the window is closed.
+    void readSize();
+
     /// Reads the skin and builds its window in the host's window `ptr`. False if there is no skin that can be
     /// read.
     bool open(void* ptr) override;

@@ -4,8 +4,6 @@
 #include "doors/lv2/ports.h"
 #include "editor/my_editor.h"
 #include "parameters/pattern_laws.h"
-#include "platform/message_box.h"
-#include "skin/notice_editor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,28 +16,8 @@ using namespace parameters;
 
 namespace {
 
-constexpr char kSkinError[] = "Skin Error", kWindow[] = "Window";
+constexpr char kWindow[] = "Window";
 constexpr std::uint32_t kFloatFormat = 0;
-
-/// While one of these lives, messages go to a host's log and not into boxes: a host that looks at all windows
-/// has nobody to close a box.
-class MessagesInLog {
-  public:
-    explicit MessagesInLog(lv2_door::HostLog& log) { platform::replaceMessageBox(write, &log); }
-    ~MessagesInLog() { platform::replaceMessageBox(nullptr, nullptr); }
-    MessagesInLog(const MessagesInLog&) = delete;
-    MessagesInLog& operator=(const MessagesInLog&) = delete;
-
-  private:
-    static void write(void* log, const char* text, const char* caption, const platform::MessageLook&) {
-        static_cast<lv2_door::HostLog*>(log)->warn(caption, text);
-    }
-};
-
-interfaces::EditorRect placeOf(interfaces::AEffEditor& editor) {
-    interfaces::EditorRect* place = nullptr;
-    return editor.getRect(&place) ? *place : interfaces::EditorRect{};
-}
 
 } // namespace
 
@@ -60,7 +38,8 @@ bool Lv2Window::open() {
         log_.warn(kWindow, "the host offers no parent");
         return false;
     }
-    if (!openSkin() && !openNotice()) {
+    window_.prepare(pattern_.tapGain);
+    if (!window_.open(features_.parent)) {
         log_.warn(kWindow, "cannot be opened in the parent that the host offers");
         return false;
     }
@@ -68,40 +47,16 @@ bool Lv2Window::open() {
     return true;
 }
 
-bool Lv2Window::openSkin() {
-    const MessagesInLog messages(log_);
-    editor_ = std::make_unique<editor::myEditor>(this, pattern_.tapGain);
-    editor_->setKnobMode(VSTGUI::kLinearMode);
-    const interfaces::EditorRect place = placeOf(*editor_);
-    if (place.right <= 0 || place.bottom <= 0) {
-        if (fault_.empty())
-            reportUnreadableSkin("The skin has no background picture that can be read");
-        return false;
-    }
-    if (editor_->open(features_.parent) && editor_->ownWindow())
-        shown_ = editor_.get();
-    else
-        editor_->close();
-    return shown_ != nullptr;
-}
-
-bool Lv2Window::openNotice() {
-    notice_ = std::make_unique<skin::NoticeEditor>(this, fault_);
-    if (notice_->open(features_.parent) && notice_->ownWindow())
-        shown_ = notice_.get();
-    return shown_ != nullptr;
-}
-
 void Lv2Window::requestRoom() {
-    const interfaces::EditorRect place = placeOf(*shown_);
+    const editor::WindowSize size = window_.size();
     // Hosts look at it when they make room.
-    shown_->announceSize();
+    window_.announceSize();
     if (canHostDo("sizeWindow"))
-        sizeWindow(place.right, place.bottom);
+        sizeWindow(size.width, size.height);
 }
 
 LV2UI_Widget Lv2Window::widget() const {
-    return shown_ ? shown_->ownWindow() : nullptr;
+    return window_.ownWindow();
 }
 
 void Lv2Window::close() {
@@ -110,16 +65,11 @@ void Lv2Window::close() {
             tellOfTouch(id, false);
     write_ = nullptr;
     features_ = {};
-    shown_ = nullptr;
-    if (editor_)
-        editor_->close();
-    if (notice_)
-        notice_->close();
+    window_.close();
 }
 
 void Lv2Window::idle() {
-    if (shown_)
-        shown_->idle();
+    window_.idle();
     for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
         if (const auto late = echoes(id).idle())
             show(id, *late);
@@ -157,15 +107,16 @@ void Lv2Window::setParameterAutomated(std::int32_t id, float newValue) {
 /// Everything that hangs on the parameters of the pattern is drawn with each of them.
 void Lv2Window::show(std::int32_t id, float newValue) {
     value(id) = newValue;
+    editor::myEditor& shown = window_.editor();
     if (shapesPattern(id)) {
         computePattern();
-        editor_->setParameter(interfaces::kRefreshAll, static_cast<float>(interfaces::kRefreshAll));
-        editor_->updateTapView(value(kTaps), value(kStretch), value(kBaseLength), getSampleRate(),
-                               pattern_.tapGain);
+        shown.setParameter(interfaces::kRefreshAll, static_cast<float>(interfaces::kRefreshAll));
+        shown.updateTapView(value(kTaps), value(kStretch), value(kBaseLength), getSampleRate(),
+                            pattern_.tapGain);
     } else {
-        editor_->setParameter(id, newValue);
+        shown.setParameter(id, newValue);
     }
-    editor_->queueParameterUpdate(id);
+    shown.queueParameterUpdate(id);
 }
 
 void Lv2Window::computePattern() {
@@ -215,8 +166,7 @@ bool Lv2Window::tellOfTouch(std::int32_t id, bool isTouched) {
 // The window
 
 void Lv2Window::reportUnreadableSkin(const char* line) {
-    fault_ = line;
-    log_.warn(kSkinError, line);
+    window_.noteFault(line);
 }
 
 bool Lv2Window::canHostDo(const char* what) {

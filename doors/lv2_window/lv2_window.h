@@ -9,6 +9,7 @@
 #include "doors/lv2_window/echo_filter.h"
 #include "doors/lv2_window/window_features.h"
 #include "dsp/tap_pattern.h"
+#include "editor/editor_or_notice.h"
 #include "interfaces/editor_host.h"
 #include "parameters/parameter_table.h"
 
@@ -18,15 +19,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string>
-
-namespace editor {
-class myEditor;
-}
-namespace skin {
-class AEffGUIEditor;
-class NoticeEditor;
-} // namespace skin
 
 namespace lv2_window {
 
@@ -74,8 +66,6 @@ class Lv2Window final : public interfaces::EditorHost, public std::enable_shared
     std::shared_ptr<void> keepAlive() override { return shared_from_this(); }
 
   private:
-    bool openSkin();
-    bool openNotice();
     void requestRoom();
     void show(std::int32_t id, float value);
     void computePattern();
@@ -90,10 +80,8 @@ class Lv2Window final : public interfaces::EditorHost, public std::enable_shared
     std::array<float, parameters::kNumLiveParameters> values_ = {}; ///< normalised, as the window shows them
     std::array<EchoFilter, parameters::kNumLiveParameters> echoes_;
     dsp::TapPattern pattern_;
-    std::string fault_; ///< why there is no window of the skin
-    std::unique_ptr<editor::myEditor> editor_;
-    std::unique_ptr<skin::NoticeEditor> notice_;
-    skin::AEffGUIEditor* shown_ = nullptr; ///< one of the two; null while none is open
+    editor::EditorOrNotice window_{
+        *this, [this](const char* subject, const char* text) { log_.warn(subject, text); }};
 };
 
 } // namespace lv2_window
