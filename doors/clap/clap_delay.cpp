@@ -26,15 +26,28 @@ float* channelOf(const clap_audio_buffer_t* ports, std::uint32_t count, std::uin
     return ports->data32[channel] + first;
 }
 
-clap_event_param_value_t newValueEvent(std::uint32_t index, double value, std::uint32_t time) {
+bool pushValue(const clap_output_events_t& out, const UntoldChange& change, double value,
+               std::uint32_t time) {
     clap_event_param_value_t event = {};
-    // The host records what has caused the change, if anything.
-    event.header = {sizeof event, time, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_PARAM_VALUE,
-                    CLAP_EVENT_DONT_RECORD};
-    event.param_id = idAt(index);
+    event.header = {sizeof event, time, CLAP_CORE_EVENT_SPACE_ID, CLAP_EVENT_PARAM_VALUE, 0};
+    // Where no hand has caused the change the host records what has, if anything.
+    if (!change.isByHand)
+        event.header.flags = CLAP_EVENT_DONT_RECORD;
+    event.param_id = idAt(change.index);
     event.note_id = event.port_index = event.channel = event.key = -1;
     event.value = value;
-    return event;
+    return out.try_push(&out, &event.header);
+}
+
+bool pushGesture(const clap_output_events_t& out, const UntoldChange& change, std::uint32_t time) {
+    const bool isBegin = change.kind == UntoldChange::Kind::gestureBegin;
+    clap_event_param_gesture_t event = {};
+    event.header = {
+        sizeof event, time, CLAP_CORE_EVENT_SPACE_ID,
+        static_cast<std::uint16_t>(isBegin ? CLAP_EVENT_PARAM_GESTURE_BEGIN : CLAP_EVENT_PARAM_GESTURE_END),
+        0};
+    event.param_id = idAt(change.index);
+    return out.try_push(&out, &event.header);
 }
 
 } // namespace
@@ -46,7 +59,7 @@ bool ClapDelay::init() {
     effect_.startUp();
     for (std::uint32_t index = 0; index < kNumListed; ++index)
         defaults_[index] = hostValue(index);
-    untold_.take();
+    untold_.forgetValues();
     char name[presets::kProgramNameLength + 1];
     return effect_.getProgramName(0, name);
 }
@@ -153,14 +166,24 @@ void ClapDelay::takeMessage(const clap_event_midi_t& event) {
 void ClapDelay::tellChanges(const clap_output_events_t* out, std::uint32_t time) {
     if (!out)
         return;
-    for (std::uint32_t bits = untold_.take(); bits != 0; bits &= bits - 1) {
-        const auto index = static_cast<std::uint32_t>(std::countr_zero(bits));
-        const clap_event_param_value_t event = newValueEvent(index, hostValue(index), time);
-        if (!out->try_push(out, &event.header)) {
-            untold_.putBack(bits);
-            return;
-        }
-    }
+    untold_.tell([&](const UntoldChange& change) {
+        return change.kind == UntoldChange::Kind::value
+                   ? pushValue(*out, change, hostValue(change.index), time)
+                   : pushGesture(*out, change, time);
+    });
+}
+
+void ClapDelay::setByHand(std::int32_t id, float value) {
+    effect_.setParameter(id, value);
+    if (!isLive(id))
+        return;
+    untold_.noteMoved(static_cast<std::uint32_t>(id));
+    host_.requestFlush();
+}
+
+void ClapDelay::noteGesture(std::int32_t id) {
+    untold_.noteGesture(static_cast<std::uint32_t>(id));
+    host_.requestFlush();
 }
 
 double ClapDelay::hostValue(std::uint32_t index) {

@@ -7,6 +7,7 @@
 #include "doors/clap/host.h"
 #include "doors/clap/parameter_list.h"
 #include "doors/clap/untold_changes.h"
+#include "doors/clap/window_link.h"
 #include "effect/missing_channels.h"
 #include "effect/multitap_delay.h"
 
@@ -24,7 +25,7 @@ namespace clap_door {
 class ClapDelay final : private interfaces::EffectHost {
   public:
     /// Calls nothing of the host. `host` outlives the instance.
-    explicit ClapDelay(const clap_host_t& host) : host_(host) {}
+    explicit ClapDelay(const clap_host_t& host) : host_(host) { effect_.setWindow(windowLink_); }
 
     /// Makes the programs, reads the factory bank and the controller map, and selects the first program. A
     /// bank that cannot be used is told to the host. False if there is no memory for programs. The main
@@ -63,7 +64,17 @@ class ClapDelay final : private interfaces::EffectHost {
     bool save(const clap_ostream_t& stream);
     bool load(const clap_istream_t& stream);
 
+    /// What the hand does in a window: sets a live parameter, and takes hold of it and lets it go in turns.
+    /// The host is told in the next block or flush, which it is asked for. The main thread.
+    void setByHand(std::int32_t id, float value);
+    void noteGesture(std::int32_t id);
+    /// The window that is told of every change from now on. It stays until the instance ends.
+    void connectWindow(interfaces::EffectWindow& window) { windowLink_.connect(window); }
+
+    const effect::MultitapDelay& effect() const { return effect_; }
     const Host& host() const { return host_; }
+    /// The host has ended the instance, of which there may be something left in a call that has not returned.
+    void leaveHost() { host_.leave(); }
 
   private:
     using Values = std::array<float, parameters::kNumLiveParameters>;
@@ -86,6 +97,7 @@ class ClapDelay final : private interfaces::EffectHost {
     effect::MissingChannels missing_;
     std::array<double, kNumListed> defaults_ = {};
     UntoldChanges untold_;
+    WindowLink windowLink_;
     bool isActive_ = false;
     bool isPlaying_ = false; ///< process() has been called since activate()
 };

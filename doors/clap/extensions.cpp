@@ -2,6 +2,7 @@
 
 #include "base/fixed_text.h"
 #include "doors/clap/plugin_record.h"
+#include "doors/clap/window_functions.h"
 
 #include <clap/ext/audio-ports.h>
 #include <clap/ext/note-ports.h>
@@ -137,6 +138,10 @@ const void* extensionOf(std::string_view id) {
         return &kParameters;
     if (id == CLAP_EXT_STATE)
         return &kState;
+    if (id == CLAP_EXT_GUI)
+        return &kWindowFunctions;
+    if (id == CLAP_EXT_TIMER_SUPPORT)
+        return &kTimerFunctions;
     return nullptr;
 }
 

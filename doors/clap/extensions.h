@@ -1,4 +1,5 @@
-// What hosts may ask of an instance beside sound: ports, parameters, states.
+// What hosts may ask of an instance beside sound: ports, parameters, states, its
+// window.
 #pragma once
 
 #include <string_view>

@@ -5,18 +5,26 @@
 #include "effect/large_object.h"
 
 #include <cassert>
+#include <utility>
 
 namespace clap_door {
 
 namespace {
 
-/// An instance and its record, which leads to it.
-struct Plugin : effect::LargeObject {
+/// An instance and its record, which leads to it. It is held by the host, by views of its window and by calls
+/// that have not returned.
+struct Plugin : effect::LargeObject, std::enable_shared_from_this<Plugin> {
     explicit Plugin(const clap_host_t& host);
 
     ClapDelay delay;
+    ClapWindow window{delay};
     const clap_plugin_t record;
+    std::shared_ptr<Plugin> hostsHold;
 };
+
+Plugin& pluginOf(const clap_plugin_t* record) {
+    return *static_cast<Plugin*>(record->plugin_data);
+}
 
 bool init(const clap_plugin_t* plugin) noexcept try { return onMainThread(plugin).init(); } catch (...) {
     return false;
@@ -24,7 +32,9 @@ bool init(const clap_plugin_t* plugin) noexcept try { return onMainThread(plugin
 
 void destroy(const clap_plugin_t* plugin) noexcept {
     onMainThread(plugin);
-    delete static_cast<Plugin*>(plugin->plugin_data);
+    Plugin& instance = pluginOf(plugin);
+    const std::shared_ptr<Plugin> held = std::move(instance.hostsHold);
+    instance.window.end();
 }
 
 bool activate(const clap_plugin_t* plugin, double rate, std::uint32_t, std::uint32_t) noexcept {
@@ -61,7 +71,9 @@ const void* getExtension(const clap_plugin_t*, const char* id) noexcept {
     return id ? extensionOf(id) : nullptr;
 }
 
-void onMainThreadAsRequested(const clap_plugin_t*) noexcept {}
+void onMainThreadAsRequested(const clap_plugin_t* plugin) noexcept {
+    heldWindow(plugin)->onMainThread();
+}
 
 const char* kFeatures[] = {CLAP_PLUGIN_FEATURE_AUDIO_EFFECT, CLAP_PLUGIN_FEATURE_DELAY,
                            CLAP_PLUGIN_FEATURE_STEREO, nullptr};
@@ -86,11 +98,14 @@ const clap_plugin_descriptor_t kDescriptor = {CLAP_VERSION_INIT,
                                               kFeatures};
 
 const clap_plugin_t* makePlugin(const clap_host_t& host) {
-    return &(new Plugin(host))->record;
+    const std::shared_ptr<Plugin> made(new Plugin(host));
+    made->window.setInstance(made);
+    made->hostsHold = made;
+    return &made->record;
 }
 
 ClapDelay& delayOf(const clap_plugin_t* plugin) {
-    return static_cast<Plugin*>(plugin->plugin_data)->delay;
+    return pluginOf(plugin).delay;
 }
 
 ClapDelay& onMainThread(const clap_plugin_t* plugin) {
@@ -103,6 +118,12 @@ ClapDelay& onAudioThread(const clap_plugin_t* plugin) {
     ClapDelay& delay = delayOf(plugin);
     assert(delay.host().isAudioThread() && "the host calls on another thread than one for audio");
     return delay;
+}
+
+std::shared_ptr<ClapWindow> heldWindow(const clap_plugin_t* plugin) {
+    onMainThread(plugin);
+    Plugin& instance = pluginOf(plugin);
+    return {instance.shared_from_this(), &instance.window};
 }
 
 } // namespace clap_door

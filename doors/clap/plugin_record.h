@@ -3,8 +3,11 @@
 #pragma once
 
 #include "doors/clap/clap_delay.h"
+#include "doors/clap/clap_window.h"
 
 #include <clap/plugin.h>
+
+#include <memory>
 
 namespace clap_door {
 
@@ -20,5 +23,8 @@ ClapDelay& delayOf(const clap_plugin_t* plugin);
 /// The same, for a call that belongs to one kind of thread.
 ClapDelay& onMainThread(const clap_plugin_t* plugin);
 ClapDelay& onAudioThread(const clap_plugin_t* plugin);
+/// The window of an instance, for a call on the main thread. While it is held the instance is, also where the
+/// host ends it.
+std::shared_ptr<ClapWindow> heldWindow(const clap_plugin_t* plugin);
 
 } // namespace clap_door

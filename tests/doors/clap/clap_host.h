@@ -6,21 +6,25 @@
 
 #include <clap/entry.h>
 #include <clap/ext/audio-ports.h>
+#include <clap/ext/gui.h>
 #include <clap/ext/note-ports.h>
 #include <clap/ext/params.h>
 #include <clap/ext/state.h>
 #include <clap/ext/thread-check.h>
+#include <clap/ext/timer-support.h>
 #include <clap/plugin-factory.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace clap_test {
@@ -38,17 +42,39 @@ inline const clap_plugin_factory_t& factoryOf(const clap_plugin_entry_t& entry) 
 /// What an instance may ask of its host. On one thread alone it tells "audio" while `isAudioCall` is set.
 class Host {
   public:
-    enum Offer : unsigned { kNothing = 0, kLog = 1, kParameters = 2, kThreadCheck = 4, kEverything = 7 };
+    enum Offer : unsigned {
+        kNothing = 0,
+        kLog = 1,
+        kParameters = 2,
+        kThreadCheck = 4,
+        kWindows = 8,
+        kTimers = 16,
+        kEverything = 31
+    };
+
+    struct Size {
+        std::uint32_t width, height;
+        bool operator==(const Size&) const = default;
+    };
 
     explicit Host(unsigned offers = kEverything) : offers_(offers) {}
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
-    clap_host_t record = {CLAP_VERSION_INIT, this,   "tests", "tests", "", "1",
-                          getExtension,      ignore, ignore,  ignore};
+    clap_host_t record = {CLAP_VERSION_INIT, this,   "tests", "tests",       "", "1",
+                          getExtension,      ignore, ignore,  askForCallback};
     std::vector<std::string> lines; ///< of the log, each behind its severity
     clap_param_rescan_flags rescanned = 0;
     std::atomic<bool> isAudioCall = false;
+    int flushRequests = 0;
+    std::function<void()> whenFlushIsAsked;
+    int callbackRequests = 0;
+    std::vector<clap_id> timers;        ///< that run
+    std::vector<std::uint32_t> periods; ///< of all that were started, in milliseconds
+    bool startsTimers = true;
+    std::vector<Size> sizesAsked;
+    bool resizes = true;
+    std::function<void()> whenSizeIsAsked;
 
   private:
     struct Log {
@@ -57,26 +83,62 @@ class Host {
 
     static Host& of(const clap_host_t* host) { return *static_cast<Host*>(host->host_data); }
     static void ignore(const clap_host_t*) {}
+    static void askForCallback(const clap_host_t* host) { ++of(host).callbackRequests; }
+    static void askForFlush(const clap_host_t* host) {
+        Host& self = of(host);
+        ++self.flushRequests;
+        if (self.whenFlushIsAsked)
+            self.whenFlushIsAsked();
+    }
+    static bool startTimer(const clap_host_t* host, std::uint32_t period, clap_id* timer) {
+        Host& self = of(host);
+        if (!self.startsTimers)
+            return false;
+        *timer = static_cast<clap_id>(self.periods.size()); // the first one is 0
+        self.periods.push_back(period);
+        self.timers.push_back(*timer);
+        return true;
+    }
+    static bool stopTimer(const clap_host_t* host, clap_id timer) {
+        return std::erase(of(host).timers, timer) == 1;
+    }
+    static bool resize(const clap_host_t* host, std::uint32_t width, std::uint32_t height) {
+        Host& self = of(host);
+        self.sizesAsked.push_back({width, height});
+        if (self.whenSizeIsAsked)
+            self.whenSizeIsAsked();
+        return self.resizes;
+    }
+
     static const void* getExtension(const clap_host_t* host, const char* id) {
         static constexpr Log log = {[](const clap_host_t* self, std::int32_t severity, const char* message) {
             of(self).lines.push_back(std::to_string(severity) + " " + message);
         }};
         static constexpr clap_host_params_t parameters = {
             [](const clap_host_t* self, clap_param_rescan_flags flags) { of(self).rescanned |= flags; },
-            [](const clap_host_t*, clap_id, clap_param_clear_flags) {}, ignore};
+            [](const clap_host_t*, clap_id, clap_param_clear_flags) {}, askForFlush};
         static constexpr clap_host_thread_check_t threads = {
             [](const clap_host_t* self) {
                 return !of(self).isAudioCall && std::this_thread::get_id() == of(self).mainThread_;
             },
             [](const clap_host_t* self) { return of(self).isAudioCall.load(); }};
+        static constexpr clap_host_gui_t windows = {ignore, resize, [](const clap_host_t*) { return false; },
+                                                    [](const clap_host_t*) { return false; },
+                                                    [](const clap_host_t*, bool) {}};
+        static constexpr clap_host_timer_support_t timers = {startTimer, stopTimer};
         const unsigned offers = of(host).offers_;
-        if (offers & kLog && std::strcmp(id, "clap.log") == 0)
+        const auto offered = [&](unsigned offer, const char* name) {
+            return (offers & offer) != 0 && std::strcmp(id, name) == 0;
+        };
+        if (offered(kLog, "clap.log"))
             return &log;
-        if (offers & kParameters && std::strcmp(id, CLAP_EXT_PARAMS) == 0)
+        if (offered(kParameters, CLAP_EXT_PARAMS))
             return &parameters;
-        if (offers & kThreadCheck && std::strcmp(id, CLAP_EXT_THREAD_CHECK) == 0)
+        if (offered(kThreadCheck, CLAP_EXT_THREAD_CHECK))
             return &threads;
-        return nullptr;
+        if (offered(kWindows, CLAP_EXT_GUI))
+            return &windows;
+        return offered(kTimers, CLAP_EXT_TIMER_SUPPORT) ? &timers : nullptr;
     }
 
     unsigned offers_;
@@ -145,24 +207,45 @@ class Events {
 
 /// What a plug-in tells its host. Takes at most `room` events.
 struct ToldEvents {
+    struct Told {
+        std::uint16_t type;
+        clap_id id;
+        bool operator==(const Told&) const = default;
+    };
+    std::vector<Told> order; ///< of all events
     std::vector<clap_event_param_value_t> values;
     std::size_t room = ~std::size_t{0};
 
+    void clear() {
+        order.clear();
+        values.clear();
+    }
+
     const clap_output_events_t* list() {
         list_ = {this, [](const clap_output_events_t* self, const clap_event_header_t* event) {
-                     auto& told = *static_cast<ToldEvents*>(self->ctx);
-                     if (told.values.size() >= told.room)
-                         return false;
-                     if (event->type != CLAP_EVENT_PARAM_VALUE ||
-                         event->size < sizeof(clap_event_param_value_t))
-                         throw std::logic_error("another event than a value");
-                     told.values.push_back(*reinterpret_cast<const clap_event_param_value_t*>(event));
-                     return true;
+                     return static_cast<ToldEvents*>(self->ctx)->take(*event);
                  }};
         return &list_;
     }
 
   private:
+    bool take(const clap_event_header_t& event) {
+        if (order.size() >= room)
+            return false;
+        const bool isValue = event.type == CLAP_EVENT_PARAM_VALUE;
+        const bool isGesture =
+            event.type == CLAP_EVENT_PARAM_GESTURE_BEGIN || event.type == CLAP_EVENT_PARAM_GESTURE_END;
+        if (event.size != (isValue ? sizeof(clap_event_param_value_t) : sizeof(clap_event_param_gesture_t)) ||
+            !(isValue || isGesture))
+            throw std::logic_error("an event of another kind or size");
+        if (isValue)
+            values.push_back(reinterpret_cast<const clap_event_param_value_t&>(event));
+        order.push_back(
+            {event.type, isValue ? values.back().param_id
+                                 : reinterpret_cast<const clap_event_param_gesture_t&>(event).param_id});
+        return true;
+    }
+
     clap_output_events_t list_ = {};
 };
 
@@ -182,12 +265,16 @@ class Instance {
             throw std::runtime_error("no working instance");
         }
     }
-    ~Instance() {
-        deactivate();
-        plugin_->destroy(plugin_);
-    }
+    ~Instance() { end(); }
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
+
+    /// destroy(), if that has not been done.
+    void end() {
+        deactivate();
+        if (const clap_plugin_t* const ended = std::exchange(plugin_, nullptr))
+            ended->destroy(ended);
+    }
 
     const clap_plugin_t* plugin() const { return plugin_; }
     template <class Extension>
@@ -196,6 +283,14 @@ class Instance {
         if (!found)
             throw std::runtime_error(std::string("no ") + id);
         return *static_cast<const Extension*>(found);
+    }
+    const clap_plugin_gui_t& window() const { return extension<clap_plugin_gui_t>(CLAP_EXT_GUI); }
+    /// Lets every timer that runs call once. One of them may end the instance.
+    void serveTimers() {
+        const clap_plugin_t* const plugin = plugin_;
+        const auto& timers = extension<clap_plugin_timer_support_t>(CLAP_EXT_TIMER_SUPPORT);
+        for (const clap_id timer : std::vector(host_.timers))
+            timers.on_timer(plugin, timer);
     }
     const clap_plugin_params_t& parameters() const {
         return extension<clap_plugin_params_t>(CLAP_EXT_PARAMS);
