@@ -285,6 +285,12 @@ class Instance {
         return *static_cast<const Extension*>(found);
     }
     const clap_plugin_gui_t& window() const { return extension<clap_plugin_gui_t>(CLAP_EXT_GUI); }
+    /// Whose windows the window wants to lie in.
+    const char* windowApi() const {
+        const char* api = nullptr;
+        bool isFloating = true;
+        return window().get_preferred_api(plugin_, &api, &isFloating) && !isFloating ? api : "none";
+    }
     /// Lets every timer that runs call once. One of them may end the instance.
     void serveTimers() {
         const clap_plugin_t* const plugin = plugin_;

@@ -52,6 +52,37 @@ TEST(DoorShortOfMemory, MakesAnInstanceOrNoneAndLosesNothing) {
     clap_entry.deinit();
 }
 
+TEST(DoorShortOfMemory, MakesAWindowOrNoneAndLosesNothing) {
+    const desk::PrivateFolder folder;
+    clap_entry.init("");
+    // Whose log and list of timers take memory of their own.
+    Host host(Host::kTimers);
+    host.timers.reserve(10);
+    host.periods.reserve(100000);
+    testing::internal::CaptureStderr();
+    int refusals = 0;
+    {
+        Instance instance(clap_entry, host);
+        const auto isMade = [&] {
+            const clap_plugin_gui_t& window = instance.window();
+            const bool isCreated = window.create(instance.plugin(), instance.windowApi(), false);
+            std::uint32_t width = 0, height = 0;
+            EXPECT_EQ(window.get_size(instance.plugin(), &width, &height), isCreated);
+            window.destroy(instance.plugin());
+            EXPECT_TRUE(host.timers.empty());
+            return isCreated && width > 0;
+        };
+        refusals = refusalsOf(isMade);
+        EXPECT_TRUE(isMade());
+        const long before = test::livingAllocations();
+        refusals += refusalsOf(isMade);
+        EXPECT_EQ(test::livingAllocations(), before);
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_GT(refusals, 0);
+    clap_entry.deinit();
+}
+
 TEST(DoorShortOfMemory, AnswersEveryQuestion) {
     const desk::PrivateFolder folder;
     clap_entry.init("");
