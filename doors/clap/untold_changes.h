@@ -42,10 +42,9 @@ class UntoldChanges {
     /// happens. Any thread.
     template <class TellHost>
     void tell(const TellHost& tellHost) {
-        if (isTelling_.setBitsInOrder(1))
+        if (noted() == 0 || isTelling_.setBitsInOrder(1))
             return;
-        for (std::uint32_t bits = values_.load() | moved_.load() | turned_.load(); bits != 0;
-             bits &= bits - 1)
+        for (std::uint32_t bits = noted(); bits != 0; bits &= bits - 1)
             if (!tellOf(static_cast<std::uint32_t>(std::countr_zero(bits)), tellHost))
                 break;
         isTelling_.takeBitsInOrder(1);
@@ -54,6 +53,9 @@ class UntoldChanges {
   private:
     static constexpr std::uint32_t kAll = (1u << kNumListed) - 1;
     static constexpr std::uint32_t bitOf(std::uint32_t index) { return 1u << index; }
+
+    /// Bits of the parameters of which there may be something to tell.
+    std::uint32_t noted() const { return values_.load() | moved_.load() | turned_.load(); }
 
     /// A parameter's value that has been noted, taken out of the bits.
     struct OwedValue {

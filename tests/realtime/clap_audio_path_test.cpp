@@ -121,6 +121,18 @@ TEST_F(ClapAudioPath, DoesNotWaitInAFlush) {
     expectNoWaiting("a flush", [&] { instance.flush(list, &told); });
 }
 
+TEST_F(ClapAudioPath, DoesNotWaitWhereAWindowHasBeenMade) {
+    ASSERT_TRUE(instance.window().create(instance.plugin(), instance.windowApi(), false));
+    Events events;
+    for (clap_id id = 0; id < 17; ++id)
+        events.value(id, 0.3, id);
+    events.value(kProgram, 5.0, 20).midi(0xC0, 9, 0, 30);
+    const clap_input_events_t* const list = events.list();
+    expectNoWaiting("values beside a window", [this, list] { process(64, list); });
+    instance.window().destroy(instance.plugin());
+    expectNoWaiting("values behind a window", [this, list] { process(64, list); });
+}
+
 TEST_F(ClapAudioPath, DoesNotWaitWherePortsAreMissing) {
     clap_process_t block = {};
     block.frames_count = 5000;
