@@ -105,8 +105,13 @@ TEST(AGesture, HasItsLastValueBeforeItsEndWhereTheHostIsQuickerThanTheHand) {
     expectAlways(useBriefly, useBriefly, ask, "(\\[v+\\])+");
 }
 
-TEST(AGesture, IsToldOnceToTwoThreadsOfAHost) {
-    expectAlways(useBriefly, ask, ask, "\\[v+\\]");
+TEST(AGesture, IsToldInOrderToTwoThreadsOfAHost) {
+    const auto useAndAsk = [](Meeting& meeting) {
+        useBriefly(meeting);
+        meeting.ask();
+    };
+    expectAlways(useBriefly, ask, useAndAsk, "(\\[v+\\])+");
+    expectAlways(holdAndAsk, ask, [](Meeting& m) { moveAndLetGo(m), m.ask(); }, "\\[v+\\]");
 }
 
 } // namespace
