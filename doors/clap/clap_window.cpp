@@ -15,15 +15,15 @@ namespace {
 /// Milliseconds. One host rounds 33 up to 60.
 constexpr std::uint32_t kTimerPeriod = 30;
 
-class CountedCall {
-  public:
-    explicit CountedCall(int& count) : count_(count) { ++count_; }
-    ~CountedCall() { --count_; }
-    CountedCall(const CountedCall&) = delete;
-    CountedCall& operator=(const CountedCall&) = delete;
+/// Calls of timers that have not returned, of all windows: each serves them all.
+int timerCalls = 0;
 
-  private:
-    int& count_;
+class TimerCall {
+  public:
+    TimerCall() { ++timerCalls; }
+    ~TimerCall() { --timerCalls; }
+    TimerCall(const TimerCall&) = delete;
+    TimerCall& operator=(const TimerCall&) = delete;
 };
 
 } // namespace
@@ -77,7 +77,7 @@ bool ClapWindow::setParent(void* parent) {
 void ClapWindow::onTimer(clap_id timer) {
     if (!isCreated_ || timer != timer_)
         return;
-    const CountedCall call(timerCalls_);
+    const TimerCall call;
     window_.idle();
 }
 
@@ -103,12 +103,12 @@ bool ClapWindow::startTimer() {
     return timer_.has_value();
 }
 
-/// Not while the timer calls, as hosts go through their list of timers then: it runs on until the host calls
+/// Not while a timer calls, as hosts go through their list of timers then: it runs on until the host calls
 /// otherwise.
 void ClapWindow::stopTimer() {
     if (!timer_)
         return;
-    if (timerCalls_ > 0) {
+    if (timerCalls > 0) {
         delay_.host().requestCallback();
         return;
     }

@@ -86,7 +86,6 @@ class ClapWindow final : public interfaces::EditorHost {
         *this, [this](const char* subject, const char* text) { delay_.host().warn(subject, text); }};
     bool isCreated_ = false;
     std::optional<clap_id> timer_; ///< runs
-    int timerCalls_ = 0;           ///< that have not returned
     /// How often the hand holds each parameter: controls may begin a gesture inside another one.
     std::array<int, parameters::kNumLiveParameters> holds_ = {};
 };

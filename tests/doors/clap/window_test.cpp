@@ -316,6 +316,28 @@ TEST_F(ClapWindow, KeepsItsTimerWhileItIsEndedInACallOfThat) {
     EXPECT_EQ(host->host.timers.size(), 1u);
 }
 
+TEST_F(ClapWindow, KeepsItsTimerWhileItIsEndedInACallOfAnothersTimer) {
+    open();
+    const auto other = make(Host::kEverything, 500);
+    ASSERT_TRUE(other->open());
+    grabKnob();
+    host->host.whenFlushIsAsked = [this] {
+        host->host.whenFlushIsAsked = nullptr;
+        host->destroy();
+    };
+    int step = 0;
+    // The windows of a process are served together.
+    EXPECT_TRUE(other->serveUntil([&] {
+        host->point(30 + step++ % 2, 8);
+        return host->children().empty();
+    }));
+    host->release();
+    EXPECT_EQ(host->host.timers.size(), 1u);
+    host->plugin()->on_main_thread(host->plugin());
+    EXPECT_TRUE(host->host.timers.empty());
+    EXPECT_EQ(other->host.timers.size(), 1u);
+}
+
 TEST_F(ClapWindow, TakesItsTimerUpAgainInAHostThatNeverCallsBack) {
     open();
     grabKnob();
