@@ -372,9 +372,15 @@ TEST_P(ThroughEvents, SoundsLikeTheReference) {
     }
 }
 
+/// Builds that play one scenario of a family play it in the way that takes the most code.
+std::vector<Places> placesToPlay() {
+    if (kScenarios == 1)
+        return {Places::kUnsorted};
+    return {Places::kStart, Places::kAnywhere, Places::kUnsorted};
+}
+
 INSTANTIATE_TEST_SUITE_P(Scenarios, ThroughEvents,
                          testing::Combine(testing::Range<std::uint64_t>(0, kFamilies),
-                                          testing::Values(Places::kStart, Places::kAnywhere,
-                                                          Places::kUnsorted)));
+                                          testing::ValuesIn(placesToPlay())));
 
 } // namespace
