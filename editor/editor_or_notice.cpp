@@ -61,6 +61,8 @@ void EditorOrNotice::makeNotice() {
 
 bool EditorOrNotice::open(void* parent) {
     close();
+    if (!editor_)
+        return false;
     isOpening_ = true;
     if (fault_.empty())
         openEditor(parent);
@@ -105,6 +107,9 @@ bool EditorOrNotice::showsNotice() const {
 WindowSize EditorOrNotice::size() const {
     if (!fault_.empty() && notice_)
         return sizeOf(*notice_);
+    // A host may ask while prepare() tells it of a fault.
+    if (!editor_)
+        return {};
     // A host that asks in the middle of an opening, as it was asked for room, is told what it will see.
     if (const VSTGUI::CFrame* const frame = editor_->getFrame())
         return {static_cast<int>(frame->getWidth()), static_cast<int>(frame->getHeight())};

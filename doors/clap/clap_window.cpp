@@ -82,15 +82,19 @@ void ClapWindow::onTimer(clap_id timer) {
 }
 
 void ClapWindow::onMainThread() {
-    if (!isCreated_)
+    // In the middle of a timer's call there is nothing to be done yet, and asking again would never end with
+    // hosts that answer at once. A timer that is left over serves the next window, or ends with the instance.
+    if (!isCreated_ && timerCalls == 0)
         stopTimer();
 }
 
 void ClapWindow::end() {
-    destroy();
-    // In the middle of a call of it too: there is no later.
+    // There is no later: the timer stops also in the middle of a call of it, and the host is not asked to
+    // fetch the end of a gesture.
     if (const auto timer = std::exchange(timer_, std::nullopt))
         delay_.host().stopTimer(*timer);
+    holds_.fill(0);
+    destroy();
     delay_.leaveHost();
 }
 

@@ -64,11 +64,13 @@ class Host {
     clap_host_t record = {CLAP_VERSION_INIT, this,   "tests", "tests",       "", "1",
                           getExtension,      ignore, ignore,  askForCallback};
     std::vector<std::string> lines; ///< of the log, each behind its severity
+    std::function<void()> whenLineIsLogged;
     clap_param_rescan_flags rescanned = 0;
     std::atomic<bool> isAudioCall = false;
     int flushRequests = 0;
     std::function<void()> whenFlushIsAsked;
     int callbackRequests = 0;
+    std::function<void()> whenCallbackIsAsked;
     std::vector<clap_id> timers;        ///< that run
     std::vector<std::uint32_t> periods; ///< of all that were started, in milliseconds
     bool startsTimers = true;
@@ -83,7 +85,12 @@ class Host {
 
     static Host& of(const clap_host_t* host) { return *static_cast<Host*>(host->host_data); }
     static void ignore(const clap_host_t*) {}
-    static void askForCallback(const clap_host_t* host) { ++of(host).callbackRequests; }
+    static void askForCallback(const clap_host_t* host) {
+        Host& self = of(host);
+        ++self.callbackRequests;
+        if (self.whenCallbackIsAsked)
+            self.whenCallbackIsAsked();
+    }
     static void askForFlush(const clap_host_t* host) {
         Host& self = of(host);
         ++self.flushRequests;
@@ -113,6 +120,8 @@ class Host {
     static const void* getExtension(const clap_host_t* host, const char* id) {
         static constexpr Log log = {[](const clap_host_t* self, std::int32_t severity, const char* message) {
             of(self).lines.push_back(std::to_string(severity) + " " + message);
+            if (of(self).whenLineIsLogged)
+                of(self).whenLineIsLogged();
         }};
         static constexpr clap_host_params_t parameters = {
             [](const clap_host_t* self, clap_param_rescan_flags flags) { of(self).rescanned |= flags; },

@@ -337,6 +337,25 @@ TEST_F(ClapWindow, KeepsItsTimerWhileItIsEndedInACallOfAnothersTimer) {
     EXPECT_EQ(other->host.timers.size(), 1u);
 }
 
+TEST_F(ClapWindow, AsksAHostThatCallsBackAtOnceNoMoreThanOnce) {
+    open();
+    grabKnob();
+    host->host.whenFlushIsAsked = [this] {
+        host->host.whenFlushIsAsked = nullptr;
+        host->destroy();
+    };
+    host->host.whenCallbackIsAsked = [this] {
+        if (host->host.callbackRequests < 100)
+            host->plugin()->on_main_thread(host->plugin());
+    };
+    EXPECT_TRUE(host->moveUntil(30, 10, [this] { return host->children().empty(); }));
+    host->release();
+    EXPECT_EQ(host->host.callbackRequests, 1);
+    EXPECT_EQ(host->host.timers.size(), 1u) << "hosts go through their list of timers";
+    host->instance.end();
+    EXPECT_TRUE(host->host.timers.empty());
+}
+
 TEST_F(ClapWindow, TakesItsTimerUpAgainInAHostThatNeverCallsBack) {
     open();
     grabKnob();
@@ -456,6 +475,16 @@ TEST_F(ClapWindow, EndsTheGestureOfAControlThatGoesInTheHand) {
     dragKnob(50);
     letGo();
     expectGesture(host->fetch(), kFeedback);
+}
+
+TEST_F(ClapWindow, AsksNothingOfAHostThatEndsTheInstance) {
+    open();
+    dragKnob();
+    const int flushRequests = host->host.flushRequests;
+    host->instance.end();
+    host->release();
+    EXPECT_EQ(host->host.flushRequests, flushRequests);
+    EXPECT_EQ(host->host.callbackRequests, 0);
 }
 
 TEST_F(ClapWindow, NeedsNeitherLogNorParametersNorWindowsOfTheHost) {
@@ -647,6 +676,20 @@ TEST_F(ClapWindow, SaysThatASkinIsMalformedOrHasNoPicture) {
         EXPECT_EQ(host->childrenOf(screen().root()), shown) << "no box";
         host->destroy();
     }
+}
+
+TEST_F(ClapWindow, MayBeAskedForItsSizeWhereItTellsOfAFault) {
+    writeSkin("<GUI");
+    host->host.whenLineIsLogged = [this] {
+        if (host->host.lines.size() > 1)
+            return; // that it could not be opened
+        EXPECT_EQ(host->size().width, 0u);
+        EXPECT_FALSE(host->setParent());
+    };
+    ASSERT_TRUE(host->create());
+    EXPECT_EQ(host->host.lines.size(), 2u);
+    EXPECT_EQ(host->size(), kNoticeSize);
+    EXPECT_TRUE(host->setParent());
 }
 
 TEST_F(ClapWindow, LogsTheFaultOfAnObjectAndOpensWithoutIt) {
