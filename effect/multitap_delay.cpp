@@ -48,6 +48,18 @@ void MultitapDelay::setSampleRate(float newRate) {
 void MultitapDelay::setParameter(std::int32_t id, float value) {
     tellWindow(id, value);
     storeParameter(id, value);
+    applyChange(id);
+}
+
+void MultitapDelay::setStoredParameter(std::int32_t id) {
+    tellWindow(id, getStoredParameter(id));
+    if (programs_.size() > 0)
+        loadParameter(id);
+    applyChange(id);
+}
+
+/// Everything that follows from the new value of a live parameter.
+void MultitapDelay::applyChange(std::int32_t id) {
     engine_.computeTapPattern(sampleRate_);
     if (movesTaps(id))
         engine_.armFade();

@@ -7,9 +7,10 @@
 // value.
 //
 //   field                        written by                              read by
-//   live parameters              setParameter, setProgram (any thread),  the audio loop, once a sub-block
-//                                from the stored value; "Pre Gain" by
-//                                the audio loop too
+//   live parameters              setParameter, setStoredParameter,       the audio loop, once a sub-block
+//                                setProgram (any thread), from the
+//                                stored value; "Pre Gain" by the audio
+//                                loop too
 //   stored program values        setParameter, setChunk (any thread)     setProgram, getChunk,
 //                                                                        getStoredParameter
 //   curProgram, sampleRate        setProgram, setSampleRate               setParameter, getChunk, resume
@@ -70,6 +71,8 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     /// Normalised. Id -1 stores nothing: tap pattern, read mode and sweep rate are computed anew from the
     /// parameters, the filters are not, and the window is told. Any thread.
     void setParameter(std::int32_t id, float value) override;
+    /// Sets a live parameter to what the current program holds for it, which stays as it is. Any thread.
+    void setStoredParameter(std::int32_t id);
     /// Any thread. 0 for an id that does nothing.
     float getParameter(std::int32_t id) const;
     /// What the current program holds for a live parameter: the value that was set, also where the sound goes
@@ -104,6 +107,7 @@ class MultitapDelay final : private presets::BankReceiver, private midi::EventRe
     void drawPattern();
     void storeParameter(std::int32_t id, float value);
     void loadParameter(std::int32_t id);
+    void applyChange(std::int32_t id);
 
     std::int32_t uniqueID() override { return host_.uniqueID(); }
     void reportProblem(const char* text, const char* caption) override { host_.reportProblem(text, caption); }

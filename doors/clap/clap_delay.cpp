@@ -92,14 +92,13 @@ ClapDelay::Values ClapDelay::storedValues() const {
 void ClapDelay::setAllParameters() {
     effect_.resume();
     for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
-        effect_.setParameter(id, effect_.getStoredParameter(id));
+        effect_.setStoredParameter(id);
 }
 
 void ClapDelay::process(const clap_process_t& block) {
     if (!isPlaying_)
         setAllParameters();
     isPlaying_ = true;
-    tellChanges(block.out_events, 0);
     const std::uint32_t frames = block.frames_count;
     std::uint32_t position = 0;
     forEachEvent(block.in_events, [&](const clap_event_header_t& event) {
@@ -108,19 +107,26 @@ void ClapDelay::process(const clap_process_t& block) {
         if (!newValue && !message)
             return;
         if (const std::uint32_t time = std::min(event.time, frames); time > position) {
-            play(block, position, time - position);
+            playAndTell(block, position, time - position);
             position = time;
         }
         if (newValue)
             setValue(newValue->param_id, newValue->value);
         else
             takeMessage(*message);
-        tellChanges(block.out_events, position < frames || frames == 0 ? position : frames - 1);
     });
-    if (position < frames || frames == 0)
-        play(block, position, frames - position);
+    playAndTell(block, position, frames - position);
     if (block.audio_outputs && block.audio_outputs_count > 0)
         block.audio_outputs->constant_mask = 0;
+}
+
+/// Tells of changes once all events of the piece's first frame are taken: of several that set one value the
+/// last one counts. Events at the end of a block, behind which nothing is played, are told at its last frame.
+void ClapDelay::playAndTell(const clap_process_t& block, std::uint32_t first, std::uint32_t frames) {
+    const bool isBehind = frames == 0 && first > 0;
+    tellChanges(block.out_events, isBehind ? first - 1 : first);
+    if (!isBehind)
+        play(block, first, frames);
 }
 
 void ClapDelay::play(const clap_process_t& block, std::uint32_t first, std::uint32_t frames) {
@@ -149,7 +155,10 @@ void ClapDelay::setValue(clap_id id, double hostValue) {
         return;
     }
     const auto parameter = static_cast<std::int32_t>(id);
-    effect_.setParameter(parameter, valueOfHost(parameter, hostValue, effect_.getStoredParameter(parameter)));
+    const float before = effect_.getStoredParameter(parameter);
+    // Nor does a repeated value arm the fade again.
+    if (const float value = valueOfHost(parameter, hostValue, before); !base::sameBits(value, before))
+        effect_.setParameter(parameter, value);
 }
 
 void ClapDelay::takeMessage(const clap_event_midi_t& event) {
@@ -241,10 +250,17 @@ bool ClapDelay::load(const clap_istream_t& stream) {
     SavedState state;
     if (!read(stream, state))
         return false;
+    // The live values are those of the current program. In its place they stay also if another one is
+    // selected meanwhile.
+    const std::size_t current = static_cast<std::size_t>(state.program) * presets::kPresetChunkSize;
+    std::memcpy(&state.bank[current], state.live.data(), sizeof state.live);
     effect_.setChunk(state.bank.data(), presets::kBankChunkSize, false);
     effect_.setProgram(state.program);
     for (std::int32_t id = 0; id < kNumLiveParameters; ++id)
-        effect_.setParameter(id, state.live[static_cast<std::size_t>(id)]);
+        effect_.setStoredParameter(id);
+    // What the host reads by itself is not told as well: it would count as one more change.
+    if (host_.rescansValues())
+        untold_.forgetValues();
     host_.rescanValues();
     return true;
 }

@@ -87,6 +87,7 @@ class ClapDelay final : private interfaces::EffectHost {
     void setAllParameters();
     void setValue(clap_id id, double hostValue);
     void takeMessage(const clap_event_midi_t& event);
+    void playAndTell(const clap_process_t& block, std::uint32_t first, std::uint32_t frames);
     void play(const clap_process_t& block, std::uint32_t first, std::uint32_t frames);
     void tellChanges(const clap_output_events_t* out, std::uint32_t time);
     std::optional<double> programOfText(std::string_view name);

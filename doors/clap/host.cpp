@@ -42,8 +42,12 @@ void Host::warn(const char* subject, const char* text) const {
         std::fprintf(stderr, "%s\n", line.c_str());
 }
 
+bool Host::rescansValues() const {
+    return params_ && params_->rescan;
+}
+
 void Host::rescanValues() const {
-    if (params_ && params_->rescan)
+    if (rescansValues())
         params_->rescan(host_, CLAP_PARAM_RESCAN_VALUES | CLAP_PARAM_RESCAN_TEXT);
 }
 

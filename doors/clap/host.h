@@ -30,8 +30,9 @@ class Host {
     /// Writes "subject: text" to the host's log or, where it has none, to standard error. Any thread but the
     /// audio thread.
     void warn(const char* subject, const char* text) const;
-    /// Has the host read all values and the programs' names again. The main thread.
+    /// Has the host read all values and the programs' names again, if it can. The main thread.
     void rescanValues() const;
+    bool rescansValues() const;
     /// Has the host fetch changes soon, also while it does not play. Any thread but the audio thread.
     void requestFlush() const;
     /// Has the host call on its main thread soon; some never do. Any thread.

@@ -122,9 +122,13 @@ class Duel {
         const float value = std::min(std::max(set.value, 0.0f), 1.0f);
         const std::int32_t step = value > 0.5f ? 2 : value > 0.0f ? 1 : 0;
         const double told = set.id == reference::kSet ? step : static_cast<double>(set.value);
-        changes_.push_back(
-            {[=](Events& events, std::uint32_t time) { events.value(id, told, time); },
-             [=, this] { setInReference(set.id, set.id == reference::kSet ? setOf(step) : value); }});
+        changes_.push_back({[=](Events& events, std::uint32_t time) { events.value(id, told, time); },
+                            [=, this] {
+                                // A repeated value is none.
+                                const float sets = set.id == reference::kSet ? setOf(step) : value;
+                                if (!same(sets, storedValue(set.id)))
+                                    setInReference(set.id, sets);
+                            }});
     }
 
     void operator()(const SetProgram& set) {

@@ -159,6 +159,21 @@ TEST_F(EventList, TellsAllValuesWhereTheHostItselfSelectsAProgram) {
     expectAllTold(told, instance, 0);
 }
 
+TEST_F(EventList, TellsWhatAFrameEndsWith) {
+    instance.activate();
+    processSilence(64, &events.value(kProgramId, 9.0, 5).value(kDryWet, 0.3, 5), &told);
+    EXPECT_EQ(instance.value(kDryWet), static_cast<double>(0.3f));
+    expectAllTold(told, instance, 5);
+}
+
+TEST_F(EventList, TellsOlderChangesWithWhatTheFirstFrameMakesOfThem) {
+    instance.activate();
+    instance.flush(events.value(kProgramId, 9.0).list(), nullptr);
+    events.clear();
+    processSilence(64, &events.value(kDryWet, 0.3), &told);
+    expectAllTold(told, instance, 0);
+}
+
 TEST_F(EventList, TellsNothingOfWhatTheHostHasSet) {
     instance.activate();
     processSilence(64, &events.value(kTaps, 0.125).value(kProgramId, 0.0), &told);
@@ -314,6 +329,30 @@ TEST_F(EventList, TakesTheLastOfDoubledValues) {
     single.value(kTaps, 0.3, 700);
     events.value(kTaps, 0.9, 700).value(kTaps, 0.3, 700).value(kTaps, 0.3, 700);
     EXPECT_EQ(soundWith(events), soundWith(single));
+}
+
+TEST_F(EventList, HearsNothingOfARepeatedValue) {
+    const auto sound = [](Events* repeated) {
+        Host other;
+        Instance fresh(module().entry(), other);
+        // A jump of the taps would be hidden by a fade.
+        fresh.set(kSet, 0.0);
+        fresh.set(kBaseLength, 0.05);
+        fresh.set(kStretch, 0.25);
+        fresh.activate();
+        played(fresh);
+        Row heard;
+        for (int block = 0; block < 8; ++block) {
+            const Stereo more = played(fresh, 512, 512, repeated);
+            heard.insert(heard.end(), more.left.begin(), more.left.end());
+            heard.insert(heard.end(), more.right.begin(), more.right.end());
+        }
+        return heard;
+    };
+    EXPECT_EQ(sound(&events.value(kStretch, 0.25).value(kPreLowPass, instance.value(kPreLowPass))),
+              sound(nullptr));
+    Events changed;
+    EXPECT_NE(sound(&changed.value(kStretch, 0.26)), sound(nullptr));
 }
 
 TEST_F(EventList, TakesEventsInBlocksOfNoFrame) {

@@ -80,4 +80,33 @@ TEST(DoorsThreads, AnswerLoadAndSetWhileOneOfThemPlays) {
     EXPECT_TRUE(instance.load(instance.save().value()));
 }
 
+TEST(DoorsThreads, LeaveTheProgramsOfAStateAsTheyAreWhileOthersAreSelected) {
+    const desk::PrivateFolder folder;
+    const Module module;
+    Host host(kOffers);
+    Instance instance(module.entry(), host);
+    instance.activate();
+    instance.set(kProgram, 5);
+    for (clap_id id = 0; id < 17; ++id)
+        instance.set(id, 0.05 * id);
+    const Bytes state = instance.save().value();
+    std::atomic<bool> isOver = false;
+    std::thread audio([&] {
+        std::vector<float> row(kFrames);
+        float* const channels[] = {row.data(), row.data()};
+        for (int block = 0; !isOver; ++block) {
+            Events events;
+            instance.process(channels, channels, kFrames, &events.value(kProgram, block % 128));
+            instance.reset();
+        }
+    });
+    const auto bankOf = [](const Bytes& from) { return Bytes(from.begin() + 12 + 17 * 4, from.end()); };
+    for (int round = 0; round < 300 && !testing::Test::HasFailure(); ++round) {
+        EXPECT_TRUE(instance.load(state));
+        EXPECT_TRUE(bankOf(instance.save().value()) == bankOf(state)) << round;
+    }
+    isOver = true;
+    audio.join();
+}
+
 } // namespace
