@@ -13,7 +13,6 @@
 #include "vstgui/lib/platform/win32/win32factory.h"
 
 #include <atomic>
-#include <barrier>
 #include <cstddef>
 #include <cstdlib>
 #include <functional>
@@ -106,12 +105,15 @@ TEST(AToolkit, MayBeGivenBackOnAnotherThread) {
 TEST(AToolkit, IsReadyForAllWhoStartAtOnce) {
     constexpr int starters = 4;
     for (int round = 0; round < 25; ++round) {
-        std::barrier start(starters);
+        // No std::barrier: here one of those who wait for it may never be woken.
+        std::atomic<int> waiting = 0;
         std::atomic<int> ready = 0;
         std::vector<std::thread> threads;
         for (int i = 0; i < starters; ++i)
             threads.emplace_back([&] {
-                start.arrive_and_wait();
+                ++waiting;
+                while (waiting < starters)
+                    std::this_thread::yield();
                 const Toolkit toolkit;
                 ready += VSTGUI::getPlatformFactory().asWin32Factory()->getD2DFactory() != nullptr;
             });
