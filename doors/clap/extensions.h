@@ -1,5 +1,4 @@
-// What hosts may ask of an instance beside sound: ports, parameters, states, its
-// window.
+// What hosts may ask of an instance beside sound: ports, parameters, states, its window.
 #pragma once
 
 #include <string_view>
