@@ -65,6 +65,12 @@ void takeLargeBlocksFresh() {
     mallopt(M_MMAP_THRESHOLD, kLargeBlock);
 }
 
+std::int64_t pageFaultsOfThisThread() {
+    rusage usage{};
+    getrusage(RUSAGE_THREAD, &usage);
+    return usage.ru_minflt + usage.ru_majflt;
+}
+
 double processorSecondsOf(const std::vector<std::string>& arguments) {
     const pid_t process = start(arguments);
     int status = 0;
