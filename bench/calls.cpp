@@ -16,9 +16,7 @@ namespace bench {
 
 namespace {
 
-constexpr char kReference[] = "reference";
 constexpr std::int32_t kBlock = 64;
-constexpr std::int32_t kMemoryFrames = dsp::kDelaySize;
 constexpr std::int32_t kFillFrames = 4096;
 constexpr std::int32_t kCallsInARow = 256;
 
@@ -28,7 +26,8 @@ std::vector<std::uint8_t> factoryBank(const std::string& library) {
 
 template <class Engine>
 void play(Engine&& process, std::int32_t blockFrames, std::int32_t frames) {
-    std::vector<float> samples(static_cast<std::size_t>(4 * blockFrames), 0.25f);
+    std::vector<float> samples(static_cast<std::size_t>(4 * blockFrames));
+    fillWithNoise(samples);
     float* const first = samples.data();
     float* inputs[] = {first, first + blockFrames};
     float* outputs[] = {first + 2 * blockFrames, first + 3 * blockFrames};

@@ -4,6 +4,7 @@
 #include "bench/player.h"
 #include "bench/runs_file.h"
 #include "bench/suite.h"
+#include "bench/value_text.h"
 #include "desk/abrupt_end.h"
 #include "desk/display.h"
 #include "desk/host_settings.h"
@@ -51,7 +52,8 @@ struct HeldLibrary {
 std::optional<std::string> readOptions(Options& options, int argumentCount, const char* const* arguments) {
     CLI::App app("Times the effect against the literal reference loop.", "quillon-bench");
     app.add_flag("--json", options.json, "Print the figures as JSON");
-    app.add_option("--only", options.only, "Only the situations whose names contain this text");
+    app.add_option("--only", options.only,
+                   "Only the situations whose names contain this text, or the corners, or one section");
     app.add_option("--instruction-set", options.sets,
                    "sse2, avx2 or avx512; may be given again (default: the best one)");
     app.add_flag("--peers", options.peers, "Compare with Faust, ffmpeg and Csound too");
@@ -119,8 +121,9 @@ std::string now() {
 }
 
 void printRow(std::FILE* output, const Result& row) {
-    std::fprintf(output, "%-62s %10s %10s %8.2f  %s\n", row.situation.c_str(), timeText(row.built).c_str(),
-                 timeText(row.other).c_str(), row.times(), row.against.c_str());
+    std::fprintf(output, "%-70s %10s %10s %8s  %s\n", row.situation.c_str(),
+                 valueText(row, row.built).c_str(), valueText(row, row.other).c_str(), timesText(row).c_str(),
+                 row.against.c_str());
     std::fflush(output);
 }
 
@@ -128,7 +131,7 @@ void printRow(std::FILE* output, const Result& row) {
 Run measure(const HeldLibrary& held, const Options& options, bool programs, std::FILE* output) {
     Run run{now(), desk::processorName(), held.instructionSet, {}};
     if (!options.json)
-        std::fprintf(output, "%-62s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
+        std::fprintf(output, "%-70s %10s %10s %8s  %s\n", ("With " + held.instructionSet).c_str(), "effect",
                      "other", "times", "which is");
     runSuite({held.path, held.instructionSet, options.only, options.peers, programs, options.window,
               QUILLON_FAUST_PROGRAMS},
@@ -140,9 +143,9 @@ Run measure(const HeldLibrary& held, const Options& options, bool programs, std:
     return run;
 }
 
-/// Nanoseconds with two decimals.
-double rounded(double nanoseconds) {
-    return std::round(nanoseconds * 100) / 100;
+/// With two decimals.
+double rounded(double value) {
+    return std::round(value * 100) / 100;
 }
 
 void printJson(std::FILE* output, const std::vector<Run>& runs) {
@@ -153,12 +156,12 @@ void printJson(std::FILE* output, const std::vector<Run>& runs) {
             rows.push_back({{"section", row.section},
                             {"case", row.situation},
                             {"against", row.against},
+                            {"unit", row.isCount() ? "page faults" : "ns"},
                             {"effect", rounded(row.built)},
                             {"other", rounded(row.other)}});
         list.push_back({{"when", run.when},
                         {"processor", tools::utf8(run.processor)},
                         {"instructionSet", run.instructionSet},
-                        {"unit", "ns"},
                         {"rows", std::move(rows)}});
     }
     std::fprintf(output, "%s\n", list.dump(2).c_str());

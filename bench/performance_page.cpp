@@ -2,17 +2,15 @@
 
 #include "bench/plot.h"
 #include "bench/sound_case.h"
+#include "bench/value_text.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <fstream>
 #include <functional>
-#include <iomanip>
 #include <limits>
 #include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 namespace bench {
@@ -27,12 +25,6 @@ constexpr const char* kSetNames[] = {"AVX-512", "AVX2", "SSE2"};
 
 const char* nameOf(Read read) {
     return kReadNames[static_cast<int>(read)];
-}
-
-std::string fixed(double number, int digits) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(digits) << number;
-    return text.str();
 }
 
 /// The last runs with one instruction set, the newest last.
@@ -302,16 +294,6 @@ const std::map<std::string, Writer> kWriters = {
     {"<!-- limits -->", writeLimits}};
 
 } // namespace
-
-std::string timeText(double nanoseconds) {
-    constexpr const char* units[] = {" ns", " µs", " ms", " s"};
-    std::size_t unit = 0;
-    while (std::fabs(nanoseconds) >= 9999.5 && unit + 1 < std::size(units)) {
-        nanoseconds /= 1000.0;
-        ++unit;
-    }
-    return fixed(nanoseconds, nanoseconds < 99.95 ? 1 : 0) + units[unit];
-}
 
 void writePerformancePage(const std::string& folder, const std::vector<Run>& runs) {
     const std::vector<SetRuns> sets = runsBySet(runs);

@@ -13,7 +13,4 @@ namespace bench {
 /// runs are shown, and the last one in full. Throws std::runtime_error if it cannot.
 void writePerformancePage(const std::string& folder, const std::vector<Run>& runs);
 
-/// A time as a person reads it: "45.2 ns", "3.10 µs", "12.4 ms".
-std::string timeText(double nanoseconds);
-
 } // namespace bench

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "bench/contest.h"
+#include "bench/preparation.h"
 #include "bench/sound_case.h"
 #include "bench/subject.h"
 #include "host/plugin.h"
@@ -10,14 +11,13 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace bench {
 
 /// An instance of the effect from the library of this path, which stays loaded.
-std::unique_ptr<Subject> builtEffect(const std::string& library);
+std::unique_ptr<ClearableSubject> builtEffect(const std::string& library);
 /// The literal loop of the tests, compiled with the same options.
-std::unique_ptr<Subject> literalReference();
+std::unique_ptr<ClearableSubject> literalReference();
 
 /// The library of this path, loaded once. Throws host::HostError if it is none.
 const host::Library& loadedLibrary(const std::string& path);
@@ -35,14 +35,11 @@ class Player {
     Contestant contestant();
 
   private:
-    void setPattern();
-    void play(std::int32_t frames, std::int64_t times);
-
     std::unique_ptr<Subject> subject_;
     SoundCase situation_;
     std::int32_t batchBlocks_;
     bool moved_ = false;
-    std::vector<float> samples_;
+    Buffers buffers_;
 };
 
 } // namespace bench

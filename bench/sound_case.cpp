@@ -15,18 +15,22 @@ void addEachRead(std::vector<SoundCase>& cases, SoundCase situation) {
 
 } // namespace
 
-std::string SoundCase::name() const {
+std::string SoundCase::nameWithoutBlocks() const {
     constexpr const char* reads[] = {"cubic", "linear", "whole"};
     constexpr const char* places[] = {"spread", "close", "minimum"};
     std::string text = std::to_string(taps) + (taps == 1 ? " tap, " : " taps, ");
     text += reads[static_cast<int>(read)];
     text += std::string(", ") + places[static_cast<int>(place)];
     text += motion == Motion::rest ? ", at rest" : ", gliding";
-    text += ", blocks of " + std::to_string(blockFrames);
+    return text;
+}
+
+std::string SoundCase::name() const {
+    std::string text = nameWithoutBlocks() + ", blocks of " + std::to_string(blockFrames);
     if (caches == Caches::cold)
         text += ", cold";
-    if (input == Input::silence)
-        text += ", silence";
+    if (input != Input::noise)
+        text += input == Input::silence ? ", silence" : ", never a sound";
     return text;
 }
 
@@ -50,16 +54,28 @@ std::vector<SoundCase> soundCases() {
 
 std::vector<SoundCase> chosenCases() {
     std::vector<SoundCase> cases;
-    addEachRead(cases, {});
+    cases.push_back({.read = Read::whole});
+    cases.push_back({});
     cases.push_back({.blockFrames = 64});
-    addEachRead(cases, {.taps = 101});
-    cases.push_back({.taps = 101, .read = Read::linear, .motion = Motion::gliding});
-    cases.push_back({.taps = 101, .motion = Motion::gliding});
-    cases.push_back({.taps = 32});
-    addEachRead(cases, {.taps = 8});
-    addEachRead(cases, {.taps = 1});
     cases.push_back({.blockFrames = 64, .caches = Caches::cold});
+    cases.push_back({.taps = 101, .motion = Motion::gliding});
+    for (const std::int32_t taps : {32, 8, 1})
+        cases.push_back({.taps = taps});
     cases.push_back({.taps = 8, .input = Input::silence});
+    return cases;
+}
+
+std::vector<SoundCase> shortBlockRows() {
+    return {{.taps = 128}, {.taps = 128, .read = Read::whole}, {.taps = 39}, {.taps = 1}};
+}
+
+std::vector<SoundCase> shortBlockCases() {
+    std::vector<SoundCase> cases;
+    for (SoundCase situation : shortBlockRows())
+        for (const std::int32_t frames : kShortBlocks) {
+            situation.blockFrames = frames;
+            cases.push_back(situation);
+        }
     return cases;
 }
 

@@ -30,8 +30,12 @@ enum class Caches {
 
 enum class Input {
     noise,
-    silence ///< some seconds after the last of it; echoes may go on
+    silence, ///< after noise; echoes may go on
+    nothing  ///< silence from the beginning, so that there is no echo either
 };
+
+/// After so many samples of silence the filters are as near to zero as they come.
+constexpr std::int32_t kSilentFrames = 131072;
 
 struct SoundCase {
     std::int32_t taps = 128;
@@ -41,16 +45,26 @@ struct SoundCase {
     std::int32_t blockFrames = 512;
     Caches caches = Caches::warm;
     Input input = Input::noise;
+    /// How long it has been silent, where it is. Not a part of the name.
+    std::int32_t silentFrames = kSilentFrames;
 
     /// In words, unique: "128 taps, cubic, spread, at rest, blocks of 512".
     std::string name() const;
+    /// The same as far as the block's length: "128 taps, cubic, spread, at rest".
+    std::string nameWithoutBlocks() const;
 };
 
 /// All that are timed.
 std::vector<SoundCase> soundCases();
-/// Those that the effect is built for: few taps and many, at rest and gliding, long blocks and short, cold,
-/// in silence.
+/// The few that stand for all: few taps and many, at rest and gliding, long blocks and short, cold, in
+/// silence.
 std::vector<SoundCase> chosenCases();
+/// The lengths of the blocks in the table of short blocks, in frames.
+constexpr std::array<std::int32_t, 6> kShortBlocks = {1, 2, 4, 8, 16, 65};
+/// The situations of that table without their blocks.
+std::vector<SoundCase> shortBlockRows();
+/// Each row in blocks of each length.
+std::vector<SoundCase> shortBlockCases();
 /// Where the time goes follows from these three: one tap near, 128 taps near, 128 taps all over the memory.
 std::array<SoundCase, 3> costCases(Read read);
 

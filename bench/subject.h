@@ -16,4 +16,11 @@ class Subject {
     virtual bool wantsFullMemory() const { return true; }
 };
 
+/// A subject with the calls that clear its memory.
+class ClearableSubject : public Subject {
+  public:
+    virtual void setProgram(std::int32_t program) = 0;
+    virtual void resume() = 0;
+};
+
 } // namespace bench

@@ -2,6 +2,7 @@
 
 #include "bench/calls.h"
 #include "bench/contest.h"
+#include "bench/corners.h"
 #include "bench/limits.h"
 #include "bench/peers/faust_contest.h"
 #include "bench/peers/outside_programs.h"
@@ -9,32 +10,33 @@
 #include "bench/sound_case.h"
 #include "bench/window.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace bench {
 
 namespace {
 
-using Take = std::function<void(const Result&)>;
-
-bool wants(const SuiteOptions& options, const std::string& situation) {
-    return situation.find(options.only) != std::string::npos;
+bool wants(const SuiteOptions& options, const std::string& section, const std::string& situation) {
+    const bool isCorner = std::ranges::count(kCorners, section) > 0;
+    return situation.find(options.only) != std::string::npos || options.only == section ||
+           (options.only == kAllCorners && isCorner);
 }
 
 void timeSound(const SuiteOptions& options, const Take& take) {
     for (const SoundCase& situation : soundCases()) {
-        if (!wants(options, situation.name()))
+        if (!wants(options, section::kSound, situation.name()))
             continue;
         Player built(builtEffect(options.library), situation);
         Player reference(literalReference(), situation);
         const std::vector<double> medians = medianNanoseconds({built.contestant(), reference.contestant()});
-        take({section::kSound, situation.name(), "reference", medians[0], medians[1]});
+        take({section::kSound, situation.name(), kReference, medians[0], medians[1]});
     }
 }
 
 void timeCalls(const SuiteOptions& options, const Take& take) {
     for (const CallCase& call : callCases())
-        if (wants(options, call.name))
+        if (wants(options, section::kCalls, call.name))
             take(call.measure(call, options.library));
 }
 
@@ -61,15 +63,23 @@ void timeCost(const SuiteOptions& options, const Take& take, Read read) {
 
 void timeFaust(const SuiteOptions& options, const Take& take) {
     for (const Read read : {Read::whole, Read::linear, Read::cubic})
-        if (wants(options, peerCase(read).name()))
+        if (wants(options, section::kFaust, peerCase(read).name()))
             for (const Result& result :
                  contestWithFaust(options.faustPrograms, options.library, options.instructionSet, read))
                 take(result);
 }
 
+void timeCorners(const SuiteOptions& options, const Take& take) {
+    for (const std::vector<Corner>& corners : {shortBlockCorners(), afterSoundCorners(), clearingCorners(),
+                                               pageFaultCorners(), instanceCorners(options.library)})
+        for (const Corner& corner : corners)
+            if (wants(options, corner.section, corner.name))
+                corner.measure(corner, options.library, take);
+}
+
 void timePrograms(const SuiteOptions& options, const Take& take) {
     for (const OutsideProgram& program : outsidePrograms())
-        if (wants(options, program.name))
+        if (wants(options, section::kPrograms, program.name))
             take(contestWithProgram(program, options.library));
 }
 
@@ -78,14 +88,15 @@ void timePrograms(const SuiteOptions& options, const Take& take) {
 void runSuite(const SuiteOptions& options, const Take& take) {
     timeSound(options, take);
     timeCalls(options, take);
+    timeCorners(options, take);
     for (const Read read : {Read::whole, Read::linear, Read::cubic})
-        if (wants(options, costCases(read).back().name()))
+        if (wants(options, section::kCost, costCases(read).back().name()))
             timeCost(options, take, read);
     if (options.faust)
         timeFaust(options, take);
     if (options.programs)
         timePrograms(options, take);
-    if (options.window && wants(options, kWindowSituation))
+    if (options.window && wants(options, section::kWindow, kWindowSituation))
         take(timeWindow(options.library));
 }
 

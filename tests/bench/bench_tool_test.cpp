@@ -76,6 +76,35 @@ TEST(Bench, TimesTheSituationsThatAreAskedForAndGivesThemAsJson) {
     }
 }
 
+TEST(Bench, CountsThePageFaultsWhenTheirSectionIsAskedFor) {
+    const ScratchFolder folder;
+    const ToolResult result = runTool(folder, {"--json", "--only", "faults"}, ErrorEnd::file, QUILLON_BENCH);
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const auto rows = nlohmann::json::parse(result.out)[0]["rows"];
+    ASSERT_EQ(rows.size(), 2u);
+    for (const auto& row : rows) {
+        EXPECT_EQ(row["section"], "faults");
+        EXPECT_EQ(row["unit"], "page faults");
+        EXPECT_GE(row["effect"].get<double>(), 0.0);
+    }
+}
+
+TEST(Bench, TimesACornerBesideThePlainLoopAndBesideItself) {
+    const ScratchFolder folder;
+    const ToolResult result = runTool(folder, {"--json", "--only", "1 tap, cubic, silence after a stereo"},
+                                      ErrorEnd::file, QUILLON_BENCH);
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const auto rows = nlohmann::json::parse(result.out)[0]["rows"];
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[0]["against"], "reference");
+    EXPECT_EQ(rows[1]["against"], "itself, fresh");
+    EXPECT_EQ(rows[0]["effect"], rows[1]["effect"]);
+    for (const auto& row : rows) {
+        EXPECT_EQ(row["unit"], "ns");
+        EXPECT_GT(row["other"].get<double>(), 0.0);
+    }
+}
+
 TEST(Bench, TimesTheWindowUnderAutomationWhenAskedTo) {
     const ScratchFolder folder;
     const ToolResult result =

@@ -1,6 +1,7 @@
 #include "bench/performance_page.h"
 
 #include "bench/sound_case.h"
+#include "bench/value_text.h"
 #include "support/scratch_folder.h"
 
 #include <algorithm>

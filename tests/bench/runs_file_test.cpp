@@ -54,6 +54,17 @@ TEST(RunsFile, IsRefusedWhenItHoldsSomethingElse) {
     EXPECT_THROW(bench::readRuns(folder.file("runs.tsv")), std::runtime_error);
 }
 
+TEST(RunsFile, KeepsANumberThatIsNoneAtAll) {
+    const ScratchFolder folder;
+    bench::Run run = sampleRun("2026-01-01 10:00");
+    run.results.push_back({"faults", "first block of 64", "reference", 0.0, 4096.0});
+    bench::appendRun(folder.file("runs.tsv"), run);
+    const auto runs = bench::readRuns(folder.file("runs.tsv"));
+    ASSERT_EQ(runs.size(), 1u);
+    EXPECT_EQ(runs[0].results.back().built, 0.0);
+    EXPECT_EQ(runs[0].results.back().other, 4096.0);
+}
+
 TEST(RunsFile, FindsTheStrongestOpponent) {
     const bench::Run run = sampleRun("2026-01-01 10:00");
     ASSERT_NE(run.find("faust", "8 taps, cubic"), nullptr);
