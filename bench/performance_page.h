@@ -10,7 +10,8 @@
 namespace bench {
 
 /// Writes performance.md and images/performance*.svg into the folder. Of each instruction set the last three
-/// runs are shown, and the last one in full. Throws std::runtime_error if it cannot.
+/// runs are shown, and the last one in full; a section of the page for which none of them has figures is left
+/// out. Throws std::runtime_error if it cannot.
 void writePerformancePage(const std::string& folder, const std::vector<Run>& runs);
 
 } // namespace bench
