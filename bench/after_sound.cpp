@@ -4,8 +4,11 @@
 #include "bench/preparation.h"
 #include "reference/reference_engine.h"
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace bench {
 

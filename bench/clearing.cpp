@@ -3,8 +3,11 @@
 #include "bench/player.h"
 #include "bench/preparation.h"
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace bench {
 

@@ -5,6 +5,9 @@
 #include "bench/value_text.h"
 
 #include <cmath>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace bench {
 

@@ -4,12 +4,14 @@
 #include "bench/preparation.h"
 #include "reference/reference_engine.h"
 
-#include <algorithm>
 #include <array>
-#include <iterator>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace bench {
 

@@ -53,7 +53,7 @@ std::optional<std::string> readOptions(Options& options, int argumentCount, cons
     CLI::App app("Times the effect against the literal reference loop.", "quillon-bench");
     app.add_flag("--json", options.json, "Print the figures as JSON");
     app.add_option("--only", options.only,
-                   "Only the situations whose names contain this text, or the corners, or one section");
+                   "Only the situations whose names contain this text; or \"corners\", or a section");
     app.add_option("--instruction-set", options.sets,
                    "sse2, avx2 or avx512; may be given again (default: the best one)");
     app.add_flag("--peers", options.peers, "Compare with Faust, ffmpeg and Csound too");

@@ -3,8 +3,10 @@
 #include "bench/page_parts.h"
 
 #include <fstream>
+#include <istream>
 #include <map>
 #include <stdexcept>
+#include <string>
 
 namespace bench {
 

@@ -25,6 +25,10 @@ constexpr char kInstances[] = "instances"; ///< many played in turn; nanoseconds
 constexpr char kFaults[] = "faults";       ///< page faults of the audio thread; their number
 } // namespace section
 
+constexpr std::string_view kSections[] = {section::kSound,    section::kCalls,     section::kFaust,
+                                          section::kPrograms, section::kCost,      section::kLimits,
+                                          section::kWindow,   section::kBlocks,    section::kAfter,
+                                          section::kClearing, section::kInstances, section::kFaults};
 constexpr std::string_view kCorners[] = {section::kBlocks, section::kAfter, section::kClearing,
                                          section::kInstances, section::kFaults};
 

@@ -3,6 +3,9 @@
 #include "bench/player.h"
 #include "bench/sound_case.h"
 
+#include <string>
+#include <vector>
+
 namespace bench {
 
 std::vector<Corner> shortBlockCorners() {

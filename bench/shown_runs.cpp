@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <string>
+#include <vector>
 
 namespace bench {
 

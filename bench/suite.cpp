@@ -18,9 +18,11 @@ namespace bench {
 namespace {
 
 bool wants(const SuiteOptions& options, const std::string& section, const std::string& situation) {
-    const bool isCorner = std::ranges::count(kCorners, section) > 0;
-    return situation.find(options.only) != std::string::npos || options.only == section ||
-           (options.only == kAllCorners && isCorner);
+    if (options.only == kAllCorners)
+        return std::ranges::count(kCorners, section) > 0;
+    if (std::ranges::count(kSections, options.only) > 0)
+        return options.only == section;
+    return situation.find(options.only) != std::string::npos;
 }
 
 void timeSound(const SuiteOptions& options, const Take& take) {

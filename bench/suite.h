@@ -13,8 +13,8 @@ constexpr char kAllCorners[] = "corners";
 struct SuiteOptions {
     std::string library;        ///< path of the effect
     std::string instructionSet; ///< that it uses: "sse2", "avx2", "avx512"
-    /// The situations whose names contain this, and those of the section of this name; "corners" is all
-    /// corners. All if empty.
+    /// The section of this name, or else the situations whose names contain this; "corners" is all sections
+    /// of corners. All if empty.
     std::string only;
     bool faust = false;        ///< whether the Faust programs are timed too
     bool programs = false;     ///< whether ffmpeg and Csound are
