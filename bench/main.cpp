@@ -122,8 +122,8 @@ std::string now() {
 
 void printRow(std::FILE* output, const Result& row) {
     std::fprintf(output, "%-70s %10s %10s %8s  %s\n", row.situation.c_str(),
-                 valueText(row, row.built).c_str(), valueText(row, row.other).c_str(), timesText(row).c_str(),
-                 row.against.c_str());
+                 valueText(row, row.built).c_str(), valueText(row, row.other).c_str(),
+                 (row.isCount() ? "" : fixed(row.times(), 2)).c_str(), row.against.c_str());
     std::fflush(output);
 }
 
