@@ -79,7 +79,7 @@ std::optional<std::string> readOptions(Options& options, int argumentCount, cons
 }
 
 void checkUsable(const std::string& set) {
-    for (const dsp::TapKernels* kernels : dsp::usableKernels())
+    for (const dsp::Kernels* kernels : dsp::usableKernels())
         if (set == kernels->instructionSet)
             return;
     throw tools::ToolError("--instruction-set: this processor has no \"" + set + "\"");

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cmath>
 #include <limits>
 
 namespace dsp {
@@ -13,25 +12,14 @@ using namespace parameters;
 
 namespace {
 
-/// Prefetch distance, in taps.
-constexpr std::size_t kPrefetchedTaps = 8;
+/// Below this length a sub-block is rendered frame by frame: to set up rows costs more than they save.
+constexpr std::int32_t kShortestRow = 8;
+
+/// Up to this many taps, playByFrame reads each for itself.
+constexpr std::int32_t kFewTaps = 6;
 
 constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
-}
-
-/// The range of a row of read offsets.
-Sweep sweepOf(const float* lfoOffset, std::int32_t frames) {
-    float min = 0.0f;
-    float max = -std::numeric_limits<float>::infinity();
-    std::int32_t outOfRange = 0;
-    for (std::int32_t i = 0; i < frames; ++i) {
-        min = lfoOffset[i] < min ? lfoOffset[i] : min;
-        max = lfoOffset[i] > max ? lfoOffset[i] : max;
-        outOfRange |= lfoOffset[i] <= 0.0f ? 0 : 1;
-    }
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    return outOfRange != 0 ? Sweep{lfoOffset, nan, nan} : Sweep{lfoOffset, min, max};
 }
 
 } // namespace
@@ -43,22 +31,14 @@ void AudioLoop::processReplacing(EngineControls& shared, const float* const* inp
     Fade fade(sampleFrames, shared.beginFadeBlock());
     for (std::int32_t first = 0; first < sampleFrames;) {
         serveClearRequest(shared);
-        const std::int32_t frames = std::min({kSubBlockFrames, sampleFrames - first, delay_.slotsLeft()});
-        StereoRow dry, sum, wet;
-        SmoothedRows smoothed;
-        alignas(64) SweepRow lfoOffset;
-        alignas(64) Row mono;
-        // Both channels are read before either is written: a host may pass the same buffers, also crossed.
-        std::copy_n(inputs[0] + first, frames, dry.left.begin());
-        std::copy_n(inputs[1] + first, frames, dry.right.begin());
         readControls(shared);
-        smoothParameters(frames, smoothed);
-        const Sweep sweep = sweepTaps(frames, smoothed.depth, lfoOffset);
-        mixInput(frames, dry, mono);
-        const TapPaths& paths = tapGlides_.advance(controls_, *kernels_, frames);
-        runDelay(frames, mono, sweep, paths, sum);
-        shapeWet(frames, first, fade, sum, wet);
-        mixOutput(frames, dry, wet, smoothed, outputs[0] + first, outputs[1] + first);
+        const std::int32_t frames = std::min({kSubBlockFrames, sampleFrames - first, delay_.slotsLeft()});
+        const Buffers buffers = {
+            inputs[0] + first, inputs[1] + first, outputs[0] + first, outputs[1] + first, first, frames};
+        if (frames < kShortestRow)
+            playByFrame(buffers, fade);
+        else
+            playByRow(buffers, fade);
         first += frames;
     }
     assert(entry_.leave());
@@ -75,6 +55,21 @@ void AudioLoop::readControls(EngineControls& shared) {
     shared.showFullInputGain();
 }
 
+void AudioLoop::playByRow(const Buffers& buffers, Fade& fade) {
+    const std::int32_t frames = buffers.frames;
+    Rows& rows = rows_;
+    // Both channels are read before either is written: a host may pass the same buffers, also crossed.
+    std::copy_n(buffers.inLeft, frames, rows.dry.left.begin());
+    std::copy_n(buffers.inRight, frames, rows.dry.right.begin());
+    smoothParameters(frames, rows.smoothed);
+    const Sweep sweep = sweepTaps(frames, rows.smoothed.depth, rows.phases, rows.lfoOffset);
+    kernels_->rows.mixInput(rows.dry, controls_.prePan, rows.mono.data(), frames);
+    const TapPaths& paths = tapGlides_.advance(controls_, kernels_->taps, frames);
+    runDelay(frames, rows.mono, sweep, paths, rows.sum);
+    shapeWet(frames, buffers.first, fade, rows.sum, rows.norm, rows.leveled, rows.wet);
+    kernels_->rows.mixOutput(rows.dry, rows.wet, rows.smoothed, buffers.outLeft, buffers.outRight, frames);
+}
+
 void AudioLoop::smoothParameters(std::int32_t frames, SmoothedRows& smoothed) {
     stereoSmoother_.gated(controls_.stereo, smoothed.stereo, frames);
     mixSmoother_.gated(controls_.mix, smoothed.mix, frames);
@@ -83,32 +78,30 @@ void AudioLoop::smoothParameters(std::int32_t frames, SmoothedRows& smoothed) {
 }
 
 /// The offset computed in a frame applies to the frame after it.
-Sweep AudioLoop::sweepTaps(std::int32_t frames, const Row& depth, SweepRow& lfoOffset) {
-    alignas(64) Row phase;
+Sweep AudioLoop::sweepTaps(std::int32_t frames, const Row& depth, Row& phases, SweepRow& lfoOffset) {
     ModuleFMop oscillator = lfo; // a copy, which no store into the rows can alias
     const float step = oscillator.step(controls_.lfoRate, controls_.lfoSampleTime);
     for (std::int32_t i = 0; i < frames; ++i)
-        phase[at(i)] = oscillator.advance(step);
+        phases[at(i)] = oscillator.advance(step);
     lfo = oscillator;
     lfoOffset[0] = delay_.lfoOffset;
-    for (std::int32_t i = 0; i < frames; ++i)
-        lfoOffset[at(i + 1)] = -std::fabs((oscillator.sine(phase[at(i)]) + 100.0f) * depth[at(i)]);
+    const Sweep sweep =
+        kernels_->rows.sweep(phases.data(), lfo.phaseMod, depth.data(), lfoOffset.data(), frames);
     delay_.lfoOffset = lfoOffset[at(frames)];
-    return sweepOf(lfoOffset.data(), frames);
-}
-
-void AudioLoop::mixInput(std::int32_t frames, const StereoRow& dry, Row& mono) const {
-    const float pan = controls_.prePan;
-    for (std::int32_t i = 0; i < frames; ++i)
-        mono[at(i)] = (1.0f - pan) * dry.left[at(i)] + pan * dry.right[at(i)];
+    return sweep;
 }
 
 void AudioLoop::runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
                          StereoRow& sum) {
     MemorySpan span = delay_.beginSpan(frames);
-    const SubBlockReader reader{*kernels_, controls_, span, sweep, paths};
-    StereoRow fedRows;
-    const FedTaps fed = recirculate(reader, mono, fedRows);
+    const TapKernels& kernels = kernels_->taps;
+    const SubBlockReader reader{kernels, controls_, span, sweep, paths, rows_.plan};
+    if (reader.readsWholeSamples())
+        kernels.planWhole(span, paths, controls_.numTaps, rows_.plan);
+    else
+        kernels.planSwept(span, sweep, paths, controls_.numTaps, rows_.plan);
+    kernels.prefetchFirst(span, rows_.plan, controls_.numTaps);
+    const FedTaps fed = recirculate(reader, mono, rows_.fed);
     delay_.endSpan(span);
     sumTaps(reader, fed, sum);
 }
@@ -148,9 +141,8 @@ AudioLoop::FedTaps AudioLoop::recirculateByFrame(const SubBlockReader& reader, c
 /// memory can alias.
 template <class ReadFed>
 void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed) {
-    alignas(64) FilteredRow filtered;
-    if (filterSubnormals(span.frames, mono, filtered)) {
-        feedBack(span, [&](std::int32_t i) { return filtered[at(i)]; }, readFed);
+    if (filterSubnormals(span.frames, mono.data(), rows_.filtered.data())) {
+        feedBack(span, [&](std::int32_t i) { return rows_.filtered[at(i)]; }, readFed);
         return;
     }
     BiquadState lowPass = preLowPass;
@@ -177,21 +169,21 @@ void AudioLoop::feedBack(const MemorySpan& span, ReadFiltered readFiltered, Read
 }
 
 /// Runs both filters on (near-)subnormal input; false, with nothing changed, if out of range.
-bool AudioLoop::filterSubnormals(std::int32_t frames, const Row& mono, FilteredRow& filtered) {
+bool AudioLoop::filterSubnormals(std::int32_t frames, const float* mono, double* filtered) {
     const auto inRange = [](float sample) { return SubnormalBiquad::inRange(sample); };
-    if (!SubnormalBiquad::inRange(preLowPass, controls_.lowPass) ||
-        !SubnormalBiquad::inRange(preHighPass, controls_.highPass) ||
-        !std::all_of(mono.begin(), mono.begin() + frames, inRange))
+    if (!std::all_of(mono, mono + frames, inRange) ||
+        !SubnormalBiquad::inRange(preLowPass, controls_.lowPass) ||
+        !SubnormalBiquad::inRange(preHighPass, controls_.highPass))
         return false;
     constexpr double kStep = std::numeric_limits<float>::denorm_min();
     SubnormalBiquad lowPass(preLowPass);
     SubnormalBiquad highPass(preHighPass);
     for (std::int32_t i = 0; i < frames; ++i) {
-        const double low = lowPass.process(SubnormalBiquad::stepsOf(mono[at(i)]), controls_.lowPass);
+        const double low = lowPass.process(SubnormalBiquad::stepsOf(mono[i]), controls_.lowPass);
         const double high = highPass.process(low, controls_.highPass);
         if (!SubnormalBiquad::inRange(low) || !SubnormalBiquad::inRange(high))
             return false;
-        filtered[at(i)] = high * kStep;
+        filtered[i] = high * kStep;
     }
     preLowPass = lowPass.state();
     preHighPass = highPass.state();
@@ -200,31 +192,33 @@ bool AudioLoop::filterSubnormals(std::int32_t frames, const Row& mono, FilteredR
 
 /// Adds up all taps in order: even taps to the left, odd taps to the right.
 void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, StereoRow& sum) {
+    const std::int32_t frames = reader.span.frames;
+    const std::int32_t taps = controls_.numTaps;
     sum.left.fill(0.0f);
     sum.right.fill(0.0f);
-    const std::int32_t frames = reader.span.frames;
-    const std::size_t last = at(controls_.numTaps - 1);
-    alignas(64) Row row;
-    for (std::size_t tap = 0; tap < std::min(kPrefetchedTaps, last); ++tap)
-        reader.prefetch(tap);
-    for (std::size_t tap = 0; tap <= last; ++tap) {
-        if (tap + kPrefetchedTaps < last)
-            reader.prefetch(tap + kPrefetchedTaps);
-        const float* samples;
-        if (tap == 0)
-            samples = fed.first;
-        else if (tap == last)
-            samples = fed.last;
+    // Samples that lie in the memory need no rows, and are added all at once.
+    const bool inPlace = reader.readsWholeSamples() && rows_.plan.unclear == 0;
+    const std::int32_t atOnce = inPlace ? taps : kTapsAtOnce;
+    SubBlockReader::TapSamples& samples = rows_.tapSamples;
+    for (std::int32_t begin = 0; begin < taps; begin += atOnce) {
+        const std::int32_t end = std::min(begin + atOnce, taps);
+        if (reader.readsWholeSamples())
+            reader.readWholeSamples(begin, end, rows_.taps, samples);
         else
-            samples = reader.read(tap, row);
-        Row& side = tap % 2 == 0 ? sum.left : sum.right;
-        kernels_->addTap(side.data(), samples, controls_.tapGain[tap], frames);
-        delay_.tapOut[tap] = samples[frames - 1];
+            reader.read(std::max(begin, 1), std::min(end, taps - 1), rows_.taps, samples);
+        if (begin == 0)
+            samples[0] = fed.first;
+        if (end == taps)
+            samples[at(taps - 1)] = fed.last;
+        kernels_->taps.addTaps(samples.data() + begin, controls_.tapGain.data() + begin, end - begin, inPlace,
+                               sum, frames);
+        for (std::int32_t tap = begin; tap < end; ++tap)
+            delay_.tapOut[at(tap)] = samples[at(tap)][frames - 1];
     }
     // With an odd count the entry behind the last tap belongs to the last pair. Its gain is zero, so what it
     // read last matters only if it was infinite or NaN.
-    if (last % 2 == 0) {
-        const float unused = delay_.tapOut[last + 1] * controls_.tapGain[last + 1];
+    if (taps % 2 == 1) {
+        const float unused = delay_.tapOut[at(taps)] * controls_.tapGain[at(taps)];
         for (float& sample : sum.right)
             sample += unused;
     }
@@ -232,33 +226,100 @@ void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, Stereo
 
 /// Applies level and fade and removes DC.
 void AudioLoop::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade, const StereoRow& sum,
-                         StereoRow& wet) {
-    alignas(64) Row norm;
+                         Row& norm, StereoRow& leveled, StereoRow& wet) {
     for (std::int32_t i = 0; i < frames; ++i)
         norm[at(i)] = controls_.wetLevel * fade.next(firstFrame + i);
-    // Copies, which no store into the rows can alias.
-    Smoother left = dcBlockLeft;
-    Smoother right = dcBlockRight;
-    const float radians = controls_.dcRadiansPerSample;
     for (std::int32_t i = 0; i < frames; ++i) {
-        wet.left[at(i)] = left.process(sum.left[at(i)] * norm[at(i)], radians);
-        wet.right[at(i)] = right.process(norm[at(i)] * sum.right[at(i)], radians);
+        leveled.left[at(i)] = sum.left[at(i)] * norm[at(i)];
+        leveled.right[at(i)] = norm[at(i)] * sum.right[at(i)];
     }
-    dcBlockLeft = left;
-    dcBlockRight = right;
+    dcRemover_.process(leveled, wet, controls_.dcRadiansPerSample, frames);
 }
 
-/// "Stereo" crosses the wet pair over, "Out Pan" balances it, "Dry Wet" mixes it with the dry input.
-void AudioLoop::mixOutput(std::int32_t frames, const StereoRow& dry, const StereoRow& wet,
-                          const SmoothedRows& smoothed, float* left, float* right) {
-    for (std::int32_t i = 0; i < frames; ++i) {
-        const float stereo = smoothed.stereo[at(i)];
-        const float mix = smoothed.mix[at(i)];
-        const float pan = smoothed.pan[at(i)];
-        const float a = (1.0f - stereo) * wet.left[at(i)] + wet.right[at(i)] * stereo;
-        const float b = (1.0f - stereo) * wet.right[at(i)] + wet.left[at(i)] * stereo;
-        left[i] = a * ((1.0f - pan) + (1.0f - pan)) * mix + (1.0f - mix) * dry.left[at(i)];
-        right[i] = (b * pan + b * pan) * mix + (1.0f - mix) * dry.right[at(i)];
+double AudioLoop::filterFrame(float mono) {
+    double filtered;
+    if (SubnormalBiquad::inRange(mono) && filterSubnormals(1, &mono, &filtered))
+        return filtered;
+    return static_cast<double>(
+        preHighPass.process(preLowPass.process(mono, controls_.lowPass), controls_.highPass));
+}
+
+/// Reads and adds up all taps in the frame that was just written.
+StereoSample AudioLoop::sumTaps(const TapPaths& paths) {
+    const bool inReach = delay_.lfoOffset <= 0.0f && delay_.lfoOffset >= -static_cast<float>(kDelaySize);
+    if (controls_.interpMode == kWholeSamples)
+        return sumTapsOneByOne<WholeSampleReader>(paths);
+    if (controls_.numTaps > kFewTaps && inReach)
+        return sumTapsAtOnce(paths);
+    return controls_.interpMode == kLinear ? sumTapsOneByOne<LinearReader>(paths)
+                                           : sumTapsOneByOne<CubicReader>(paths);
+}
+
+template <class Reader>
+StereoSample AudioLoop::sumTapsOneByOne(const TapPaths& paths) {
+    const MemoryNow memory = {delay_};
+    const auto read = [&](std::size_t tap) {
+        const float sample = Reader::read(memory, paths.firstTimes[tap], delay_.lfoOffset);
+        delay_.tapOut[tap] = sample;
+        return sample * controls_.tapGain[tap];
+    };
+    StereoSample sum = {0.0f, 0.0f};
+    const std::size_t taps = at(controls_.numTaps);
+    for (std::size_t tap = 0; tap + 1 < taps; tap += 2) {
+        sum.left += read(tap);
+        sum.right += read(tap + 1);
+    }
+    if (taps % 2 == 1) {
+        sum.left += read(taps - 1);
+        sum.right += delay_.tapOut[taps] * controls_.tapGain[taps];
+    }
+    return sum;
+}
+
+StereoSample AudioLoop::sumTapsAtOnce(const TapPaths& paths) {
+    const bool linear = controls_.interpMode == kLinear;
+    const auto& interpolation = linear ? kernels_->taps.linear : kernels_->taps.cubic;
+    std::array<std::int32_t, kMaxTaps> left;
+    const TapFrame frame = {delay_.samples.data(), delay_.written,   delay_.writeIndex,
+                            delay_.lfoOffset,      paths.firstTimes, controls_.numTaps};
+    const std::int32_t count = interpolation.readFrame(frame, delay_.tapOut.data(), left.data());
+    const MemoryNow memory = {delay_};
+    for (std::int32_t k = 0; k < count; ++k) {
+        const std::size_t tap = at(left[at(k)]);
+        const float time = paths.firstTimes[tap];
+        delay_.tapOut[tap] = linear ? LinearReader::read(memory, time, delay_.lfoOffset)
+                                    : CubicReader::read(memory, time, delay_.lfoOffset);
+    }
+    StereoSample sum = {0.0f, 0.0f};
+    for (std::size_t tap = 0; tap < at(controls_.numTaps); tap += 2) {
+        sum.left += delay_.tapOut[tap] * controls_.tapGain[tap];
+        sum.right += delay_.tapOut[tap + 1] * controls_.tapGain[tap + 1];
+    }
+    return sum;
+}
+
+/// The same as playByRow, in the order in which each frame needs it.
+void AudioLoop::playByFrame(const Buffers& buffers, Fade& fade) {
+    const float step = lfo.step(controls_.lfoRate, controls_.lfoSampleTime);
+    for (std::int32_t i = 0; i < buffers.frames; ++i) {
+        const StereoSample dry = {buffers.inLeft[i], buffers.inRight[i]};
+        const MixLevels levels = {stereoSmoother_.gated(controls_.stereo), mixSmoother_.gated(controls_.mix),
+                                  panSmoother_.gated(controls_.pan)};
+        const TapPaths& paths = tapGlides_.advance(controls_, kernels_->taps, 1);
+        const float mono = withProductFor(isTiny(dry.left) || isTiny(dry.right), [&](auto times) {
+            return mixedInput(dry, controls_.prePan, times);
+        });
+        delay_.write(feedbackPath_.memoryInput(filterFrame(mono), controls_.feedback));
+        const StereoSample sum = sumTaps(paths);
+        const float norm = controls_.wetLevel * fade.next(buffers.first + i);
+        const StereoSample wet =
+            dcRemover_.process({sum.left * norm, norm * sum.right}, controls_.dcRadiansPerSample);
+        delay_.lfoOffset =
+            sweptOffset(lfo.advance(step), lfo.phaseMod, depthSmoother_.gated(controls_.depth));
+        feedbackPath_.capture(delay_.tapOut[0], delay_.tapOut[at(controls_.numTaps - 1)]);
+        const StereoSample mixed = mixedOutput(dry, wet, levels);
+        buffers.outLeft[i] = mixed.left;
+        buffers.outRight[i] = mixed.right;
     }
 }
 

@@ -2,11 +2,13 @@
 // sample to the next.
 //
 // A block is cut into sub-blocks of at most 64 frames. Each stage takes rows of samples from the stages
-// before it and fills rows for those after it.
+// before it and fills rows for those after it. Sub-blocks of a few frames, for which rows do not pay, are
+// rendered frame by frame.
 #pragma once
 
 #include "dsp/biquad.h"
 #include "dsp/control_snapshot.h"
+#include "dsp/dc_remover.h"
 #include "dsp/engine_controls.h"
 #include "dsp/fade.h"
 #include "dsp/feedback_path.h"
@@ -15,7 +17,6 @@
 #include "dsp/module_fm_op.h"
 #include "dsp/one_pole.h"
 #include "dsp/single_entry.h"
-#include "dsp/smoother.h"
 #include "dsp/sub_block_reader.h"
 #include "dsp/tap_glides.h"
 
@@ -36,14 +37,26 @@ class AudioLoop {
                           std::int32_t sampleFrames);
 
   private:
-    struct StereoRow {
-        alignas(64) Row left, right;
-    };
-    struct SmoothedRows {
-        alignas(64) Row stereo, mix, pan, depth;
-    };
     using SweepRow = std::array<float, kSubBlockFrames + 1>;
     using FilteredRow = std::array<double, kSubBlockFrames>;
+    /// What the stages fill for each other. It lies here and not on the stack, whose pages a host's audio
+    /// thread may touch for the first time.
+    struct Rows {
+        StereoRow dry{}, fed{}, sum{}, leveled{}, wet{};
+        SmoothedRows smoothed{};
+        alignas(64) Row mono{}, phases{}, norm{};
+        alignas(64) SweepRow lfoOffset{};
+        alignas(64) FilteredRow filtered{};
+        alignas(64) SubBlockReader::TapRows taps{};
+        SubBlockReader::TapSamples tapSamples{};
+        TapPlan plan{};
+    };
+    /// Part of a block: where its frames come from and go to.
+    struct Buffers {
+        const float *inLeft, *inRight;
+        float *outLeft, *outRight;
+        std::int32_t first, frames; ///< in the block
+    };
     /// Samples of the first and the last tap, which feed back.
     struct FedTaps {
         const float *first, *last;
@@ -52,18 +65,18 @@ class AudioLoop {
         float first, last;
     };
 
-    // The stages, in order. What follows `frames` is read if it is const and filled if not.
     void serveClearRequest(EngineControls& shared);
     void readControls(EngineControls& shared);
+    void playByRow(const Buffers& buffers, Fade& fade);
+    void playByFrame(const Buffers& buffers, Fade& fade);
+
+    // The stages of playByRow, in order. What follows `frames` is read if it is const and filled if not.
     void smoothParameters(std::int32_t frames, SmoothedRows& smoothed);
-    Sweep sweepTaps(std::int32_t frames, const Row& depth, SweepRow& lfoOffset);
-    void mixInput(std::int32_t frames, const StereoRow& dry, Row& mono) const;
+    Sweep sweepTaps(std::int32_t frames, const Row& depth, Row& phases, SweepRow& lfoOffset);
     void runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
                   StereoRow& sum);
-    void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade, const StereoRow& sum,
-                  StereoRow& wet);
-    static void mixOutput(std::int32_t frames, const StereoRow& dry, const StereoRow& wet,
-                          const SmoothedRows& smoothed, float* left, float* right);
+    void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade, const StereoRow& sum, Row& norm,
+                  StereoRow& leveled, StereoRow& wet);
 
     // Parts of runDelay.
     FedTaps recirculate(const SubBlockReader& reader, const Row& mono, StereoRow& fedRows);
@@ -73,18 +86,26 @@ class AudioLoop {
     void writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed);
     template <class ReadFiltered, class ReadFed>
     void feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed);
-    bool filterSubnormals(std::int32_t frames, const Row& mono, FilteredRow& filtered);
+    bool filterSubnormals(std::int32_t frames, const float* mono, double* filtered);
     void sumTaps(const SubBlockReader& reader, const FedTaps& fed, StereoRow& sum);
 
+    // Parts of playByFrame.
+    double filterFrame(float mono);
+    StereoSample sumTaps(const TapPaths& paths);
+    template <class Reader>
+    StereoSample sumTapsOneByOne(const TapPaths& paths);
+    StereoSample sumTapsAtOnce(const TapPaths& paths);
+
     SingleEntry entry_; ///< asserted in debug builds only
-    const TapKernels* kernels_ = &chosenKernels();
+    const Kernels* kernels_ = &chosenKernels();
     ControlSnapshot controls_; ///< of the present sub-block
     OnePole stereoSmoother_, mixSmoother_, panSmoother_, depthSmoother_;
     ModuleFMop lfo;
     TapGlides tapGlides_;
     BiquadState preLowPass, preHighPass;
     FeedbackPath feedbackPath_;
-    Smoother dcBlockLeft, dcBlockRight;
+    DcRemover dcRemover_;
+    Rows rows_;
     ModuleDelay delay_;
 };
 

@@ -6,7 +6,10 @@ namespace dsp {
 
 namespace {
 
-constexpr const TapKernels* kKernels[] = {&sse2::kTapKernels, &avx2::kTapKernels, &avx512::kTapKernels};
+constexpr Kernels kSse2 = {"sse2", sse2::kRowKernels, sse2::kTapKernels};
+constexpr Kernels kAvx2 = {"avx2", avx2::kRowKernels, avx2::kTapKernels};
+constexpr Kernels kAvx512 = {"avx512", avx512::kRowKernels, avx512::kTapKernels};
+constexpr const Kernels* kKernels[] = {&kSse2, &kAvx2, &kAvx512};
 
 /// How many of kKernels the processor and the operating system support; each set includes the one before.
 std::size_t countUsable() {
@@ -18,19 +21,19 @@ std::size_t countUsable() {
     return wide ? 3 : 2;
 }
 
-const TapKernels* forced = nullptr;
+const Kernels* forced = nullptr;
 
 } // namespace
 
-std::span<const TapKernels* const> usableKernels() {
+std::span<const Kernels* const> usableKernels() {
     return {kKernels, countUsable()};
 }
 
-const TapKernels& chosenKernels() {
+const Kernels& chosenKernels() {
     return forced ? *forced : *usableKernels().back();
 }
 
-void chooseKernels(const TapKernels* kernels) {
+void chooseKernels(const Kernels* kernels) {
     forced = kernels;
 }
 

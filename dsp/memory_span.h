@@ -4,6 +4,7 @@
 // sets could be linked in a form that a plainer processor cannot run.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace dsp {
@@ -13,6 +14,9 @@ constexpr std::int32_t kDelaySize = 4194304;
 
 /// The audio loop works on at most this many frames at a time.
 constexpr std::int32_t kSubBlockFrames = 64;
+
+/// One signal of a sub-block, a sample per frame.
+using Row = std::array<float, kSubBlockFrames>;
 
 /// Slots from the start of a sub-block whose old samples are kept: its own, and those behind them that a tap
 /// on the oldest sample reads.

@@ -17,8 +17,6 @@
 namespace dsp {
 
 constexpr std::uint32_t kDelayMask = kDelaySize - 1;
-/// One signal of a sub-block, a sample per frame.
-using Row = std::array<float, kSubBlockFrames>;
 
 /// Audio thread.
 struct ModuleDelay {
@@ -49,6 +47,15 @@ struct ModuleDelay {
 
     /// Frames until the memory wraps, the limit of a sub-block.
     std::int32_t slotsLeft() const { return kDelaySize - writeIndex; }
+
+    /// Writes one frame.
+    void write(float sample) {
+        samples[static_cast<std::size_t>(writeIndex)] = sample;
+        writeIndex += 1;
+        written = std::max(written, writeIndex);
+        if (writeIndex > kDelaySize - 1)
+            writeIndex = 0;
+    }
 
     /// The span of the next `frames` frames; keeps what they will evict.
     MemorySpan beginSpan(std::int32_t frames) {
@@ -91,6 +98,19 @@ struct MemoryAtFrame {
         if (place < static_cast<std::uint32_t>(span.frames))
             return place <= static_cast<std::uint32_t>(frame) ? span.samples[slot] : span.evicted[place];
         return slot < static_cast<std::uint32_t>(span.written) ? span.samples[slot] : 0.0f;
+    }
+};
+
+/// The memory as it is now.
+struct MemoryNow {
+    const ModuleDelay& delay;
+
+    std::int32_t writeIndex() const { return delay.writeIndex; }
+
+    /// The sample of a slot; `slot` is wrapped into the memory.
+    float at(std::uint32_t slot) const {
+        slot &= kDelayMask;
+        return slot < static_cast<std::uint32_t>(delay.written) ? delay.samples[slot] : 0.0f;
     }
 };
 

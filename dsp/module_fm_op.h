@@ -1,13 +1,26 @@
-// The sine oscillator that sweeps the read positions of all taps.
+// The sine oscillator that sweeps the read positions of all taps. Functions are static, as all that the
+// kernels include (dsp/memory_span.h).
 #pragma once
 
 #include "base/truncation.h"
 
-#include <cmath>
-
 namespace dsp {
 
-/// An oscillator: a phase in cycles, and a polynomial in place of the sine. Audio thread.
+/// About 100 * sin of a phase in cycles, -0.5..0.5, moved by `phaseMod`: a polynomial.
+static inline float sineOf(float phase, float phaseMod) {
+    float y = phaseMod * 0.15915507078170776f + phase;
+    y = y - static_cast<float>(base::trunc(y + 0.5f));
+    const float magnitude = __builtin_fabsf(y);
+    return (magnitude - 0.5f) * (magnitude - 0.7329630255699158f) * (magnitude + 0.23296299576759338f) *
+           (y * 6859.490234375f);
+}
+
+/// The read offset of all taps in samples, zero or negative, for a phase and a depth.
+static inline float sweptOffset(float phase, float phaseMod, float depth) {
+    return -__builtin_fabsf((sineOf(phase, phaseMod) + 100.0f) * depth);
+}
+
+/// The oscillator's phase. Audio thread.
 struct ModuleFMop {
     float phase = 0.0f;                   ///< in cycles, -0.5..0.5
     float phaseMod = 0.0f;                ///< in radians; nothing writes it
@@ -26,15 +39,6 @@ struct ModuleFMop {
         else
             phase = x - static_cast<float>(base::trunc(cycles));
         return phase;
-    }
-
-    /// About 100 * sin of a phase in cycles, -0.5..0.5, moved by phaseMod.
-    float sine(float at) const {
-        float y = phaseMod * 0.15915507078170776f + at;
-        y = y - static_cast<float>(base::trunc(y + 0.5f));
-        const float magnitude = std::fabs(y);
-        return (magnitude - 0.5f) * (magnitude - 0.7329630255699158f) * (magnitude + 0.23296299576759338f) *
-               (y * 6859.490234375f);
     }
 };
 

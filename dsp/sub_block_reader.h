@@ -3,15 +3,13 @@
 
 #include "base/truncation.h"
 #include "dsp/control_snapshot.h"
+#include "dsp/instruction_set.h"
 #include "dsp/module_delay.h"
-#include "dsp/tap_glides.h"
-#include "dsp/tap_kernels.h"
 #include "dsp/tap_reader.h"
 #include "parameters/parameter_table.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstdlib>
 
 namespace dsp {
 
@@ -22,12 +20,55 @@ struct SubBlockReader {
     const MemorySpan& span;
     const Sweep& sweep;
     const TapPaths& paths;
+    TapPlan& plan;
 
-    /// A tap's samples for the whole span, in `row` or elsewhere.
+    /// Samples of each tap for the whole span.
+    using TapSamples = std::array<const float*, kMaxTaps>;
+    /// Room for taps that are read together, by their numbers modulo kTapsAtOnce.
+    using TapRows = std::array<Row, kTapsAtOnce>;
+
+    bool readsWholeSamples() const { return controls.interpMode == parameters::kWholeSamples; }
+
+    /// Reads the taps from `begin` to before `end` between slots. They fit into `rows`. The sub-block must be
+    /// written.
+    void read(std::int32_t begin, std::int32_t end, TapRows& rows, TapSamples& samples) const {
+        std::array<std::int32_t, kTapsAtOnce> numbers;
+        std::int32_t count = 0;
+        for (std::int32_t tap = begin; tap < end; ++tap) {
+            const auto index = static_cast<std::size_t>(tap);
+            Row& row = rows[index % kTapsAtOnce];
+            const TapPlace place = plan.places[index];
+            samples[index] = row.data();
+            if (place == TapPlace::unclear)
+                samples[index] = read(index, row);
+            else if (place == TapPlace::unwritten)
+                samples[index] = kSilence.data();
+            else
+                numbers[static_cast<std::size_t>(count++)] = tap;
+        }
+        interpolation().readTaps(span, sweep, paths, plan, numbers.data(), count, controls.numTaps,
+                                 rows.data());
+    }
+
+    /// The same in whole samples, which are used in place but for those of unclear taps.
+    void readWholeSamples(std::int32_t begin, std::int32_t end, TapRows& rows, TapSamples& samples) const {
+        for (std::int32_t tap = begin; tap < end; ++tap) {
+            const auto index = static_cast<std::size_t>(tap);
+            const TapPlace place = plan.places[index];
+            if (place == TapPlace::unclear)
+                samples[index] = read(index, rows[index % kTapsAtOnce]);
+            else if (place == TapPlace::unwritten)
+                samples[index] = kSilence.data();
+            else
+                samples[index] = span.samples + plan.firstSlots[index];
+        }
+    }
+
+    /// One tap, whatever its place, in `row` or elsewhere.
     const float* read(std::size_t tap, Row& row) const {
         if (const float* const samples = readAtOnce(tap, row))
             return samples;
-        if (controls.interpMode == parameters::kWholeSamples)
+        if (readsWholeSamples())
             readByFrame<WholeSampleReader>(tap, row);
         else if (controls.interpMode == parameters::kLinear)
             readByFrame<LinearReader>(tap, row);
@@ -38,10 +79,9 @@ struct SubBlockReader {
 
     /// The same, or null for a tap that has to be read frame by frame.
     const float* readAtOnce(std::size_t tap, Row& row) const {
-        if (controls.interpMode == parameters::kWholeSamples)
+        if (readsWholeSamples())
             return readWholeSamples(tap);
-        const bool linear = controls.interpMode == parameters::kLinear;
-        switch ((linear ? kernels.readLinear : kernels.readCubic)(span, sweep, paths[tap], row.data())) {
+        switch (interpolation().readTap(span, sweep, paths, static_cast<std::int32_t>(tap), row.data())) {
         case TapRead::done:
             return row.data();
         case TapRead::silence:
@@ -54,46 +94,20 @@ struct SubBlockReader {
     /// Reads a tap in one frame with one of the readers of dsp/tap_reader.h.
     template <class Reader>
     float readFrame(std::size_t tap, std::int32_t frame) const {
-        return Reader::read(MemoryAtFrame{span, frame}, timeAt(paths[tap], frame), sweep.lfoOffset[frame]);
-    }
-
-    /// Prefetches what a tap will read: a hundred taps are more streams than processors detect. Always
-    /// inlined, since compilers see no effect in a function that only prefetches, and drop its calls.
-    [[gnu::always_inline]] void prefetch(std::size_t tap) const {
-        const TapPath& path = paths[tap];
-        const float swept = controls.interpMode == parameters::kWholeSamples ? 0.0f : sweep.lfoOffset[0];
-        // Unsigned: a garbage time only mis-prefetches.
-        const auto slotAt = [&](std::int32_t frame) {
-            return static_cast<std::uint32_t>(span.start + frame) -
-                   static_cast<std::uint32_t>(base::trunc(timeAt(path, frame) - swept));
-        };
-        std::uint32_t slot = slotAt(0);
-        std::uint32_t step = kSamplesPerCacheLine;
-        std::int32_t lines = span.frames / kSamplesPerCacheLine + 1;
-        if (path.times) {
-            // Within a sub-block a glide is close to a straight line.
-            const auto distance = static_cast<std::int32_t>(slotAt(span.frames - 1) - slot);
-            lines = std::min(span.frames, std::abs(distance / kSamplesPerCacheLine) + 2);
-            step = static_cast<std::uint32_t>(distance / lines);
-        } else {
-            slot += step; // The first line came with the sub-block before.
-        }
-        for (std::int32_t line = 0; line < lines; ++line, slot += step)
-            __builtin_prefetch(span.samples + (slot & kDelayMask), 0, kSecondCacheLocality);
+        const float* const times = paths.times[tap];
+        return Reader::read(MemoryAtFrame{span, frame}, times ? times[frame] : paths.firstTimes[tap],
+                            sweep.lfoOffset[frame]);
     }
 
   private:
-    static constexpr std::int32_t kSamplesPerCacheLine = 16;
-    static constexpr int kSecondCacheLocality = 2; ///< the second cache has room for all taps
     static constexpr Row kSilence{};
 
-    static float timeAt(const TapPath& path, std::int32_t frame) {
-        return path.times ? path.times[frame] : path.time;
+    const TapKernels::Interpolation& interpolation() const {
+        return controls.interpMode == parameters::kLinear ? kernels.linear : kernels.cubic;
     }
 
-    /// Without interpolation the samples are used in place.
     const float* readWholeSamples(std::size_t tap) const {
-        std::int32_t first = span.start + 1 - base::trunc(paths[tap].time);
+        std::int32_t first = span.start + 1 - base::trunc(paths.firstTimes[tap]);
         if (first < 0)
             first += kDelaySize;
         const std::int32_t last = first + span.frames - 1;

@@ -23,15 +23,16 @@ const TapPaths& TapGlides::advance(const ControlSnapshot& controls, const TapKer
     std::size_t count = 0;
     for (std::size_t tap = 0; tap < static_cast<std::size_t>(controls.numTaps); ++tap) {
         const float target = controls.tapTimeTarget[tap];
-        paths_[tap] = {nullptr, target};
-        if (!glides)
-            continue;
-        if (!OnePole::opens(target))
-            paths_[tap].time = 0.0f;
-        else if (tapSmoother_[tap].rests(target))
-            paths_[tap].time = tapSmoother_[tap].z;
-        else
+        float time = target;
+        if (glides && !OnePole::opens(target))
+            time = 0.0f;
+        else if (glides && tapSmoother_[tap].rests(target))
+            time = tapSmoother_[tap].z;
+        else if (glides)
             gliding[count++] = tap;
+        paths_.firstTimes[tap] = time;
+        paths_.lastTimes[tap] = time;
+        paths_.times[tap] = nullptr;
     }
     for (std::size_t first = 0; first < count; first += kGlideLanes)
         glide({gliding.data() + first, std::min<std::size_t>(kGlideLanes, count - first)}, controls, kernels,
@@ -53,11 +54,15 @@ void TapGlides::glide(std::span<const std::size_t> taps, const ControlSnapshot& 
         step[lane] = controls.tapTimeTarget[tap] * tapSmoother_[tap].b;
         now[lane] = tapSmoother_[tap].z;
         rows[lane] = tapTimeNow_[tap].data();
-        paths_[tap].times = rows[lane];
+        paths_.times[tap] = rows[lane];
     }
     kernels.glide(step.data(), OnePole{}.a, now.data(), rows.data(), frames);
-    for (std::size_t lane = 0; lane < taps.size(); ++lane)
-        tapSmoother_[taps[lane]].z = now[lane];
+    for (std::size_t lane = 0; lane < taps.size(); ++lane) {
+        const std::size_t tap = taps[lane];
+        tapSmoother_[tap].z = now[lane];
+        paths_.firstTimes[tap] = rows[lane][0];
+        paths_.lastTimes[tap] = now[lane];
+    }
 }
 
 } // namespace dsp

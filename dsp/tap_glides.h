@@ -12,8 +12,6 @@
 
 namespace dsp {
 
-using TapPaths = std::array<TapPath, kMaxTaps>;
-
 /// Audio thread.
 class TapGlides {
   public:
@@ -29,8 +27,8 @@ class TapGlides {
 
     std::array<OnePole, kMaxTaps> tapSmoother_;
     TapPaths paths_{};
-    bool atRest_ = false;                              ///< all taps stand still, and paths_ says where
-    alignas(64) std::array<Row, kMaxTaps> tapTimeNow_; ///< of the taps that glide
+    bool atRest_ = false;                                ///< all taps stand still, and paths_ says where
+    alignas(64) std::array<Row, kMaxTaps> tapTimeNow_{}; ///< of the taps that glide
 };
 
 } // namespace dsp

@@ -3,6 +3,7 @@
 // processor cannot run.
 #include "dsp/tap_kernels.h"
 
+#include "dsp/fixed_length.h"
 #include "dsp/interpolation.h"
 
 #include <cstring>
@@ -11,47 +12,45 @@ namespace dsp::INSTRUCTION_SET {
 
 namespace {
 
-#define QUILLON_QUOTED(name) #name
-#define QUILLON_TEXT(name) QUILLON_QUOTED(name)
-
-/// Frames per section; largest drift range before we gather.
+/// Frames of a section, and the widest range of drifts that is still read in sections.
 constexpr std::int32_t kSectionFrames = 16;
 constexpr std::int32_t kMaxDriftRange = 6;
 
 constexpr float kMemoryLength = static_cast<float>(kDelaySize);
 
-/// Read positions of one tap. Frame i reads at slot `drift[i]` + i, plus the fraction.
-struct Positions {
-    alignas(64) std::int32_t drift[kSubBlockFrames];
-    alignas(64) float fraction[kSubBlockFrames];
-    std::int32_t minDrift, maxDrift;
+/// Bounds of a tap's positions in a sub-block, in slots.
+struct Reach {
+    float earliest, latest;
+    float wrapOffset; ///< what all positions need to lie in the memory: 0 or the memory's length
+    bool isInside;    ///< with it, none lies outside
 };
 
-/// Whether the tap stays within the memory for the whole sub-block without crossing its end. If so,
-/// `wrapOffset` is what all its positions need: 0 or the memory's length.
-bool staysInside(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float& wrapOffset) {
-    const std::int32_t end = memory.frames - 1;
-    const float begin = path.times ? path.times[0] : path.time;
-    const float arrival = path.times ? path.times[end] : path.time;
-    const float shortest = begin < arrival ? begin : arrival;
-    const float longest = begin < arrival ? arrival : begin;
-    // Rounding is monotonic, so these bound every rounded position.
-    float earliest = memory.writePositions[0] - longest + sweep.min;
-    float latest = memory.writePositions[end] - shortest + sweep.max;
-    wrapOffset = latest < 0.0f ? kMemoryLength : 0.0f;
-    earliest += wrapOffset;
-    latest += wrapOffset;
-    return memory.writePositions[end] > 0.0f && earliest >= 0.0f && latest < kMemoryLength;
+/// `begin` and `end` are the first and the last write position.
+///
+/// Positions are rounded at each operation, yet the bounds hold for all of them. Rounding keeps the order of
+/// two numbers: the sums of the extreme terms, rounded in the same way, enclose every other sum. The extreme
+/// times are the first and the last because a glide never turns, in floats either. It goes from z to
+/// f(z) = step + a * z, where a is positive; f keeps the order too. Where f(z) >= z, f(f(z)) >= f(z), and so
+/// on, and the same downward.
+inline Reach findReach(float begin, float end, const Sweep& sweep, float firstTime, float lastTime) {
+    const float shortest = firstTime < lastTime ? firstTime : lastTime;
+    const float longest = firstTime < lastTime ? lastTime : firstTime;
+    const float earliest = begin - longest + sweep.min;
+    const float latest = end - shortest + sweep.max;
+    const float wrapOffset = latest < 0.0f ? kMemoryLength : 0.0f;
+    const float first = earliest + wrapOffset;
+    const float last = latest + wrapOffset;
+    return {first, last, wrapOffset, ((end > 0.0f) & (first >= 0.0f) & (last < kMemoryLength)) != 0};
 }
 
-/// The formula of readPosition, with the wrap offset from staysInside.
+/// The formula of readPosition, with the wrap offset from findReach. `times` is one per frame or, for a tap
+/// that stands still, the same for all.
 template <bool moving, class Length>
-void findPositions(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float wrapOffset,
-                   Length frames, Positions& __restrict positions) {
+void findPositions(const MemorySpan& memory, const Sweep& sweep, const float* times, float wrapOffset,
+                   Length frames, TapPositions& __restrict positions) {
     const float* const writePositions = memory.writePositions;
-    const float* const times = path.times;
     const float* const lfoOffset = sweep.lfoOffset;
-    const float time = path.time;
+    const float time = times[0];
     std::int32_t minDrift = INT32_MAX;
     std::int32_t maxDrift = INT32_MIN;
     for (std::int32_t i = 0; i < frames; ++i) {
@@ -67,29 +66,27 @@ void findPositions(const MemorySpan& memory, const Sweep& sweep, const TapPath& 
     positions.maxDrift = maxDrift;
 }
 
-/// Nearly every sub-block is full; a length known at compile time leaves loops without remainders.
-template <std::int32_t length>
-struct Fixed {
-    constexpr operator std::int32_t() const { return length; }
-};
-
-template <std::int32_t length, class Loop>
-inline auto atItsLength(std::int32_t frames, Loop loop) {
-    return frames == length ? loop(Fixed<length>{}) : loop(frames);
+template <class Length>
+void findPositions(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, std::int32_t tap,
+                   float wrapOffset, Length frames, TapPositions& positions) {
+    if (paths.times[tap])
+        findPositions<true>(memory, sweep, paths.times[tap], wrapOffset, frames, positions);
+    else
+        findPositions<false>(memory, sweep, &paths.firstTimes[tap], wrapOffset, frames, positions);
 }
 
-using Interpolation = float (*)(const Points&, float);
+using Interpolate = float (*)(const Points&, float);
 
 /// Slots step by one per frame: four shifted loads from one array.
-template <Interpolation interpolate, class Length>
-void readSteady(const float* slots, const Positions& at, Length frames, float* __restrict row) {
+template <Interpolate interpolate, class Length>
+void readSteady(const float* slots, const TapPositions& at, Length frames, float* __restrict row) {
     for (std::int32_t i = 0; i < frames; ++i)
         row[i] = interpolate({slots[i], slots[i + 1], slots[i + 2], slots[i + 3]}, at.fraction[i]);
 }
 
 /// Frames whose drift is `base` or base + 1: each selects one of two neighbouring windows of `slots`, where
 /// the slots of `base` begin. Not zero if a drift is another; the row is undefined then.
-template <Interpolation interpolate, class Length>
+template <Interpolate interpolate, class Length>
 std::uint32_t readDrifting(const float* slots, std::int32_t base, const std::int32_t* drift,
                            const float* fraction, Length frames, float* __restrict row) {
     std::uint32_t others = 0;
@@ -106,8 +103,8 @@ std::uint32_t readDrifting(const float* slots, std::int32_t base, const std::int
 
 /// Slots that the sweep delays or advances a little. `slots` begins where the slots of minDrift do. False,
 /// with the row undefined, where two windows per section are not enough.
-template <Interpolation interpolate, class Length>
-bool readSwept(const float* slots, const Positions& at, Length frames, float* row) {
+template <Interpolate interpolate, class Length>
+bool readSwept(const float* slots, const TapPositions& at, Length frames, float* row) {
     if (at.maxDrift - at.minDrift == 1)
         return readDrifting<interpolate>(slots, at.minDrift, at.drift, at.fraction, frames, row) == 0;
     if (at.maxDrift - at.minDrift > kMaxDriftRange)
@@ -128,8 +125,8 @@ bool readSwept(const float* slots, const Positions& at, Length frames, float* ro
 
 /// Slots anywhere, as in a fast glide. All points are gathered before any is used, so that their cache misses
 /// overlap.
-template <Interpolation interpolate, class Length>
-void readScattered(const float* samples, const Positions& at, Length frames, float* __restrict row) {
+template <Interpolate interpolate, class Length>
+void readScattered(const float* samples, const TapPositions& at, Length frames, float* __restrict row) {
     alignas(64) Points points[kSubBlockFrames];
     for (std::int32_t i = 0; i < frames; ++i)
         std::memcpy(&points[i], samples + (at.drift[i] + i - 1), sizeof(Points));
@@ -137,46 +134,242 @@ void readScattered(const float* samples, const Positions& at, Length frames, flo
         row[i] = interpolate(points[i], at.fraction[i]);
 }
 
-template <Interpolation interpolate, class Length>
-TapRead read(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, Length frames, float* row) {
-    float wrapOffset;
-    if (!staysInside(memory, sweep, path, wrapOffset))
-        return TapRead::refused;
-    Positions at;
-    if (path.times)
-        findPositions<true>(memory, sweep, path, wrapOffset, frames, at);
-    else
-        findPositions<false>(memory, sweep, path, wrapOffset, frames, at);
-    const std::int32_t first = at.minDrift - 1;
-    const std::int32_t newest = at.maxDrift + 2;
-    const std::int32_t last = newest + frames - 1;
-    if (isUnwritten(memory, first, last))
-        return TapRead::silence;
-    const float* const slots = contiguousSlots(memory, first, last, newest);
-    if (!slots)
-        return TapRead::refused;
+/// `slots` begins where the slots of minDrift do.
+template <Interpolate interpolate, class Length>
+void readRow(const float* slots, const TapPositions& at, Length frames, float* row) {
     if (at.minDrift == at.maxDrift)
         readSteady<interpolate>(slots, at, frames, row);
     else if (!readSwept<interpolate>(slots, at, frames, row))
-        readScattered<interpolate>(slots - first, at, frames, row);
-    return TapRead::done;
+        readScattered<interpolate>(slots - (at.minDrift - 1), at, frames, row);
 }
 
-TapRead readCubic(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float* row) {
-    return atItsLength<kSubBlockFrames>(
-        memory.frames, [&](auto frames) { return read<cubic>(memory, sweep, path, frames, row); });
-}
-
-TapRead readLinear(const MemorySpan& memory, const Sweep& sweep, const TapPath& path, float* row) {
-    return atItsLength<kSubBlockFrames>(
-        memory.frames, [&](auto frames) { return read<linear>(memory, sweep, path, frames, row); });
-}
-
-void addTap(float* __restrict sum, const float* __restrict tap, float gain, std::int32_t frames) {
-    atItsLength<kSubBlockFrames>(frames, [=](auto length) {
-        for (std::int32_t i = 0; i < length; ++i)
-            sum[i] += tap[i] * gain;
+template <Interpolate interpolate>
+TapRead readTap(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, std::int32_t tap,
+                float* row) {
+    const float* const writePositions = memory.writePositions;
+    const Reach reach = findReach(writePositions[0], writePositions[memory.frames - 1], sweep,
+                                  paths.firstTimes[tap], paths.lastTimes[tap]);
+    if (!reach.isInside)
+        return TapRead::refused;
+    return atItsLength<kSubBlockFrames>(memory.frames, [&](auto frames) {
+        TapPositions at;
+        findPositions(memory, sweep, paths, tap, reach.wrapOffset, frames, at);
+        const std::int32_t first = at.minDrift - 1;
+        const std::int32_t newest = at.maxDrift + 2;
+        const std::int32_t last = newest + frames - 1;
+        if (isUnwritten(memory, first, last))
+            return TapRead::silence;
+        const float* const slots = contiguousSlots(memory, first, last, newest);
+        if (!slots)
+            return TapRead::refused;
+        readRow<interpolate>(slots, at, frames, row);
+        return TapRead::done;
     });
+}
+
+constexpr std::int32_t kSamplesPerCacheLine = 16;
+constexpr int kSecondCacheLocality = 2; ///< the second cache has room for all taps
+
+/// A hundred taps are more streams than processors detect. Always inlined, since compilers see no effect in a
+/// function that only prefetches, and drop its calls.
+[[gnu::always_inline]] inline void prefetch(const MemorySpan& memory, const TapPlan& plan, std::int32_t tap) {
+    if (plan.places[tap] != TapPlace::apart && plan.places[tap] != TapPlace::behind)
+        return;
+    const float* slots = memory.samples + plan.firstSlots[tap];
+    const std::int32_t distance = plan.lastSlots[tap] - plan.firstSlots[tap];
+    // A fast glide passes more lines than it reads. It is close to a straight line within a sub-block.
+    std::int32_t lines = distance / kSamplesPerCacheLine + 1;
+    std::int32_t step = kSamplesPerCacheLine;
+    if (lines > memory.frames) {
+        lines = memory.frames;
+        step = distance / lines;
+    }
+    for (std::int32_t line = 0; line < lines; ++line, slots += step)
+        __builtin_prefetch(slots, 0, kSecondCacheLocality);
+}
+
+void prefetchFirst(const MemorySpan& memory, const TapPlan& plan, std::int32_t taps) {
+    for (std::int32_t tap = 0; tap < (taps < kTapsAtOnce ? taps : kTapsAtOnce); ++tap)
+        prefetch(memory, plan, tap);
+}
+
+/// All positions first, then all samples: the loops of one kind are independent of each other, and the
+/// processor overlaps the end of one with the beginning of the next.
+template <Interpolate interpolate>
+void readTaps(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, TapPlan& plan,
+              const std::int32_t* tapNumbers, std::int32_t count, std::int32_t taps, Row* rows) {
+    TapPositions* const positions = plan.positions;
+    atItsLength<kSubBlockFrames>(memory.frames, [&](auto frames) {
+        for (std::int32_t k = 0; k < count; ++k)
+            findPositions(memory, sweep, paths, tapNumbers[k], plan.wrapOffsets[tapNumbers[k]], frames,
+                          positions[k]);
+        for (std::int32_t k = 0; k < count; ++k) {
+            readRow<interpolate>(memory.samples + (positions[k].minDrift - 1), positions[k], frames,
+                                 rows[tapNumbers[k] % kTapsAtOnce].data());
+            if (tapNumbers[k] + kTapsAtOnce < taps)
+                prefetch(memory, plan, tapNumbers[k] + kTapsAtOnce);
+        }
+    });
+}
+
+/// The place of a tap whose slots stay inside the memory.
+inline TapPlace placeOf(const MemorySpan& memory, std::int32_t first, std::int32_t last, bool neverAhead) {
+    const std::int32_t stop = memory.start + memory.frames;
+    const std::int32_t writtenAfter = memory.written < stop ? stop : memory.written;
+    const bool apart = ((last < memory.start) | ((first >= stop) & (last < memory.written))) != 0;
+    const TapPlace touched = neverAhead ? TapPlace::behind : TapPlace::unclear;
+    const TapPlace written = apart ? TapPlace::apart : touched;
+    return first >= writtenAfter ? TapPlace::unwritten : written;
+}
+
+std::int32_t countUnclear(const TapPlace* places, std::int32_t taps) {
+    std::int32_t count = 0;
+    for (std::int32_t tap = 0; tap < taps; ++tap)
+        count += places[tap] == TapPlace::unclear ? 1 : 0;
+    return count;
+}
+
+void planSwept(const MemorySpan& span, const Sweep& sweep, const TapPaths& paths, std::int32_t taps,
+               TapPlan& __restrict plan) {
+    const MemorySpan memory = span;
+    const Sweep range = sweep;
+    const float* const firstTimes = paths.firstTimes;
+    const float* const lastTimes = paths.lastTimes;
+    TapPlace* const places = plan.places;
+    float* const wrapOffsets = plan.wrapOffsets;
+    std::int32_t* const firstSlots = plan.firstSlots;
+    std::int32_t* const lastSlots = plan.lastSlots;
+    const float begin = memory.writePositions[0];
+    const float end = memory.writePositions[memory.frames - 1];
+    for (std::int32_t tap = 0; tap < taps; ++tap) {
+        const Reach reach = findReach(begin, end, range, firstTimes[tap], lastTimes[tap]);
+        const bool inside =
+            (reach.isInside & (reach.earliest >= 1.0f) & (reach.latest < kMemoryLength - 4.0f)) != 0;
+        const std::int32_t first = static_cast<std::int32_t>(inside ? reach.earliest : 0.0f) - 1;
+        const std::int32_t last = static_cast<std::int32_t>(inside ? reach.latest : 0.0f) + 2;
+        // From three samples on, the newest of four slots is at most the one that was just written.
+        const bool neverAhead =
+            ((reach.wrapOffset == 0.0f) & (firstTimes[tap] >= 3.0f) & (lastTimes[tap] >= 3.0f)) != 0;
+        const TapPlace insidePlace = placeOf(memory, first, last, neverAhead);
+        places[tap] = inside ? insidePlace : TapPlace::unclear;
+        wrapOffsets[tap] = reach.wrapOffset;
+        firstSlots[tap] = first;
+        lastSlots[tap] = last;
+    }
+    plan.unclear = countUnclear(places, taps);
+}
+
+void planWhole(const MemorySpan& span, const TapPaths& paths, std::int32_t taps, TapPlan& __restrict plan) {
+    const MemorySpan memory = span;
+    const float* const times = paths.firstTimes;
+    TapPlace* const places = plan.places;
+    std::int32_t* const firstSlots = plan.firstSlots;
+    std::int32_t* const lastSlots = plan.lastSlots;
+    for (std::int32_t tap = 0; tap < taps; ++tap) {
+        const std::int32_t slot = memory.start + 1 - static_cast<std::int32_t>(times[tap]);
+        const std::int32_t first = slot < 0 ? slot + kDelaySize : slot;
+        const std::int32_t last = first + memory.frames - 1;
+        const TapPlace insidePlace = placeOf(memory, first, last, first <= memory.start);
+        places[tap] = last < kDelaySize - 1 ? insidePlace : TapPlace::unclear;
+        firstSlots[tap] = first;
+        lastSlots[tap] = last;
+    }
+    plan.unclear = countUnclear(places, taps);
+}
+
+/// The formula of readPosition for all taps, then the samples, then what lies between them.
+template <Interpolate interpolate>
+std::int32_t readFrame(const TapFrame& frame, float* __restrict samples, std::int32_t* __restrict left) {
+    alignas(64) std::int32_t slots[kMaxTaps];
+    alignas(64) float fractions[kMaxTaps];
+    alignas(64) Points points[kMaxTaps];
+    const float writePosition = static_cast<float>(frame.writeIndex);
+    for (std::int32_t tap = 0; tap < frame.taps; ++tap) {
+        const float unwrapped = writePosition - frame.times[tap] + frame.lfoOffset;
+        const float p = unwrapped < 0.0f ? unwrapped + kMemoryLength : unwrapped;
+        const std::int32_t whole = static_cast<std::int32_t>(p);
+        fractions[tap] = p - static_cast<float>(whole);
+        slots[tap] = whole - 1;
+    }
+    const std::uint32_t end = frame.written > 3 ? static_cast<std::uint32_t>(frame.written - 3) : 0;
+    std::int32_t count = 0;
+    for (std::int32_t tap = 0; tap < frame.taps; ++tap) {
+        const auto slot = static_cast<std::uint32_t>(slots[tap]);
+        if (slot < end) {
+            std::memcpy(&points[tap], frame.samples + slot, sizeof(Points));
+        } else {
+            points[tap] = {};
+            left[count++] = tap;
+        }
+    }
+    for (std::int32_t tap = 0; tap < frame.taps; ++tap)
+        samples[tap] = interpolate(points[tap], fractions[tap]);
+    return count;
+}
+
+/// Floats of a register, and registers for the sums of one side.
+constexpr std::int32_t kLanes = REGISTER_FLOATS;
+constexpr std::int32_t kSums = 4;
+constexpr std::int32_t kSummedFrames = kLanes * kSums;
+typedef float Lanes [[gnu::vector_size(4 * kLanes)]];
+
+inline Lanes load(const float* from) {
+    Lanes lanes;
+    std::memcpy(&lanes, from, sizeof lanes);
+    return lanes;
+}
+
+inline void addTap(Lanes (&sums)[kSums], const float* row, float gain) {
+    for (std::int32_t k = 0; k < kSums; ++k)
+        sums[k] += load(row + k * kLanes) * gain;
+}
+
+/// Prefetches a row of the delay memory.
+[[gnu::always_inline]] inline void prefetchRow(const float* row) {
+    for (std::int32_t i = 0; i <= kSubBlockFrames; i += kSamplesPerCacheLine)
+        __builtin_prefetch(row + i, 0, kSecondCacheLocality);
+}
+
+/// Adds kSummedFrames frames, with the sums in registers. Of the rows behind those of `taps`, the first
+/// `prefetched` are prefetched.
+void addTapsInRegisters(const float* const* rows, const float* gains, std::int32_t taps,
+                        std::int32_t prefetched, std::int32_t begin, StereoRow& sum) {
+    Lanes left[kSums], right[kSums];
+    std::memcpy(left, sum.left.data() + begin, sizeof left);
+    std::memcpy(right, sum.right.data() + begin, sizeof right);
+    for (std::int32_t tap = 0; tap < taps; tap += 2) {
+        addTap(left, rows[tap] + begin, gains[tap]);
+        if (tap < prefetched)
+            prefetchRow(rows[taps + tap]);
+        if (tap + 1 == taps)
+            break;
+        addTap(right, rows[tap + 1] + begin, gains[tap + 1]);
+        if (tap + 1 < prefetched)
+            prefetchRow(rows[taps + tap + 1]);
+    }
+    std::memcpy(sum.left.data() + begin, left, sizeof left);
+    std::memcpy(sum.right.data() + begin, right, sizeof right);
+}
+
+/// As many taps at a time as stay in the first cache from one part of the row to the next.
+void addTaps(const float* const* rows, const float* gains, std::int32_t taps, bool prefetches, StereoRow& sum,
+             std::int32_t frames) {
+    for (std::int32_t first = 0; first < taps; first += kTapsAtOnce) {
+        const std::int32_t left = taps - first;
+        const std::int32_t count = left < kTapsAtOnce ? left : kTapsAtOnce;
+        const std::int32_t following = left - count < kTapsAtOnce ? left - count : kTapsAtOnce;
+        std::int32_t prefetched = prefetches ? following : 0;
+        std::int32_t begin = 0;
+        for (; begin + kSummedFrames <= frames; begin += kSummedFrames) {
+            addTapsInRegisters(rows + first, gains + first, count, prefetched, begin, sum);
+            prefetched = 0;
+        }
+        for (std::int32_t tap = first; tap < first + count; ++tap) {
+            float* const side = tap % 2 == 0 ? sum.left.data() : sum.right.data();
+            for (std::int32_t i = begin; i < frames; ++i)
+                side[i] += rows[tap][i] * gains[tap];
+        }
+    }
 }
 
 /// In short sections, so that the transposition from frames to rows stays in the first cache.
@@ -204,6 +397,12 @@ void glide(const float* step, float a, float* z, float* const* rows, std::int32_
 
 } // namespace
 
-const TapKernels kTapKernels = {QUILLON_TEXT(INSTRUCTION_SET), readCubic, readLinear, addTap, glide};
+const TapKernels kTapKernels = {{readTaps<cubic>, readTap<cubic>, readFrame<cubic>},
+                                {readTaps<linear>, readTap<linear>, readFrame<linear>},
+                                planSwept,
+                                planWhole,
+                                prefetchFirst,
+                                addTaps,
+                                glide};
 
 } // namespace dsp::INSTRUCTION_SET

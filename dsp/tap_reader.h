@@ -1,7 +1,8 @@
 // The three ways to read one tap for one frame, at any position. The kernels (dsp/tap_kernels.h) do the same
 // for whole sub-blocks where no slot needs care.
 //
-// The linear and the whole-sample reader skip slot 0 where they wrap; existing projects sound that way.
+// `Memory` is MemoryAtFrame or MemoryNow. The linear and the whole-sample reader skip slot 0 where they wrap;
+// existing projects sound that way.
 #pragma once
 
 #include "base/truncation.h"
@@ -11,14 +12,16 @@
 namespace dsp {
 
 /// A read position in slots. Single precision, so long delays move on a coarser grid.
-inline float readPosition(const MemoryAtFrame& memory, float time, float lfoOffset) {
+template <class Memory>
+float readPosition(const Memory& memory, float time, float lfoOffset) {
     const float p = static_cast<float>(memory.writeIndex()) - time + lfoOffset;
     return p < 0.0f ? p + static_cast<float>(kDelaySize) : p;
 }
 
 /// Four points, Catmull-Rom.
 struct CubicReader {
-    static float read(const MemoryAtFrame& memory, float time, float lfoOffset) {
+    template <class Memory>
+    static float read(const Memory& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         const std::int32_t whole = base::trunc(p);
         const float f = p - static_cast<float>(whole);
@@ -30,7 +33,8 @@ struct CubicReader {
 /// Two points. A position that is still negative after wrapping is wrapped again in whole slots only, which
 /// leaves a fraction of about minus the memory's length: the tap is very loud for as long as that lasts.
 struct LinearReader {
-    static float read(const MemoryAtFrame& memory, float time, float lfoOffset) {
+    template <class Memory>
+    static float read(const Memory& memory, float time, float lfoOffset) {
         const float p = readPosition(memory, time, lfoOffset);
         std::int32_t i = base::trunc(p);
         if (i < 0)
@@ -46,7 +50,8 @@ struct LinearReader {
 
 /// A whole slot; the sweep has no effect.
 struct WholeSampleReader {
-    static float read(const MemoryAtFrame& memory, float time, float) {
+    template <class Memory>
+    static float read(const Memory& memory, float time, float) {
         std::int32_t i = memory.writeIndex() - base::trunc(time);
         if (i < 0)
             i += kDelaySize;

@@ -7,7 +7,7 @@
 namespace {
 
 bool hold() {
-    for (const dsp::TapKernels* kernels : dsp::usableKernels()) {
+    for (const dsp::Kernels* kernels : dsp::usableKernels()) {
         if (std::string_view(kernels->instructionSet) != HELD_SET)
             continue;
         dsp::chooseKernels(kernels);

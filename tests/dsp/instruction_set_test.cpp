@@ -19,7 +19,7 @@ TEST(InstructionSet, IsTheBestThatTheProcessorHas) {
 }
 
 TEST(InstructionSet, IsTheOneThatWasAskedForUntilTheBestIsAgain) {
-    for (const dsp::TapKernels* kernels : usableKernels()) {
+    for (const dsp::Kernels* kernels : usableKernels()) {
         chooseKernels(kernels);
         EXPECT_EQ(&chosenKernels(), kernels) << kernels->instructionSet;
     }

@@ -144,7 +144,7 @@ std::uint64_t fingerprint() {
 constexpr std::uint64_t kFingerprint = 14101761118224812551u;
 
 TEST(SameTables, GiveTheSameBitsOnEverySystem) {
-    for (const dsp::TapKernels* kernels : dsp::usableKernels()) {
+    for (const dsp::Kernels* kernels : dsp::usableKernels()) {
         SCOPED_TRACE(kernels->instructionSet);
         dsp::chooseKernels(kernels);
         calls = 0;
