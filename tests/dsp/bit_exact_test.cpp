@@ -106,6 +106,10 @@ INSTANTIATE_TEST_SUITE_P(Interruptions, BitExact, testing::ValuesIn(batches(Fami
 INSTANTIATE_TEST_SUITE_P(NearSilence, BitExact, testing::ValuesIn(batches(Family::kNearSilence, 3, 16)),
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(Extremes, BitExact, testing::ValuesIn(batches(Family::kExtremes, 3, 16)), nameOf);
+INSTANTIATE_TEST_SUITE_P(AfterASound, BitExact, testing::ValuesIn(batches(Family::kAfterASound, 3, 8)),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(ShortBlocks, BitExact, testing::ValuesIn(batches(Family::kShortBlocks, 3, 16)),
+                         nameOf);
 INSTANTIATE_TEST_SUITE_P(FullMemory, BitExact, testing::ValuesIn(longBatches(Family::kFullMemory, 4, 4)),
                          nameOf);
 

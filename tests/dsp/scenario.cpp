@@ -633,6 +633,66 @@ void writeNearSilence(Author& author) {
     author.play(1024, 2);
 }
 
+/// A channel that has sounded is silent until what is left of it has sunk below the normal numbers and
+/// stopped, while the other one sounds on or is silent too.
+void writeAfterASound(Author& author) {
+    author.begin();
+    author.setAllSanely();
+    constexpr float places[] = {0.0f, 0.3f, 0.5f, 1.0f};
+    for (std::int32_t round = 0; round < 4; ++round) {
+        author.set(kTaps, valueOfTaps(author.random.between(2, 40)));
+        author.set(kBaseLength,
+                   valueOfLength(author.random.between(4, 400), static_cast<double>(author.rate)));
+        author.set(kStereo, author.random.oneOf(places));
+        author.set(kOutPan, author.random.oneOf(places));
+        author.set(kDryWet, author.random.oneOf(places));
+        author.play(1024, 8);
+        auto& sound = std::get<Blocks>(author.scenario.actions.back());
+        sound.signal = Signal::kNoise;
+        switch (author.random.below(4)) {
+        case 0:
+            author.add(Resume{true});
+            break;
+        case 1:
+            author.set(kBaseLength, 1.0f);
+            author.add(SetProgram{author.random.below(kPrograms)});
+            break;
+        default:
+            author.set(kTaps, valueOfTaps(1));
+        }
+        author.play(author.random.oneIn(3) ? 100 : 1024, author.random.between(20, 60));
+        auto& after = std::get<Blocks>(author.scenario.actions.back());
+        after.signal = author.random.oneIn(2) ? Signal::kSilence : Signal::kNoise;
+        author.play(author.random.between(1, 9), 20);
+        if (author.random.oneIn(2))
+            author.setSanely(kSet);
+        author.play(author.random.between(1, 200), 20);
+    }
+}
+
+/// Blocks of a few frames, as hosts cut them to automate, between longer ones.
+void writeShortBlocks(Author& author) {
+    author.begin();
+    author.setAllSanely();
+    for (std::int32_t round = 0; round < 12; ++round) {
+        author.set(kTaps, valueOfTaps(author.random.oneOf(kTapCounts)));
+        author.set(kBaseLength,
+                   valueOfLength(author.random.between(3, 300), static_cast<double>(author.rate)));
+        author.setSanely(kSet);
+        author.setSanely(kLfoDepth);
+        author.set(kFeedback, author.random.unit());
+        author.play(author.random.between(9, 700), 2);
+        for (std::int32_t times = 0; times < 12; ++times) {
+            author.play(author.random.between(1, 9), author.random.between(1, 30));
+            if (author.random.oneIn(4))
+                author.setSanely(author.random.below(kLiveParameters));
+        }
+        author.play(author.random.between(64, 80), 3);
+        if (author.random.oneIn(3))
+            author.add(SetProgram{author.random.below(kPrograms)});
+    }
+}
+
 const char* titleOf(Family family) {
     constexpr const char* titles[kFamilies] = {"whole samples",
                                                "linear read",
@@ -653,7 +713,9 @@ const char* titleOf(Family family) {
                                                "interruptions",
                                                "a full memory",
                                                "near silence",
-                                               "extremes"};
+                                               "extremes",
+                                               "after a sound",
+                                               "short blocks"};
     return titles[static_cast<std::size_t>(family)];
 }
 
@@ -723,6 +785,12 @@ Scenario make(std::uint64_t seed) {
         break;
     case Family::kExtremes:
         writeExtremes(author);
+        break;
+    case Family::kAfterASound:
+        writeAfterASound(author);
+        break;
+    case Family::kShortBlocks:
+        writeShortBlocks(author);
         break;
     }
     return std::move(author.scenario);

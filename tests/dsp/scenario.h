@@ -140,8 +140,10 @@ enum class Family : std::uint64_t {
     kFullMemory = 17,
     kNearSilence = 18,
     kExtremes = 19,
+    kAfterASound = 20,
+    kShortBlocks = 21,
 };
-constexpr std::uint64_t kFamilies = 20;
+constexpr std::uint64_t kFamilies = 22;
 constexpr std::uint64_t kSeedsPerFamily = 1000000;
 
 constexpr std::uint64_t seedOf(Family family, std::uint64_t index) {
