@@ -1,13 +1,16 @@
 // What a host's audio thread may call must never wait for anything: it allocates nothing, locks nothing and
 // enters no system call, from the very first block on.
+#include "desk/measuring.h"
 #include "support/plugin_folder.h"
 #include "system_call_trap.h"
 #include "watched_calls.h"
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <functional>
@@ -297,6 +300,65 @@ TEST_F(AudioPath, FindsAllOfItsMemoryInPlace) {
     getrusage(RUSAGE_THREAD, &after);
     // The memory has 4096 pages; the few that the system moves about meanwhile are not the effect's doing.
     EXPECT_LT(after.ru_minflt - before.ru_minflt, 400);
+}
+
+/// New instances whose memory comes from the system untouched, in pages of the smallest size.
+class NewInstance : public AudioPath {
+  protected:
+    NewInstance() {
+        desk::takeLargeBlocksFresh();
+        prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0);
+    }
+
+    /// The fewest page faults of some work on a new instance: now and then the system adds some of its own.
+    std::int64_t pageFaultsOf(const Work& prepare, const Work& work) {
+        std::int64_t fewest = std::numeric_limits<std::int64_t>::max();
+        for (int instance = 0; instance < 4; ++instance) {
+            host::HostBehaviour silent;
+            silent.record = false;
+            plugin = std::make_unique<host::Plugin>(library(), silent);
+            plugin->start(44100.0f, 512);
+            prepare();
+            const std::int64_t before = desk::pageFaultsOfThisThread();
+            work();
+            fewest = std::min(fewest, desk::pageFaultsOfThisThread() - before);
+        }
+        return fewest;
+    }
+};
+
+TEST_F(NewInstance, IsSeenToTakePageFaultsOnUntouchedMemory) {
+    std::unique_ptr<std::array<char, 1 << 22>> block;
+    const auto take = [&] { block = std::make_unique_for_overwrite<std::array<char, 1 << 22>>(); };
+    EXPECT_GT(pageFaultsOf(take, [&] { (*block)[someSize * 10000] = 1; }), 0);
+}
+
+TEST_F(NewInstance, TakesNoPageFaultInItsFirstBlock) {
+    for (const float set : {0.0f, 0.5f, 1.0f})
+        EXPECT_EQ(pageFaultsOf([&] { plugin->setParameter(kSet, set); }, [this] { process(512); }), 0) << set;
+}
+
+TEST_F(NewInstance, TakesNoPageFaultInItsFirstShortBlocks) {
+    EXPECT_EQ(pageFaultsOf([] {},
+                           [this] {
+                               process(1);
+                               process(7);
+                           }),
+              0);
+}
+
+TEST_F(NewInstance, TakesNoPageFaultWhenManyTapsBeginToGlide) {
+    const auto playFewTaps = [this] {
+        plugin->setParameter(kSet, 1.0f);
+        plugin->setParameter(kTaps, 0.0f);
+        process(512);
+    };
+    const auto glide = [this] {
+        plugin->setParameter(kTaps, 99.5f / 127.0f);
+        plugin->setParameter(kBaseLength, 0.9f);
+        process(512);
+    };
+    EXPECT_EQ(pageFaultsOf(playFewTaps, glide), 0);
 }
 
 } // namespace
