@@ -22,6 +22,14 @@ constexpr std::size_t at(std::int32_t index) {
     return static_cast<std::size_t>(index);
 }
 
+/// Calls what it is given with each of `frames` frames.
+auto byFrame(std::int32_t frames) {
+    return [frames](auto playFrame) {
+        for (std::int32_t i = 0; i < frames; ++i)
+            playFrame(i);
+    };
+}
+
 } // namespace
 
 void AudioLoop::processReplacing(EngineControls& shared, const float* const* inputs, float* const* outputs,
@@ -65,8 +73,9 @@ void AudioLoop::playByRow(const Buffers& buffers, Fade& fade) {
     const Sweep sweep = sweepTaps(frames, rows.smoothed.depth, rows.phases, rows.lfoOffset);
     kernels_->rows.mixInput(rows.dry, controls_.prePan, rows.mono.data(), frames);
     const TapPaths& paths = tapGlides_.advance(controls_, kernels_->taps, frames);
-    runDelay(frames, rows.mono, sweep, paths, rows.sum);
-    shapeWet(frames, buffers.first, fade, rows.sum, rows.norm, rows.leveled, rows.wet);
+    for (std::int32_t i = 0; i < frames; ++i)
+        rows.norm[at(i)] = controls_.wetLevel * fade.next(buffers.first + i);
+    runDelay(frames, rows.mono, sweep, paths, rows.norm, rows.wet);
     kernels_->rows.mixOutput(rows.dry, rows.wet, rows.smoothed, buffers.outLeft, buffers.outRight, frames);
 }
 
@@ -91,19 +100,40 @@ Sweep AudioLoop::sweepTaps(std::int32_t frames, const Row& depth, Row& phases, S
     return sweep;
 }
 
+/// Filters, memory, taps, level and removal of DC. Where no tap reads what the sub-block writes, all taps
+/// come first. Then everything that waits for its own last sample runs in one loop.
 void AudioLoop::runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
-                         StereoRow& sum) {
+                         const Row& norm, StereoRow& wet) {
     MemorySpan span = delay_.beginSpan(frames);
-    const TapKernels& kernels = kernels_->taps;
-    const SubBlockReader reader{kernels, controls_, span, sweep, paths, rows_.plan};
-    if (reader.readsWholeSamples())
-        kernels.planWhole(span, paths, controls_.numTaps, rows_.plan);
-    else
-        kernels.planSwept(span, sweep, paths, controls_.numTaps, rows_.plan);
-    kernels.prefetchFirst(span, rows_.plan, controls_.numTaps);
+    const SubBlockReader reader{kernels_->taps, controls_, span, sweep, paths, rows_.plan};
+    planTaps(reader);
+    const float radians = controls_.dcRadiansPerSample;
+    if (rows_.plan.first >= TapPlace::apart) {
+        const std::size_t last = at(controls_.numTaps - 1);
+        const float* const fedFirst = reader.read(0, rows_.fed.left);
+        const float* const fedLast = last > 0 ? reader.read(last, rows_.fed.right) : fedFirst;
+        sumTaps(reader, {fedFirst, fedLast}, rows_.sum);
+        applyLevel(frames, rows_.sum, norm, rows_.leveled);
+        writeMemory(
+            span, mono, [&](std::int32_t i) { return FedSamples{fedFirst[i], fedLast[i]}; },
+            [&](auto writeFrame) { dcRemover_.process(rows_.leveled, wet, radians, frames, writeFrame); });
+        delay_.endSpan(span);
+        return;
+    }
     const FedTaps fed = recirculate(reader, mono, rows_.fed);
     delay_.endSpan(span);
-    sumTaps(reader, fed, sum);
+    sumTaps(reader, fed, rows_.sum);
+    applyLevel(frames, rows_.sum, norm, rows_.leveled);
+    dcRemover_.process(rows_.leveled, wet, radians, frames);
+}
+
+void AudioLoop::planTaps(const SubBlockReader& reader) {
+    const TapKernels& kernels = kernels_->taps;
+    if (reader.readsWholeSamples())
+        kernels.planWhole(reader.span, reader.paths, controls_.numTaps, rows_.plan);
+    else
+        kernels.planSwept(reader.span, reader.sweep, reader.paths, controls_.numTaps, rows_.plan);
+    kernels.prefetchFirst(reader.span, rows_.plan, controls_.numTaps);
 }
 
 /// Writes the input and the feedback to the memory. The first and the last tap are read for the whole
@@ -114,7 +144,9 @@ AudioLoop::FedTaps AudioLoop::recirculate(const SubBlockReader& reader, const Ro
     fed.first = reader.readAtOnce(0, fedRows.left);
     fed.last = last > 0 && fed.first ? reader.readAtOnce(last, fedRows.right) : fed.first;
     if (fed.last) {
-        writeMemory(reader.span, mono, [&](std::int32_t i) { return FedSamples{fed.first[i], fed.last[i]}; });
+        writeMemory(
+            reader.span, mono, [&](std::int32_t i) { return FedSamples{fed.first[i], fed.last[i]}; },
+            byFrame(reader.span.frames));
         return fed;
     }
     if (controls_.interpMode == kWholeSamples)
@@ -128,21 +160,22 @@ template <class Reader>
 AudioLoop::FedTaps AudioLoop::recirculateByFrame(const SubBlockReader& reader, const Row& mono,
                                                  StereoRow& fedRows) {
     const std::size_t last = at(controls_.numTaps - 1);
-    writeMemory(reader.span, mono, [&](std::int32_t i) {
+    const auto readFed = [&](std::int32_t i) {
         fedRows.left[at(i)] = reader.readFrame<Reader>(0, i);
         fedRows.right[at(i)] = reader.readFrame<Reader>(last, i);
         return FedSamples{fedRows.left[at(i)], fedRows.right[at(i)]};
-    });
+    };
+    writeMemory(reader.span, mono, readFed, byFrame(reader.span.frames));
     return {fedRows.left.data(), fedRows.right.data()};
 }
 
-/// Filters the input and writes it with the feedback. Both filters and the feedback are recursions of their
-/// own; in one loop the processor overlaps them. They run on copies of their states, which no store into the
-/// memory can alias.
-template <class ReadFed>
-void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed) {
+/// Filters the input and writes it with the feedback. `run` calls the function that it is given with each
+/// frame. Both filters and the feedback are recursions of their own; in one loop the processor overlaps them.
+/// They run on copies of their states, which no store into the memory can alias.
+template <class ReadFed, class Run>
+void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed, Run run) {
     if (filterSubnormals(span.frames, mono.data(), rows_.filtered.data())) {
-        feedBack(span, [&](std::int32_t i) { return rows_.filtered[at(i)]; }, readFed);
+        feedBack(span, [&](std::int32_t i) { return rows_.filtered[at(i)]; }, readFed, run);
         return;
     }
     BiquadState lowPass = preLowPass;
@@ -151,20 +184,20 @@ void AudioLoop::writeMemory(const MemorySpan& span, const Row& mono, ReadFed rea
         const float low = lowPass.process(mono[at(i)], controls_.lowPass);
         return static_cast<double>(highPass.process(low, controls_.highPass));
     };
-    feedBack(span, filter, readFed);
+    feedBack(span, filter, readFed, run);
     preLowPass = lowPass;
     preHighPass = highPass;
 }
 
-template <class ReadFiltered, class ReadFed>
-void AudioLoop::feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed) {
+template <class ReadFiltered, class ReadFed, class Run>
+void AudioLoop::feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed, Run run) {
     float* const slots = delay_.samples.data() + span.start;
     FeedbackPath feedback = feedbackPath_;
-    for (std::int32_t i = 0; i < span.frames; ++i) {
+    run([&](std::int32_t i) {
         slots[i] = feedback.memoryInput(readFiltered(i), controls_.feedback);
         const FedSamples fed = readFed(i);
         feedback.capture(fed.first, fed.last);
-    }
+    });
     feedbackPath_ = feedback;
 }
 
@@ -197,7 +230,7 @@ void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, Stereo
     sum.left.fill(0.0f);
     sum.right.fill(0.0f);
     // Samples that lie in the memory need no rows, and are added all at once.
-    const bool inPlace = reader.readsWholeSamples() && rows_.plan.unclear == 0;
+    const bool inPlace = reader.readsWholeSamples() && rows_.plan.first != TapPlace::unclear;
     const std::int32_t atOnce = inPlace ? taps : kTapsAtOnce;
     SubBlockReader::TapSamples& samples = rows_.tapSamples;
     for (std::int32_t begin = 0; begin < taps; begin += atOnce) {
@@ -224,16 +257,11 @@ void AudioLoop::sumTaps(const SubBlockReader& reader, const FedTaps& fed, Stereo
     }
 }
 
-/// Applies level and fade and removes DC.
-void AudioLoop::shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade, const StereoRow& sum,
-                         Row& norm, StereoRow& leveled, StereoRow& wet) {
-    for (std::int32_t i = 0; i < frames; ++i)
-        norm[at(i)] = controls_.wetLevel * fade.next(firstFrame + i);
+void AudioLoop::applyLevel(std::int32_t frames, const StereoRow& sum, const Row& norm, StereoRow& leveled) {
     for (std::int32_t i = 0; i < frames; ++i) {
         leveled.left[at(i)] = sum.left[at(i)] * norm[at(i)];
         leveled.right[at(i)] = norm[at(i)] * sum.right[at(i)];
     }
-    dcRemover_.process(leveled, wet, controls_.dcRadiansPerSample, frames);
 }
 
 double AudioLoop::filterFrame(float mono) {

@@ -74,20 +74,20 @@ class AudioLoop {
     void smoothParameters(std::int32_t frames, SmoothedRows& smoothed);
     Sweep sweepTaps(std::int32_t frames, const Row& depth, Row& phases, SweepRow& lfoOffset);
     void runDelay(std::int32_t frames, const Row& mono, const Sweep& sweep, const TapPaths& paths,
-                  StereoRow& sum);
-    void shapeWet(std::int32_t frames, std::int32_t firstFrame, Fade& fade, const StereoRow& sum, Row& norm,
-                  StereoRow& leveled, StereoRow& wet);
+                  const Row& norm, StereoRow& wet);
 
     // Parts of runDelay.
+    void planTaps(const SubBlockReader& reader);
     FedTaps recirculate(const SubBlockReader& reader, const Row& mono, StereoRow& fedRows);
     template <class Reader>
     FedTaps recirculateByFrame(const SubBlockReader& reader, const Row& mono, StereoRow& fedRows);
-    template <class ReadFed>
-    void writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed);
-    template <class ReadFiltered, class ReadFed>
-    void feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed);
+    template <class ReadFed, class Run>
+    void writeMemory(const MemorySpan& span, const Row& mono, ReadFed readFed, Run run);
+    template <class ReadFiltered, class ReadFed, class Run>
+    void feedBack(const MemorySpan& span, ReadFiltered readFiltered, ReadFed readFed, Run run);
     bool filterSubnormals(std::int32_t frames, const float* mono, double* filtered);
     void sumTaps(const SubBlockReader& reader, const FedTaps& fed, StereoRow& sum);
+    static void applyLevel(std::int32_t frames, const StereoRow& sum, const Row& norm, StereoRow& leveled);
 
     // Parts of playByFrame.
     double filterFrame(float mono);

@@ -20,7 +20,7 @@ struct SubBlockReader {
     const MemorySpan& span;
     const Sweep& sweep;
     const TapPaths& paths;
-    TapPlan& plan;
+    const TapPlan& plan;
 
     /// Samples of each tap for the whole span.
     using TapSamples = std::array<const float*, kMaxTaps>;
@@ -30,7 +30,7 @@ struct SubBlockReader {
     bool readsWholeSamples() const { return controls.interpMode == parameters::kWholeSamples; }
 
     /// Reads the taps from `begin` to before `end` between slots. They fit into `rows`. The sub-block must be
-    /// written.
+    /// written, or all taps be apart.
     void read(std::int32_t begin, std::int32_t end, TapRows& rows, TapSamples& samples) const {
         std::array<std::int32_t, kTapsAtOnce> numbers;
         std::int32_t count = 0;

@@ -18,6 +18,13 @@ constexpr std::int32_t kMaxDriftRange = 6;
 
 constexpr float kMemoryLength = static_cast<float>(kDelaySize);
 
+/// Read positions of one tap. Frame i reads at slot `drift[i]` + i, plus the fraction.
+struct TapPositions {
+    alignas(64) std::int32_t drift[kSubBlockFrames];
+    alignas(64) float fraction[kSubBlockFrames];
+    std::int32_t minDrift, maxDrift;
+};
+
 /// Bounds of a tap's positions in a sub-block, in slots.
 struct Reach {
     float earliest, latest;
@@ -134,6 +141,30 @@ void readScattered(const float* samples, const TapPositions& at, Length frames, 
         row[i] = interpolate(points[i], at.fraction[i]);
 }
 
+/// A tap at rest under a sweep that moves it by less than one slot: its drift is `base` or base + 1. False,
+/// with the row undefined, if a drift is another.
+template <Interpolate interpolate, class Length>
+bool readAtRest(const MemorySpan& memory, const Sweep& sweep, float time, float wrapOffset, std::int32_t base,
+                Length frames, float* row) {
+    const float* const writePositions = memory.writePositions;
+    const float* const lfoOffset = sweep.lfoOffset;
+    TapPositions at;
+    std::uint32_t extra = 0;
+    for (std::int32_t i = 0; i < frames; ++i) {
+        const float p = writePositions[i] - time + lfoOffset[i] + wrapOffset;
+        const std::int32_t whole = static_cast<std::int32_t>(p);
+        at.drift[i] = whole - i;
+        at.fraction[i] = p - static_cast<float>(whole);
+        extra |= static_cast<std::uint32_t>(whole - i - base);
+    }
+    const float* const slots = memory.samples + (base - 1);
+    if (extra == 0)
+        readSteady<interpolate>(slots, at, frames, row);
+    else
+        readDrifting<interpolate>(slots, base, at.drift, at.fraction, frames, row);
+    return extra <= 1;
+}
+
 /// `slots` begins where the slots of minDrift do.
 template <Interpolate interpolate, class Length>
 void readRow(const float* slots, const TapPositions& at, Length frames, float* row) {
@@ -193,21 +224,23 @@ void prefetchFirst(const MemorySpan& memory, const TapPlan& plan, std::int32_t t
         prefetch(memory, plan, tap);
 }
 
-/// All positions first, then all samples: the loops of one kind are independent of each other, and the
-/// processor overlaps the end of one with the beginning of the next.
 template <Interpolate interpolate>
-void readTaps(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, TapPlan& plan,
+void readTaps(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, const TapPlan& plan,
               const std::int32_t* tapNumbers, std::int32_t count, std::int32_t taps, Row* rows) {
-    TapPositions* const positions = plan.positions;
+    const bool isSlow = sweep.max - sweep.min < 1.0f;
     atItsLength<kSubBlockFrames>(memory.frames, [&](auto frames) {
-        for (std::int32_t k = 0; k < count; ++k)
-            findPositions(memory, sweep, paths, tapNumbers[k], plan.wrapOffsets[tapNumbers[k]], frames,
-                          positions[k]);
         for (std::int32_t k = 0; k < count; ++k) {
-            readRow<interpolate>(memory.samples + (positions[k].minDrift - 1), positions[k], frames,
-                                 rows[tapNumbers[k] % kTapsAtOnce].data());
-            if (tapNumbers[k] + kTapsAtOnce < taps)
-                prefetch(memory, plan, tapNumbers[k] + kTapsAtOnce);
+            const std::int32_t tap = tapNumbers[k];
+            float* const row = rows[tap % kTapsAtOnce].data();
+            if (!isSlow || paths.times[tap] ||
+                !readAtRest<interpolate>(memory, sweep, paths.firstTimes[tap], plan.wrapOffsets[tap],
+                                         plan.firstSlots[tap] + 1, frames, row)) {
+                TapPositions at;
+                findPositions(memory, sweep, paths, tap, plan.wrapOffsets[tap], frames, at);
+                readRow<interpolate>(memory.samples + (at.minDrift - 1), at, frames, row);
+            }
+            if (tap + kTapsAtOnce < taps)
+                prefetch(memory, plan, tap + kTapsAtOnce);
         }
     });
 }
@@ -222,11 +255,13 @@ inline TapPlace placeOf(const MemorySpan& memory, std::int32_t first, std::int32
     return first >= writtenAfter ? TapPlace::unwritten : written;
 }
 
-std::int32_t countUnclear(const TapPlace* places, std::int32_t taps) {
-    std::int32_t count = 0;
-    for (std::int32_t tap = 0; tap < taps; ++tap)
-        count += places[tap] == TapPlace::unclear ? 1 : 0;
-    return count;
+TapPlace firstPlace(const TapPlace* places, std::int32_t taps) {
+    std::int32_t first = static_cast<std::int32_t>(TapPlace::unwritten);
+    for (std::int32_t tap = 0; tap < taps; ++tap) {
+        const auto place = static_cast<std::int32_t>(places[tap]);
+        first = place < first ? place : first;
+    }
+    return static_cast<TapPlace>(first);
 }
 
 void planSwept(const MemorySpan& span, const Sweep& sweep, const TapPaths& paths, std::int32_t taps,
@@ -256,7 +291,7 @@ void planSwept(const MemorySpan& span, const Sweep& sweep, const TapPaths& paths
         firstSlots[tap] = first;
         lastSlots[tap] = last;
     }
-    plan.unclear = countUnclear(places, taps);
+    plan.first = firstPlace(places, taps);
 }
 
 void planWhole(const MemorySpan& span, const TapPaths& paths, std::int32_t taps, TapPlan& __restrict plan) {
@@ -274,7 +309,7 @@ void planWhole(const MemorySpan& span, const TapPaths& paths, std::int32_t taps,
         firstSlots[tap] = first;
         lastSlots[tap] = last;
     }
-    plan.unclear = countUnclear(places, taps);
+    plan.first = firstPlace(places, taps);
 }
 
 /// The formula of readPosition for all taps, then the samples, then what lies between them.
@@ -366,6 +401,8 @@ void addTaps(const float* const* rows, const float* gains, std::int32_t taps, bo
         }
         for (std::int32_t tap = first; tap < first + count; ++tap) {
             float* const side = tap % 2 == 0 ? sum.left.data() : sum.right.data();
+            if (tap - first < prefetched)
+                prefetchRow(rows[tap + count]);
             for (std::int32_t i = begin; i < frames; ++i)
                 side[i] += rows[tap][i] * gains[tap];
         }

@@ -27,29 +27,21 @@ struct TapPaths {
     const float* times[kMaxTaps];           ///< monotonic, or null where a tap stands still
 };
 
-/// What a tap reads during a sub-block.
+/// What a tap reads during a sub-block, from what takes most care to what takes least.
 enum class TapPlace : std::int32_t {
     unclear,  ///< has to be looked at for itself
-    apart,    ///< slots that the sub-block does not write
     behind,   ///< slots that were written before, or in the sub-block before they are read
+    apart,    ///< slots that the sub-block does not write
     unwritten ///< slots that nothing has been written to: silence
-};
-
-/// Read positions of one tap. Frame i reads at slot `drift[i]` + i, plus the fraction.
-struct TapPositions {
-    alignas(64) std::int32_t drift[kSubBlockFrames];
-    alignas(64) float fraction[kSubBlockFrames];
-    std::int32_t minDrift, maxDrift;
 };
 
 /// Where the taps read during a sub-block. The slots and the wrap offset of an unclear tap mean nothing.
 struct TapPlan {
-    std::int32_t unclear; ///< how many taps are
+    TapPlace first; ///< the first in the list of places that a tap has
     alignas(64) TapPlace places[kMaxTaps];
     alignas(64) float wrapOffsets[kMaxTaps];       ///< what its positions need to be slots
     alignas(64) std::int32_t firstSlots[kMaxTaps]; ///< no slot before it is read
     alignas(64) std::int32_t lastSlots[kMaxTaps];  ///< no slot after it is read
-    TapPositions positions[kTapsAtOnce];           ///< of the taps that are read at present
 };
 
 /// Outcome of reading a tap over a whole sub-block.
@@ -74,7 +66,7 @@ struct TapKernels {
     struct Interpolation {
         /// Reads up to kTapsAtOnce taps of a sub-block that is written, all apart or behind, each into the
         /// row of its number modulo kTapsAtOnce. Prefetches those of `taps` that follow them by kTapsAtOnce.
-        void (*readTaps)(const MemorySpan&, const Sweep&, const TapPaths&, TapPlan&,
+        void (*readTaps)(const MemorySpan&, const Sweep&, const TapPaths&, const TapPlan&,
                          const std::int32_t* tapNumbers, std::int32_t count, std::int32_t taps, Row* rows);
         /// Reads any tap.
         TapRead (*readTap)(const MemorySpan&, const Sweep&, const TapPaths&, std::int32_t tap, float* row);
