@@ -281,7 +281,7 @@ TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
     expectFailure({"--program", "999", "--screenshot", "a.png"},
                   "--program \"999\": there is no program 999; they are numbered 0 to 127");
     expectFailure({"--set", "Feedbak=1", "--screenshot", "a.png"},
-                  "--set \"Feedbak=1\": there is no parameter \"Feedbak\"; --list shows them");
+                  "--set \"Feedbak=1\": there is no parameter \"Feedbak\"; did you mean \"Feedback\"?");
     expectFailure({"--screenshot", "nowhere/a.png"}, folder.file("nowhere/a.png") +
                                                          " cannot be written: there is no folder " +
                                                          folder.file("nowhere"));
