@@ -301,7 +301,7 @@ TEST(BankFile, OfAnotherKindIsRefusedInOneLine) {
     EXPECT_EQ("bank.fxb: not a bank of one chunk", refusalOf(with(8, "FxBk")));
     EXPECT_EQ("bank.fxb: a bank of another plug-in", refusalOf(with(16, "abcd")));
     EXPECT_EQ("bank.fxb: the chunk is not one of 128 programs", refusalOf(with(156, "\0\0\0\x70")));
-    EXPECT_EQ("bank.fxb: an fxb file that ends before its bank does",
+    EXPECT_EQ("bank.fxb: an fxb file that ends before the end of its bank",
               refusalOf({good.begin(), good.end() - 1}));
 }
 

@@ -201,7 +201,7 @@ std::string tableText(const Bank& bank) {
         const BankProgram& program = bank[number];
         if (program.name.find_first_of("\t\r\n") != std::string::npos)
             throw BankError("program " + std::to_string(number) +
-                            ": the name holds characters that part cells");
+                            ": the name contains a tab or a line break");
         text += program.family + '\t' + program.name + '\t' + (program.loud ? "loud" : "");
         for (std::size_t entry = 0; entry < program.values.size(); ++entry)
             text += '\t' + cellText(static_cast<ParameterId>(entry), program.values[entry]);

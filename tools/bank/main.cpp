@@ -54,7 +54,7 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
     const desk::PrivateFolder folder;
     const bank::Audition audition(library);
     if (audition.chunk() != bank::chunkBytes(programs))
-        throw bank::BankError(table + ": the bank beside the library is not made from this table");
+        throw bank::BankError(table + ": the bank beside the library was not made from this table");
     const bank::BankNumbers numbers = bank::measure(audition, programs, speech);
     std::filesystem::create_directories(pictures);
     for (std::size_t number = 0; number < numbers.size(); ++number)

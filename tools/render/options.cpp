@@ -153,7 +153,7 @@ SampleFormat formatFrom(const std::string& text) {
         return SampleFormat::pcm24;
     if (sameName(text, "float"))
         return SampleFormat::float32;
-    throw ToolError("--format: " + inQuotes(text) + " is not a format; there are 24 and float");
+    throw ToolError("--format: " + inQuotes(text) + " is not a format; use 24 or float");
 }
 
 std::int32_t blockSizeFrom(const std::string& text) {
@@ -171,15 +171,15 @@ void checkCombination(const Words& words, const CLI::App& app) {
         if (!words.input.empty())
             throw ToolError("--list renders nothing and takes no files; leave out " + inQuotes(words.input));
         if (!words.plot.empty() || !words.automation.empty() || !words.midi.empty())
-            throw ToolError("--list renders nothing and goes with neither --plot nor --automate nor --midi");
+            throw ToolError("--list renders nothing; do not combine it with --plot, --automate or --midi");
         return;
     }
     if (words.input.empty())
         throw ToolError("which file? Give the audio file to play and the file to write, or --help");
     if (words.output.empty())
-        throw ToolError("where to? Give the file to write behind " + inQuotes(words.input));
+        throw ToolError("where to? Give the file to write after " + inQuotes(words.input));
     if (words.json && words.quiet)
-        throw ToolError("--json and --quiet do not go together");
+        throw ToolError("--json and --quiet cannot be combined");
 }
 
 Options optionsFrom(const Words& words) {

@@ -153,11 +153,11 @@ std::vector<std::string> warningsFrom(const RenderReport& report) {
                            " dB; use a quieter input, or --format float, which keeps them");
     if (result.tailCutShort)
         warnings.push_back("the echoes still sound " + fixedText(kLongestTail, 0) +
-                           " s behind the input and are cut there; --tail SECONDS takes as long as you say");
+                           " s after the input and are cut there; set a longer time with --tail SECONDS");
     if (result.eventsMissed > 0)
         warnings.push_back(std::to_string(result.eventsMissed) +
-                           (result.eventsMissed == 1 ? " event lies" : " events lie") +
-                           " behind the output's end and had no effect");
+                           (result.eventsMissed == 1 ? " event comes" : " events come") +
+                           " after the end of the output and had no effect");
     return warnings;
 }
 

@@ -86,7 +86,7 @@ class ProcessOverrides {
     static std::string textOf(const std::filesystem::path& path) {
         if (const auto text = platform::textOfPath(path))
             return *text;
-        throw ToolError(path.string() + " has letters that a plug-in cannot name");
+        throw ToolError(path.string() + " has letters that plug-ins cannot use");
     }
 
     static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
@@ -145,9 +145,8 @@ class RecordingEditor final : public editor::myEditor {
     }
 
     static std::string whyPassedOver(const SourceElement& source, int result) {
-        const std::string what = std::string("<").append(printable(source.name)) + "> is passed over: ";
-        return what + (result < 0 ? "there is no such kind of object"
-                                  : "there is no window yet, which <background> makes");
+        const std::string what = std::string("<").append(printable(source.name)) + "> is ignored: ";
+        return what + (result < 0 ? "there is no such kind of object" : "it must come after <background>");
     }
 
     void notePictures(const SourceElement& source, const skin::SkinContext& context) {
@@ -171,7 +170,7 @@ class RecordingEditor final : public editor::myEditor {
     static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {
         return "the picture " + inQuotes(name) +
                (toolkit::findPicture(context.path, name)
-                    ? " cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, GIF, TIFF or ICO"
+                    ? " cannot be read: it is truncated, too large, or not a PNG, BMP, JPEG, GIF, TIFF or ICO"
                     : " is not in the skin's folder");
     }
 

@@ -74,12 +74,12 @@ void addOtherOptions(CLI::App& app, Words& words) {
 
 void checkCombination(const Words& words) {
     if (words.check && words.skin.empty())
-        throw ToolError("--check: say with --skin which skin to look at");
+        throw ToolError("--check: choose the skin with --skin");
     if (words.watch && words.skin.empty())
-        throw ToolError("--watch: say with --skin which skin to look at");
+        throw ToolError("--watch: choose the skin with --skin");
     if (words.check &&
         (words.watch || !words.screenshot.empty() || !words.program.empty() || !words.settings.empty()))
-        throw ToolError("--check opens no window and goes with --skin and --library only");
+        throw ToolError("--check opens no window; use it with --skin and --library only");
     const std::string ending = lowered(std::filesystem::path(words.screenshot).extension().string());
     if (!words.screenshot.empty() && ending != ".png")
         throw ToolError(words.screenshot + ": the picture is a PNG, so its name should end in .png");

@@ -205,9 +205,8 @@ class Showing {
         const auto picture = window_->settledPicture(kSettlingMilliseconds);
         stopIfInterrupted();
         if (!picture)
-            throw ToolError(
-                "there is no picture of the window to be had; is it larger than the screen, or does what is "
-                "drawn in it not get there?");
+            throw ToolError("cannot take a picture of the window; is it larger than the screen, or is "
+                            "nothing drawn in it?");
         writePng(*picture, options_.screenshot);
     }
 
@@ -244,15 +243,14 @@ void checkPlaces(const Options& options, const files::path& skin) {
         return;
     const files::path inside = options.screenshot.lexically_relative(skin);
     if (!inside.empty() && *inside.begin() != "..")
-        throw ToolError(options.screenshot.string() +
-                        " lies in the skin that is watched; give another folder");
+        throw ToolError(options.screenshot.string() + " is in the watched skin; choose another folder");
 }
 
 /// As a library finds it, which looks around in the code page of the machine.
 files::path placeForStage(const desk::PrivateFolder& folder) {
     if (folder.path().empty())
-        throw ToolError("the folder of temporary files has letters that a plug-in cannot name; "
-                        "set TMP to another one");
+        throw ToolError("the path of the temporary folder has letters that plug-ins cannot use; "
+                        "set TMP to another folder");
     return platform::pathFromText(folder.path());
 }
 

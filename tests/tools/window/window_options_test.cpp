@@ -52,15 +52,15 @@ TEST(WindowOptions, AreRead) {
 }
 
 TEST(WindowOptions, ThatDoNotGoTogetherAreRefused) {
-    EXPECT_EQ(errorOf({"--check"}), "--check: say with --skin which skin to look at");
-    EXPECT_EQ(errorOf({"--watch"}), "--watch: say with --skin which skin to look at");
+    EXPECT_EQ(errorOf({"--check"}), "--check: choose the skin with --skin");
+    EXPECT_EQ(errorOf({"--watch"}), "--watch: choose the skin with --skin");
     for (const std::vector<const char*>& also : {std::vector<const char*>{"--watch"},
                                                  {"--screenshot", "a.png"},
                                                  {"--program", "1"},
                                                  {"--set", "a=1"}}) {
         std::vector<const char*> arguments = {"--skin", "x", "--check"};
         arguments.insert(arguments.end(), also.begin(), also.end());
-        EXPECT_EQ(errorOf(arguments), "--check opens no window and goes with --skin and --library only");
+        EXPECT_EQ(errorOf(arguments), "--check opens no window; use it with --skin and --library only");
     }
 }
 

@@ -269,7 +269,7 @@ TEST_F(WindowTool, SaysWhyASkinDoesNotOpen) {
                      "<GUI>\n<update src=\"1+" + std::string(60, 'k') + "\"/></GUI>");
     expectFailure({"--skin", "elsewhere/Earth", "--screenshot", "picture.png"},
                   folder.file("elsewhere/Earth/skin.xml") +
-                      ":2:16: \"src\" of <update>: a name of 60 characters or more ends the host");
+                      ":2:16: \"src\" of <update>: a name of 60 characters or more crashes the host");
 }
 
 // What else can be wrong
@@ -290,8 +290,7 @@ TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
     expectFailure({"--library", EFFECTS "/window_effect_refusing.so", "--screenshot", "a.png"},
                   "the plug-in's editor does not open");
     expectFailure({"--skin", "elsewhere/Earth", "--watch", "--screenshot", "elsewhere/Earth/a.png"},
-                  folder.file("elsewhere/Earth/a.png") +
-                      " lies in the skin that is watched; give another folder");
+                  folder.file("elsewhere/Earth/a.png") + " is in the watched skin; choose another folder");
 }
 
 TEST_F(WindowTool, NamesTheLibraryThatCrashesAndTheCall) {
@@ -480,7 +479,7 @@ TEST_F(WatchedSkin, MayBeBrokenForAWhile) {
     EXPECT_TRUE(says(*tool, "skin.xml:2:6: the file ends inside the tag <knob> of line 2\n"));
     EXPECT_TRUE(colourBecomes(0x000000)) << "the editor is closed";
     saveText("<GUI><background filename=\"bg.png\"/><update src=\"" + std::string(70, 'k') + "\"/></GUI>");
-    EXPECT_TRUE(says(*tool, "ends the host\n"));
+    EXPECT_TRUE(says(*tool, "crashes the host\n"));
     paintPng(folder.file("elsewhere/Earth/new.png"), 120, 80, green);
     saveText("<GUI><background filename=\"new.png\"/></GUI>");
     EXPECT_TRUE(colourBecomes(green));
