@@ -15,7 +15,7 @@ struct ParameterState {
     std::int32_t id = 0;
     std::string name;
     std::string windowName; ///< in the Quillon Multitap Delay's window; empty for other effects
-    float value = 0.0f; ///< normalised
+    float value = 0.0f;     ///< normalised
     std::string display;
     std::string label;
 };
