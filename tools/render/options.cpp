@@ -11,14 +11,14 @@ namespace tools::render {
 namespace {
 
 constexpr const char* kDescription =
-    "Plays an audio file through a VST 2.4 effect and writes what comes out to a new file.\n"
-    "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
+    "Plays an audio file through a VST 2.4 effect and writes the output to a new file.\n"
+    "The default effect is the Quillon Multitap Delay.\n";
 
 constexpr const char* kExamples = R"(Examples:
   Echoes from program 3, as a 24-bit file:
     quillon-render voice.wav echoes.wav --program 3
 
-  Sixteen even echoes, 125 ms apart, without sweep and without the dry sound:
+  Sixteen evenly spaced echoes, 125 ms apart, without sweep and without the dry sound:
     quillon-render voice.wav taps.wav --set "Echoes=display:16" --set "Base length=250ms" \
         --set "Stretch=0.5" --set "Mix=1" --set "How echoes move=display:Jump"
 

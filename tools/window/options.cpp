@@ -11,7 +11,7 @@ namespace tools::window {
 namespace {
 
 constexpr const char* kDescription = "Opens the window of a VST 2.4 effect without a host.\n"
-                                     "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
+                                     "The default effect is the Quillon Multitap Delay.\n";
 
 constexpr const char* kExamples = R"(Examples:
   Open the window:
