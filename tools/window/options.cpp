@@ -26,15 +26,21 @@ constexpr const char* kExamples = R"(Examples:
   A picture of it, also on a machine without a screen:
     quillon-window --skin "my skins/Copper" --program 3 --set "Feedback=0.8" --screenshot copper.png
 
+  The same with the place, kind and id of every object drawn over it:
+    quillon-window --skin "my skins/Copper" --outlines --screenshot copper.png
+
+  Begin a skin of your own:
+    quillon-window --new-skin "my skins/Copper"
+
 The skin you have chosen in the plug-in's own menu stays as it is: with --skin the plug-in runs in a temporary
 place with settings of its own. Values are written as for quillon-render; see there.
 
 --check prints one line for each thing found, FILE:LINE:COLUMN: what, and ends with 1 if there are any.)";
 
 struct Words {
-    std::string skin, library, screenshot, program;
+    std::string skin, library, screenshot, program, newSkin;
     std::vector<std::string> settings;
-    bool watch = false, check = false, version = false;
+    bool watch = false, check = false, outlines = false, version = false;
 };
 
 void addSkinOptions(CLI::App& app, Words& words) {
@@ -47,6 +53,9 @@ void addSkinOptions(CLI::App& app, Words& words) {
                  "Open the editor anew whenever a file of the skin changes, and say\nwhat --check would")
         ->group(group);
     app.add_flag("--check", words.check, "Open nothing; list what is wrong with the skin")->group(group);
+    app.add_option("--new-skin", words.newSkin, "Open nothing; make this folder, a whole skin to begin with")
+        ->type_name("FOLDER")
+        ->group(group);
 }
 
 void addEffectOptions(CLI::App& app, Words& words) {
@@ -69,11 +78,18 @@ void addOtherOptions(CLI::App& app, Words& words) {
     app.add_option("--screenshot", words.screenshot, "Write a picture of the window, and end")
         ->type_name("FILE.png")
         ->group(group);
+    app.add_flag("--outlines", words.outlines, "Draw the place, kind and id of each object over the picture")
+        ->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
 }
 
 void checkCombination(const Words& words) {
+    const bool isAboutAWindow = words.check || words.watch || words.outlines || !words.skin.empty() ||
+                                !words.library.empty() || !words.screenshot.empty() ||
+                                !words.program.empty() || !words.settings.empty();
+    if (!words.newSkin.empty() && isAboutAWindow)
+        throw ToolError("--new-skin opens no window and goes with nothing else");
     if (words.check && words.skin.empty())
         throw ToolError("--check: say with --skin which skin to look at");
     if (words.watch && words.skin.empty())
@@ -81,6 +97,10 @@ void checkCombination(const Words& words) {
     if (words.check &&
         (words.watch || !words.screenshot.empty() || !words.program.empty() || !words.settings.empty()))
         throw ToolError("--check opens no window and goes with --skin and --library only");
+    if (words.outlines && words.skin.empty())
+        throw ToolError("--outlines: say with --skin which skin to look at");
+    if (words.outlines && words.screenshot.empty())
+        throw ToolError("--outlines: say with --screenshot which picture to draw them over");
     const std::string ending = lowered(std::filesystem::path(words.screenshot).extension().string());
     if (!words.screenshot.empty() && ending != ".png")
         throw ToolError(words.screenshot + ": the picture is a PNG, so its name should end in .png");
@@ -93,7 +113,9 @@ Options optionsFrom(const Words& words) {
     options.screenshot = settled(words.screenshot);
     options.program = words.program;
     options.settings = settingsFrom(words.settings);
+    options.newSkin = settled(words.newSkin);
     options.watch = words.watch;
+    options.outlines = words.outlines;
     options.check = words.check;
     return options;
 }
