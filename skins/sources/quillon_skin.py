@@ -237,7 +237,8 @@ def _caption(canvas, skin, name, top):
     else:
         canvas.text(middle, top + 42, words, 12, ink, PANEL_TOP)
     if name in QUIET:
-        canvas.text(middle, top + skin.number("ValueTop") + 13, "no effect", 12, MUTED, PANEL, italic=True)
+        base = top + skin.number("ValueTop") + skin.number("ValueHeight") / 2 + 4
+        canvas.text(middle, base, "no effect", 12, MUTED, PANEL, italic=True)
 
 
 def _mix_track(canvas, skin):
