@@ -70,13 +70,13 @@ def draw(skin, letters=1.0):
     folder, drawing = skin.folder, Drawing(skin)
     sizes = {"scale": drawing.scale, "letters": letters}
     _background(drawing, sizes).save(folder / "background.png")
-    _about(sizes).save(folder / "about.png")
-    _menu(False, sizes).save(folder / "skin_menu.png")
-    _menu(True, sizes).save(folder / "skin_menu_open.png")
+    draw_about(ABOUT_WIDTH, ABOUT_HEIGHT, 34, sizes).save(folder / "about.png")
+    draw_menu(False, MENU_WIDTH, MENU_HEIGHT, sizes).save(folder / "skin_menu.png")
+    draw_menu(True, MENU_WIDTH, MENU_HEIGHT, sizes).save(folder / "skin_menu_open.png")
     knob, trim = drawing.number("Knob"), drawing.number("Trim")
-    film_strip(folder / "knob.png", knob, knob, FRAMES, lambda canvas, value: _knob(canvas, knob, value, 0.0), **sizes)
+    film_strip(folder / "knob.png", knob, knob, FRAMES, lambda canvas, value: draw_knob(canvas, knob, value, 0.0), **sizes)
     film_strip(
-        folder / "knob_centre.png", knob, knob, FRAMES, lambda canvas, value: _knob(canvas, knob, value, 0.5), **sizes
+        folder / "knob_centre.png", knob, knob, FRAMES, lambda canvas, value: draw_knob(canvas, knob, value, 0.5), **sizes
     )
     film_strip(folder / "trim.png", trim, trim, FRAMES, lambda canvas, value: _trim(canvas, trim, value), **sizes)
     film_strip(folder / "movement.png", SWITCH_WIDTH, SWITCH_HEIGHT, 3, _movement, **sizes)
@@ -276,7 +276,7 @@ def _hint_line(canvas, place):
 # The controls.
 
 
-def _knob(canvas, size, value, rest):
+def draw_knob(canvas, size, value, rest):
     """A knob whose arc is lit from `rest`, where the parameter does nothing, to its value."""
     x = y = size / 2
     angle = knob_angle(value)
@@ -288,12 +288,12 @@ def _knob(canvas, size, value, rest):
         canvas.arc(x, y, 26.5, start, end, AMBER, 2.8)
     if rest:
         canvas.disc(x, y - 26.5, 2.0, IVORY if abs(value - rest) < 0.004 else AMBER_LIGHT)
-    _cap(canvas, x, y, 20.5)
+    draw_cap(canvas, x, y, 20.5)
     canvas.spoke(x, y, 8.5, 16.5, angle, "000000", 4.4, alpha=0.45)
     canvas.spoke(x, y, 8.5, 16.5, angle, IVORY, 2.8)
 
 
-def _cap(canvas, x, y, radius):
+def draw_cap(canvas, x, y, radius):
     """A round cap of dark metal under a soft light from above left."""
     for step in range(8):
         canvas.disc(x + 0.5, y + 3.0, radius + 3.6 - 0.6 * step, "000000", alpha=0.085)
@@ -313,7 +313,7 @@ def _trim(canvas, size, value):
     for step in range(11):
         angle = knob_angle(step / 10)
         canvas.spoke(x, y, 18, 20, angle, MUTED, 1.2, alpha=0.75 if step % 5 == 0 else 0.4)
-    _cap(canvas, x, y, 14.5)
+    draw_cap(canvas, x, y, 14.5)
     canvas.spoke(x, y, 5.5, 11, knob_angle(value), "B4BAC0", 2.2)
 
 
@@ -354,46 +354,40 @@ def _fader(sizes):
     return canvas
 
 
-def _menu(opened, sizes):
-    canvas = Canvas(MENU_WIDTH, MENU_HEIGHT, **sizes)
+def draw_menu(opened, width, height, sizes=None):
+    """The button of the menu of skins."""
+    canvas = Canvas(width, height, **(sizes or {}))
     top, bottom = ("454D56", "4E5761") if opened else ("3C444D", "2F363D")
-    canvas.box(0, 0, MENU_WIDTH, MENU_HEIGHT, "0E1114", radius=6)
-    canvas.box(1, 1, MENU_WIDTH - 2, MENU_HEIGHT - 2, fade(0, 1, 0, MENU_HEIGHT - 1, (0, top), (1, bottom)), radius=5)
-    canvas.frame(
-        1,
-        1,
-        MENU_WIDTH - 2,
-        MENU_HEIGHT - 2,
-        fade(0, 1, 0, MENU_HEIGHT, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02)),
-        radius=5,
-    )
-    canvas.text(14, 17.5, "Skins", 12, IVORY, top, align=0)
-    x, y = MENU_WIDTH - 18, MENU_HEIGHT / 2 + 0.5
+    canvas.box(0, 0, width, height, "0E1114", radius=6)
+    canvas.box(1, 1, width - 2, height - 2, fade(0, 1, 0, height - 1, (0, top), (1, bottom)), radius=5)
+    light = fade(0, 1, 0, height, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02))
+    canvas.frame(1, 1, width - 2, height - 2, light, radius=5)
+    canvas.text(14, height / 2 + 4.5, "Skins", 12, IVORY, top, align=0)
+    x, y = width - 18, height / 2 + 0.5
     canvas.polygon(((x - 5, y - 3), (x + 5, y - 3), (x, y + 3)), AMBER)
     return canvas
 
 
-# The box that a click on the empty ground opens. Its lower third belongs to the lines that the plug-in prints.
+# The box that a click on the empty ground opens. Its lower part belongs to the lines that the plug-in prints.
 
 
 ABOUT_WIDTH, ABOUT_HEIGHT = 610, 512
+#: What the printed lines and the margin below them take, in pixels.
+CREDITS = 165
 
 
-def _about(sizes):
-    width, height = ABOUT_WIDTH, ABOUT_HEIGHT
-    canvas = Canvas(width, height, GROUND_DEEP, **sizes)
+def draw_about(width, height, size, sizes=None):
+    """The name in letters of `size` below a pattern of echoes."""
+    canvas = Canvas(width, height, GROUND_DEEP, **(sizes or {}))
     canvas.box(0, 0, width, height, fade(0, 0, 0, height, (0, "2C333B"), (0.68, "20252B"), (1, "171A1E")))
-    canvas.box(
-        0,
-        0,
-        width,
-        height,
-        glow(width / 2, 215, 330, (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)),
-    )
-    _echo_fan(canvas, 62, 236, width - 124, 168)
-    canvas.text(width / 2, 300, "QUILLON", 34, IVORY, "20252B", bold=True, spacing=9)
-    canvas.text(width / 2, 328, "The 128 Taps Echo", 15, AMBER_LIGHT, "20252B", italic=True)
-    canvas.line(width / 2 - 130, 346.5, width / 2 + 130, 346.5, AMBER, alpha=0.5)
+    light = (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)
+    canvas.box(0, 0, width, height, glow(width / 2, height * 0.42, width * 0.54, *light))
+    line = height - CREDITS - 0.5
+    _echo_fan(canvas, 62, line - 110 * size / 34, width - 124, (line - 110 * size / 34) * 0.71)
+    canvas.text(width / 2, line - 46 * size / 34, "QUILLON", size, IVORY, "20252B", bold=True, spacing=size / 4)
+    words, small = "The 128 Taps Echo", max(12, 15 * size / 34)
+    canvas.text(width / 2, line - 18 * size / 34, words, small, AMBER_LIGHT, "20252B", italic=True)
+    canvas.line(width / 2 - 130, line, width / 2 + 130, line, AMBER, alpha=0.5)
     canvas.frame(0, 0, width, height, "0C0E10", width=1)
     canvas.frame(1, 1, width - 2, height - 2, fade(0, 0, 0, height, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.03)))
     canvas.grain(1, seed=95)

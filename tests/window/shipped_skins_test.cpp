@@ -24,6 +24,9 @@ using namespace test;
 using namespace vst2;
 using VSTGUI::CRect;
 
+constexpr const char* kSkins[] = {"Quillon Skin", "Quillon Skin Large", "Quillon Skin Small", "skin",
+                                  "Paper and Ink"};
+
 /// Where things are in a skin, as its own builder puts them.
 struct Layout {
     struct Item {
@@ -79,7 +82,7 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
         namespace files = std::filesystem;
         const std::string skins = std::string(QUILLON_SOURCE) + "/skins";
         files::copy_file(skins + "/default.fxb", module.beside("default.fxb"));
-        for (const char* name : {"Quillon Skin", "skin", "Paper and Ink"})
+        for (const char* name : kSkins)
             files::copy(skins + "/" + name, module.beside(name), files::copy_options::recursive);
         layout = layoutOf(module.folder(), GetParam());
         const std::string settings = std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software";
@@ -94,7 +97,7 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     }
 
     static VirtualScreen& screen() {
-        static VirtualScreen theScreen("1100x800x24");
+        static VirtualScreen theScreen("1500x1000x24");
         return theScreen;
     }
 
@@ -145,8 +148,7 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     std::unique_ptr<ShownEditor> shown;
 };
 
-INSTANTIATE_TEST_SUITE_P(Delivered, ShippedSkin, testing::Values("Quillon Skin", "skin", "Paper and Ink"),
-                         plainName);
+INSTANTIATE_TEST_SUITE_P(Delivered, ShippedSkin, testing::ValuesIn(kSkins), plainName);
 
 TEST_P(ShippedSkin, HasAControlForEveryParameter) {
     for (std::int32_t id = 0; id < conversation::kLiveParameters; ++id)
