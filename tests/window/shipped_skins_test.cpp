@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
 #include "child_process.h"
 
@@ -70,13 +71,14 @@ Part partOf(const CRect& place) {
             static_cast<int>(place.getHeight())};
 }
 
-std::string plainName(const testing::TestParamInfo<std::string>& info) {
+std::string plainName(const testing::TestParamInfo<const char*>& info) {
     std::string name;
-    std::ranges::copy_if(info.param, std::back_inserter(name), [](char byte) { return byte != ' '; });
+    std::ranges::copy_if(std::string_view(info.param), std::back_inserter(name),
+                         [](char byte) { return byte != ' '; });
     return name;
 }
 
-class ShippedSkin : public conversation::PluginFolder, public testing::WithParamInterface<std::string> {
+class ShippedSkin : public conversation::PluginFolder, public testing::WithParamInterface<const char*> {
   protected:
     ShippedSkin() {
         namespace files = std::filesystem;
