@@ -3,7 +3,8 @@
 import cairo
 
 from canvas import KNOB_RANGE, KNOB_START, Canvas, film_strip, knob_angle
-from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP, horizon_of
+from legibility import horizon_of
+from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP
 
 FOLDER = "skin"
 

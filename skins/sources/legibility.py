@@ -10,12 +10,19 @@ ECHO_TEXTS = (
     ("the last line of help", "666666", 89, 100, LEAST_CONTRAST),
     ("the fifth line of the second help page", "FFFF66", 49, 60, 7.0),
 )
+#: The colours that bars can have lie between these. Below the lettering they stand on a ground of their own.
+BARS = (("the palest bars", "A6BDFF", 7.0), ("the darkest bars", "276600", 2.4))
 #: Half the width of the yellow line; and of the dark blue one in its rows, the left end and the right end of its words,
 #: counted from the view's middle.
 YELLOW_HALF = 159
 BLUE_LEFT, BLUE_RIGHT = -278, -148
 #: Where those two overlap, what one gains the other loses: 3.4 each is the best there is.
 LEAST_SHARED = 3.2
+
+
+def horizon_of(view):
+    """The first row below all that the effect writes among the echoes."""
+    return view.top + view.height // 3 + 53
 
 
 def require_legible(skin):
@@ -35,6 +42,9 @@ def require_legible(skin):
         ground = mean_colour(picture, middle + left, view.top + first, middle + right, view.top + last)
         _require(skin, words, colour, ground, least)
 
+    low = horizon_of(view) - view.top
+    for words, colour, least in BARS:
+        require_on(words, colour, -view.width // 2, YELLOW_HALF, low, view.height, least)
     for words, colour, first, last, least in ECHO_TEXTS:
         require_on(words, colour, BLUE_RIGHT + 4, YELLOW_HALF, first, last, least)
     words = "the fifth line of the first help page"

@@ -9,7 +9,8 @@ import random
 import cairo
 
 from canvas import SERIF, Canvas, fade, film_strip, glow, knob_angle
-from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP, horizon_of
+from legibility import horizon_of
+from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP
 
 FOLDER = "Paper and Ink"
 

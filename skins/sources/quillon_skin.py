@@ -3,6 +3,7 @@
 import math
 
 from canvas import KNOB_RANGE, KNOB_START, Canvas, fade, film_strip, glow, knob_angle
+from legibility import horizon_of
 from skin_file import Drawing, Rect
 
 FOLDER = "Quillon Skin"
@@ -97,6 +98,7 @@ def _background(skin, sizes):
         for name in names:
             _caption(canvas, skin, name, skin.number(row))
     _mix_track(canvas, skin)
+    _movement_note(canvas, skin)
     _hint_line(canvas, skin.place("anydisp"))
     canvas.grain(1, seed=128)
     return canvas
@@ -163,11 +165,6 @@ def draw_plate(canvas, view, seen, levels):
         for words, share in LEVELS:
             y = round(view.bottom - view.height * share)
             canvas.text(frame.left - 3, y + 4, words, 11, MUTED, GROUND_TOP, align=1)
-
-
-def horizon_of(view):
-    """The first row below all that the effect writes among the echoes."""
-    return view.top + view.height // 3 + 53
 
 
 #: How loud an echo is whose bar takes this share of the height.
@@ -261,6 +258,13 @@ def _mix_track(canvas, skin):
     canvas.box(left - 4, y - 1.5, right - left + 8, 3, "3D454D", radius=1.5)
     canvas.text(left - 5, place.bottom + 9, "dry", 11, MUTED, PANEL, align=0)
     canvas.text(right + 5, place.bottom + 9, "wet", 11, MUTED, PANEL, align=1)
+
+
+def _movement_note(canvas, skin):
+    """Sweep rate and depth do nothing in the first way of the switch."""
+    place = skin.control_rect("Movement", PICTURES)
+    base = skin.number("RowOne") + skin.number("ValueTop") + skin.number("ValueHeight") / 2 + 4
+    canvas.text(place.middle, base, "Glide and Fine can sweep", 11, MUTED, PANEL)
 
 
 def _hint_line(canvas, place):

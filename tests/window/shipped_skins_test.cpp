@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 
 #include "child_process.h"
@@ -149,6 +150,18 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     Layout layout;
     std::unique_ptr<ShownEditor> shown;
 };
+
+/// The objects of a delivered skin as they stand in its file, without the constants that place them.
+std::string objectsOf(const std::string& skin) {
+    std::ifstream file(std::string(QUILLON_SOURCE) + "/skins/" + skin + "/skin.xml");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return text.substr(text.rfind("</CONSTANTS>"));
+}
+
+TEST(LargeSkin, HasTheObjectsOfTheSkinThatItEnlarges) {
+    EXPECT_GT(objectsOf("Quillon Skin").size(), 1000u);
+    EXPECT_EQ(objectsOf("Quillon Skin Large"), objectsOf("Quillon Skin"));
+}
 
 INSTANTIATE_TEST_SUITE_P(Delivered, ShippedSkin, testing::ValuesIn(kSkins), plainName);
 

@@ -400,6 +400,19 @@ TEST_F(WindowTool, IsSilentAboutASkinInOrder) {
     expectNothingIsLeft();
 }
 
+TEST_F(WindowTool, IsSilentAboutEverySkinThatIsDelivered) {
+    int count = 0;
+    for (const files::directory_entry& entry : files::directory_iterator(QUILLON_SOURCE "/skins")) {
+        if (!files::exists(entry.path() / "skin.xml"))
+            continue;
+        const ToolResult result = run({"--check", "--skin", entry.path().string()});
+        EXPECT_EQ(result.exitCode, 0) << entry.path();
+        EXPECT_EQ(result.out + result.err, "");
+        ++count;
+    }
+    EXPECT_EQ(count, 5);
+}
+
 TEST_F(WindowTool, ListsWhatIsWrongWithASkin) {
     writeSkin("elsewhere/Earth",
               "<knob x=\"1\" colour=\"red\"/>\n<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"a.png\"/>\n");
