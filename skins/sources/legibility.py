@@ -16,6 +16,8 @@ BARS = (("the palest bars", "A6BDFF", 7.0), ("the darkest bars", "276600", 2.4))
 #: counted from the view's middle.
 YELLOW_HALF = 159
 BLUE_LEFT, BLUE_RIGHT = -278, -148
+#: Half the width of the longest line of help.
+HELP_HALF = 288
 #: Where those two overlap, what one gains the other loses: 3.4 each is the best there is.
 LEAST_SHARED = 3.2
 
@@ -37,6 +39,8 @@ def require_legible(skin):
             _require(skin, words, node.attrib["fontcolor"], ground, LEAST_CONTRAST)
     view = skin.place("ViewTaps")
     middle = int(view.middle)
+    if middle + HELP_HALF > view.left + skin.number("ViewSeen"):
+        raise SystemExit(f"{skin.folder.name}: the lines of help run out of what is seen of the view")
 
     def require_on(words, colour, left, right, first, last, least):
         ground = mean_colour(picture, middle + left, view.top + first, middle + right, view.top + last)

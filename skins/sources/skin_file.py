@@ -99,11 +99,6 @@ class SkinFile:
         """Where the value of that parameter is printed."""
         return self.rect(self._find(name, ("autodisp",), "link"))
 
-    def has_value(self, name):
-        """Whether the value of that parameter is printed anywhere."""
-        wanted = self.number(name)
-        return any(self._tag(node, "link") == wanted for node in self.objects("autodisp"))
-
     def _find(self, name, kinds, tag):
         wanted = self.number(name)
         for node in self._objects:
