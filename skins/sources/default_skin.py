@@ -107,7 +107,7 @@ def _background(skin):
 
     hint = skin.place("anydisp")
     canvas.box(0, hint.top - 1, WIDTH, HEIGHT - hint.top + 1, INK)
-    words = "Control-click: default   Right-click the echoes: help"
+    words = "Control-click: take back   Right-click the echoes: help"
     canvas.text(WIDTH - 12, hint.top + 13, words, 11, PAPER, INK, align=1)
     return canvas
 

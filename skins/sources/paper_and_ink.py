@@ -260,7 +260,7 @@ def _foot(canvas, pen, place):
     canvas.polygon(((36, y), (50, y - 4.5), (58, y), (50, y + 4.5)), INK)
     canvas.line(42, y, 51, y, PAPER, 1)
     canvas.disc(51.5, y, 1.3, PAPER)
-    words = "Control-click: default value   \N{MIDDLE DOT}   Right-click the echoes: help"
+    words = "Control-click: take back   \N{MIDDLE DOT}   Right-click the echoes: help"
     canvas.text(WIDTH - 36, y + 4, words, 12, INK, PAPER, align=1)
 
 

@@ -272,7 +272,7 @@ def _hint_line(canvas, place):
     canvas.box(0, place.top - 1, WIDTH, 1, "FFFFFF", alpha=0.04)
     y = place.top + place.height / 2
     canvas.ring(place.left - 11, y, 3.2, MUTED, 1.4)
-    words = "Control-click: default value   \N{MIDDLE DOT}   Right-click the echoes: help"
+    words = "Control-click: take back   \N{MIDDLE DOT}   Right-click the echoes: help"
     canvas.text(WIDTH - 18, y + 4, words, 11, MUTED, BAR, align=1)
 
 
