@@ -26,15 +26,21 @@ constexpr const char* kExamples = R"(Examples:
   Save a picture of it; this also works without a screen:
     quillon-window --skin "my skins/Copper" --program 3 --set "Feedback=0.8" --screenshot copper.png
 
+  Save a picture with the position, kind and id of every object:
+    quillon-window --skin "my skins/Copper" --outlines --screenshot copper.png
+
+  Create a skin as a starting point for your own:
+    quillon-window --new-skin "my skins/Copper"
+
 --skin does not change the skin that you have chosen in the plug-in: the plug-in runs in a temporary folder, with
 its own settings. Names and values of parameters are written as for quillon-render; see quillon-render --help.
 
 --check prints one line per mistake, FILE:LINE:COLUMN: what, and exits with 1 if there are any.)";
 
 struct Words {
-    std::string skin, library, screenshot, program;
+    std::string skin, library, screenshot, program, newSkin;
     std::vector<std::string> settings;
-    bool watch = false, check = false, version = false;
+    bool watch = false, check = false, outlines = false, version = false;
 };
 
 void addSkinOptions(CLI::App& app, Words& words) {
@@ -47,6 +53,9 @@ void addSkinOptions(CLI::App& app, Words& words) {
                  "Reopen the window whenever a file of the skin changes, and print\nwhat --check finds")
         ->group(group);
     app.add_flag("--check", words.check, "List mistakes in the skin; open no window")->group(group);
+    app.add_option("--new-skin", words.newSkin, "Create a complete skin in this new folder; open no window")
+        ->type_name("FOLDER")
+        ->group(group);
 }
 
 void addEffectOptions(CLI::App& app, Words& words) {
@@ -68,11 +77,18 @@ void addOtherOptions(CLI::App& app, Words& words) {
     app.add_option("--screenshot", words.screenshot, "Save a picture of the window, then exit")
         ->type_name("FILE.png")
         ->group(group);
+    app.add_flag("--outlines", words.outlines, "Draw the place, kind and id of each object over the picture")
+        ->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
 }
 
 void checkCombination(const Words& words) {
+    const bool isAboutAWindow = words.check || words.watch || words.outlines || !words.skin.empty() ||
+                                !words.library.empty() || !words.screenshot.empty() ||
+                                !words.program.empty() || !words.settings.empty();
+    if (!words.newSkin.empty() && isAboutAWindow)
+        throw ToolError("--new-skin opens no window and goes with nothing else");
     if (words.check && words.skin.empty())
         throw ToolError("--check: choose the skin with --skin");
     if (words.watch && words.skin.empty())
@@ -80,6 +96,10 @@ void checkCombination(const Words& words) {
     if (words.check &&
         (words.watch || !words.screenshot.empty() || !words.program.empty() || !words.settings.empty()))
         throw ToolError("--check opens no window; use it with --skin and --library only");
+    if (words.outlines && words.skin.empty())
+        throw ToolError("--outlines: choose the skin with --skin");
+    if (words.outlines && words.screenshot.empty())
+        throw ToolError("--outlines: choose the picture file with --screenshot");
     const std::string ending = lowered(std::filesystem::path(words.screenshot).extension().string());
     if (!words.screenshot.empty() && ending != ".png")
         throw ToolError(words.screenshot + ": the picture is a PNG, so its name should end in .png");
@@ -92,7 +112,9 @@ Options optionsFrom(const Words& words) {
     options.screenshot = settled(words.screenshot);
     options.program = words.program;
     options.settings = settingsFrom(words.settings);
+    options.newSkin = settled(words.newSkin);
     options.watch = words.watch;
+    options.outlines = words.outlines;
     options.check = words.check;
     return options;
 }

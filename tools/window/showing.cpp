@@ -13,6 +13,7 @@
 #include "tools/skin_check/skin_check.h"
 #include "tools/skin_check/skin_folder.h"
 #include "tools/window/folder_watch.h"
+#include "tools/window/outlines.h"
 #include "tools/window/png_file.h"
 #include "tools/window/stage.h"
 
@@ -124,6 +125,8 @@ class Showing {
         if (stage_)
             stage_->bringUpToDate();
         const auto findings = options_.watch ? text->findingsBuiltIn(stage_->skin()) : std::vector<Finding>();
+        if (options_.outlines)
+            outlines_ = text->outlinesBuiltIn(stage_->skin());
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
@@ -207,7 +210,10 @@ class Showing {
         if (!picture)
             throw ToolError("cannot take a picture of the window; is it larger than the screen, or is "
                             "nothing drawn in it?");
-        writePng(*picture, options_.screenshot);
+        if (options_.outlines)
+            writeOutlined(*picture, outlines_, options_.screenshot);
+        else
+            writePng(*picture, options_.screenshot);
     }
 
     const Options& options_;
@@ -217,6 +223,7 @@ class Showing {
     std::unique_ptr<host::Plugin> plugin_;
     std::unique_ptr<host::EditorWindow> window_;
     std::optional<EffectState> state_; ///< of the instance before
+    std::vector<ObjectOutline> outlines_;
     bool wasOpen_ = false;
     bool isSkinAtFault_ = false;
 };

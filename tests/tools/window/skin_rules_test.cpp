@@ -142,7 +142,8 @@ class KindsAndTags : public testing::Test {
         const std::string text = "<GUI><background filename=\"a.png\"/>" + object + "</GUI>";
         folder.writeText("skin.xml", text);
         std::string lines;
-        for (const Finding& finding : buildRecorded(folder.path(), *tools::window::readSkinSource(text).root))
+        const auto source = tools::window::readSkinSource(text);
+        for (const Finding& finding : buildRecorded(folder.path(), *source.root).findings)
             lines += finding.text + "\n";
         return lines;
     }

@@ -64,6 +64,30 @@ TEST(WindowOptions, ThatDoNotGoTogetherAreRefused) {
     }
 }
 
+TEST(WindowOptions, AskForOutlinesOfASkinInAPicture) {
+    EXPECT_FALSE(optionsOf({"--skin", "x", "--screenshot", "a.png"}).outlines);
+    EXPECT_TRUE(optionsOf({"--skin", "x", "--screenshot", "a.png", "--outlines"}).outlines);
+    EXPECT_EQ(errorOf({"--outlines", "--screenshot", "a.png"}),
+              "--outlines: choose the skin with --skin");
+    EXPECT_EQ(errorOf({"--outlines", "--skin", "x"}),
+              "--outlines: choose the picture file with --screenshot");
+}
+
+TEST(WindowOptions, AskForANewSkinAndNothingElse) {
+    EXPECT_EQ(optionsOf({"--new-skin", "my skin"}).newSkin, std::filesystem::current_path() / "my skin");
+    EXPECT_TRUE(optionsOf({}).newSkin.empty());
+    for (const std::vector<const char*>& also : {std::vector<const char*>{"--skin", "x"},
+                                                 {"--skin", "x", "--check"},
+                                                 {"--screenshot", "a.png"},
+                                                 {"--library", "x.so"},
+                                                 {"--program", "1"},
+                                                 {"--set", "a=1"}}) {
+        std::vector<const char*> arguments = {"--new-skin", "y"};
+        arguments.insert(arguments.end(), also.begin(), also.end());
+        EXPECT_EQ(errorOf(arguments), "--new-skin opens no window and goes with nothing else");
+    }
+}
+
 TEST(WindowOptions, ThatMeanNothingAreRefused) {
     EXPECT_EQ(errorOf({"--screenshot", "a.jpg"}),
               "a.jpg: the picture is a PNG, so its name should end in .png");
@@ -78,7 +102,7 @@ TEST(WindowOptions, AreExplained) {
     const auto parsed = parse({"--help"});
     const std::string help = std::get<HelpText>(parsed).text;
     for (const char* option : {"--skin NAME|FOLDER", "--watch", "--check", "--program", "--set", "--library",
-                               "--screenshot FILE.png", "--version"})
+                               "--screenshot FILE.png", "--outlines", "--new-skin FOLDER", "--version"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
     EXPECT_TRUE(std::get<HelpText>(parse({"--version"})).text.starts_with("quillon-window "));
 }
