@@ -79,7 +79,7 @@ void copyRows(const Picture& picture, const Gdiplus::BitmapData& sheet) {
     }
 }
 
-/// `sheet` has the picture's size.
+/// `sheet` must have the picture's size.
 void copyInto(Gdiplus::Bitmap& sheet, const Picture& picture) {
     const Gdiplus::Rect whole(0, 0, picture.width, picture.height);
     Gdiplus::BitmapData rows;

@@ -151,7 +151,7 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     std::unique_ptr<ShownEditor> shown;
 };
 
-/// The objects of a delivered skin as they stand in its file, without the constants that place them.
+/// The objects of a delivered skin, as text from its file, without the constants.
 std::string objectsOf(const std::string& skin) {
     std::ifstream file(std::string(QUILLON_SOURCE) + "/skins/" + skin + "/skin.xml");
     const std::string text{std::istreambuf_iterator<char>(file), {}};

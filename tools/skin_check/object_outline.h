@@ -1,4 +1,4 @@
-// Where an object of a skin stands.
+// The position of an object of a skin.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@
 
 namespace tools::window {
 
-/// What a person does with an object: move it, read it, or neither.
+/// Whether the user moves an object, reads it, or neither.
 enum class ObjectRole { control, text, other };
 
 struct ObjectOutline {
-    std::string kind; ///< as the skin writes it
+    std::string kind; ///< as written in the skin
     ObjectRole role;
     std::optional<std::int32_t> id;  ///< if it has one
     double left, top, right, bottom; ///< in pixels of the window

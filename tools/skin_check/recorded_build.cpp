@@ -184,7 +184,7 @@ class RecordingEditor final : public editor::myEditor {
         }
     }
 
-    /// Of the control that the object has become, the first of those added since there were `countBefore`.
+    /// Records the first control that the object added; before it there were `countBefore`.
     void noteOutline(const SourceElement& source, std::size_t countBefore) {
         const auto all = controls();
         if (all.size() <= countBefore)

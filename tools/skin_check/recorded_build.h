@@ -1,4 +1,4 @@
-// Builds a skin with the plug-in's own editor and records the messages and the places of what it makes.
+// Builds a skin with the plug-in's own editor and records the messages and the positions of the objects.
 #pragma once
 
 #include "tools/skin_check/object_outline.h"
@@ -11,7 +11,7 @@ namespace tools::window {
 
 struct RecordedBuild {
     std::vector<Finding> findings;
-    std::vector<ObjectOutline> outlines; ///< from the lowest object to the highest
+    std::vector<ObjectOutline> outlines; ///< in drawing order, the bottom one first
 };
 
 /// Builds the skin in `folder`, whose text has been read to `root`, an element <GUI>, in a window that is

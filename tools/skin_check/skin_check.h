@@ -28,8 +28,8 @@ class SkinText {
     /// findings(), and what the building of this text shows, with the pictures in `folder`. As of
     /// checkSkin().
     std::vector<Finding> findingsBuiltIn(const std::filesystem::path& folder) const;
-    /// Where its objects stand, from the lowest to the highest, with the pictures in `folder`; nothing if
-    /// there is an obstacle. As of checkSkin().
+    /// The positions of its objects with the pictures in `folder`, the bottom one first; empty if there is an
+    /// obstacle. As of checkSkin().
     std::vector<ObjectOutline> outlinesBuiltIn(const std::filesystem::path& folder) const;
 
   private:

@@ -28,7 +28,7 @@ constexpr Colour kLine = {0.72, 0.72, 0.70}, kAccent = {0.80, 0.22, 0.13}, kMidd
 constexpr const char* kInkText = "1A1F26";
 constexpr const char* kWhiteText = "FFFFFF";
 
-// Pixels. The cells of the controls have the same places in skin.xml and in background.png.
+// In pixels. skin.xml and background.png use the same positions.
 constexpr int kWidth = 680, kHeight = 484;
 constexpr int kTitleHeight = 34, kFootTop = 460;
 constexpr int kViewLeft = 12, kViewTop = 44, kViewWidth = 704, kViewSeen = 656, kViewHeight = 213;
@@ -40,7 +40,7 @@ constexpr int kSwitchWidth = 132, kSwitchHeight = 24, kSwitchLeft = 6, kSwitchTo
 constexpr int kMenuLeft = 580, kMenuTop = 6, kMenuWidth = 88, kMenuHeight = 22;
 constexpr int kAboutWidth = 400, kAboutHeight = 260;
 
-/// A parameter's name among the constants, and what stands above its control.
+/// A parameter: its constant in skin.xml, the label above its control, and its place in the grid.
 struct Cell {
     const char* name;
     const char* label;
@@ -91,7 +91,8 @@ std::string constants() {
            "\n</CONSTANTS>\n";
 }
 
-/// The area is 1.54 times as wide as its picture, and as high as half the window and half the picture.
+/// An area 1.54 times as wide as the picture centres the credits; its height, half of the window's plus half
+/// of the picture's, puts them at the bottom of the picture.
 std::string aboutObject() {
     return "<about" + placeTags(0, 0, kAboutWidth * 154 / 100, (kHeight + kAboutHeight) / 2) +
            tag("bitmap_pop", "about.png") + "/>\n";
@@ -125,8 +126,8 @@ void frame(Canvas& canvas, const Area& area, Colour line, Colour inside) {
     canvas.fill({area.left + 1.0, area.top + 1.0, area.right - 1.0, area.bottom - 1.0}, inside);
 }
 
-/// A light plate with what the effect's own colours need: a dark plaque behind the one yellow line of the
-/// help, its first 16 pixels of a middle tone, and a dark ground for the bars below all lettering.
+/// The background of the echoes: light behind the texts, dark below them for the bars. The yellow line of the
+/// help gets a dark plaque, with 16 pixels in a medium tone to the left, where a blue line overlaps it.
 void drawPlate(Canvas& canvas) {
     const double left = kViewLeft, top = kViewTop, right = left + kViewSeen, bottom = top + kViewHeight;
     frame(canvas, {left - 1.0, top - 1.0, right + 1.0, bottom + 1.0}, kInk, kWhite);
@@ -158,7 +159,7 @@ Canvas background() {
     return canvas;
 }
 
-/// The positions of the knob, one below the other; an odd number of them has one that points straight up.
+/// The frames of the knob, one below the other. Their number is odd, so that one points straight up.
 Canvas knobStrip() {
     Canvas canvas(kKnob, kKnob * kFrames, kWhite);
     for (int position = 0; position < kFrames; ++position) {
@@ -189,7 +190,7 @@ Canvas switchStates() {
     return canvas;
 }
 
-/// Its lower part belongs to the lines that the effect writes in white.
+/// Its lower part is free for the credits, which the effect writes in white.
 Canvas about() {
     Canvas canvas(kAboutWidth, kAboutHeight, kInk);
     canvas.text("My skin", {kAboutWidth / 2.0, 60.0},
@@ -206,11 +207,11 @@ void fillFolder(const files::path& folder) {
     write(knobStrip(), folder / "knob.png");
     write(switchStates(), folder / "movement.png");
     write(about(), folder / "about.png");
-    // Last: a folder with this file is a skin.
+    // Written last, because a folder with this file counts as a skin.
     const std::string text = skinText();
     const auto file = platform::textOfPath(folder / "skin.xml");
     if (!file)
-        throw ToolError(folder.string() + " has letters that a plug-in cannot name");
+        throw ToolError(folder.string() + " has letters that plug-ins cannot use");
     if (!platform::writeWholeFile(*file, text.data(), text.size()))
         throw ToolError(*file + " cannot be written");
 }
@@ -220,9 +221,9 @@ void fillFolder(const files::path& folder) {
 void makeSkin(const files::path& folder) {
     std::error_code error;
     if (files::exists(files::symlink_status(folder, error)))
-        throw ToolError(folder.string() + " is there already; give a new name");
+        throw ToolError(folder.string() + " already exists; choose another name");
     if (!files::create_directory(folder, error))
-        throw ToolError(folder.string() + " cannot be made: " + error.message());
+        throw ToolError(folder.string() + " cannot be created: " + error.message());
     try {
         fillFolder(folder);
     } catch (...) {

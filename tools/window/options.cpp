@@ -88,7 +88,7 @@ void checkCombination(const Words& words) {
                                 !words.library.empty() || !words.screenshot.empty() ||
                                 !words.program.empty() || !words.settings.empty();
     if (!words.newSkin.empty() && isAboutAWindow)
-        throw ToolError("--new-skin opens no window and goes with nothing else");
+        throw ToolError("--new-skin opens no window; use it without other options");
     if (words.check && words.skin.empty())
         throw ToolError("--check: choose the skin with --skin");
     if (words.watch && words.skin.empty())

@@ -33,7 +33,7 @@ Colour colourOf(ObjectRole role) {
     return kOtherColour;
 }
 
-/// The edge pixels of the area, those of it that the picture has.
+/// The outermost pixels of the area, as far as they are inside the picture.
 void drawFrame(Canvas& canvas, const Area& area, Colour colour) {
     canvas.fill({area.left, area.top, area.right, area.top + 1.0}, colour);
     canvas.fill({area.left, area.bottom - 1.0, area.right, area.bottom}, colour);

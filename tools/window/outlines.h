@@ -1,4 +1,4 @@
-// The places, kinds and ids of a skin's objects, drawn over a picture of its window.
+// The positions, kinds and ids of a skin's objects, drawn over a picture of its window.
 #pragma once
 
 #include "desk/picture.h"
@@ -9,7 +9,7 @@
 
 namespace tools::window {
 
-/// Writes the picture as a PNG with a frame and a label for each object, a later one over those before it.
+/// Writes the picture as a PNG, with a frame and a label for each object. Later objects cover earlier ones.
 /// Throws ToolError naming the file.
 void writeOutlined(const desk::Picture& picture, const std::vector<ObjectOutline>& outlines,
                    const std::filesystem::path& file);

@@ -10,7 +10,7 @@ namespace tools::window {
 
 namespace {
 
-/// `write` puts the PNG into the file that it is given.
+/// `write` takes a path and writes the PNG there.
 template <typename Write>
 void writeWhole(const std::filesystem::path& file, Write write) {
     OutputFile output(file);

@@ -67,8 +67,7 @@ TEST(WindowOptions, ThatDoNotGoTogetherAreRefused) {
 TEST(WindowOptions, AskForOutlinesOfASkinInAPicture) {
     EXPECT_FALSE(optionsOf({"--skin", "x", "--screenshot", "a.png"}).outlines);
     EXPECT_TRUE(optionsOf({"--skin", "x", "--screenshot", "a.png", "--outlines"}).outlines);
-    EXPECT_EQ(errorOf({"--outlines", "--screenshot", "a.png"}),
-              "--outlines: choose the skin with --skin");
+    EXPECT_EQ(errorOf({"--outlines", "--screenshot", "a.png"}), "--outlines: choose the skin with --skin");
     EXPECT_EQ(errorOf({"--outlines", "--skin", "x"}),
               "--outlines: choose the picture file with --screenshot");
 }
@@ -84,7 +83,7 @@ TEST(WindowOptions, AskForANewSkinAndNothingElse) {
                                                  {"--set", "a=1"}}) {
         std::vector<const char*> arguments = {"--new-skin", "y"};
         arguments.insert(arguments.end(), also.begin(), also.end());
-        EXPECT_EQ(errorOf(arguments), "--new-skin opens no window and goes with nothing else");
+        EXPECT_EQ(errorOf(arguments), "--new-skin opens no window; use it without other options");
     }
 }
 

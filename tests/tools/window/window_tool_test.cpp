@@ -284,7 +284,7 @@ TEST_F(WindowTool, DrawsTheEdgesOfObjectsOverThePicture) {
     const std::uint32_t knob = outlined.at(59, 31), text = outlined.at(109, 69);
     EXPECT_NE(knob, plain.at(59, 31));
     EXPECT_NE(text, plain.at(109, 69));
-    EXPECT_NE(knob, text) << "what moves and what is read look alike";
+    EXPECT_NE(knob, text) << "controls and texts have the same colour";
     for (int x = 10; x < 60; ++x)
         EXPECT_EQ(outlined.at(x, 31), knob) << x;
     for (int y = 40; y < 70; ++y)
@@ -310,9 +310,9 @@ TEST_F(WindowTool, WritesTheIdIntoAnOutline) {
     EXPECT_EQ(six, labelled("2*3"));
 }
 
-// A skin to begin with
+// New skins
 
-TEST_F(WindowTool, MakesASkinThatIsWholeAndInOrder) {
+TEST_F(WindowTool, CreatesACompleteSkinWithoutMistakes) {
     const ToolResult made = run({"--new-skin", "Copper"});
     EXPECT_EQ(made.exitCode, 0) << made.err;
     EXPECT_EQ(made.out + made.err, "");
@@ -325,7 +325,7 @@ TEST_F(WindowTool, MakesASkinThatIsWholeAndInOrder) {
     expectNothingIsLeft();
 }
 
-TEST_F(WindowTool, MakesASkinThatShowsEveryParameter) {
+TEST_F(WindowTool, CreatesASkinThatShowsEveryParameter) {
     ASSERT_EQ(run({"--new-skin", "Copper"}).exitCode, 0);
     const Drawing before = picture({"--skin", "./Copper", "--program", "0"});
     for (int id = 0; id < 17; ++id) {
@@ -337,11 +337,11 @@ TEST_F(WindowTool, MakesASkinThatShowsEveryParameter) {
     }
 }
 
-TEST_F(WindowTool, LeavesAFolderThatIsThereAsItIs) {
+TEST_F(WindowTool, DoesNotChangeAnExistingFolder) {
     expectFailure({"--new-skin", "elsewhere/Earth"},
-                  folder.file("elsewhere/Earth") + " is there already; give a new name");
+                  folder.file("elsewhere/Earth") + " already exists; choose another name");
     expectFailure({"--new-skin", "nowhere/Copper"},
-                  folder.file("nowhere/Copper") + " cannot be made: No such file or directory");
+                  folder.file("nowhere/Copper") + " cannot be created: No such file or directory");
     EXPECT_EQ(picture({"--skin", "elsewhere/Earth"}).at(0, 0), brown);
 }
 
@@ -399,7 +399,7 @@ TEST_F(WindowTool, IsSilentAboutASkinInOrder) {
     expectNothingIsLeft();
 }
 
-TEST_F(WindowTool, IsSilentAboutEverySkinThatIsDelivered) {
+TEST_F(WindowTool, FindsNoMistakesInTheDeliveredSkins) {
     int count = 0;
     for (const files::directory_entry& entry : files::directory_iterator(QUILLON_SOURCE "/skins")) {
         if (!files::exists(entry.path() / "skin.xml"))
