@@ -69,7 +69,7 @@ class Canvas:
     """One picture. `cr` is its cairo context, for whatever this layer has no word for."""
 
     def __init__(self, width, height, ground=None, scale=1.0, letters=1.0):
-        """`scale` is how many pixels a unit of the drawing is. `letters` is the share of that which letters grow by."""
+        """`scale` is the size of one drawing unit in pixels. The size of letters is multiplied by `letters` besides."""
         self.width, self.height = round(width * scale), round(height * scale)
         self.scale, self._letters = scale, letters
         form = cairo.FORMAT_RGB24 if ground else cairo.FORMAT_ARGB32
@@ -90,7 +90,7 @@ class Canvas:
 
     @contextlib.contextmanager
     def pixels(self):
-        """While it lasts, a unit of the drawing is a pixel: for what stands where the plug-in itself draws."""
+        """Inside this context, one drawing unit is one pixel. For areas where the plug-in itself draws."""
         scale, letters, self.scale, self._letters = self.scale, self._letters, 1.0, self._letters * self.scale
         self.cr.save()
         self.cr.identity_matrix()

@@ -1,4 +1,4 @@
-"""The skin to fall back on: black, white and one red, set like a poster, drawn with few pictures."""
+"""The fallback skin: black, white and one red, like a poster, with few pictures."""
 
 import cairo
 
@@ -9,7 +9,7 @@ from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP
 FOLDER = "skin"
 
 PAPER, TRACK, INK, GREY, RED = "FFFFFF", "D9D9D5", "111111", "5F5F5F", "D5301A"
-#: The left end of the plaque: the last letters of a dark blue line and the first of the yellow one share it.
+#: The left end of the plaque, where letters of a dark blue line and of the yellow line overlap.
 MIDDLE = "868686"
 
 BUTT = cairo.LINE_CAP_BUTT
@@ -34,7 +34,7 @@ LABELS = {
     "OutputPan": "Echo pan",
     "OutputGain": "Gain",
 }
-#: These change nothing, and say so.
+#: These have no effect; the label says so.
 QUIET = ("InputGain", "OutputGain")
 
 #: Name, constant with the top, first column, number of columns.
@@ -92,7 +92,7 @@ def _background(skin):
     _plate(canvas, skin.place("ViewTaps"), skin.number("ViewSeen"))
     grid, column = skin.number("Grid"), skin.number("Column")
     for words, row, first, count in GROUPS:
-        # Half of the gap between two groups is on each side of the line between their columns.
+        # The gap between two groups is centred on the line between their columns.
         top, left = skin.number(row), grid + column * first + (4 if first else -4)
         right = grid + column * (first + count) + (4 if first else -4)
         canvas.box(left, top, right - left, 3, INK)
@@ -107,7 +107,7 @@ def _background(skin):
 
     hint = skin.place("anydisp")
     canvas.box(0, hint.top - 1, WIDTH, HEIGHT - hint.top + 1, INK)
-    words = "Control-click: take back   Right-click the echoes: help"
+    words = "Ctrl-click: reset   Right-click the echoes: help"
     canvas.text(WIDTH - 12, hint.top + 13, words, 11, PAPER, INK, align=1)
     return canvas
 
@@ -120,7 +120,7 @@ def _caption(canvas, skin, name, top):
 
 
 def _plate(canvas, view, seen):
-    """White where the effect writes, black below, where its palest bars stand out."""
+    """White behind the texts of the effect, black below, so that its palest bars can be seen."""
     right, horizon = view.left + seen, horizon_of(view)
     canvas.box(view.left - 1, view.top - 1, seen + 2, view.height + 2, INK)
     canvas.box(view.left, view.top, seen, horizon - view.top, PAPER)
@@ -135,7 +135,7 @@ def _plate(canvas, view, seen):
 
 
 def _knob(canvas, size, value, rest):
-    """A black disc in a ring that is red from `rest`, where the parameter does nothing, to its value."""
+    """A black disc in a ring that is red from `rest`, the neutral value, to the present value."""
     x = y = size / 2
     canvas.arc(x, y, 18.5, KNOB_START, KNOB_START + KNOB_RANGE, TRACK, 4, cap=BUTT)
     start, end = sorted((knob_angle(rest), knob_angle(value)))
@@ -154,7 +154,7 @@ def _quiet_knob(canvas, size, value):
 
 
 def _movement(canvas, value):
-    """Three fields side by side. Below each name stands what is heard of it."""
+    """Three fields side by side, each with a name and what you hear."""
     width, height = SWITCH_WIDTH, SWITCH_HEIGHT
     field = width / 3
     canvas.box(0, 0, width, height, PAPER)

@@ -10,20 +10,20 @@ ECHO_TEXTS = (
     ("the last line of help", "666666", 89, 100, LEAST_CONTRAST),
     ("the fifth line of the second help page", "FFFF66", 49, 60, 7.0),
 )
-#: The colours that bars can have lie between these. Below the lettering they stand on a ground of their own.
+#: The extremes of the colours of bars. Below the texts they have a background of their own.
 BARS = (("the palest bars", "A6BDFF", 7.0), ("the darkest bars", "276600", 2.4))
-#: Half the width of the yellow line; and of the dark blue one in its rows, the left end and the right end of its words,
-#: counted from the view's middle.
+#: Half the width of the yellow line. The left and right ends of the dark blue line in the same rows, from the view's
+#: middle.
 YELLOW_HALF = 159
 BLUE_LEFT, BLUE_RIGHT = -278, -148
 #: Half the width of the longest line of help.
 HELP_HALF = 288
-#: Where those two overlap, what one gains the other loses: 3.4 each is the best there is.
+#: Where these two overlap, no colour suits both well: 3.4 each is the best possible contrast.
 LEAST_SHARED = 3.2
 
 
 def horizon_of(view):
-    """The first row below all that the effect writes among the echoes."""
+    """The first row below all texts of the effect in the view of the echoes."""
     return view.top + view.height // 3 + 53
 
 
@@ -40,7 +40,7 @@ def require_legible(skin):
     view = skin.place("ViewTaps")
     middle = int(view.middle)
     if middle + HELP_HALF > view.left + skin.number("ViewSeen"):
-        raise SystemExit(f"{skin.folder.name}: the lines of help run out of what is seen of the view")
+        raise SystemExit(f"{skin.folder.name}: the help lines are wider than the visible part of the echoes")
 
     def require_on(words, colour, left, right, first, last, least):
         ground = mean_colour(picture, middle + left, view.top + first, middle + right, view.top + last)

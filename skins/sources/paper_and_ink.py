@@ -18,7 +18,7 @@ PAPER, PAPER_LIGHT, PAPER_DARK = "F3EAD7", "F8F2E4", "E6D9BE"
 INK, FADED, RED = "20242C", "625B4C", "9C2F22"
 NIGHT, CREAM = "1D2733", "F4ECDA"
 SEA = "14161B"
-#: The left end of the plaque: the last letters of a dark blue line and the first of the yellow one share it.
+#: The left end of the plaque, where letters of a dark blue line and of the yellow line overlap.
 WASH = "87857F"
 
 FRAMES = 97
@@ -42,7 +42,7 @@ LABELS = {
     "OutputPan": "echo pan",
     "OutputGain": "gain",
 }
-#: These change nothing, and say so.
+#: These have no effect; the label says so.
 QUIET = ("InputGain", "OutputGain")
 RULES = ("BaseLength", "Taps", "Stretch", "AmpDecay", "Curve")
 ORBITS = ("SweepRate", "SweepDepth")
@@ -218,7 +218,7 @@ def _heading(canvas, pen, menu):
 
 
 def _echo_figure(canvas, view, seen):
-    """A sky of bare paper, where the effect writes, over a sea in ink, where its palest bars stand out."""
+    """A sky of bare paper behind the texts of the effect, over a sea in ink, on which its palest bars can be seen."""
     right, horizon = view.left + seen, horizon_of(view)
     canvas.box(view.left, view.top, seen, view.height, PAPER_LIGHT, alpha=0.85)
     canvas.box(view.left, horizon, seen, view.bottom - horizon, SEA)
@@ -237,7 +237,7 @@ def _echo_figure(canvas, view, seen):
 
 
 def _plaque(canvas, view):
-    """A name plate whose name has worn off; its left end is a wash of thinned ink."""
+    """A blank name plate; its ends are a wash of thinned ink."""
     middle, top = round(view.middle), view.top + PLAQUE_TOP
     left, right = middle - PLAQUE_LEFT, middle + PLAQUE_RIGHT
     canvas.box(left - 16, top, 16, PLAQUE_HEIGHT, WASH)
@@ -260,7 +260,7 @@ def _foot(canvas, pen, place):
     canvas.polygon(((36, y), (50, y - 4.5), (58, y), (50, y + 4.5)), INK)
     canvas.line(42, y, 51, y, PAPER, 1)
     canvas.disc(51.5, y, 1.3, PAPER)
-    words = "Control-click: take back   \N{MIDDLE DOT}   Right-click the echoes: help"
+    words = "Ctrl-click: reset   \N{MIDDLE DOT}   Right-click the echoes: help"
     canvas.text(WIDTH - 36, y + 4, words, 12, INK, PAPER, align=1)
 
 

@@ -14,18 +14,18 @@ PANEL_TOP, PANEL = "323942", "2A3037"
 IVORY, MUTED = "F0EBDF", "AEB6BE"
 AMBER, AMBER_DEEP, AMBER_LIGHT = "F0A93C", "C47F1D", "FFCE7D"
 
-#: The plate behind the echoes: light where the effect writes in grey and in dark blue, down to the horizon, and night
-#: below it, where nothing is written and pale bars stand out.
+#: The plate behind the echoes: light down to the horizon, where the effect writes in grey and dark blue; dark below it,
+#: where there are no texts, so that pale bars can be seen.
 SKY_TOP, SKY, SKY_LOW = "EEEBE3", "F3EBDA", "FBE9CB"
 NIGHT, NIGHT_LINE = "0D1013", "FFFFFF"
-#: The one line of help that is yellow has a dark plaque to itself. Its brass ends are of a middle tone, since the last
-#: letters of a dark blue line reach into the left one.
+#: The yellow line of the help has a dark plaque behind it. Its brass ends have a medium tone, because the last letters
+#: of a dark blue line reach into the left one.
 PLAQUE, BRASS, BRASS_LIGHT = "15191D", "AB8044", "C79C5C"
 
 #: An odd number, so that one frame points straight up.
 FRAMES = 129
 
-#: The words above each control, and the unit of its value.
+#: The label above each control, and the unit of its value.
 LABELS = {
     "BaseLength": ("Base length", "ms"),
     "Taps": ("Echoes", None),
@@ -45,7 +45,7 @@ LABELS = {
     "OutputPan": ("Echo pan", None),
     "OutputGain": ("Output gain", None),
 }
-#: These change nothing, and say so.
+#: These have no effect; the label says so.
 QUIET = ("InputGain", "OutputGain")
 
 GROUPS = {
@@ -59,14 +59,14 @@ WIDTH, HEIGHT = 940, 604
 SWITCH_WIDTH, SWITCH_HEIGHT = 186, 44
 FADER_WIDTH, FADER_HEIGHT = 22, 38
 MENU_WIDTH, MENU_HEIGHT = 94, 26
-#: The ways of the switch, and what is heard of each.
+#: The positions of the switch, and what you hear in each.
 WAYS = (("Jump", "no bend"), ("Glide", "soft bend"), ("Fine", "clear bend"))
 PICTURES = {"hswitch": (SWITCH_WIDTH, SWITCH_HEIGHT), "slider": (FADER_WIDTH, FADER_HEIGHT)}
 
 
 def draw(skin, letters=1.0):
-    """Saves every picture of the skin beside its skin.xml. Where that has a larger scale, letters grow by `letters` of
-    it only, since those of the effect itself do not grow."""
+    """Saves every picture of the skin beside its skin.xml. Letters are scaled by the skin's scale times `letters`, since
+    the texts that the effect writes are not scaled."""
     folder, drawing = skin.folder, Drawing(skin)
     sizes = {"scale": drawing.scale, "letters": letters}
     _background(drawing, sizes).save(folder / "background.png")
@@ -130,8 +130,8 @@ def _emblem(canvas, x, y, scale):
 
 
 def draw_plate(canvas, view, seen, levels):
-    """The plate behind the echoes, in pixels. `view` is wider than the `seen` part of it, so that the bars, whose gaps
-    grow with its width, fill the plate. `levels` is whether a scale stands on its left."""
+    """The plate behind the echoes, in pixels. `seen` is the visible width of `view`. The view is wider, so that the bars,
+    whose gaps grow with its width, fill the plate. `levels` adds a scale on the left."""
     plate = Rect(view.left - 6, view.top - 4, view.left + seen + 2, view.bottom + 4)
     frame = plate.grown(2)
     canvas.shadow(frame.left, frame.top, frame.width, frame.height, 7, size=6, alpha=0.35)
@@ -166,7 +166,7 @@ def draw_plate(canvas, view, seen, levels):
             canvas.text(frame.left - 3, y + 4, words, 11, MUTED, GROUND_TOP, align=1)
 
 
-#: How loud an echo is whose bar takes this share of the height.
+#: Labels of the scale: the level of an echo whose bar has this share of the height.
 LEVELS = (
     ("0 dB", 1.0),
     ("\N{MINUS SIGN}6", 0.5012),
@@ -176,7 +176,7 @@ LEVELS = (
 
 
 def _level_lines(canvas, view, plate, horizon):
-    """Right across the night; above it they end before the numbers that stand behind the last bar."""
+    """Across the whole dark area; above it, short ones that end before the numbers beside the last bar."""
     for _, share in LEVELS[1:]:
         y = round(view.bottom - view.height * share) + 0.5
         if y > horizon:
@@ -186,8 +186,8 @@ def _level_lines(canvas, view, plate, horizon):
             canvas.line(plate.left, y, end, y, fade(end - 110, 0, end, 0, (0, "8C8370", 0.8), (1, "8C8370", 0)))
 
 
-#: The plaque's first row and its height; how far its dark part reaches to the left and to the right of the view's
-#: middle; how wide its brass ends are.
+#: The plaque: first row, height, extent of the dark part to the left and right of the view's middle, width of each
+#: brass end.
 PLAQUE_TOP, PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, BRASS_END = 49, 12, 147, 160, 16
 
 
@@ -260,7 +260,7 @@ def _mix_track(canvas, skin):
 
 
 def _movement_note(canvas, skin):
-    """Sweep rate and depth do nothing in the first way of the switch."""
+    """Sweep rate and depth have no effect in the first position of the switch."""
     place = skin.control_rect("Movement", PICTURES)
     base = skin.number("RowOne") + skin.number("ValueTop") + skin.number("ValueHeight") / 2 + 4
     canvas.text(place.middle, base, "Glide and Fine can sweep", 11, MUTED, PANEL)
@@ -272,7 +272,7 @@ def _hint_line(canvas, place):
     canvas.box(0, place.top - 1, WIDTH, 1, "FFFFFF", alpha=0.04)
     y = place.top + place.height / 2
     canvas.ring(place.left - 11, y, 3.2, MUTED, 1.4)
-    words = "Control-click: take back   \N{MIDDLE DOT}   Right-click the echoes: help"
+    words = "Ctrl-click: reset   \N{MIDDLE DOT}   Right-click the echoes: help"
     canvas.text(WIDTH - 18, y + 4, words, 11, MUTED, BAR, align=1)
 
 
@@ -321,7 +321,7 @@ def _trim(canvas, size, value):
 
 
 def _movement(canvas, value):
-    """Three fields side by side, the chosen one raised and lit. Below each name stands what is heard of it."""
+    """Three fields side by side, each with a name and what you hear; the chosen one is raised and lit."""
     width, height = SWITCH_WIDTH, SWITCH_HEIGHT
     canvas.box(0, 0, width, height, "14171B", radius=6)
     canvas.frame(0, 0, width, height, fade(0, 0, 0, height, (0, "000000", 0.5), (1, "FFFFFF", 0.12)), radius=6)
@@ -358,7 +358,7 @@ def _fader(sizes):
 
 
 def draw_menu(opened, width, height, sizes=None):
-    """The button of the menu of skins."""
+    """The button of the skin menu."""
     canvas = Canvas(width, height, **(sizes or {}))
     top, bottom = ("454D56", "4E5761") if opened else ("3C444D", "2F363D")
     canvas.box(0, 0, width, height, "0E1114", radius=6)
@@ -371,16 +371,16 @@ def draw_menu(opened, width, height, sizes=None):
     return canvas
 
 
-# The box that a click on the empty ground opens. Its lower part belongs to the lines that the plug-in prints.
+# The about box, which a click on the background opens. Its lower part is free for the credits of the plug-in.
 
 
 ABOUT_WIDTH, ABOUT_HEIGHT = 610, 512
-#: What the printed lines and the margin below them take, in pixels.
+#: Height of the credits and of the margin below them, in pixels.
 CREDITS = 165
 
 
 def draw_about(width, height, size, sizes=None):
-    """The name in letters of `size` below a pattern of echoes."""
+    """The name, in letters of `size`, below a pattern of echoes."""
     canvas = Canvas(width, height, GROUND_DEEP, **(sizes or {}))
     canvas.box(0, 0, width, height, fade(0, 0, 0, height, (0, "2C333B"), (0.68, "20252B"), (1, "171A1E")))
     light = (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)

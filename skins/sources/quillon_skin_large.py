@@ -1,6 +1,6 @@
-"""The face of the plug-in for dense screens: all that Quillon Skin is, half as large again.
+"""Quillon Skin at one and a half times the size, for high-resolution screens.
 
-The letters that the effect writes keep their size, so the drawn ones grow by less than everything else.
+The texts that the effect writes keep their size, so the drawn letters grow less than everything else.
 """
 
 import re
@@ -9,18 +9,18 @@ import quillon_skin
 
 FOLDER = "Quillon Skin Large"
 SCALE = 1.5
-#: The share of the scale by which letters grow: 12 pixels become 14.4.
+#: Letters grow by the scale times this: 12 pixels become 14.4.
 LETTERS = 0.8
 
-#: Constants that are not those of Quillon Skin times the scale: what depends on letters of 12 pixels.
+#: Constants that are not scaled like the others, because they depend on the 12-pixel texts of the effect.
 OWN = {"ValueTop": 168, "ValueHeight": 18}
 
 
 def write_skin_file(skins):
-    """Makes skin.xml from that of Quillon Skin: the same objects, with other constants."""
+    """Makes skin.xml from that of Quillon Skin: the same objects, with scaled constants."""
     text = (skins / quillon_skin.FOLDER / "skin.xml").read_text(encoding="utf-8")
     blocks = list(re.finditer(r"<CONSTANTS>.*?</CONSTANTS>", text, re.DOTALL))
-    # The first names the parameters, the second holds places and sizes.
+    # The first block names the parameters; the second has the positions and sizes.
     _, places = blocks
     scaled = re.sub(r"(\w+) = (-?[0-9.]+)", _scaled, places[0])
     folder = skins / FOLDER

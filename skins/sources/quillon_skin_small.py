@@ -1,4 +1,4 @@
-"""The face of the plug-in for a crowded screen: the echoes, one large knob for the mix, the rest small."""
+"""Quillon Skin for small screens: the echoes, one large knob for the mix, small ones for the rest."""
 
 from canvas import KNOB_RANGE, KNOB_START, Canvas, fade, film_strip, knob_angle
 from quillon_skin import (
@@ -37,7 +37,7 @@ LABELS = {
     "SweepDepth": "Depth",
     "Movement": "How echoes move",
 }
-#: These change nothing, and say so. They share one cell.
+#: These have no effect; the label says so. They share one cell.
 QUIET = ("InputGain", "OutputGain")
 
 ROWS = {
@@ -51,7 +51,7 @@ WAYS = (("Jump", "no bend"), ("Glide", "soft"), ("Fine", "clear"))
 MENU_WIDTH, MENU_HEIGHT = 76, 20
 PICTURES = {"hswitch": (SWITCH_WIDTH, SWITCH_HEIGHT)}
 
-#: The knob of the large face is drawn in a square of this side.
+#: Side of the square in which the knob of Quillon Skin is drawn.
 KNOB_SIDE = 60
 
 
@@ -114,7 +114,7 @@ def _foot(canvas, place):
 
 
 def _knob(canvas, size, value, rest):
-    """The large knob's arc and cap, without its rim: it would be too fine."""
+    """The arc and cap of the large knob. Its rim is left out: it would be too thin at this size."""
     x = y = size / 2
     canvas.arc(x, y, 15.5, KNOB_START, KNOB_START + KNOB_RANGE, "14171B", 4.0)
     canvas.arc(x, y, 15.5, KNOB_START, KNOB_START + KNOB_RANGE, "454D56", 2.0, alpha=0.85)

@@ -23,7 +23,7 @@ _CONTROLS = ("knob", "slider", "vswitch", "hswitch", "onoff")
 
 @dataclass(frozen=True)
 class Rect:
-    """A rectangle in pixels of the window, or in the units of a drawing."""
+    """A rectangle in pixels of the window, or in drawing units."""
 
     left: float
     top: float
@@ -135,15 +135,14 @@ class SkinFile:
 
 
 class Drawing:
-    """A skin measured in the units that its pictures are drawn in: `Scale` of its constants is how many pixels of the
-    window one of them is."""
+    """A skin in drawing units. Its constant `Scale` is the size of one unit in pixels of the window."""
 
     def __init__(self, skin):
         self.skin = skin
         self.scale = skin.number("Scale")
 
     def number(self, name):
-        """A constant that is a length or a place."""
+        """A constant that is a length or a position."""
         return self.skin.number(name) / self.scale
 
     def place(self, kind):
@@ -153,7 +152,7 @@ class Drawing:
         return self._shrunk(self.skin.value(name))
 
     def control_rect(self, name, pictures):
-        """As that of the skin, and the sizes of pictures are in units of the drawing too."""
+        """As SkinFile.control_rect(), with the sizes of `pictures` in drawing units."""
         real = {kind: (width * self.scale, height * self.scale) for kind, (width, height) in pictures.items()}
         return self._shrunk(self.skin.control_rect(name, real))
 
