@@ -77,7 +77,8 @@ void addOtherOptions(CLI::App& app, Words& words) {
     app.add_option("--screenshot", words.screenshot, "Save a picture of the window, then exit")
         ->type_name("FILE.png")
         ->group(group);
-    app.add_flag("--outlines", words.outlines, "Draw the place, kind and id of each object over the picture")
+    app.add_flag("--outlines", words.outlines,
+                 "Draw the position, kind and id of each object over the picture")
         ->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
