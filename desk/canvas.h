@@ -42,6 +42,8 @@ class Canvas {
   public:
     /// Throws std::runtime_error if there is no memory for a sheet of this size, or no typeface.
     Canvas(int width, int height, Colour paper);
+    /// A copy of the picture to draw on. Throws the same.
+    explicit Canvas(const Picture& picture);
     ~Canvas();
     Canvas(Canvas&&) noexcept;
 

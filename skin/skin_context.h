@@ -28,7 +28,7 @@ constexpr std::size_t kPathSize = FILENAME_MAX;
 constexpr std::size_t kNameSize = 260;
 
 /// What the pictures of one window may keep on the display, in bytes. The delivered skins keep less than
-/// 10 MB; beyond the limit pictures are drawn from this process's memory, which is slower.
+/// 20 MB; beyond the limit pictures are drawn from this process's memory, which is slower.
 constexpr std::size_t kMostDisplayMemory = std::size_t{64} << 20;
 
 /// The name of a skin's folder.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <numbers>
 #include <stdexcept>
+#include <utility>
 
 namespace desk {
 
@@ -44,9 +45,8 @@ Surface surfaceOf(const Picture& picture) {
 
 class Canvas::System {
   public:
-    System(int width, int height)
-        : surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)),
-          owner(cairo_create(surface.get())), context(owner.get()) {
+    explicit System(Surface sheet)
+        : surface(std::move(sheet)), owner(cairo_create(surface.get())), context(owner.get()) {
         const cairo_status_t status = cairo_status(context);
         if (status != CAIRO_STATUS_SUCCESS)
             throw std::runtime_error(cairo_status_to_string(status));
@@ -66,10 +66,14 @@ class Canvas::System {
     cairo_t* context;
 };
 
-Canvas::Canvas(int width, int height, Colour paper) : system_(std::make_unique<System>(width, height)) {
+Canvas::Canvas(int width, int height, Colour paper)
+    : system_(
+          std::make_unique<System>(Surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)))) {
     system_->use(paper);
     cairo_paint(system_->context);
 }
+
+Canvas::Canvas(const Picture& picture) : system_(std::make_unique<System>(surfaceOf(picture))) {}
 
 Canvas::~Canvas() = default;
 Canvas::Canvas(Canvas&&) noexcept = default;

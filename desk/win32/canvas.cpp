@@ -79,6 +79,15 @@ void copyRows(const Picture& picture, const Gdiplus::BitmapData& sheet) {
     }
 }
 
+/// `sheet` must have the picture's size.
+void copyInto(Gdiplus::Bitmap& sheet, const Picture& picture) {
+    const Gdiplus::Rect whole(0, 0, picture.width, picture.height);
+    Gdiplus::BitmapData rows;
+    demand(sheet.LockBits(&whole, Gdiplus::ImageLockModeWrite, PixelFormat32bppRGB, &rows));
+    copyRows(picture, rows);
+    demand(sheet.UnlockBits(&rows));
+}
+
 std::unique_ptr<Gdiplus::FontFamily> findTypeface() {
     for (const wchar_t* name : kTypefaces)
         if (auto family = std::make_unique<Gdiplus::FontFamily>(name); family->IsAvailable())
@@ -140,6 +149,12 @@ Canvas::Canvas(int width, int height, Colour paper) {
     startDrawing();
     system_ = std::make_unique<System>(width, height);
     system_->pen.Clear(coloured(paper));
+}
+
+Canvas::Canvas(const Picture& picture) {
+    startDrawing();
+    system_ = std::make_unique<System>(picture.width, picture.height);
+    copyInto(system_->sheet, picture);
 }
 
 Canvas::~Canvas() = default;
@@ -209,11 +224,7 @@ void writePng(const Picture& picture, const std::filesystem::path& file) {
     startDrawing();
     Gdiplus::Bitmap sheet(picture.width, picture.height, PixelFormat32bppRGB);
     demand(sheet.GetLastStatus());
-    const Gdiplus::Rect whole(0, 0, picture.width, picture.height);
-    Gdiplus::BitmapData rows;
-    demand(sheet.LockBits(&whole, Gdiplus::ImageLockModeWrite, PixelFormat32bppRGB, &rows));
-    copyRows(picture, rows);
-    demand(sheet.UnlockBits(&rows));
+    copyInto(sheet, picture);
     demand(sheet.Save(file.c_str(), &kPngEncoder, nullptr));
 }
 

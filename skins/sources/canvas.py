@@ -3,6 +3,7 @@
 Everything is drawn from numbers, so the same sources and fonts give the same pictures, byte for byte.
 """
 
+import contextlib
 import math
 import random
 import subprocess
@@ -67,10 +68,14 @@ def mean_colour(picture, left, top, right, bottom):
 class Canvas:
     """One picture. `cr` is its cairo context, for whatever this layer has no word for."""
 
-    def __init__(self, width, height, ground=None):
-        self.width, self.height = width, height
-        self._surface = cairo.ImageSurface(cairo.FORMAT_RGB24 if ground else cairo.FORMAT_ARGB32, width, height)
+    def __init__(self, width, height, ground=None, scale=1.0, letters=1.0):
+        """`scale` is the size of one drawing unit in pixels. The size of letters is multiplied by `letters` besides."""
+        self.width, self.height = round(width * scale), round(height * scale)
+        self.scale, self._letters = scale, letters
+        form = cairo.FORMAT_RGB24 if ground else cairo.FORMAT_ARGB32
+        self._surface = cairo.ImageSurface(form, self.width, self.height)
         self.cr = cairo.Context(self._surface)
+        self.cr.scale(scale, scale)
         options = cairo.FontOptions()
         options.set_antialias(cairo.ANTIALIAS_GRAY)
         options.set_hint_style(cairo.HINT_STYLE_SLIGHT)
@@ -82,6 +87,16 @@ class Canvas:
 
     def save(self, path):
         self._surface.write_to_png(str(path))
+
+    @contextlib.contextmanager
+    def pixels(self):
+        """Inside this context, one drawing unit is one pixel. For areas where the plug-in itself draws."""
+        scale, letters, self.scale, self._letters = self.scale, self._letters, 1.0, self._letters * self.scale
+        self.cr.save()
+        self.cr.identity_matrix()
+        yield
+        self.cr.restore()
+        self.scale, self._letters = scale, letters
 
     # Shapes. Each leaves no path behind.
 
@@ -183,7 +198,7 @@ class Canvas:
     def text(self, x, y, words, size, colour, on, align=0.5, family=SANS, bold=False, italic=False, spacing=0.0):
         """Words with their base line at y, and x at `align` of their width. `on` is the colour that they
         stand on: text too small or too faint to be read is refused. Gives the width."""
-        if size < SMALLEST_TEXT:
+        if size * self._letters * self.scale < SMALLEST_TEXT - 0.01:
             raise ValueError(f"{words!r} is smaller than {SMALLEST_TEXT} pixels")
         if contrast(colour, on) < LEAST_CONTRAST:
             raise ValueError(f"{words!r} in {colour} on {on} has a contrast of {contrast(colour, on):.2f} only")
@@ -194,8 +209,8 @@ class Canvas:
     ):
         """Words as ornament: nobody has to read them."""
         cr = self.cr
-        self._font(size, family, bold, italic)
         width = self.text_width(words, size, family, bold, italic, spacing)
+        spacing *= self._letters
         self._use(colour, alpha)
         x -= width * align
         if not spacing:
@@ -212,12 +227,13 @@ class Canvas:
         self._font(size, family, bold, italic)
         if not spacing:
             return self.cr.text_extents(words).x_advance
-        return sum(self.cr.text_extents(letter).x_advance for letter in words) + spacing * (len(words) - 1)
+        advances = sum(self.cr.text_extents(letter).x_advance for letter in words)
+        return advances + spacing * self._letters * (len(words) - 1)
 
     def _font(self, size, family, bold, italic):
         slant = cairo.FONT_SLANT_ITALIC if italic else cairo.FONT_SLANT_NORMAL
         self.cr.select_font_face(family, slant, cairo.FONT_WEIGHT_BOLD if bold else cairo.FONT_WEIGHT_NORMAL)
-        self.cr.set_font_size(size)
+        self.cr.set_font_size(size * self._letters)
 
     def _use(self, paint, alpha):
         if isinstance(paint, str):
@@ -248,9 +264,9 @@ def knob_angle(value):
     return KNOB_START + KNOB_RANGE * value
 
 
-def film_strip(path, width, height, frames, draw):
+def film_strip(path, width, height, frames, draw, scale=1.0, letters=1.0):
     """Saves `frames` pictures one below the other; draw(canvas, value) draws one, the value going from 0 to 1."""
-    strip = Canvas(width, height * frames)
+    strip = Canvas(width, height * frames, scale=scale, letters=letters)
     for frame in range(frames):
         strip.cr.save()
         strip.cr.rectangle(0, frame * height, width, height)

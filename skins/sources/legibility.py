@@ -8,10 +8,23 @@ ECHO_TEXTS = (
     ("the first lines of help", "2D2D66", 0, 47, LEAST_CONTRAST),
     ("the next lines of help", "2D2D66", 62, 87, LEAST_CONTRAST),
     ("the last line of help", "666666", 89, 100, LEAST_CONTRAST),
-    # These two share their rows, so what one gains the other loses: 3.4 each is the best there is.
-    ("the fifth line of the first help page", "2D2D66", 49, 60, 3.2),
-    ("the fifth line of the second help page", "FFFF66", 49, 60, 3.2),
+    ("the fifth line of the second help page", "FFFF66", 49, 60, 7.0),
 )
+#: The extremes of the colours of bars. Below the texts they have a background of their own.
+BARS = (("the palest bars", "A6BDFF", 7.0), ("the darkest bars", "276600", 2.4))
+#: Half the width of the yellow line. The left and right ends of the dark blue line in the same rows, from the view's
+#: middle.
+YELLOW_HALF = 159
+BLUE_LEFT, BLUE_RIGHT = -278, -148
+#: Half the width of the longest line of help.
+HELP_HALF = 288
+#: Where these two overlap, no colour suits both well: 3.4 each is the best possible contrast.
+LEAST_SHARED = 3.2
+
+
+def horizon_of(view):
+    """The first row below all texts of the effect in the view of the echoes."""
+    return view.top + view.height // 3 + 53
 
 
 def require_legible(skin):
@@ -25,11 +38,23 @@ def require_legible(skin):
             words = f"the {kind} at {place.left}, {place.top}"
             _require(skin, words, node.attrib["fontcolor"], ground, LEAST_CONTRAST)
     view = skin.place("ViewTaps")
-    # The yellow line is some 320 pixels wide, in the middle.
-    left, right = int(view.middle) - 160, int(view.middle) + 160
-    for words, colour, first, last, least in ECHO_TEXTS:
-        ground = mean_colour(picture, left, view.top + first, right, view.top + last)
+    middle = int(view.middle)
+    if middle + HELP_HALF > view.left + skin.number("ViewSeen"):
+        raise SystemExit(f"{skin.folder.name}: the help lines are wider than the visible part of the echoes")
+
+    def require_on(words, colour, left, right, first, last, least):
+        ground = mean_colour(picture, middle + left, view.top + first, middle + right, view.top + last)
         _require(skin, words, colour, ground, least)
+
+    low = horizon_of(view) - view.top
+    for words, colour, least in BARS:
+        require_on(words, colour, -view.width // 2, YELLOW_HALF, low, view.height, least)
+    for words, colour, first, last, least in ECHO_TEXTS:
+        require_on(words, colour, BLUE_RIGHT + 4, YELLOW_HALF, first, last, least)
+    words = "the fifth line of the first help page"
+    require_on(words, "2D2D66", BLUE_LEFT, -YELLOW_HALF - 4, 49, 60, LEAST_CONTRAST)
+    for words, colour in ((words, "2D2D66"), ("the fifth line of the second help page", "FFFF66")):
+        require_on(words, colour, -YELLOW_HALF, BLUE_RIGHT, 50, 61, LEAST_SHARED)
 
 
 def _require(skin, words, colour, ground, least):

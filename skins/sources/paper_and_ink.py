@@ -9,14 +9,17 @@ import random
 import cairo
 
 from canvas import SERIF, Canvas, fade, film_strip, glow, knob_angle
+from legibility import horizon_of
+from quillon_skin import PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, PLAQUE_TOP
 
 FOLDER = "Paper and Ink"
 
 PAPER, PAPER_LIGHT, PAPER_DARK = "F3EAD7", "F8F2E4", "E6D9BE"
 INK, FADED, RED = "20242C", "625B4C", "9C2F22"
 NIGHT, CREAM = "1D2733", "F4ECDA"
-#: A wash of thinned ink under the rows that the help pages write on in dark blue and in yellow.
-WASH, WASH_TOP, WASH_HEIGHT = "87857F", 48, 14
+SEA = "14161B"
+#: The left end of the plaque, where letters of a dark blue line and of the yellow line overlap.
+WASH = "87857F"
 
 FRAMES = 97
 
@@ -32,30 +35,32 @@ LABELS = {
     "LowPass": "high cut, Hz",
     "HighPass": "low cut, Hz",
     "InputPan": "input pan",
-    "InputGain": "gain, dB",
+    "InputGain": "gain",
     "Feedback": "feedback",
     "Stereo": "stereo",
     "DryWet": "dry / wet",
     "OutputPan": "echo pan",
-    "OutputGain": "gain, dB",
+    "OutputGain": "gain",
 }
+#: These have no effect; the label says so.
 QUIET = ("InputGain", "OutputGain")
 RULES = ("BaseLength", "Taps", "Stretch", "AmpDecay", "Curve")
 ORBITS = ("SweepRate", "SweepDepth")
 DIALS = ("LowPass", "HighPass", "InputPan", "InputGain", "Feedback", "Stereo", "OutputPan", "OutputGain")
 
-#: Number of the figure, its name, constant with the top, left edge, right edge.
+#: Number of the figure, its name, constant with the top, first column, number of columns.
 FIGURES = (
-    (2, "Pattern", "RowOne", 40, 440),
-    (3, "Motion", "RowOne", 466, 880),
-    (4, "Input", "RowTwo", 40, 396),
-    (5, "Output", "RowTwo", 416, 880),
+    (2, "Pattern", "RowOne", 0, 5),
+    (3, "Motion", "RowOne", 5, 4),
+    (4, "Input", "RowTwo", 0, 4),
+    (5, "Output", "RowTwo", 4, 5),
 )
 
+COLUMNS = 9
 WIDTH, HEIGHT = 920, 660
 POINTER_WIDTH, POINTER_HEIGHT = 26, 16
 WEIGHT_WIDTH, WEIGHT_HEIGHT = 18, 36
-SWITCH_WIDTH, SWITCH_HEIGHT = 120, 78
+SWITCH_WIDTH, SWITCH_HEIGHT = 134, 78
 MOON = 17
 
 
@@ -159,13 +164,19 @@ def _paper(skin):
     pen.box(9, 9, WIDTH - 18, HEIGHT - 18, width=2.2)
     pen.box(14, 14, WIDTH - 28, HEIGHT - 28, width=0.9)
     _heading(canvas, pen, skin.place("skinselector"))
-    _echo_figure(canvas, skin.place("ViewTaps"))
-    for number, words, row, left, right in FIGURES:
-        _caption(canvas, number, words, skin.number(row), left, right)
+    _echo_figure(canvas, skin.place("ViewTaps"), skin.number("ViewSeen"))
+    grid, column = skin.number("Grid"), skin.number("Column")
+    for number, words, row, first, count in FIGURES:
+        left, right = grid + column * first, grid + column * (first + count)
+        is_last = first + count == COLUMNS
+        _caption(canvas, number, words, skin.number(row), left, right if is_last else right - 12)
     for name, words in LABELS.items():
         row = skin.number("RowOne" if name in RULES + ORBITS + ("Movement",) else "RowTwo")
         ink = FADED if name in QUIET else INK
-        canvas.text(_place(skin, name).middle, row + 32, words, 13, ink, PAPER, family=SERIF, italic=True)
+        middle = _place(skin, name).middle
+        canvas.text(middle, row + 33, words, 12, ink, PAPER)
+        if name in QUIET:
+            canvas.text(middle, row + skin.number("RowTwoValue") + 13, "no effect", 12, FADED, PAPER)
     for seed, name in enumerate(RULES):
         _rule(canvas, _place(skin, name), seed)
     for seed, name in enumerate(ORBITS):
@@ -206,29 +217,34 @@ def _heading(canvas, pen, menu):
     canvas.polygon(((x - 5, y - 3), (x + 5, y - 3), (x, y + 4)), RED)
 
 
-def _echo_figure(canvas, view):
-    canvas.box(view.left, view.top, view.width, view.height, PAPER_LIGHT, alpha=0.85)
-    for share in (0.25, 0.5, 0.75):
-        Pen(canvas, seed=share).line(
-            view.left, view.bottom - view.height * share, view.right, view.bottom - view.height * share, INK, 0.6, 0.16
-        )
-    _wash(canvas, view)
+def _echo_figure(canvas, view, seen):
+    """A sky of bare paper behind the texts of the effect, over a sea in ink, on which its palest bars can be seen."""
+    right, horizon = view.left + seen, horizon_of(view)
+    canvas.box(view.left, view.top, seen, view.height, PAPER_LIGHT, alpha=0.85)
+    canvas.box(view.left, horizon, seen, view.bottom - horizon, SEA)
     pen = Pen(canvas, seed=2, tremble=0.5)
-    pen.box(view.left - 2, view.top - 2, view.width + 4, view.height + 4, width=1.3)
-    for step in range(43):
-        x = view.left + view.width * step / 42
-        pen.line(x, view.bottom + 3, x, view.bottom + (9 if step % 7 == 0 else 6), width=0.9)
+    for row in range(7):
+        y = horizon + 5 + row * (3 + 0.7 * row)
+        pen.line(view.left + 2, y, right - 2, y, CREAM, 1.1 - 0.1 * row, 0.34 - 0.04 * row)
+    for words, share in (("12", 0.2512), ("18", 0.1259)):
+        y = round(view.bottom - view.height * share)
+        pen.line(view.left, y, right - 54, y, CREAM, 0.9, 0.5)
+        canvas.text(right - 8, y + 4, f"\N{MINUS SIGN}{words} dB", 11, CREAM, SEA, align=1)
+    _plaque(canvas, view)
+    pen.box(view.left - 2, view.top - 2, seen + 4, view.height + 4, width=1.3)
     words = "Fig. 1.  The echoes, in the order of their arrival; their height is their loudness."
-    canvas.text(view.middle, view.bottom + 25, words, 13, INK, PAPER, family=SERIF, italic=True)
+    canvas.text(view.left + seen / 2, view.bottom + 23, words, 14, INK, PAPER, family=SERIF, italic=True)
 
 
-def _wash(canvas, view):
-    """One broad stroke of the brush, dry where it begins."""
-    source = random.Random(48)
-    top, left = view.top + WASH_TOP, view.left + 150
-    for row in range(WASH_HEIGHT):
-        start = left + source.uniform(0, 46)
-        canvas.box(start, top + row, view.right - start, 1, fade(start, 0, start + 90, 0, (0, WASH, 0.35), (1, WASH)))
+def _plaque(canvas, view):
+    """A blank name plate; its ends are a wash of thinned ink."""
+    middle, top = round(view.middle), view.top + PLAQUE_TOP
+    left, right = middle - PLAQUE_LEFT, middle + PLAQUE_RIGHT
+    canvas.box(left - 16, top, 16, PLAQUE_HEIGHT, WASH)
+    canvas.box(left, top, right - left, PLAQUE_HEIGHT, SEA)
+    canvas.box(right, top, 16, PLAQUE_HEIGHT, WASH)
+    pen = Pen(canvas, seed=48, tremble=0.4)
+    pen.box(left - 17, top - 0.5, right - left + 34, PLAQUE_HEIGHT + 1, INK, 1.0)
 
 
 def _caption(canvas, number, words, top, left, right):
@@ -244,8 +260,8 @@ def _foot(canvas, pen, place):
     canvas.polygon(((36, y), (50, y - 4.5), (58, y), (50, y + 4.5)), INK)
     canvas.line(42, y, 51, y, PAPER, 1)
     canvas.disc(51.5, y, 1.3, PAPER)
-    words = "Right-click a figure\N{RIGHT SINGLE QUOTATION MARK}s control for MIDI, the echoes for help."
-    canvas.text(WIDTH - 36, y + 4, words, 13, INK, PAPER, align=1, family=SERIF, italic=True)
+    words = "Ctrl-click: reset   \N{MIDDLE DOT}   Right-click the echoes: help"
+    canvas.text(WIDTH - 36, y + 4, words, 12, INK, PAPER, align=1)
 
 
 def _rule(canvas, place, seed):
@@ -326,8 +342,8 @@ def _beam(canvas, place):
     for step in range(11):
         x = left + (right - left) * step / 10
         pen.line(x, y + 4, x, y + (11 if step % 5 == 0 else 8), width=0.8)
-    canvas.text(place.left, y + 30, "dry", 12, INK, PAPER, align=0, family=SERIF, italic=True)
-    canvas.text(place.right, y + 30, "wet", 12, INK, PAPER, align=1, family=SERIF, italic=True)
+    canvas.text(left - 6, y + 26, "dry", 11, INK, PAPER, align=0)
+    canvas.text(right + 6, y + 26, "wet", 11, INK, PAPER, align=1)
 
 
 # What moves.
@@ -372,14 +388,14 @@ def _moon():
 def _movement(canvas, value):
     """A list of three, the chosen word underlined in red."""
     step = SWITCH_HEIGHT / 3
-    for number, words in enumerate(("they jump", "they glide", "they glide finely")):
+    for number, words in enumerate(("jump, no bend", "glide, soft bend", "glide, clear bend")):
         base = step * number + 18
         chosen = number == round(value * 2)
         pen = Pen(canvas, seed=500 + number, tremble=0.4)
         pen.circle(7, base - 5, 4.6, INK, 1.1)
         if chosen:
             canvas.disc(7, base - 5, 3, RED)
-        width = canvas.text(19, base, words, 14, RED if chosen else INK, PAPER, align=0, family=SERIF, italic=True)
+        width = canvas.text(19, base, words, 12, RED if chosen else INK, PAPER, align=0)
         if chosen:
             pen.line(19, base + 3.5, 19 + width, base + 3.5, RED, 1.0)
 

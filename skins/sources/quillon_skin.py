@@ -3,26 +3,29 @@
 import math
 
 from canvas import KNOB_RANGE, KNOB_START, Canvas, fade, film_strip, glow, knob_angle
+from legibility import horizon_of
+from skin_file import Drawing, Rect
 
 FOLDER = "Quillon Skin"
 
 GROUND_TOP, GROUND, GROUND_DEEP = "2B3138", "23282E", "1C2025"
 BAR_TOP, BAR = "1F242A", "1A1E23"
 PANEL_TOP, PANEL = "323942", "2A3037"
-WELL = "191D22"
 IVORY, MUTED = "F0EBDF", "AEB6BE"
 AMBER, AMBER_DEEP, AMBER_LIGHT = "F0A93C", "C47F1D", "FFCE7D"
 
-#: The plate behind the echoes: light enough for their grey lettering, with a printed stripe on which both the
-#: dark blue and the yellow line of the help pages can be read.
-PLATE_TOP, PLATE_BOTTOM, PLATE_LINE = "F4EFE4", "ECE6D9", "CFC7B6"
-STRIPE, STRIPE_TOP, STRIPE_HEIGHT = "AB8044", 48, 14
-INK = "14171B"
+#: The plate behind the echoes: light down to the horizon, where the effect writes in grey and dark blue; dark below it,
+#: where there are no texts, so that pale bars can be seen.
+SKY_TOP, SKY, SKY_LOW = "EEEBE3", "F3EBDA", "FBE9CB"
+NIGHT, NIGHT_LINE = "0D1013", "FFFFFF"
+#: The yellow line of the help has a dark plaque behind it. Its brass ends have a medium tone, because the last letters
+#: of a dark blue line reach into the left one.
+PLAQUE, BRASS, BRASS_LIGHT = "15191D", "AB8044", "C79C5C"
 
 #: An odd number, so that one frame points straight up.
 FRAMES = 129
 
-#: The words above each control, and the unit beside its value.
+#: The label above each control, and the unit of its value.
 LABELS = {
     "BaseLength": ("Base length", "ms"),
     "Taps": ("Echoes", None),
@@ -35,13 +38,14 @@ LABELS = {
     "LowPass": ("High cut", "Hz"),
     "HighPass": ("Low cut", "Hz"),
     "InputPan": ("Input pan", None),
-    "InputGain": ("Input gain", "dB"),
+    "InputGain": ("Input gain", None),
     "Feedback": ("Feedback", None),
     "Stereo": ("Stereo", None),
     "DryWet": ("Mix", None),
     "OutputPan": ("Echo pan", None),
-    "OutputGain": ("Output gain", "dB"),
+    "OutputGain": ("Output gain", None),
 }
+#: These have no effect; the label says so.
 QUIET = ("InputGain", "OutputGain")
 
 GROUPS = {
@@ -52,40 +56,48 @@ GROUPS = {
 }
 
 WIDTH, HEIGHT = 940, 604
-SWITCH_WIDTH, SWITCH_HEIGHT = 148, 30
+SWITCH_WIDTH, SWITCH_HEIGHT = 186, 44
 FADER_WIDTH, FADER_HEIGHT = 22, 38
 MENU_WIDTH, MENU_HEIGHT = 94, 26
+#: The positions of the switch, and what you hear in each.
+WAYS = (("Jump", "no bend"), ("Glide", "soft bend"), ("Fine", "clear bend"))
 PICTURES = {"hswitch": (SWITCH_WIDTH, SWITCH_HEIGHT), "slider": (FADER_WIDTH, FADER_HEIGHT)}
 
 
-def draw(skin):
-    """Saves every picture of the skin beside its skin.xml."""
-    folder = skin.folder
-    _background(skin).save(folder / "background.png")
-    _about().save(folder / "about.png")
-    _menu(opened=False).save(folder / "skin_menu.png")
-    _menu(opened=True).save(folder / "skin_menu_open.png")
-    knob, trim = skin.number("Knob"), skin.number("Trim")
-    film_strip(folder / "knob.png", knob, knob, FRAMES, lambda canvas, value: _knob(canvas, knob, value, 0.0))
-    film_strip(folder / "knob_centre.png", knob, knob, FRAMES, lambda canvas, value: _knob(canvas, knob, value, 0.5))
-    film_strip(folder / "trim.png", trim, trim, FRAMES, lambda canvas, value: _trim(canvas, trim, value))
-    film_strip(folder / "movement.png", SWITCH_WIDTH, SWITCH_HEIGHT, 3, _movement)
-    _fader().save(folder / "fader.png")
+def draw(skin, letters=1.0):
+    """Saves every picture of the skin beside its skin.xml. Letters are scaled by the skin's scale times `letters`, since
+    the texts that the effect writes are not scaled."""
+    folder, drawing = skin.folder, Drawing(skin)
+    sizes = {"scale": drawing.scale, "letters": letters}
+    _background(drawing, sizes).save(folder / "background.png")
+    draw_about(ABOUT_WIDTH, ABOUT_HEIGHT, 34, sizes).save(folder / "about.png")
+    draw_menu(False, MENU_WIDTH, MENU_HEIGHT, sizes).save(folder / "skin_menu.png")
+    draw_menu(True, MENU_WIDTH, MENU_HEIGHT, sizes).save(folder / "skin_menu_open.png")
+    knob, trim = drawing.number("Knob"), drawing.number("Trim")
+    film_strip(folder / "knob.png", knob, knob, FRAMES, lambda canvas, value: draw_knob(canvas, knob, value, 0.0), **sizes)
+    film_strip(
+        folder / "knob_centre.png", knob, knob, FRAMES, lambda canvas, value: draw_knob(canvas, knob, value, 0.5), **sizes
+    )
+    film_strip(folder / "trim.png", trim, trim, FRAMES, lambda canvas, value: _trim(canvas, trim, value), **sizes)
+    film_strip(folder / "movement.png", SWITCH_WIDTH, SWITCH_HEIGHT, 3, _movement, **sizes)
+    _fader(sizes).save(folder / "fader.png")
 
 
 # The window.
 
 
-def _background(skin):
-    canvas = Canvas(WIDTH, HEIGHT, GROUND)
+def _background(skin, sizes):
+    canvas = Canvas(WIDTH, HEIGHT, GROUND, **sizes)
     canvas.box(0, 0, WIDTH, HEIGHT, fade(0, 0, 0, HEIGHT, (0, GROUND_TOP), (0.5, GROUND), (1, GROUND_DEEP)))
     _title_bar(canvas)
-    _plate(canvas, skin.place("ViewTaps"))
+    with canvas.pixels():
+        draw_plate(canvas, skin.skin.place("ViewTaps"), skin.skin.number("ViewSeen"), levels=True)
     for group, (row, names) in GROUPS.items():
         _panel(canvas, skin, group, skin.number(row))
         for name in names:
             _caption(canvas, skin, name, skin.number(row))
     _mix_track(canvas, skin)
+    _movement_note(canvas, skin)
     _hint_line(canvas, skin.place("anydisp"))
     canvas.grain(1, seed=128)
     return canvas
@@ -117,58 +129,77 @@ def _emblem(canvas, x, y, scale):
         place += 8.2 * 0.89**echo
 
 
-def _plate(canvas, view):
-    frame = view.grown(6)
+def draw_plate(canvas, view, seen, levels):
+    """The plate behind the echoes, in pixels. `seen` is the visible width of `view`. The view is wider, so that the bars,
+    whose gaps grow with its width, fill the plate. `levels` adds a scale on the left."""
+    plate = Rect(view.left - 6, view.top - 4, view.left + seen + 2, view.bottom + 4)
+    frame = plate.grown(2)
     canvas.shadow(frame.left, frame.top, frame.width, frame.height, 7, size=6, alpha=0.35)
-    canvas.box(frame.left, frame.top, frame.width, frame.height, "111418", radius=7)
+    canvas.box(frame.left, frame.top, frame.width, frame.height, "0B0D0F", radius=7)
     canvas.line(frame.left + 7, frame.bottom + 0.5, frame.right - 7, frame.bottom + 0.5, "FFFFFF", alpha=0.09)
-    plate = view.grown(4)
     canvas.cr.save()
-    canvas.path_box(plate.left, plate.top, plate.width, plate.height, 4)
+    canvas.path_box(plate.left, plate.top, plate.width, plate.height, 5)
     canvas.cr.clip()
-    canvas.box(
-        plate.left,
-        plate.top,
-        plate.width,
-        plate.height,
-        fade(0, plate.top, 0, plate.bottom, (0, PLATE_TOP), (1, PLATE_BOTTOM)),
-    )
-    _stripe(canvas, view, plate.right)
-    for share in (0.5, 0.25, 0.125):
-        level = view.bottom - round(view.height * share) + 0.5
-        canvas.line(plate.left, level, plate.right, level, PLATE_LINE, alpha=0.8)
-    canvas.line(plate.left, view.bottom + 0.5, plate.right, view.bottom + 0.5, "8C8370")
-    for step in range(6):
-        canvas.frame(
-            plate.left + step,
-            plate.top + step,
-            plate.width - 2 * step,
-            plate.height - 2 * step,
-            "5A4A2A",
-            radius=4,
-            alpha=0.10 * (1 - step / 6) ** 2,
-        )
+    horizon = horizon_of(view)
+    sky = fade(0, plate.top, 0, horizon, (0, SKY_TOP), (0.55, SKY), (1, SKY_LOW))
+    canvas.box(plate.left, plate.top, plate.width, horizon - plate.top, sky)
+    canvas.box(plate.left, horizon, plate.width, plate.bottom - horizon, NIGHT)
+    middle, reach = plate.left + plate.width / 2, plate.width / 2
+    canvas.box(plate.left, horizon, plate.width, 26, fade(0, horizon, 0, horizon + 26, (0, AMBER, 0.20), (1, AMBER, 0)))
+    light = fade(middle - reach, 0, middle + reach, 0, (0, AMBER_DEEP), (0.5, AMBER_LIGHT), (1, AMBER_DEEP))
+    canvas.box(plate.left, horizon, plate.width, 1, light)
+    _level_lines(canvas, view, plate, horizon)
+    _plaque(canvas, view)
+    canvas.line(plate.left, view.bottom + 0.5, plate.right, view.bottom + 0.5, "FFFFFF", alpha=0.22)
     canvas.box(
         plate.left,
         plate.top,
         plate.width,
         4,
-        fade(0, plate.top, 0, plate.top + 4, (0, "000000", 0.22), (1, "000000", 0)),
+        fade(0, plate.top, 0, plate.top + 4, (0, "000000", 0.30), (1, "000000", 0)),
     )
     canvas.cr.restore()
-    for share, words in ((0.5, "-6 dB"), (0.25, "-12"), (0.125, "-18")):
-        level = view.bottom - round(view.height * share)
-        canvas.text(
-            view.right - 4, level - 3, words.replace("-", "\N{MINUS SIGN}"), 11, "6B6556", PLATE_BOTTOM, align=1
-        )
+    canvas.frame(plate.left, plate.top, plate.width, plate.height, "000000", radius=5, alpha=0.35)
+    if levels:
+        for words, share in LEVELS:
+            y = round(view.bottom - view.height * share)
+            canvas.text(frame.left - 3, y + 4, words, 11, MUTED, GROUND_TOP, align=1)
 
 
-def _stripe(canvas, view, right):
-    """Runs in from the right and is at full strength wherever the help pages write on it."""
-    start, full = view.left + 150, view.left + 260
-    y = view.top + STRIPE_TOP
-    canvas.box(start, y, right - start, STRIPE_HEIGHT, fade(start, 0, full, 0, (0, STRIPE, 0), (1, STRIPE)))
-    canvas.text(view.right - 4, y + 11, "128 TAPS", 11, INK, STRIPE, align=1, bold=True, spacing=1.4)
+#: Labels of the scale: the level of an echo whose bar has this share of the height.
+LEVELS = (
+    ("0 dB", 1.0),
+    ("\N{MINUS SIGN}6", 0.5012),
+    ("\N{MINUS SIGN}12", 0.2512),
+    ("\N{MINUS SIGN}18", 0.1259),
+)
+
+
+def _level_lines(canvas, view, plate, horizon):
+    """Across the whole dark area; above it, short ones that end before the numbers beside the last bar."""
+    for _, share in LEVELS[1:]:
+        y = round(view.bottom - view.height * share) + 0.5
+        if y > horizon:
+            canvas.line(plate.left, y, plate.right, y, NIGHT_LINE, alpha=0.17)
+        else:
+            end = plate.left + 150
+            canvas.line(plate.left, y, end, y, fade(end - 110, 0, end, 0, (0, "8C8370", 0.8), (1, "8C8370", 0)))
+
+
+#: The plaque: first row, height, extent of the dark part to the left and right of the view's middle, width of each
+#: brass end.
+PLAQUE_TOP, PLAQUE_HEIGHT, PLAQUE_LEFT, PLAQUE_RIGHT, BRASS_END = 49, 12, 147, 160, 16
+
+
+def _plaque(canvas, view):
+    left, right = round(view.middle) - PLAQUE_LEFT, round(view.middle) + PLAQUE_RIGHT
+    top, width = view.top + PLAQUE_TOP, right - left
+    outer, outer_width = left - BRASS_END, width + 2 * BRASS_END
+    canvas.shadow(outer, top, outer_width, PLAQUE_HEIGHT, 3, size=2, alpha=0.22, drop=1)
+    brass = fade(0, top, 0, top + PLAQUE_HEIGHT, (0, BRASS_LIGHT), (0.25, BRASS), (1, BRASS))
+    canvas.box(outer, top, outer_width, PLAQUE_HEIGHT, brass, radius=3)
+    canvas.box(left, top, width, PLAQUE_HEIGHT, PLAQUE)
+    canvas.box(left, top, width, 3, fade(0, top, 0, top + 3, (0, "000000", 0.6), (1, "000000", 0)))
 
 
 def _panel(canvas, skin, group, top):
@@ -192,10 +223,18 @@ def _panel(canvas, skin, group, top):
 def _caption(canvas, skin, name, top):
     words, unit = LABELS[name]
     middle = skin.control_rect(name, PICTURES).middle
-    canvas.text(middle, top + 36, words, 12, MUTED if name in QUIET else IVORY, PANEL_TOP)
-    value = skin.value(name)
+    ink = MUTED if name in QUIET else IVORY
     if unit:
-        canvas.text(value.right + 4, value.top + 14, unit, 12, MUTED, PANEL, align=0)
+        gap = 4
+        width = canvas.text_width(words, 12) + gap + canvas.text_width(unit, 12)
+        left = middle - width / 2
+        left += canvas.text(left, top + 42, words, 12, ink, PANEL_TOP, align=0) + gap
+        canvas.text(left, top + 42, unit, 12, MUTED, PANEL_TOP, align=0)
+    else:
+        canvas.text(middle, top + 42, words, 12, ink, PANEL_TOP)
+    if name in QUIET:
+        base = top + skin.number("ValueTop") + skin.number("ValueHeight") / 2 + 4
+        canvas.text(middle, base, "no effect", 12, MUTED, PANEL, italic=True)
 
 
 def _mix_track(canvas, skin):
@@ -215,9 +254,16 @@ def _mix_track(canvas, skin):
         fade(0, y - 3.5, 0, y + 3.5, (0, "000000", 0.5), (1, "FFFFFF", 0.10)),
         radius=3.5,
     )
-    canvas.box(left - 4, y - 1.5, right - left + 8, 3, fade(left, 0, right, 0, (0, "3A4048"), (1, AMBER)), radius=1.5)
-    canvas.text(place.left, place.bottom + 10, "Dry", 11, MUTED, PANEL, align=0)
-    canvas.text(place.right, place.bottom + 10, "Wet", 11, MUTED, PANEL, align=1)
+    canvas.box(left - 4, y - 1.5, right - left + 8, 3, "3D454D", radius=1.5)
+    canvas.text(left - 5, place.bottom + 9, "dry", 11, MUTED, PANEL, align=0)
+    canvas.text(right + 5, place.bottom + 9, "wet", 11, MUTED, PANEL, align=1)
+
+
+def _movement_note(canvas, skin):
+    """Sweep rate and depth have no effect in the first position of the switch."""
+    place = skin.control_rect("Movement", PICTURES)
+    base = skin.number("RowOne") + skin.number("ValueTop") + skin.number("ValueHeight") / 2 + 4
+    canvas.text(place.middle, base, "Glide and Fine can sweep", 11, MUTED, PANEL)
 
 
 def _hint_line(canvas, place):
@@ -225,14 +271,15 @@ def _hint_line(canvas, place):
     canvas.box(0, place.top - 2, WIDTH, 1, "000000", alpha=0.45)
     canvas.box(0, place.top - 1, WIDTH, 1, "FFFFFF", alpha=0.04)
     y = place.top + place.height / 2
-    canvas.polygon(((place.left - 16, y - 5), (place.left - 8, y), (place.left - 16, y + 5)), AMBER)
-    canvas.text(WIDTH - 18, y + 4, "Right-click the echoes for help, a control for MIDI", 11, MUTED, BAR, align=1)
+    canvas.ring(place.left - 11, y, 3.2, MUTED, 1.4)
+    words = "Ctrl-click: reset   \N{MIDDLE DOT}   Right-click the echoes: help"
+    canvas.text(WIDTH - 18, y + 4, words, 11, MUTED, BAR, align=1)
 
 
 # The controls.
 
 
-def _knob(canvas, size, value, rest):
+def draw_knob(canvas, size, value, rest):
     """A knob whose arc is lit from `rest`, where the parameter does nothing, to its value."""
     x = y = size / 2
     angle = knob_angle(value)
@@ -244,12 +291,12 @@ def _knob(canvas, size, value, rest):
         canvas.arc(x, y, 26.5, start, end, AMBER, 2.8)
     if rest:
         canvas.disc(x, y - 26.5, 2.0, IVORY if abs(value - rest) < 0.004 else AMBER_LIGHT)
-    _cap(canvas, x, y, 20.5)
+    draw_cap(canvas, x, y, 20.5)
     canvas.spoke(x, y, 8.5, 16.5, angle, "000000", 4.4, alpha=0.45)
     canvas.spoke(x, y, 8.5, 16.5, angle, IVORY, 2.8)
 
 
-def _cap(canvas, x, y, radius):
+def draw_cap(canvas, x, y, radius):
     """A round cap of dark metal under a soft light from above left."""
     for step in range(8):
         canvas.disc(x + 0.5, y + 3.0, radius + 3.6 - 0.6 * step, "000000", alpha=0.085)
@@ -269,21 +316,22 @@ def _trim(canvas, size, value):
     for step in range(11):
         angle = knob_angle(step / 10)
         canvas.spoke(x, y, 18, 20, angle, MUTED, 1.2, alpha=0.75 if step % 5 == 0 else 0.4)
-    _cap(canvas, x, y, 14.5)
+    draw_cap(canvas, x, y, 14.5)
     canvas.spoke(x, y, 5.5, 11, knob_angle(value), "B4BAC0", 2.2)
 
 
 def _movement(canvas, value):
-    """Three fields side by side, the chosen one raised and lit."""
+    """Three fields side by side, each with a name and what you hear; the chosen one is raised and lit."""
     width, height = SWITCH_WIDTH, SWITCH_HEIGHT
     canvas.box(0, 0, width, height, "14171B", radius=6)
     canvas.frame(0, 0, width, height, fade(0, 0, 0, height, (0, "000000", 0.5), (1, "FFFFFF", 0.12)), radius=6)
     field = (width - 4) / 3
-    for number, words in enumerate(("Jump", "Glide", "Fine")):
+    for number, (words, heard) in enumerate(WAYS):
         chosen = number == round(value * 2)
         left = 2 + number * field
+        ground = "454D56" if chosen else "14171B"
         if chosen:
-            canvas.box(left, 2, field, height - 4, fade(0, 2, 0, height - 2, (0, "535C66"), (1, "3A424A")), radius=4.5)
+            canvas.box(left, 2, field, height - 4, fade(0, 2, 0, height - 2, (0, "4E5761"), (1, "3A424A")), radius=4.5)
             canvas.frame(
                 left,
                 2,
@@ -292,14 +340,13 @@ def _movement(canvas, value):
                 fade(0, 2, 0, height - 2, (0, "FFFFFF", 0.22), (1, "000000", 0.1)),
                 radius=4.5,
             )
-            canvas.box(left + 12, height - 7, field - 24, 2, AMBER, radius=1)
-        canvas.text(
-            left + field / 2, 18, words, 12, IVORY if chosen else MUTED, "535C66" if chosen else "14171B", bold=False
-        )
+            canvas.box(left + 16, height - 6.5, field - 32, 2, AMBER, radius=1)
+        canvas.text(left + field / 2, 17, words, 12, IVORY if chosen else MUTED, ground)
+        canvas.text(left + field / 2, 32, heard, 11, "F5BC62" if chosen else MUTED, ground)
 
 
-def _fader():
-    canvas = Canvas(FADER_WIDTH, FADER_HEIGHT)
+def _fader(sizes):
+    canvas = Canvas(FADER_WIDTH, FADER_HEIGHT, **sizes)
     x, y, w, h = 2, 4, FADER_WIDTH - 4, FADER_HEIGHT - 10
     canvas.shadow(x, y, w, h, 4, size=3, alpha=0.5, drop=2)
     canvas.box(x, y, w, h, fade(0, y, 0, y + h, (0, "7A848E"), (0.5, "3E464F"), (1, "1F2429")), radius=4)
@@ -310,46 +357,40 @@ def _fader():
     return canvas
 
 
-def _menu(opened):
-    canvas = Canvas(MENU_WIDTH, MENU_HEIGHT)
+def draw_menu(opened, width, height, sizes=None):
+    """The button of the skin menu."""
+    canvas = Canvas(width, height, **(sizes or {}))
     top, bottom = ("454D56", "4E5761") if opened else ("3C444D", "2F363D")
-    canvas.box(0, 0, MENU_WIDTH, MENU_HEIGHT, "0E1114", radius=6)
-    canvas.box(1, 1, MENU_WIDTH - 2, MENU_HEIGHT - 2, fade(0, 1, 0, MENU_HEIGHT - 1, (0, top), (1, bottom)), radius=5)
-    canvas.frame(
-        1,
-        1,
-        MENU_WIDTH - 2,
-        MENU_HEIGHT - 2,
-        fade(0, 1, 0, MENU_HEIGHT, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02)),
-        radius=5,
-    )
-    canvas.text(14, 17.5, "Skins", 12, IVORY, top, align=0)
-    x, y = MENU_WIDTH - 18, MENU_HEIGHT / 2 + 0.5
+    canvas.box(0, 0, width, height, "0E1114", radius=6)
+    canvas.box(1, 1, width - 2, height - 2, fade(0, 1, 0, height - 1, (0, top), (1, bottom)), radius=5)
+    light = fade(0, 1, 0, height, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.02))
+    canvas.frame(1, 1, width - 2, height - 2, light, radius=5)
+    canvas.text(14, height / 2 + 4.5, "Skins", 12, IVORY, top, align=0)
+    x, y = width - 18, height / 2 + 0.5
     canvas.polygon(((x - 5, y - 3), (x + 5, y - 3), (x, y + 3)), AMBER)
     return canvas
 
 
-# The box that a click on the empty ground opens. Its lower third belongs to the lines that the plug-in prints.
+# The about box, which a click on the background opens. Its lower part is free for the credits of the plug-in.
 
 
 ABOUT_WIDTH, ABOUT_HEIGHT = 610, 512
+#: Height of the credits and of the margin below them, in pixels.
+CREDITS = 165
 
 
-def _about():
-    width, height = ABOUT_WIDTH, ABOUT_HEIGHT
-    canvas = Canvas(width, height, GROUND_DEEP)
+def draw_about(width, height, size, sizes=None):
+    """The name, in letters of `size`, below a pattern of echoes."""
+    canvas = Canvas(width, height, GROUND_DEEP, **(sizes or {}))
     canvas.box(0, 0, width, height, fade(0, 0, 0, height, (0, "2C333B"), (0.68, "20252B"), (1, "171A1E")))
-    canvas.box(
-        0,
-        0,
-        width,
-        height,
-        glow(width / 2, 215, 330, (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)),
-    )
-    _echo_fan(canvas, 62, 236, width - 124, 168)
-    canvas.text(width / 2, 300, "QUILLON", 34, IVORY, "20252B", bold=True, spacing=9)
-    canvas.text(width / 2, 328, "The 128 Taps Echo", 15, AMBER_LIGHT, "20252B", italic=True)
-    canvas.line(width / 2 - 130, 346.5, width / 2 + 130, 346.5, AMBER, alpha=0.5)
+    light = (0, AMBER_DEEP, 0.32), (0.5, AMBER_DEEP, 0.09), (1, AMBER_DEEP, 0)
+    canvas.box(0, 0, width, height, glow(width / 2, height * 0.42, width * 0.54, *light))
+    line = height - CREDITS - 0.5
+    _echo_fan(canvas, 62, line - 110 * size / 34, width - 124, (line - 110 * size / 34) * 0.71)
+    canvas.text(width / 2, line - 46 * size / 34, "QUILLON", size, IVORY, "20252B", bold=True, spacing=size / 4)
+    words, small = "The 128 Taps Echo", max(12, 15 * size / 34)
+    canvas.text(width / 2, line - 18 * size / 34, words, small, AMBER_LIGHT, "20252B", italic=True)
+    canvas.line(width / 2 - 130, line, width / 2 + 130, line, AMBER, alpha=0.5)
     canvas.frame(0, 0, width, height, "0C0E10", width=1)
     canvas.frame(1, 1, width - 2, height - 2, fade(0, 0, 0, height, (0, "FFFFFF", 0.16), (1, "FFFFFF", 0.03)))
     canvas.grain(1, seed=95)

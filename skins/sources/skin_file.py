@@ -23,12 +23,12 @@ _CONTROLS = ("knob", "slider", "vswitch", "hswitch", "onoff")
 
 @dataclass(frozen=True)
 class Rect:
-    """A rectangle in pixels of the window."""
+    """A rectangle in pixels of the window, or in drawing units."""
 
-    left: int
-    top: int
-    right: int
-    bottom: int
+    left: float
+    top: float
+    right: float
+    bottom: float
 
     @property
     def width(self):
@@ -132,3 +132,29 @@ class SkinFile:
         if isinstance(node, ast.BinOp):
             return _OPERATORS[type(node.op)](self._walk(node.left), self._walk(node.right))
         raise ValueError(f"{self.folder}: cannot work out {ast.dump(node)}")
+
+
+class Drawing:
+    """A skin in drawing units. Its constant `Scale` is the size of one unit in pixels of the window."""
+
+    def __init__(self, skin):
+        self.skin = skin
+        self.scale = skin.number("Scale")
+
+    def number(self, name):
+        """A constant that is a length or a position."""
+        return self.skin.number(name) / self.scale
+
+    def place(self, kind):
+        return self._shrunk(self.skin.place(kind))
+
+    def value(self, name):
+        return self._shrunk(self.skin.value(name))
+
+    def control_rect(self, name, pictures):
+        """As SkinFile.control_rect(), with the sizes of `pictures` in drawing units."""
+        real = {kind: (width * self.scale, height * self.scale) for kind, (width, height) in pictures.items()}
+        return self._shrunk(self.skin.control_rect(name, real))
+
+    def _shrunk(self, rect):
+        return Rect(*(side / self.scale for side in (rect.left, rect.top, rect.right, rect.bottom)))

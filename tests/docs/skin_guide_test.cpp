@@ -2,6 +2,7 @@
 // skin language, and what it says of expressions and parameters is what the plug-in makes of them.
 #include "guide_text.h"
 
+#include "parameters/host_panel.h"
 #include "parameters/parameter_table.h"
 #include "skin/skin_table.h"
 #include "skin_language/expression.h"
@@ -173,6 +174,7 @@ TEST(SkinGuide, NamesEveryParameter) {
         const Row& row = rows[static_cast<std::size_t>(id)];
         EXPECT_EQ(row.at(0), std::to_string(id));
         EXPECT_EQ(code(row.at(1)), parameters::parameter(id).name);
+        EXPECT_EQ(row.at(2), parameters::panelEntry(id).name);
     }
 }
 

@@ -193,8 +193,18 @@ TEST(BankTable, TellsTheRowAndColumnOfABadCell) {
     EXPECT_EQ("sounds.tsv:2:3: \"Loud\" must be \"loud\" or empty", refusal(tableWith(2, 3, "Loud")));
 }
 
+TEST(BankTable, TakesTheWindowsNamesAsHeadingsInAnyCase) {
+    EXPECT_EQ("", refusal(tableWith(1, 4, "Base length [ms]")));
+    EXPECT_EQ("", refusal(tableWith(1, 5, "echoes")));
+    EXPECT_EQ("", refusal(tableWith(1, 12, "HOW ECHOES MOVE")));
+    EXPECT_EQ("", refusal(tableWith(1, 6, "lfo rt [hz]")));
+    EXPECT_EQ(
+        "sounds.tsv:1:4: the heading is \"Echoes\" and must be \"Bs Lgh 1 [ms]\" or \"Base length [ms]\"",
+        refusal(tableWith(1, 4, "Echoes")));
+}
+
 TEST(BankTable, TellsTheRowAndColumnOfABadHeading) {
-    EXPECT_EQ("sounds.tsv:1:5: the heading is \"Taps\" and must be \"Taps #\"",
+    EXPECT_EQ("sounds.tsv:1:5: the heading is \"Taps\" and must be \"Taps #\" or \"Echoes\"",
               refusal(tableWith(1, 5, "Taps")));
     EXPECT_EQ("sounds.tsv:1:22: found 22 cells where a line has 21", refusal(tableWith(1, 21, "note\tmore")));
 }
@@ -291,7 +301,7 @@ TEST(BankFile, OfAnotherKindIsRefusedInOneLine) {
     EXPECT_EQ("bank.fxb: not a bank of one chunk", refusalOf(with(8, "FxBk")));
     EXPECT_EQ("bank.fxb: a bank of another plug-in", refusalOf(with(16, "abcd")));
     EXPECT_EQ("bank.fxb: the chunk is not one of 128 programs", refusalOf(with(156, "\0\0\0\x70")));
-    EXPECT_EQ("bank.fxb: an fxb file that ends before its bank does",
+    EXPECT_EQ("bank.fxb: an fxb file that ends before the end of its bank",
               refusalOf({good.begin(), good.end() - 1}));
 }
 

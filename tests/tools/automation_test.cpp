@@ -89,13 +89,13 @@ TEST(Automation, NamesTheLineThatIsWrong) {
     expectRefused("1,6\n", "line 1: a line is");
     expectRefused("1,6,0.5,7\n", "line 1: a line is");
     expectRefused("1,,0.5\n", "line 1: a line is");
-    expectRefused("\nsoon Feedback 0.5\n", "line 2: \"soon\" is no time");
-    expectRefused("-1 6 0.5\n", "line 1: \"-1\" is no time");
+    expectRefused("\nsoon Feedback 0.5\n", "line 2: \"soon\" is not a time");
+    expectRefused("-1 6 0.5\n", "line 1: \"-1\" is not a time");
     expectRefused("1.5smp 6 0.5\n", "line 1: \"1.5smp\" is not a whole number of samples");
-    expectRefused("1min 6 0.5\n", "line 1: \"1min\" is no time");
-    expectRefused("1 6 1.5\n", "line 1: a bare value lies between 0 and 1");
-    expectRefused("1 6 loud\n", "line 1: \"loud\" is no value");
-    expectRefused("1 \"Bs Lgh 1 0.5\n", "line 1: a quotation mark that nothing closes");
+    expectRefused("1min 6 0.5\n", "line 1: \"1min\" is not a time");
+    expectRefused("1 6 1.5\n", "line 1: a value without a unit must be from 0 to 1");
+    expectRefused("1 6 loud\n", "line 1: \"loud\" is not a value");
+    expectRefused("1 \"Bs Lgh 1 0.5\n", "line 1: a quotation mark is not closed");
 }
 
 } // namespace

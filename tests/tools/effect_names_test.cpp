@@ -3,6 +3,7 @@
 #include "tools/common/effect_names.h"
 
 #include "desk/private_folder.h"
+#include "parameters/host_panel.h"
 #include "tools/common/effect_library.h"
 #include "tools/common/tool_error.h"
 
@@ -52,6 +53,33 @@ TEST_F(EffectNames, GiveAParameterByItsFullName) {
     EXPECT_EQ(findParameter(quillon, "Stretch"), 3);
     EXPECT_EQ(findParameter(quillon, "Amp Deca"), 4);
     EXPECT_EQ(findParameter(probe, "LongName that goes on"), 7);
+}
+
+TEST_F(EffectNames, GiveAParameterByItsNameInTheWindow) {
+    for (std::int32_t id = 0; id < parameters::kNumLiveParameters; ++id)
+        EXPECT_EQ(findParameter(quillon, parameters::panelEntry(id).name), id);
+    EXPECT_EQ(findParameter(quillon, "base  LENGTH "), 0);
+    EXPECT_EQ(findParameter(quillon, "fade / swell"), 4);
+    expectRefused([&] { findParameter(probe, "Base length"); }, "there is no parameter \"Base length\"");
+}
+
+TEST_F(EffectNames, ComeAsASuggestionForWhatIsNearlyOne) {
+    const auto expectSuggestion = [&](const std::string& written, const std::string& suggested) {
+        expectRefused([&] { findParameter(quillon, written); },
+                      "no parameter \"" + written + "\"; did you mean " + suggested + "?");
+    };
+    expectSuggestion("Feedbak", "\"Feedback\"");
+    expectSuggestion("taps", "\"Taps #\"");
+    expectSuggestion("fade/swell", "\"Fade / Swell\"");
+    expectSuggestion("Amp Decya", "\"Amp Decay\"");
+    expectSuggestion("Base lenght", "\"Base length\"");
+    expectSuggestion("LFO Dp and more", "\"LFO Dp\"");
+    expectSuggestion("sweep", "\"Sweep rate\" or \"Sweep depth\"");
+    expectRefused([&] { findParameter(quillon, "Volume"); }, "\"Volume\"; quillon-render --list shows them");
+    expectRefused([&] { findParameter(quillon, "21"); }, "\"21\"; quillon-render --list shows them");
+    expectRefused([&] { findParameter(probe, "gian"); }, "did you mean \"Gain\"?");
+    const auto programs = tools::programNames(quillon);
+    expectRefused([&] { findProgram(programs, "Skiping Stone"); }, "did you mean \"Skipping Stone\"?");
 }
 
 TEST_F(EffectNames, DoNotMistakeALongNameForAShortOne) {

@@ -173,7 +173,7 @@ TEST(MidiFile, RefusesTimeWithoutTicks) {
 }
 
 TEST(MidiFile, RefusesMissingTracks) {
-    expectRefused(join({header(1, 2, 100), track({0, 0x90, 60, 1})}), "ends behind track 1 of 2");
+    expectRefused(join({header(1, 2, 100), track({0, 0x90, 60, 1})}), "ends after track 1 of 2");
 }
 
 TEST(MidiFile, RefusesATrackCutShort) {

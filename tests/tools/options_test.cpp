@@ -101,7 +101,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
     expectRefused({"a", "b", "--set"}, "--set");
     expectRefused({"a", "b", "--set", "Feedback"}, "--set \"Feedback\": write it as PARAMETER=VALUE");
     expectRefused({"a", "b", "--set", "Feedback=2"},
-                  "--set \"Feedback=2\": a bare value lies between 0 and 1");
+                  "--set \"Feedback=2\": a value without a unit must be from 0 to 1");
     expectRefused({"a", "b", "--tail", "-1"}, "--tail: \"-1\"");
     expectRefused({"a", "b", "--tail", "long"}, "--tail: \"long\"");
     expectRefused({"a", "b", "--tail", "1e9"}, "--tail");

@@ -74,7 +74,7 @@ TEST_F(RenderErrors, OfAnInputThatHoldsNoNumbers) {
     auto samples = noise(1000);
     samples[441] = std::numeric_limits<float>::quiet_NaN();
     folder.writeSound("bad.wav", samples);
-    expectProbeError({"bad.wav", "out.wav"}, "bad.wav holds a sample that is no number, at 0.010 s");
+    expectProbeError({"bad.wav", "out.wav"}, "bad.wav holds a sample that is not a number, at 0.010 s");
 }
 
 TEST_F(RenderErrors, OfAnOutputThatCannotBeWritten) {
@@ -93,13 +93,13 @@ TEST_F(RenderErrors, OfAnOutputOfNoKnownKind) {
 
 TEST_F(RenderErrors, OfAnOutputThatIsAnInput) {
     folder.writeText("moves.txt", "1 Gain 0.5\n");
-    expectProbeError({"in.wav", "in.wav"}, "in.wav is read and would be written over");
-    expectProbeError({"in.wav", "./nowhere/../in.wav"}, "in.wav is read and would be written over");
+    expectProbeError({"in.wav", "in.wav"}, "in.wav is an input and would be overwritten");
+    expectProbeError({"in.wav", "./nowhere/../in.wav"}, "in.wav is an input and would be overwritten");
     std::filesystem::create_symlink("in.wav", folder.path() / "link.wav");
-    expectProbeError({"in.wav", "link.wav"}, "link.wav is read and would be written over");
+    expectProbeError({"in.wav", "link.wav"}, "link.wav is an input and would be overwritten");
     std::filesystem::create_hard_link(folder.path() / "in.wav", folder.path() / "twin.wav");
-    expectProbeError({"in.wav", "twin.wav"}, "twin.wav is read and would be written over");
-    expectProbeError({"in.wav", "moves.txt", "--automate", "moves.txt"}, "moves.txt is read");
+    expectProbeError({"in.wav", "twin.wav"}, "twin.wav is an input and would be overwritten");
+    expectProbeError({"in.wav", "moves.txt", "--automate", "moves.txt"}, "moves.txt is an input");
 }
 
 TEST_F(RenderErrors, OfAPictureThatCannotBeDrawn) {
@@ -124,7 +124,7 @@ TEST_F(RenderErrors, OfAnEffectThatCannotBePlayedThrough) {
 TEST_F(RenderErrors, OfAnEffectThatRunsAway) {
     folder.writeSound("long.wav", noise(100000));
     // 150000 frames ahead of the file, 50000 of the file: 1.134 s.
-    expectProbeError({"long.wav", "new.wav", "--plot", "new.png"}, "no more numbers from 1.134 s on",
+    expectProbeError({"long.wav", "new.wav", "--plot", "new.png"}, "not a number from 1.134 s on",
                      "probe_breaks");
 }
 
@@ -144,13 +144,13 @@ TEST_F(RenderErrors, OfASettingThatCannotBe) {
                      "the name of several parameters; give the number: 4 and 5");
     expectProbeError({"in.wav", "new.wav", "--set", "Steps=display:11"}, "\"Steps\" never shows \"11\"");
     expectProbeError({"in.wav", "new.wav", "--set", "Delay=5dB"}, "the effect shows it in \"s\"");
-    expectProbeError({"in.wav", "new.wav", "--set", "Gain=7"}, "a bare value lies between 0 and 1");
+    expectProbeError({"in.wav", "new.wav", "--set", "Gain=7"}, "a value without a unit must be from 0 to 1");
 }
 
 TEST_F(RenderErrors, OfAnAutomationFileNameFileAndLine) {
     folder.writeText("moves.txt", "1 Gain 0.5\n\n2 Gain much\n");
     expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 3: \"much\" is no value");
+                     "moves.txt, line 3: \"much\" is not a value");
     folder.writeText("moves.txt", "1 Gain 0.5\n2 Volume 0.5\n");
     expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
                      "moves.txt, line 2: there is no parameter");

@@ -134,6 +134,21 @@ TEST_F(RenderPlugin, ListsAllProgramsAndParameters) {
     EXPECT_EQ(list["parameters"][20]["display"], "");
 }
 
+TEST_F(RenderPlugin, ListsTheWindowsNamesBesideThoseOfHosts) {
+    const json list = listJson({});
+    EXPECT_EQ(list["parameters"][9]["windowName"], "High cut");
+    EXPECT_FALSE(list["parameters"][20].contains("windowName"));
+    const std::string text = runTool(folder, {"--list"}).out;
+    EXPECT_NE(text.find("  4   Amp Deca  Fade / Swell "), std::string::npos) << text;
+}
+
+TEST_F(RenderPlugin, TakesTheWindowsWordsForHowEchoesMove) {
+    for (const auto& [word, value] : {std::pair("Jump", 0.0), {"glide", 0.5}, {"Fine", 1.0}}) {
+        const json list = listJson({"--set", std::string("How echoes move=display:") + word});
+        EXPECT_EQ(list["parameters"][8]["value"], value) << word;
+    }
+}
+
 TEST_F(RenderPlugin, SetsEveryParameterByWhatItShows) {
     const std::vector<std::pair<std::string, std::string>> shown = {
         {"Bs Lgh 1=250ms", "250"},

@@ -280,7 +280,7 @@ TEST_F(RenderTool, StopsAfterTwoMinutesAndWarns) {
     EXPECT_EQ(report["tail"]["seconds"], 120.0);
     EXPECT_EQ(report["tail"]["cutShort"], true);
     ASSERT_EQ(report["warnings"].size(), 1u);
-    EXPECT_NE(report["warnings"][0].get<std::string>().find("still sound 120 s behind the input"),
+    EXPECT_NE(report["warnings"][0].get<std::string>().find("still sound 120 s after the input"),
               std::string::npos);
 }
 
@@ -505,7 +505,7 @@ TEST_F(RenderTool, WarnsOfEventsThatLieBehindTheEnd) {
     folder.writeText("moves.txt", "10 Gain 0.5\n");
     const json report = runJson({"in.wav", "out.wav", "--tail", "1", "--automate", "moves.txt"});
     ASSERT_EQ(report["warnings"].size(), 1u);
-    EXPECT_NE(report["warnings"][0].get<std::string>().find("1 event lies behind the output's end"),
+    EXPECT_NE(report["warnings"][0].get<std::string>().find("1 event comes after the end of the output"),
               std::string::npos);
 }
 

@@ -26,14 +26,14 @@ std::string lineOf(std::vector<ParameterState> parameters) {
 TEST(SettingsLine, TellsTheDelayInPlainWords) {
     EXPECT_EQ(lineOf({parameter("Bs Lgh 1", "321"), parameter("Taps #", "39"),
                       parameter("Dry Wet", "0.5 / 0.5"), parameter("Curve", "0.000")}),
-              "39 taps   \u00b7   base length 321 ms   \u00b7   dry / wet 0.5 / 0.5");
+              "39 echoes   \u00b7   base length 321 ms   \u00b7   mix 0.5 / 0.5");
 }
 
-TEST(SettingsLine, SpeaksOfOneTapAsOne) {
-    EXPECT_EQ(lineOf({parameter("Taps #", " 1 ")}), "1 tap");
-    EXPECT_EQ(lineOf({parameter("Taps #", "11")}), "11 taps");
+TEST(SettingsLine, SpeaksOfOneEchoAsOne) {
+    EXPECT_EQ(lineOf({parameter("Taps #", " 1 ")}), "1 echo");
+    EXPECT_EQ(lineOf({parameter("Taps #", "11")}), "11 echoes");
     EXPECT_EQ(lineOf({parameter("Bs Lgh 1", "1"), parameter("LFO Rt", "1")}),
-              "base length 1 ms   \u00b7   sweep 1 Hz");
+              "base length 1 ms   \u00b7   sweep rate 1 Hz");
 }
 
 TEST(SettingsLine, LeavesOutWhatShowsNothing) {

@@ -75,7 +75,7 @@ TEST(BankFile, RefusesWhatIsNoBank) {
 TEST(BankFile, RefusesWhatEndsTooSoon) {
     Bytes bytes = bankFile("FBCh", {1, 2, 3});
     bytes.pop_back();
-    expectRefused(bytes, "ends before its bank does");
+    expectRefused(bytes, "ends before the end of its bank");
     for (const std::size_t size : {100u, 28u, 27u, 12u, 11u, 8u, 4u}) {
         SCOPED_TRACE(size);
         bytes.resize(size);

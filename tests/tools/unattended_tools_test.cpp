@@ -51,7 +51,7 @@ TEST_F(UnattendedTool, RefusesToDescribeAnotherBankWithoutWaiting) {
                            "pictures", "--library", library, "--speech", QUILLON_SPEECH});
     EXPECT_EQ(result.exitCode, 2) << result.err;
     EXPECT_NE(result.err.find(kNoBank), std::string::npos) << "the message is lost: " << result.err;
-    EXPECT_NE(result.err.find("is not made from this table"), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find("was not made from this table"), std::string::npos) << result.err;
 }
 
 TEST_F(UnattendedTool, FailsWhereItsListFindsNoRoom) {

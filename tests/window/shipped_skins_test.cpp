@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string_view>
 
 #include "child_process.h"
 
@@ -23,6 +25,9 @@ namespace {
 using namespace test;
 using namespace vst2;
 using VSTGUI::CRect;
+
+constexpr const char* kSkins[] = {"Quillon Skin", "Quillon Skin Large", "Quillon Skin Small", "skin",
+                                  "Paper and Ink"};
 
 /// Where things are in a skin, as its own builder puts them.
 struct Layout {
@@ -67,19 +72,20 @@ Part partOf(const CRect& place) {
             static_cast<int>(place.getHeight())};
 }
 
-std::string plainName(const testing::TestParamInfo<std::string>& info) {
+std::string plainName(const testing::TestParamInfo<const char*>& info) {
     std::string name;
-    std::ranges::copy_if(info.param, std::back_inserter(name), [](char byte) { return byte != ' '; });
+    std::ranges::copy_if(std::string_view(info.param), std::back_inserter(name),
+                         [](char byte) { return byte != ' '; });
     return name;
 }
 
-class ShippedSkin : public conversation::PluginFolder, public testing::WithParamInterface<std::string> {
+class ShippedSkin : public conversation::PluginFolder, public testing::WithParamInterface<const char*> {
   protected:
     ShippedSkin() {
         namespace files = std::filesystem;
         const std::string skins = std::string(QUILLON_SOURCE) + "/skins";
         files::copy_file(skins + "/default.fxb", module.beside("default.fxb"));
-        for (const char* name : {"Quillon Skin", "skin", "Paper and Ink"})
+        for (const char* name : kSkins)
             files::copy(skins + "/" + name, module.beside(name), files::copy_options::recursive);
         layout = layoutOf(module.folder(), GetParam());
         const std::string settings = std::string(std::getenv("XDG_CONFIG_HOME")) + "/Quillon Software";
@@ -94,7 +100,7 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     }
 
     static VirtualScreen& screen() {
-        static VirtualScreen theScreen("1100x800x24");
+        static VirtualScreen theScreen("1500x1000x24");
         return theScreen;
     }
 
@@ -145,8 +151,19 @@ class ShippedSkin : public conversation::PluginFolder, public testing::WithParam
     std::unique_ptr<ShownEditor> shown;
 };
 
-INSTANTIATE_TEST_SUITE_P(Delivered, ShippedSkin, testing::Values("Quillon Skin", "skin", "Paper and Ink"),
-                         plainName);
+/// The objects of a delivered skin, as text from its file, without the constants.
+std::string objectsOf(const std::string& skin) {
+    std::ifstream file(std::string(QUILLON_SOURCE) + "/skins/" + skin + "/skin.xml");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return text.substr(text.rfind("</CONSTANTS>"));
+}
+
+TEST(LargeSkin, HasTheObjectsOfTheSkinThatItEnlarges) {
+    EXPECT_GT(objectsOf("Quillon Skin").size(), 1000u);
+    EXPECT_EQ(objectsOf("Quillon Skin Large"), objectsOf("Quillon Skin"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Delivered, ShippedSkin, testing::ValuesIn(kSkins), plainName);
 
 TEST_P(ShippedSkin, HasAControlForEveryParameter) {
     for (std::int32_t id = 0; id < conversation::kLiveParameters; ++id)

@@ -99,7 +99,7 @@ Bank parseBankFile(std::span<const std::uint8_t> bytes, const std::string& fileN
     if (id != kUniqueId && id != kOlderUniqueId)
         refuse("a bank of another plug-in");
     if (bytes.size() - kHeaderSize < bigEndian(bytes, kChunkSizeAt))
-        refuse("an fxb file that ends before its bank does");
+        refuse("an fxb file that ends before the end of its bank");
     if (bigEndian(bytes, kChunkSizeAt) != kChunkSize)
         refuse("the chunk is not one of " + std::to_string(kNumPrograms) + " programs");
     Bank bank;

@@ -57,6 +57,17 @@ std::string heading(std::size_t column) {
     }
 }
 
+/// All headings that stand for a column, the one that tables are written with first.
+std::vector<std::string> headings(std::size_t column) {
+    std::vector<std::string> texts = {heading(column)};
+    if (column >= kFirstParameterColumn && column < kNoteColumn) {
+        const std::string inWindow = windowHeading(static_cast<ParameterId>(column - kFirstParameterColumn));
+        if (inWindow != texts.front())
+            texts.push_back(inWindow);
+    }
+    return texts;
+}
+
 std::vector<std::string_view> split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     for (;;) {
@@ -94,10 +105,14 @@ void checkCount(const std::vector<std::string_view>& cells, const Place& place) 
 }
 
 void checkHeadings(const std::vector<std::string_view>& cells, const Place& place) {
-    for (std::size_t column = 0; column < std::min(cells.size(), kNumColumns); ++column)
-        if (cells[column] != heading(column))
+    for (std::size_t column = 0; column < std::min(cells.size(), kNumColumns); ++column) {
+        const std::vector<std::string> allowed = headings(column);
+        if (std::ranges::none_of(allowed,
+                                 [&](const auto& text) { return tools::sameName(cells[column], text); }))
             place.refuse(column, "the heading is " + quoted(cells[column]) + " and must be " +
-                                     quoted(heading(column)));
+                                     quoted(allowed.front()) +
+                                     (allowed.size() > 1 ? " or " + quoted(allowed.back()) : ""));
+    }
     checkCount(cells, place);
 }
 
@@ -186,7 +201,7 @@ std::string tableText(const Bank& bank) {
         const BankProgram& program = bank[number];
         if (program.name.find_first_of("\t\r\n") != std::string::npos)
             throw BankError("program " + std::to_string(number) +
-                            ": the name holds characters that part cells");
+                            ": the name contains a tab or a line break");
         text += program.family + '\t' + program.name + '\t' + (program.loud ? "loud" : "");
         for (std::size_t entry = 0; entry < program.values.size(); ++entry)
             text += '\t' + cellText(static_cast<ParameterId>(entry), program.values[entry]);

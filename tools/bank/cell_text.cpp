@@ -1,5 +1,6 @@
 #include "tools/bank/cell_text.h"
 
+#include "parameters/host_panel.h"
 #include "parameters/law.h"
 
 #include <algorithm>
@@ -108,14 +109,21 @@ std::optional<float> normalisedValue(std::string_view text) {
     return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
+std::string headingOf(ParameterId id, std::string_view name) {
+    while (name.ends_with(' '))
+        name.remove_suffix(1);
+    const std::string unit = id == kSet ? "" : lawOf(id).unit;
+    return std::string(name) + (unit.empty() ? "" : " [" + unit + "]");
+}
+
 } // namespace
 
 std::string columnHeading(ParameterId id) {
-    std::string heading = parameter(id).name;
-    while (heading.ends_with(' '))
-        heading.pop_back();
-    const std::string unit = id == kSet ? "" : lawOf(id).unit;
-    return unit.empty() ? heading : heading + " [" + unit + "]";
+    return headingOf(id, parameter(id).name);
+}
+
+std::string windowHeading(ParameterId id) {
+    return headingOf(id, panelEntry(id).name);
 }
 
 std::string cellText(ParameterId id, float value) {

@@ -17,6 +17,9 @@ namespace bank {
 /// The column's heading: the parameter's name and the unit of its cells.
 std::string columnHeading(parameters::ParameterId id);
 
+/// The same with the name that the window shows; a table may have either.
+std::string windowHeading(parameters::ParameterId id);
+
 /// The one text of `value`, which is normalised and may be anything.
 std::string cellText(parameters::ParameterId id, float value);
 

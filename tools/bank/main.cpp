@@ -54,7 +54,7 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
     const desk::PrivateFolder folder;
     const bank::Audition audition(library);
     if (audition.chunk() != bank::chunkBytes(programs))
-        throw bank::BankError(table + ": the bank beside the library is not made from this table");
+        throw bank::BankError(table + ": the bank beside the library was not made from this table");
     const bank::BankNumbers numbers = bank::measure(audition, programs, speech);
     std::filesystem::create_directories(pictures);
     for (std::size_t number = 0; number < numbers.size(); ++number)
@@ -69,8 +69,7 @@ int main(int argc, char** argv) {
     const desk::AbruptEndWatch watch("quillon-bank", host::LibraryCall::describe);
     // A build must not wait for somebody to click a message of the plug-in away.
     desk::leaveDisplay();
-    CLI::App app("The factory bank: a table of 128 programs, and the .fxb file made from it.",
-                 "quillon-bank");
+    CLI::App app("Converts between a table of 128 programs and an .fxb bank file.", "quillon-bank");
     app.require_subcommand(1);
     std::string input;
     std::string output;
@@ -86,9 +85,8 @@ int main(int argc, char** argv) {
     tableCommand->callback([&] { decompile(input, output); });
 
     PageOptions page;
-    CLI::App* pageCommand =
-        app.add_subcommand("page", "listen to all programs and write the page about them");
-    pageCommand->add_option("table", input, "the table that the bank beside the library is made from")
+    CLI::App* pageCommand = app.add_subcommand("page", "measure all programs and write a page about them");
+    pageCommand->add_option("table", input, "the table from which the bank beside the library was made")
         ->required();
     pageCommand->add_option("-o,--output", output, "the page to write")->required();
     pageCommand->add_option("--pictures", page.pictures, "the folder for the pictures")->required();

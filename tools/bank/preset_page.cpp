@@ -94,27 +94,27 @@ ProgramNumbers measureOne(const Audition& audition, std::size_t number, const Ba
 constexpr const char* kIntroduction =
     R"(# The factory programs
 
-The 128 programs that the plug-in comes up with, in sixteen families of eight. They are made from the table
-[`skins/factory_bank.tsv`](../skins/factory_bank.tsv), which opens in a spreadsheet; `quillon-bank` compiles it into
-`default.fxb`. This page is made by `quillon-bank page` from the sound of the built plug-in.
+The plug-in starts with these 128 programs, in sixteen families of eight. They come from the table
+[`skins/factory_bank.tsv`](../skins/factory_bank.tsv), which you can open in a spreadsheet; `quillon-bank` compiles it
+into `default.fxb`. This page is written by `quillon-bank page`, which measures the sound of the built plug-in.
 
 How to read it:
 
-- **Echoes** is the wet answer to a single click: left upward, right downward, 60 dB high. The number in the corner is
-  the time from edge to edge.
-- **Mix** is the wet share that the program is stored with.
-- **First** and **last** tell when the first and the last tap sound, **gone** when the answer to a click has lost 60 dB;
-  "> 20 s" goes on for longer than was listened to.
-- **Level** compares the loudest passage of the wet signal, alone, with that of what went in: the mean of a drum hit, a
-  plucked string and speech. **Peak** is the highest wet sample of the three, each put in at full scale. Programs marked
-  with an asterisk may pass +6 dB there: many taps add up. Their stored mix makes up for it; mind it when you turn
-  "Dry Wet" up.
-- **L/R** is how alike left and right are: 1 is mono, 0 is wide.
+- **Echoes** shows the echoes of a single click: left upward, right downward, over a range of 60 dB. The number in the
+  corner is the time from edge to edge.
+- **Mix** is the share of echoes that is stored in the program.
+- **First** and **last** are the times of the first and the last echo. **Gone** is the time when the answer to a click has
+  fallen by 60 dB; "> 20 s" means that it is longer than the measurement.
+- **Level** compares the loudest passage of the echoes alone with that of the input: the mean of a drum hit, a plucked
+  string and speech. **Peak** is the highest sample of the echoes for the three inputs, each at full scale. Programs with
+  an asterisk may exceed +6 dB, because many echoes add up. Their stored mix allows for that; take care when you turn
+  "Mix" up.
+- **L/R** says how similar left and right are: 1 is mono, 0 is wide.
 
-Measured at 48 kHz after a change of program. When a host turns the effect off and on, the two filters change to a wider
-and gentler form until they are touched or the program is picked again; sounds with tight filters get a little fuller.
-"Taps" that glide ("Set" at linear or cubic) need about a second to reach their places after a change of program.
-Every low-pass of the bank stays clear of trouble at rates from 32 kHz up.
+The values are measured at 48 kHz after a program change. When a host switches the effect off and on, the two filters
+become wider, until you turn them or choose the program again; sounds with narrow filters then get a little fuller. In
+programs that glide ("How echoes move" at Glide or Fine), the echoes need about a second to reach their places after a
+program change. "High cut" is safe in every program at sample rates from 32 kHz up.
 )";
 
 std::string row(std::size_t number, const BankProgram& program, const ProgramNumbers& numbers,

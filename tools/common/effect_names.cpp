@@ -1,5 +1,8 @@
 #include "tools/common/effect_names.h"
 
+#include "parameters/host_panel.h"
+#include "parameters/parameter_table.h"
+#include "tools/common/near_names.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 
@@ -28,12 +31,26 @@ std::vector<std::int32_t> parametersNamed(host::Plugin& plugin, std::string_view
     std::vector<std::int32_t> whole, cut;
     for (std::int32_t id = 0; id < plugin.numParams(); ++id) {
         const std::string shown = plugin.parameterName(id);
-        if (sameName(shown, name))
+        const std::string inWindow = windowName(plugin, id);
+        if (sameName(shown, name) || (!inWindow.empty() && sameName(inWindow, name)))
             whole.push_back(id);
         else if (shown.size() == vst2::kVstMaxParamStrLen && sameName(shown, asHostsSee(trimmed(name))))
             cut.push_back(id);
     }
     return whole.empty() ? cut : whole;
+}
+
+/// Every name that findParameter() takes, without blanks at the ends; the whole names of the table in place
+/// of what the interface leaves of them.
+std::vector<std::string> parameterNames(host::Plugin& plugin) {
+    std::vector<std::string> names;
+    for (std::int32_t id = 0; id < plugin.numParams(); ++id) {
+        const bool isOurs = isQuillon(plugin) && parameters::isLive(id);
+        names.emplace_back(trimmed(isOurs ? parameters::parameter(id).name : plugin.parameterName(id)));
+        if (isOurs)
+            names.push_back(windowName(plugin, id));
+    }
+    return names;
 }
 
 std::vector<std::int32_t> programsMatching(const std::vector<std::string>& names, std::string_view name,
@@ -47,6 +64,14 @@ std::vector<std::int32_t> programsMatching(const std::vector<std::string>& names
 
 } // namespace
 
+bool isQuillon(const host::Plugin& plugin) {
+    return plugin.effect()->uniqueID == vst2::fourCharacterCode("qlvd");
+}
+
+std::string windowName(const host::Plugin& plugin, std::int32_t id) {
+    return isQuillon(plugin) && parameters::isLive(id) ? parameters::panelEntry(id).name : "";
+}
+
 std::int32_t findParameter(host::Plugin& plugin, std::string_view nameOrId) {
     const auto found = parametersNamed(plugin, nameOrId);
     if (found.size() == 1)
@@ -57,7 +82,8 @@ std::int32_t findParameter(host::Plugin& plugin, std::string_view nameOrId) {
     const auto id = countFrom(nameOrId);
     if (id && *id < plugin.numParams())
         return *id;
-    throw ToolError("there is no parameter " + inQuotes(nameOrId) + "; --list shows them");
+    throw ToolError("there is no parameter " + inQuotes(nameOrId) +
+                    suggestion(parameterNames(plugin), nameOrId, "quillon-render --list shows them"));
 }
 
 std::optional<std::int32_t> parameterNamed(host::Plugin& plugin, std::string_view name) {
@@ -91,7 +117,8 @@ std::int32_t findProgram(const std::vector<std::string>& names, std::string_view
     if (found.empty() && !trimmed(nameOrNumber).empty())
         found = programsMatching(names, nameOrNumber, beginsLike);
     if (found.empty())
-        throw ToolError("there is no program " + inQuotes(nameOrNumber) + "; --list shows them");
+        throw ToolError("there is no program " + inQuotes(nameOrNumber) +
+                        suggestion(names, nameOrNumber, "quillon-render --list shows them"));
     if (found.size() > 1)
         throw ToolError(inQuotes(nameOrNumber) +
                         " could be several programs; give the number: " + listOf(found));

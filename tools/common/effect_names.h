@@ -11,9 +11,16 @@
 
 namespace tools {
 
-/// The id of the parameter of this name or number. Names are compared as sameName() does; a name longer than
-/// the interface can tell matches by its first eight characters. Throws ToolError if there is none, or more
-/// than one.
+/// Whether the effect is the Quillon Multitap Delay, by its id.
+bool isQuillon(const host::Plugin& plugin);
+
+/// What the Quillon Multitap Delay's window calls one of its parameters; empty for parameters that do
+/// nothing, and for any other effect.
+std::string windowName(const host::Plugin& plugin, std::int32_t id);
+
+/// The id of the parameter of this name or number. Names are those that hosts get, and those of the window;
+/// they are compared as sameName() does. A name longer than the interface can tell matches by its first eight
+/// characters. Throws ToolError, with names that are near, if there is none, or more than one.
 std::int32_t findParameter(host::Plugin& plugin, std::string_view nameOrId);
 
 /// The same, with nothing where findParameter() throws.

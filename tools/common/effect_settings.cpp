@@ -1,9 +1,13 @@
 #include "tools/common/effect_settings.h"
 
+#include "parameters/host_panel.h"
 #include "tools/common/display_search.h"
 #include "tools/common/effect_names.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
+
+#include <optional>
+#include <string_view>
 
 namespace tools {
 
@@ -11,6 +15,14 @@ namespace {
 
 ToolError atSetting(const std::string& text, const ToolError& error) {
     return ToolError("--set " + inQuotes(text) + ": " + error.what());
+}
+
+/// The value of "Set" for one of the window's three words, Jump, Glide and Fine.
+std::optional<float> movementNamed(std::string_view text) {
+    for (const parameters::SetPlace& place : parameters::kSetPlaces)
+        if (sameName(place.name, text))
+            return place.value;
+    return std::nullopt;
 }
 
 } // namespace
@@ -40,6 +52,10 @@ std::int32_t programFor(host::Plugin& asked, const std::string& nameOrNumber) {
 
 ParameterValue valueFor(host::Plugin& asked, const Setting& setting) {
     const std::int32_t id = findParameter(asked, setting.parameter);
+    const bool isMovement = isQuillon(asked) && id == parameters::kSet;
+    if (isMovement && setting.value.kind == WantedValue::Kind::shownText)
+        if (const auto value = movementNamed(setting.value.text))
+            return {id, *value};
     return {id, valueShowing(asked, id, setting.value)};
 }
 

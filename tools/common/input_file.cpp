@@ -27,7 +27,7 @@ Bytes readWhole(const std::filesystem::path& path, std::uintmax_t limit) {
             throw ToolError(path.string() + " is too long to be a file of this kind");
     }
     if (file.bad())
-        throw ToolError(path.string() + " cannot be read to its end");
+        throw ToolError(path.string() + " cannot be read completely");
     return bytes;
 }
 

@@ -13,7 +13,7 @@ WantedValue shownValue(std::string_view text) {
     WantedValue wanted;
     wanted.text = trimmed(text);
     if (wanted.text.empty())
-        throw ToolError("\"display:\" wants the text that the effect is to show behind it");
+        throw ToolError("write the displayed value after \"display:\"");
     const auto number = leadingNumber(text);
     const bool isNumber =
         number && (number->rest.empty() || unitNamed(number->rest).kind != Unit::Kind::none);
@@ -27,8 +27,9 @@ WantedValue shownValue(std::string_view text) {
 
 WantedValue normalisedValue(std::string_view text, double number) {
     if (number < 0.0 || number > 1.0)
-        throw ToolError("a bare value lies between 0 and 1; for what the effect shows, write display:" +
-                        printable(text) + " or add a unit");
+        throw ToolError(
+            "a value without a unit must be from 0 to 1; for the displayed value, write display:" +
+            printable(text) + " or add a unit");
     WantedValue wanted;
     wanted.number = number;
     wanted.text = text;
@@ -63,8 +64,8 @@ WantedValue wantedValue(std::string_view text) {
     if (number && unitNamed(number->rest).kind != Unit::Kind::none)
         return shownValue(text);
     throw ToolError(inQuotes(text) +
-                    " is no value: write 0 to 1, a number with a unit (ms, s, Hz, kHz, dB, %), or "
-                    "display: and what the effect is to show");
+                    " is not a value: write 0 to 1, a number with a unit (ms, s, Hz, kHz, dB, %), or "
+                    "display: and the displayed text");
 }
 
 Setting settingFrom(std::string_view text) {

@@ -72,13 +72,13 @@ std::int64_t AudioReader::read(std::span<float> samples) {
     const sf_count_t frames = file_.readf(samples.data(), wanted);
     if (frames < wanted && file_.error() != SF_ERR_NO_ERROR)
         throw ToolError(path_.string() +
-                        " cannot be read to its end: " + printable(trimmed(file_.strError())));
+                        " cannot be read completely: " + printable(trimmed(file_.strError())));
     const auto last = samples.begin() + frames * channels_;
     const auto bad =
         std::find_if_not(samples.begin(), last, [](float sample) { return std::isfinite(sample); });
     if (bad != last) {
         const std::int64_t frame = position_ + (bad - samples.begin()) / channels_;
-        throw ToolError(path_.string() + " holds a sample that is no number, at " +
+        throw ToolError(path_.string() + " holds a sample that is not a number, at " +
                         fixedText(static_cast<double>(frame) / sampleRate(), 3) + " s");
     }
     position_ += frames;
@@ -98,7 +98,7 @@ OutputKind outputKind(const std::filesystem::path& path, SampleFormat format, in
     } else if (format == SampleFormat::float32) {
         if (!ending.hasFloat)
             throw ToolError(path.string() + ": a " + ending.name +
-                            " file cannot hold floating point; take .wav for it");
+                            " file cannot hold floating point; use .wav");
         kind.format |= SF_FORMAT_FLOAT;
         kind.keepsOverloads = true;
         kind.name += ", 32-bit float";
@@ -110,7 +110,7 @@ OutputKind outputKind(const std::filesystem::path& path, SampleFormat format, in
     if (ending.major == SF_FORMAT_WAV && bytes > kLongestPlainFile)
         kind.format = SF_FORMAT_RF64 | (kind.format & SF_FORMAT_SUBMASK);
     else if (ending.major == SF_FORMAT_AIFF && bytes > kLongestPlainFile)
-        throw ToolError(path.string() + " could become too long for an AIFF file; take .wav");
+        throw ToolError(path.string() + " could become too long for an AIFF file; use .wav");
     if (!SndfileHandle::formatCheck(kind.format, channels, sampleRate))
         throw ToolError(path.string() + ": a " + ending.name + " file cannot have " +
                         std::to_string(channels) + " channels at " + std::to_string(sampleRate) + " Hz");

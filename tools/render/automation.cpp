@@ -38,7 +38,7 @@ class LineCutter {
                 take(letter);
         }
         if (inQuotes_)
-            throw ToolError("a quotation mark that nothing closes");
+            throw ToolError("a quotation mark is not closed");
         endWord();
         endCell();
         return pieces_;
@@ -107,7 +107,7 @@ AutomationTime timeFrom(std::string_view text) {
     const auto number = leadingNumber(text);
     constexpr double furthest = 1e9;
     if (!number || number->value < 0.0 || number->value > furthest)
-        throw ToolError(inQuotes(text) + " is no time");
+        throw ToolError(inQuotes(text) + " is not a time");
     if (number->rest.empty() || number->rest == "s")
         return {number->value, false};
     if (number->rest == "ms")
@@ -117,7 +117,7 @@ AutomationTime timeFrom(std::string_view text) {
             throw ToolError(inQuotes(text) + " is not a whole number of samples");
         return {number->value, true};
     }
-    throw ToolError(inQuotes(text) + " is no time: write seconds, or add ms or smp");
+    throw ToolError(inQuotes(text) + " is not a time: write seconds, or add ms or smp");
 }
 
 bool isHeading(const std::vector<std::string>& parts) {

@@ -104,8 +104,8 @@ void FileRender::checkOutput() const {
     const std::int64_t inBlock = (bad - outBlock_.begin()) / static_cast<std::int64_t>(out_.size());
     const double seconds =
         static_cast<double>(player_.position() - blockSize_ + inBlock) / reader_.sampleRate();
-    throw ToolError("the effect gives no more numbers from " + fixedText(seconds, 3) +
-                    " s on: with these settings and this sample rate it runs away");
+    throw ToolError("the output is not a number from " + fixedText(seconds, 3) +
+                    " s on: the effect is unstable with these settings at this sample rate");
 }
 
 void FileRender::writeCertain() {

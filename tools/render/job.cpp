@@ -46,7 +46,8 @@ void checkPlaces(const Options& options) {
     for (const files::path* target : {&options.output, &options.plot})
         for (const files::path* source : toRead)
             if (!target->empty() && !source->empty() && isSameFile(*target, *source))
-                throw ToolError(target->string() + " is read and would be written over; give another name");
+                throw ToolError(target->string() +
+                                " is an input and would be overwritten; choose another name");
     if (options.plot.empty())
         return;
     if (isSameFile(options.output, options.plot))

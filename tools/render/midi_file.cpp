@@ -44,7 +44,8 @@ Header headerFrom(std::span<const std::uint8_t> bytes) {
     if (division & 0x8000) {
         const int frames = 256 - static_cast<int>(division >> 8);
         if (frames != 24 && frames != 25 && frames != 29 && frames != 30)
-            throw ToolError("counts " + std::to_string(frames) + " film frames a second, which nobody does");
+            throw ToolError("counts " + std::to_string(frames) +
+                            " film frames per second, which is not a valid rate");
         // "29" stands for the colour television rate.
         header.ticksPerSecond = (frames == 29 ? 30000.0 / 1001.0 : frames) * (division & 0xFF);
     } else {
@@ -157,7 +158,7 @@ std::vector<TickEvent> readTracks(std::span<const std::uint8_t> bytes, const Hea
     unsigned found = 0;
     while (found < header.tracks) {
         if (position > bytes.size() || bytes.size() - position < kChunkHead)
-            throw ToolError("ends behind track " + std::to_string(found) + " of " +
+            throw ToolError("ends after track " + std::to_string(found) + " of " +
                             std::to_string(header.tracks));
         const auto head = bytes.subspan(position, kChunkHead);
         const std::uint32_t length = bigEndian(head, 4, 4);

@@ -11,50 +11,54 @@ namespace tools::render {
 namespace {
 
 constexpr const char* kDescription =
-    "Plays an audio file through a VST 2.4 effect and writes what comes out to a new file.\n"
-    "Unless told otherwise, the effect is the Quillon Multitap Delay.\n";
+    "Plays an audio file through a VST 2.4 effect and writes the output to a new file.\n"
+    "The default effect is the Quillon Multitap Delay.\n";
 
 constexpr const char* kExamples = R"(Examples:
   Echoes from program 3, as a 24-bit file:
     quillon-render voice.wav echoes.wav --program 3
 
-  Sixteen taps a quarter of a second apart at the most, nothing but echoes, no sweep:
-    quillon-render voice.wav taps.wav --set "Taps #=display:16" --set "Bs Lgh 1=250ms" \
-        --set "Dry Wet=1" --set "Set=display:LFO Off,Use Pitch Off"
+  Sixteen evenly spaced echoes, 125 ms apart, without sweep and without the dry sound:
+    quillon-render voice.wav taps.wav --set "Echoes=display:16" --set "Base length=250ms" \
+        --set "Stretch=0.5" --set "Mix=1" --set "How echoes move=display:Jump"
 
-  See what is there to set:
+  List the programs and parameters:
     quillon-render --list
 
   Hear it and look at it:
     quillon-render voice.wav echoes.flac --program 12 --plot echoes.png
 
+Names:
+  A parameter has two names: the one in the window, "Base length", and the short one in VST hosts, "Bs Lgh 1".
+  Both work here, in upper or lower case; --list shows them side by side. Programs may be given by the first
+  letters of their names.
+
 Values:
-  Feedback=0.8            the knob's place, from 0 (left) to 1 (right)
-  "Bs Lgh 1=250ms"        what the effect shows there; units: ms, s, Hz, kHz, dB, %
-  "Taps #=display:16"     what the effect shows there, without a unit or in words
-  Capital letters and blanks at the ends of a name do not matter, and names may be given in full where the
-  effect shows only their first eight letters. Where several places show the same, the one in use is kept, else
-  the middle one is taken.
+  Feedback=0.8                    position of the knob, from 0 (left) to 1 (right)
+  "Base length=250ms"             value as displayed, with a unit: ms, s, Hz, kHz, dB, %
+  "Echoes=display:16"             value as displayed, without a unit or as text
+  "How echoes move=display:Jump"  Jump, Glide or Fine
+  If several positions display the same value, the current one is kept, else the middle one is used.
 
-Automation files have one change a line, time, parameter, value, with blanks or commas between:
-    # time      parameter    value
-    0.5         Feedback     0.9
-    1500ms      "Bs Lgh 1"   250ms
-    96000smp    Dry Wet      1
-  Times are seconds, milliseconds (ms) or samples (smp) from the file's beginning; the change is exact to the
-  sample. A line that begins with # is a comment, and so is what follows a # behind the value.
+Automation files have one change per line: time, parameter and value, separated by spaces or commas:
+    # time      parameter       value
+    0.5         Feedback        0.9
+    1500ms      "Base length"   250ms
+    96000smp    Mix             1
+  Times count from the start of the file, in seconds, milliseconds (ms) or samples (smp); each change happens at
+  exactly that sample. A # starts a comment, at the start of a line or after the value.
 
-How long it plays: with --tail auto, until the output has stayed below -80 dBFS for 4194304 samples, which is as
-far back as the Quillon Multitap Delay remembers, but never longer than 120 seconds behind the input; the file
-then ends with the last sample that reached -80 dBFS.
+Length of the output: with --tail auto, it ends when the effect has stayed below -80 dBFS for 4194304 samples,
+the length of the delay memory, or 120 seconds after the input at the latest. The file then ends at the last
+sample that reached -80 dBFS.
 
-Files of one channel are played to both inputs of the effect; for an effect with one input, the two channels of a
-file are mixed to one. The output has as many channels as the effect. Rates from 1000 to 768000 Hz are played. Of
-a file that is cut off, what is there is played, with a warning.
+Channels and rates: a mono file is played to both inputs; for an effect with one input, the channels of a stereo
+file are mixed. The output has as many channels as the effect. Sample rates from 1000 to 768000 Hz are accepted.
+A truncated file is played as far as it goes, with a warning.
 
-How it ends: with 0 if OUT is written, also where there was a warning; with 2 if it is not; with 130 if you stop
-it. If the effect crashes, the tool says in which call, and ends as the crash would end it. Unless OUT is written,
-nothing is left behind.)";
+Exit code: 0 if OUT is written, with or without warnings; 2 if it is not; 130 if you stop it. If the effect
+crashes, the tool names the call that crashed and ends the way the crash would end it. If OUT is not written,
+no other files are left behind.)";
 
 struct Words {
     std::string input, output, library, program, automation, midi, chunk, bank, plot, tail, preRoll, block,
@@ -68,13 +72,12 @@ void addSoundOptions(CLI::App& app, Words& words) {
     app.add_option("--program", words.program, "Start from a program, by number (0 to 127) or by name")
         ->type_name("N|NAME")
         ->group(group);
-    app.add_option(
-           "--set", words.settings,
-           "Set one parameter, by name or number, see Values below;\nmay be given as often as you like")
+    app.add_option("--set", words.settings,
+                   "Set a parameter, by name or number, see Names and Values\nbelow; may be repeated")
         ->type_name("PARAMETER=VALUE")
         ->allow_extra_args(false)
         ->group(group);
-    app.add_option("--automate", words.automation, "Change parameters while it plays, see below")
+    app.add_option("--automate", words.automation, "Change parameters during playback, see below")
         ->type_name("FILE")
         ->group(group);
     app.add_option("--midi", words.midi,
@@ -84,47 +87,47 @@ void addSoundOptions(CLI::App& app, Words& words) {
     app.add_option("--bank", words.bank, "Load all programs from a bank file (.fxb)")
         ->type_name("FILE")
         ->group(group);
-    app.add_option(
-           "--chunk", words.chunk,
-           "Load the effect's state as a host keeps it: one program\n(112 bytes) or all (14336 bytes)")
+    app.add_option("--chunk", words.chunk,
+                   "Load a state saved by a host: one program (112 bytes) or all\nof them (14336 bytes)")
         ->type_name("FILE")
         ->group(group);
-    app.add_option("--library", words.library, "Use this effect instead, any VST 2.4 library")
+    app.add_option("--library", words.library, "Use this VST 2.4 library instead")
         ->type_name("FILE")
         ->group(group);
 }
 
 void addRenderOptions(CLI::App& app, Words& words) {
     const std::string group = "Rendering";
-    app.add_option("--tail", words.tail,
-                   "How long to go on behind the end of the input: seconds, or\nauto, until it is quiet (the "
-                   "default)")
+    app.add_option(
+           "--tail", words.tail,
+           "How long to continue after the end of the input: seconds, or\nauto (the default), until it is "
+           "quiet")
         ->type_name("auto|SECONDS")
         ->group(group);
-    app.add_option("--format", words.format,
-                   "Sample format of OUT: 24 bit or floating point; the default is 24\nfor files that have "
-                   "the choice")
+    app.add_option(
+           "--format", words.format,
+           "Sample format of OUT: 24 bit or floating point (default 24, where\nthe file type allows both)")
         ->type_name("24|float")
         ->group(group);
-    app.add_option("--block", words.block, "Samples handed to the effect at a time, 1 to 65536 (default 512)")
+    app.add_option("--block", words.block, "Block size in samples, 1 to 65536 (default 512)")
         ->type_name("N")
         ->group(group);
     app.add_option("--pre-roll", words.preRoll,
-                   "Let the effect run on silence for so many seconds first, so that\n"
-                   "its glides have arrived (default: 150000 samples; 0 starts it cold)")
+                   "Run the effect on silence for this long first, so that its glides\n"
+                   "have settled (default: 150000 samples; 0 for none)")
         ->type_name("SECONDS")
         ->group(group);
 }
 
 void addReportOptions(CLI::App& app, Words& words) {
-    const std::string group = "Looking at it";
-    app.add_flag("--list", words.list, "Show the effect's programs and parameters, and render nothing")
+    const std::string group = "Information";
+    app.add_flag("--list", words.list, "List the effect's programs and parameters; render nothing")
         ->group(group);
-    app.add_option("--plot", words.plot, "Draw a picture of the sound before and after, and of the taps")
+    app.add_option("--plot", words.plot, "Draw the sound before and after, and the echoes")
         ->type_name("FILE.png")
         ->group(group);
     app.add_flag("--json", words.json, "Report in JSON on standard output, for scripts")->group(group);
-    app.add_flag("--quiet", words.quiet, "No progress and no report; warnings and errors only")->group(group);
+    app.add_flag("--quiet", words.quiet, "Print warnings and errors only")->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
 }
@@ -150,7 +153,7 @@ SampleFormat formatFrom(const std::string& text) {
         return SampleFormat::pcm24;
     if (sameName(text, "float"))
         return SampleFormat::float32;
-    throw ToolError("--format: " + inQuotes(text) + " is not a format; there are 24 and float");
+    throw ToolError("--format: " + inQuotes(text) + " is not a format; use 24 or float");
 }
 
 std::int32_t blockSizeFrom(const std::string& text) {
@@ -168,15 +171,15 @@ void checkCombination(const Words& words, const CLI::App& app) {
         if (!words.input.empty())
             throw ToolError("--list renders nothing and takes no files; leave out " + inQuotes(words.input));
         if (!words.plot.empty() || !words.automation.empty() || !words.midi.empty())
-            throw ToolError("--list renders nothing and goes with neither --plot nor --automate nor --midi");
+            throw ToolError("--list renders nothing; do not combine it with --plot, --automate or --midi");
         return;
     }
     if (words.input.empty())
         throw ToolError("which file? Give the audio file to play and the file to write, or --help");
     if (words.output.empty())
-        throw ToolError("where to? Give the file to write behind " + inQuotes(words.input));
+        throw ToolError("where to? Give the file to write after " + inQuotes(words.input));
     if (words.json && words.quiet)
-        throw ToolError("--json and --quiet do not go together");
+        throw ToolError("--json and --quiet cannot be combined");
 }
 
 Options optionsFrom(const Words& words) {
@@ -209,8 +212,7 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     app.allow_windows_style_options(false); // A file may be called /this, on every system.
     Words words;
     app.add_option("IN", words.input, "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo");
-    app.add_option("OUT", words.output,
-                   "The file to write; its ending says the kind: .wav, .flac, .aiff, .ogg");
+    app.add_option("OUT", words.output, "The file to write: .wav, .flac, .aiff or .ogg");
     addSoundOptions(app, words);
     addRenderOptions(app, words);
     addReportOptions(app, words);

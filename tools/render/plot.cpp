@@ -96,8 +96,8 @@ class PictureDrawing {
 
     std::string outputRemark() const {
         if (axis_.seconds >= wholeSeconds())
-            return "what came out";
-        return "what came out; it goes on to " + axisText(wholeSeconds(), 1) + " s, too quiet to be seen";
+            return "output";
+        return "output; it continues until " + axisText(wholeSeconds(), 1) + " s, too quiet to see";
     }
 
     void drawHead() {
@@ -139,7 +139,7 @@ class PictureDrawing {
     void drawWaves(double bottom) {
         const Waveform& dry = picture_.outlines->dry;
         const Waveform& wet = picture_.outlines->wet;
-        std::vector<Lane> lanes = {{"Dry", "what went in", &dry, 2, kDryTone}};
+        std::vector<Lane> lanes = {{"Dry", "input", &dry, 2, kDryTone}};
         if (picture_.isStereo) {
             lanes.push_back({"Dry and wet, left", outputRemark(), &wet, 0, kAmber});
             lanes.push_back({"Dry and wet, right", "", &wet, 1, kSlateBlue});
@@ -257,7 +257,7 @@ class PictureDrawing {
             loudest = std::max<double>(loudest, std::abs(tap.level));
         const double scale = roundUp(loudest);
         drawPanel(area, axis);
-        drawHeading(area, "Taps", tapsRemark());
+        drawHeading(area, "Echoes", tapsRemark());
         const auto y = [&](double level) { return area.bottom - level / scale * (area.height() - 8.0); };
         const int decimals = marksFor(scale, 2).decimals;
         for (double part : {0.0, 0.5, 1.0}) {
@@ -274,14 +274,14 @@ class PictureDrawing {
             canvas_.line({top.x, area.bottom}, top, colour, stem);
             canvas_.dot(top, stem * 1.6, colour);
         }
-        drawTimeMarks(axis, area.bottom, std::string("delay of the tap (") + axis.unit() + ")");
+        drawTimeMarks(axis, area.bottom, std::string("delay of the echo (") + axis.unit() + ")");
     }
 
     std::string tapsRemark() const {
         std::string count = std::to_string(picture_.taps.size());
         if (picture_.tapsAsked > 0 && picture_.taps.size() != static_cast<std::size_t>(picture_.tapsAsked))
-            count += " of " + std::to_string(picture_.tapsAsked) + " can be heard";
-        return count + ", before \"Stereo\" mixes left and right; level 1 is as loud as what went in";
+            count += " of " + std::to_string(picture_.tapsAsked) + " are audible";
+        return count + ", before \"Stereo\" mixes left and right; level 1 is as loud as the input";
     }
 
     /// Thin enough for the closest two taps to stand apart, within reason.

@@ -1,5 +1,6 @@
 #include "tools/render/report.h"
 
+#include "tools/common/effect_names.h"
 #include "tools/common/text.h"
 
 #include <algorithm>
@@ -65,12 +66,15 @@ std::string textOf(const Json& json) {
 
 Json jsonOf(const std::vector<ParameterState>& parameters) {
     Json list = Json::array();
-    for (const ParameterState& parameter : parameters)
+    for (const ParameterState& parameter : parameters) {
         list.push_back({{"id", parameter.id},
                         {"name", utf8(parameter.name)},
                         {"value", jsonOf(parameter.value)},
                         {"display", utf8(parameter.display)},
                         {"label", utf8(parameter.label)}});
+        if (!parameter.windowName.empty())
+            list.back()["windowName"] = parameter.windowName;
+    }
     return list;
 }
 
@@ -95,8 +99,9 @@ EffectState stateOf(host::Plugin& plugin) {
     state.program = plugin.getProgram();
     state.programName = plugin.programName();
     for (std::int32_t id = 0; id < plugin.numParams(); ++id)
-        state.parameters.push_back({id, plugin.parameterName(id), plugin.getParameter(id),
-                                    plugin.parameterDisplay(id), plugin.parameterLabel(id)});
+        state.parameters.push_back({id, plugin.parameterName(id), windowName(plugin, id),
+                                    plugin.getParameter(id), plugin.parameterDisplay(id),
+                                    plugin.parameterLabel(id)});
     return state;
 }
 
@@ -104,12 +109,19 @@ std::string listText(const EffectState& state, const std::vector<std::string>& p
     Table programTable;
     for (std::size_t i = 0; i < programs.size(); ++i)
         programTable.add({std::to_string(i), printable(programs[i])});
+    const bool hasWindowNames = std::ranges::any_of(
+        state.parameters, [](const ParameterState& parameter) { return !parameter.windowName.empty(); });
     Table parameterTable;
-    parameterTable.add({"id", "name", "value", "shown"});
+    const auto addParameter = [&](std::vector<std::string> row) {
+        if (!hasWindowNames)
+            row.erase(row.begin() + 2);
+        parameterTable.add(std::move(row));
+    };
+    addParameter({"id", "name", "in the window", "value", "shown"});
     for (const ParameterState& parameter : state.parameters)
-        parameterTable.add(
-            {std::to_string(parameter.id), printable(parameter.name), shortText(parameter.value),
-             printable(parameter.display + (parameter.label.empty() ? "" : " " + parameter.label))});
+        addParameter({std::to_string(parameter.id), printable(parameter.name), parameter.windowName,
+                      shortText(parameter.value),
+                      printable(parameter.display + (parameter.label.empty() ? "" : " " + parameter.label))});
     return "Programs\n" + programTable.text() + "\nParameters of program " + std::to_string(state.program) +
            ", " + printable(state.programName) + "\n" + parameterTable.text();
 }
@@ -141,11 +153,11 @@ std::vector<std::string> warningsFrom(const RenderReport& report) {
                            " dB; use a quieter input, or --format float, which keeps them");
     if (result.tailCutShort)
         warnings.push_back("the echoes still sound " + fixedText(kLongestTail, 0) +
-                           " s behind the input and are cut there; --tail SECONDS takes as long as you say");
+                           " s after the input and are cut there; set a longer time with --tail SECONDS");
     if (result.eventsMissed > 0)
         warnings.push_back(std::to_string(result.eventsMissed) +
-                           (result.eventsMissed == 1 ? " event lies" : " events lie") +
-                           " behind the output's end and had no effect");
+                           (result.eventsMissed == 1 ? " event comes" : " events come") +
+                           " after the end of the output and had no effect");
     return warnings;
 }
 

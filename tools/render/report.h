@@ -14,7 +14,8 @@ namespace tools::render {
 struct ParameterState {
     std::int32_t id = 0;
     std::string name;
-    float value = 0.0f; ///< normalised
+    std::string windowName; ///< in the Quillon Multitap Delay's window; empty for other effects
+    float value = 0.0f;     ///< normalised
     std::string display;
     std::string label;
 };

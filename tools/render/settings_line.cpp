@@ -33,10 +33,14 @@ struct Item {
 };
 
 constexpr Item kDelayItems[] = {
-    {"Taps #", "", " taps", " tap"},    {"Bs Lgh 1", "base length ", " ms", " ms"},
-    {"Stretch", "stretch ", "", ""},    {"Feedback", "feedback ", "", ""},
-    {"LFO Rt", "sweep ", " Hz", " Hz"}, {"LFO Dp", "depth ", "", ""},
-    {"Dry Wet", "dry / wet ", "", ""},  {"Set", "", "", ""},
+    {"Taps #", "", " echoes", " echo"},
+    {"Bs Lgh 1", "base length ", " ms", " ms"},
+    {"Stretch", "stretch ", "", ""},
+    {"Feedback", "feedback ", "", ""},
+    {"LFO Rt", "sweep rate ", " Hz", " Hz"},
+    {"LFO Dp", "sweep depth ", "", ""},
+    {"Dry Wet", "mix ", "", ""},
+    {"Set", "", "", ""},
 };
 
 std::string shownBy(const ParameterState& parameter) {

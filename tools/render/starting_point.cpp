@@ -22,7 +22,7 @@ std::string idText(std::int32_t id) {
 
 void requireChunks(const host::Plugin& plugin, const std::filesystem::path& file) {
     if (!(plugin.effect()->flags & vst2::effFlagsProgramChunks))
-        throw ToolError(file.string() + " cannot be loaded: this effect keeps no chunks");
+        throw ToolError(file.string() + " cannot be loaded: this effect does not use chunks");
 }
 
 /// Sizes of an effect's two kinds of chunk.

@@ -36,7 +36,7 @@ BankFile parseBankFile(std::span<const std::uint8_t> bytes) {
         throw ToolError("ends within its header");
     const std::size_t size = bigEndian(bytes, kSizeOffset, 4);
     if (size > bytes.size() - kChunkOffset)
-        throw ToolError("ends before its bank does");
+        throw ToolError("ends before the end of its bank");
     const auto chunk = bytes.subspan(kChunkOffset, size);
     return {codeAt(bytes, 16), Bytes(chunk.begin(), chunk.end())};
 }

@@ -14,7 +14,7 @@ void checkEffect(const host::Plugin& plugin, const std::filesystem::path& librar
                         std::to_string(effect.numOutputs) +
                         " outputs; only effects with one or two of each can be used");
     if (!(effect.flags & vst2::effFlagsCanReplacing))
-        throw ToolError(library.string() + " can only add to what is there, as effects did long ago");
+        throw ToolError(library.string() + " supports only the old accumulating mode");
 }
 
 host::HostBehaviour hostBehaviour(double sampleRate, std::int32_t blockSize) {

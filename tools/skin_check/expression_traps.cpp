@@ -7,7 +7,7 @@ namespace tools::window {
 
 namespace {
 
-/// A longer name ends the host. For a name that stands first, blanks before it count.
+/// A longer name crashes the host. For a name that stands first, blanks before it count.
 constexpr std::size_t kLongestName = 59;
 
 /// The priority above which there is none: a sign binds so.
@@ -68,7 +68,8 @@ class TrapFinder {
             return;
         skipName();
         if (at_ > begin && at_ > kLongestName)
-            return stop(begin, "a name at the beginning that reaches beyond the 59th character ends the host",
+            return stop(begin,
+                        "a name at the beginning that reaches beyond the 59th character crashes the host",
                         true);
         skipBlanks();
         at_ = at_ > begin && here() == '=' ? at_ + 1 : begin;
@@ -100,8 +101,8 @@ class TrapFinder {
         }
         // The level around this one then begins where this one began, and takes the sign for an operator.
         if (hasOperator && !isOutermost && text_[begin] == '-')
-            stop(begin, "what stands from this minus sign on is counted twice; a sign works before a single "
-                        "operand only");
+            stop(begin, "everything after this minus sign is counted twice; use a minus sign only "
+                        "before a single number");
     }
 
     void operand() {
@@ -117,10 +118,10 @@ class TrapFinder {
             while (base::isDigit(here()) || here() == '.')
                 ++at_;
         } else if (skipName(); at_ - begin > kLongestName) {
-            stop(begin, "a name of 60 characters or more ends the host", true);
+            stop(begin, "a name of 60 characters or more crashes the host", true);
         } else if (at_ == begin) {
             stop(begin, here() == '.'
-                            ? "a number begins with a digit: this counts as 0, and the rest is not read"
+                            ? "a number must begin with a digit: this counts as 0, and the rest is ignored"
                         : here() ? "a number or a name is missing here, and counts as 0"
                                  : "a number or a name is missing at the end, and counts as 0");
         }
@@ -135,9 +136,9 @@ class TrapFinder {
             skipBlanks();
         }
         if (closesGroup && here())
-            stop(at_, "nothing behind a closing parenthesis is read: a group works as the last operand only");
+            stop(at_, "text after a closing parenthesis is ignored: parentheses work only at the end");
         else if (here())
-            stop(at_, "nothing from " + inQuotes(trimmed(text_.substr(at_))) + " on is read");
+            stop(at_, "everything from " + inQuotes(trimmed(text_.substr(at_))) + " on is ignored");
     }
 
     std::string_view text_;

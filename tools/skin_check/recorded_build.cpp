@@ -16,6 +16,7 @@
 #include "tools/common/tool_error.h"
 
 #include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/controls/ccontrol.h"
 
 #include <algorithm>
 #include <array>
@@ -86,7 +87,7 @@ class ProcessOverrides {
     static std::string textOf(const std::filesystem::path& path) {
         if (const auto text = platform::textOfPath(path))
             return *text;
-        throw ToolError(path.string() + " has letters that a plug-in cannot name");
+        throw ToolError(path.string() + " has letters that plug-ins cannot use");
     }
 
     static void note(void* context, const char* text, const char* caption, const platform::MessageLook&) {
@@ -115,6 +116,28 @@ Place placeOf(const Message& message, const SourceElement& object) {
     return object.place;
 }
 
+ObjectRole roleOf(const std::string& kindName) {
+    const skin::KindRule* const kind = skin::kindNamed(kindName);
+    if (!kind)
+        return ObjectRole::other;
+    switch (kind->kind) {
+    case skin::ObjectKind::knob:
+    case skin::ObjectKind::slider:
+    case skin::ObjectKind::onOff:
+    case skin::ObjectKind::verticalSwitch:
+    case skin::ObjectKind::horizontalSwitch:
+    case skin::ObjectKind::optionMenu:
+    case skin::ObjectKind::kick:
+        return ObjectRole::control;
+    case skin::ObjectKind::autoDisplay:
+    case skin::ObjectKind::anyDisplay:
+    case skin::ObjectKind::display:
+        return ObjectRole::text;
+    default:
+        return ObjectRole::other;
+    }
+}
+
 class RecordingEditor final : public editor::myEditor {
   public:
     RecordingEditor(interfaces::EditorHost& owner, const SourceElement& root, ProcessOverrides& overrides)
@@ -123,18 +146,20 @@ class RecordingEditor final : public editor::myEditor {
         overrides_.takeMessages();
     }
 
-    std::vector<Finding> findings;
+    RecordedBuild record;
 
   protected:
     int createControls(const char* name, skin::SkinObject* object, skin::SkinContext* context) override {
+        const std::size_t countBefore = controls().size();
         const int result = myEditor::createControls(name, object, context);
         const SourceElement& source = root_.children.at(next_++);
         const auto messages = overrides_.takeMessages();
         for (const Message& message : messages)
-            findings.push_back({placeOf(message, source), message.caption + ": " + message.text});
+            record.findings.push_back({placeOf(message, source), message.caption + ": " + message.text});
         if (messages.empty() && result != 1)
-            findings.push_back({source.place, whyPassedOver(source, result)});
+            record.findings.push_back({source.place, whyPassedOver(source, result)});
         notePictures(source, *context);
+        noteOutline(source, countBefore);
         return result;
     }
 
@@ -145,9 +170,8 @@ class RecordingEditor final : public editor::myEditor {
     }
 
     static std::string whyPassedOver(const SourceElement& source, int result) {
-        const std::string what = std::string("<").append(printable(source.name)) + "> is passed over: ";
-        return what + (result < 0 ? "there is no such kind of object"
-                                  : "there is no window yet, which <background> makes");
+        const std::string what = std::string("<").append(printable(source.name)) + "> is ignored: ";
+        return what + (result < 0 ? "there is no such kind of object" : "it must come after <background>");
     }
 
     void notePictures(const SourceElement& source, const skin::SkinContext& context) {
@@ -156,8 +180,27 @@ class RecordingEditor final : public editor::myEditor {
             const skin::TagRule* const rule = kind ? skin::tagNamed(*kind, tag.name) : nullptr;
             const bool counts = rule && rule->type == skin::TagType::picture && source.find(tag.name) == &tag;
             if (counts && !tag.value.empty() && isEmpty(tag.value, context))
-                findings.push_back({tag.valuePlace, whyEmpty(tag.value, context)});
+                record.findings.push_back({tag.valuePlace, whyEmpty(tag.value, context)});
         }
+    }
+
+    /// Records the first control that the object added; before it there were `countBefore`.
+    void noteOutline(const SourceElement& source, std::size_t countBefore) {
+        const auto all = controls();
+        if (all.size() <= countBefore)
+            return;
+        const VSTGUI::CControl& control = *all[countBefore];
+        const VSTGUI::CRect place = control.getViewSize();
+        ObjectOutline outline = {.kind = printable(source.name),
+                                 .role = roleOf(source.name),
+                                 .id = std::nullopt,
+                                 .left = place.left,
+                                 .top = place.top,
+                                 .right = place.right,
+                                 .bottom = place.bottom};
+        if (source.find("id"))
+            outline.id = control.getTag();
+        record.outlines.push_back(std::move(outline));
     }
 
     /// Whether the name was asked for and gave a picture of no size.
@@ -171,7 +214,7 @@ class RecordingEditor final : public editor::myEditor {
     static std::string whyEmpty(const std::string& name, const skin::SkinContext& context) {
         return "the picture " + inQuotes(name) +
                (toolkit::findPicture(context.path, name)
-                    ? " cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, GIF, TIFF or ICO"
+                    ? " cannot be read: it is truncated, too large, or not a PNG, BMP, JPEG, GIF, TIFF or ICO"
                     : " is not in the skin's folder");
     }
 
@@ -182,13 +225,13 @@ class RecordingEditor final : public editor::myEditor {
 
 } // namespace
 
-std::vector<Finding> buildRecorded(const std::filesystem::path& folder, const SourceElement& root) {
+RecordedBuild buildRecorded(const std::filesystem::path& folder, const SourceElement& root) {
     ProcessOverrides overrides(folder);
     SilentEffect effect;
     RecordingEditor editor(effect, root, overrides);
     editor.open(nullptr);
     editor.close();
-    return std::move(editor.findings);
+    return std::move(editor.record);
 }
 
 } // namespace tools::window

@@ -61,9 +61,15 @@ std::vector<Finding> SkinText::findingsBuiltIn(const std::filesystem::path& fold
     std::vector<Finding> all = findings_;
     if (obstacle() || !base::equalIgnoringCase(source_.root->name, "GUI"))
         return all;
-    std::ranges::move(buildRecorded(folder, *source_.root), std::back_inserter(all));
+    std::ranges::move(buildRecorded(folder, *source_.root).findings, std::back_inserter(all));
     arrange(all);
     return all;
+}
+
+std::vector<ObjectOutline> SkinText::outlinesBuiltIn(const std::filesystem::path& folder) const {
+    if (obstacle() || !base::equalIgnoringCase(source_.root->name, "GUI"))
+        return {};
+    return buildRecorded(folder, *source_.root).outlines;
 }
 
 std::vector<Finding> checkSkin(const std::filesystem::path& folder) {

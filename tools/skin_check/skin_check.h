@@ -2,6 +2,7 @@
 // it shows when it builds the window, each with its place in the file.
 #pragma once
 
+#include "tools/skin_check/object_outline.h"
 #include "tools/skin_check/skin_source.h"
 
 #include <filesystem>
@@ -27,6 +28,9 @@ class SkinText {
     /// findings(), and what the building of this text shows, with the pictures in `folder`. As of
     /// checkSkin().
     std::vector<Finding> findingsBuiltIn(const std::filesystem::path& folder) const;
+    /// The positions of its objects with the pictures in `folder`, the bottom one first; empty if there is an
+    /// obstacle. As of checkSkin().
+    std::vector<ObjectOutline> outlinesBuiltIn(const std::filesystem::path& folder) const;
 
   private:
     SkinSource source_;

@@ -82,9 +82,9 @@ files::path skinFolderFor(const std::string& nameOrFolder, const files::path& li
             return file->parent_path();
         if (!findSkinFile(asFolder(nameOrFolder))) {
             const std::string names = namesOfSkinsIn(home);
-            throw ToolError("there is no skin " + inQuotes(nameOrFolder) +
-                            ", neither beside the library nor here; " +
-                            (names.empty() ? "name a folder that holds a skin.xml" : "there are " + names));
+            throw ToolError(
+                "there is no skin " + inQuotes(nameOrFolder) + ", neither beside the library nor here; " +
+                (names.empty() ? "give a folder that contains a skin.xml" : "there are " + names));
         }
     }
     const files::path folder = asFolder(nameOrFolder);

@@ -53,7 +53,7 @@ class Judge {
         for (const SourceElement& object : root.children)
             judgeObject(object);
         if (!hasBackground_)
-            find(root.place, "there is no <background> that names a picture, and so no window");
+            find(root.place, "the skin has no <background> with a picture, and so no window");
         return std::move(findings_);
     }
 
@@ -76,19 +76,19 @@ class Judge {
         else if (kind->kind == ObjectKind::optionMenu)
             return judgeMenu(object);
         for (const SourceElement& child : object.children)
-            find(child.place, "only <optionmenu> has elements inside; this one is not read");
+            find(child.place, "only <optionmenu> may contain elements; this one is ignored");
     }
 
     void judgeText(const SourceElement& element) {
         if (!element.text.empty())
-            find(element.textPlace, "text means nothing here");
+            find(element.textPlace, "text is ignored here");
     }
 
     void judgeTags(const SourceElement& object, const KindRule& kind) {
         for (const SourceAttribute& tag : object.attributes) {
             const TagRule* const rule = skin::tagNamed(kind, tag.name);
             if (object.find(tag.name) != &tag)
-                find(tag.place, inQuotes(tag.name) + of(object) + " is given again; the first one counts");
+                find(tag.place, inQuotes(tag.name) + of(object) + " is repeated; the first one counts");
             else if (!rule)
                 find(tag.place, std::string("<").append(kind.name) + "> has no tag " + inQuotes(tag.name));
             else
@@ -99,7 +99,7 @@ class Judge {
     void judgeValue(const SourceElement& object, const SourceAttribute& tag, const TagRule& rule) {
         const std::string name = inQuotes(tag.name) + of(object);
         if (tag.value.size() > kMostValueBytes)
-            find(tag.valuePlace, name + " is cut behind " + std::to_string(kMostValueBytes) + " characters");
+            find(tag.valuePlace, name + " is cut after " + std::to_string(kMostValueBytes) + " characters");
         if (rule.type == TagType::number)
             judgeExpression(tag.value.substr(0, kMostValueBytes), tag.valuePlace, name);
         else if (rule.type == TagType::colour && !isColour(tag.value))
@@ -125,7 +125,7 @@ class Judge {
             const auto begin = static_cast<std::size_t>(line.data() - text.data());
             const Place place = placeWithin(text, begin, object.textPlace);
             if (line.size() > skin::kMostConstantBytes)
-                find(place, "a constant of 256 characters or more ends the host", true);
+                find(place, "a constant of 256 characters or more crashes the host", true);
             else
                 judgeConstant(line, place);
         }
@@ -151,13 +151,13 @@ class Judge {
         if (menu.children.empty() || !base::equalIgnoringCase(menu.children.front().name, "list")) {
             find(menu.place,
                  "<optionmenu> needs a <list> of entries as its first element; without one it shows "
-                 "entries that mean nothing");
+                 "meaningless entries");
             return;
         }
         judgeText(menu.children.front());
         for (const SourceElement& entry : menu.children.front().children)
             if (!base::equalIgnoringCase(entry.name, "entry"))
-                find(entry.place, "a <list> holds elements <entry>; this one is passed over");
+                find(entry.place, "a <list> holds elements <entry>; this one is ignored");
         for (std::size_t i = 1; i < menu.children.size(); ++i)
             find(menu.children[i].place, "only the first element of <optionmenu> is read");
     }

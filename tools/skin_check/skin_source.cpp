@@ -144,7 +144,7 @@ class Scanner {
             skipBlanksInTag(owner);
             if (here() != '=') {
                 find(begin, "the attribute " + inQuotes(attribute.name) + " of " + tag(owner.name) +
-                                " has no value and is dropped");
+                                " has no value and is ignored");
                 continue;
             }
             ++position_;
@@ -165,7 +165,7 @@ class Scanner {
     void value(const SourceElement& owner, SourceAttribute& attribute) {
         if (here() != '"')
             throw Refused{position_, "the value of " + inQuotes(attribute.name) + " of " + tag(owner.name) +
-                                         " must stand in double quotes"};
+                                         " must be in double quotes"};
         const std::size_t begin = position_ + 1;
         const std::size_t end = text_.find('"', begin);
         if (end == std::string_view::npos)
@@ -210,14 +210,15 @@ class Scanner {
         skipBlanks();
         const std::string closed = name();
         if (closed.size() > kLongestClosingName)
-            throw Refused{begin,
-                          "the name in this closing tag is longer than 255 characters, which ends the host",
-                          true};
+            throw Refused{
+                begin, "the name in this closing tag is longer than 255 characters, which crashes the host",
+                true};
         skipBlanks();
         if (here() != '>')
             throw Refused{position_, "the tag that closes " + opened + " must end with \">\""};
         if (!base::equalIgnoringCase(closed, owner.name))
-            throw Refused{begin, "</" + printable(closed) + "> stands where " + opened + " must be closed"};
+            throw Refused{begin,
+                          "</" + printable(closed) + "> is here, but " + opened + " must be closed first"};
         ++position_;
     }
 
@@ -262,7 +263,7 @@ class Scanner {
     void checkBehindRoot(const SourceElement& root) {
         skipBlanks();
         if (!isAtEnd())
-            find(position_, "nothing behind the end of " + tag(root.name) + " is read");
+            find(position_, "everything after the end of " + tag(root.name) + " is ignored");
     }
 
     std::string_view text_;
@@ -286,7 +287,7 @@ SkinSource readSkinSource(std::string_view text) {
     const std::size_t zero = text.find('\0');
     SkinSource source = Scanner(text.substr(0, zero)).scan();
     if (zero != std::string_view::npos && !source.root)
-        source.findings.back().text += "; a zero byte counts as the end of the file, and one stands here";
+        source.findings.back().text += "; the file ends here, at a zero byte";
     return source;
 }
 

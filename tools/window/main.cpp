@@ -6,6 +6,7 @@
 #include "host/library_call.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
+#include "tools/window/new_skin.h"
 #include "tools/window/showing.h"
 
 #include <exception>
@@ -26,6 +27,10 @@ int complain(const std::exception& error, int code) {
 int run(const window::Options& options) {
     std::FILE* const output = desk::takeOwnOutput();
     watchForInterrupts();
+    if (!options.newSkin.empty()) {
+        window::makeSkin(options.newSkin);
+        return 0;
+    }
     if (options.check)
         return window::checkSkinFor(options, output) ? 0 : kExitFound;
     window::openEditor(options);

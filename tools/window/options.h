@@ -17,7 +17,9 @@ struct Options {
     std::filesystem::path screenshot; ///< empty: show the window and stay
     std::string program;              ///< number or name; empty: as the effect comes up
     std::vector<SettingOption> settings;
+    std::filesystem::path newSkin; ///< a folder to create; empty: none
     bool watch = false;
+    bool outlines = false;
     bool check = false;
 };
 

@@ -8,14 +8,28 @@
 
 namespace tools::window {
 
-void writePng(const desk::Picture& picture, const std::filesystem::path& file) {
+namespace {
+
+/// `write` takes a path and writes the PNG there.
+template <typename Write>
+void writeWhole(const std::filesystem::path& file, Write write) {
     OutputFile output(file);
     try {
-        desk::writePng(picture, output.temporary());
+        write(output.temporary());
     } catch (const std::runtime_error& error) {
         throw ToolError(file.string() + " cannot be written: " + error.what());
     }
     output.commit();
+}
+
+} // namespace
+
+void writePng(const desk::Picture& picture, const std::filesystem::path& file) {
+    writeWhole(file, [&](const std::filesystem::path& draft) { desk::writePng(picture, draft); });
+}
+
+void writePng(desk::Canvas& canvas, const std::filesystem::path& file) {
+    writeWhole(file, [&](const std::filesystem::path& draft) { canvas.writePng(draft); });
 }
 
 } // namespace tools::window

@@ -13,6 +13,7 @@
 #include "tools/skin_check/skin_check.h"
 #include "tools/skin_check/skin_folder.h"
 #include "tools/window/folder_watch.h"
+#include "tools/window/outlines.h"
 #include "tools/window/png_file.h"
 #include "tools/window/stage.h"
 
@@ -124,6 +125,8 @@ class Showing {
         if (stage_)
             stage_->bringUpToDate();
         const auto findings = options_.watch ? text->findingsBuiltIn(stage_->skin()) : std::vector<Finding>();
+        if (options_.outlines)
+            outlines_ = text->outlinesBuiltIn(stage_->skin());
         makeInstance();
         if (!window_)
             window_ = std::make_unique<host::EditorWindow>(title());
@@ -205,10 +208,12 @@ class Showing {
         const auto picture = window_->settledPicture(kSettlingMilliseconds);
         stopIfInterrupted();
         if (!picture)
-            throw ToolError(
-                "there is no picture of the window to be had; is it larger than the screen, or does what is "
-                "drawn in it not get there?");
-        writePng(*picture, options_.screenshot);
+            throw ToolError("cannot take a picture of the window; is it larger than the screen, or is "
+                            "nothing drawn in it?");
+        if (options_.outlines)
+            writeOutlined(*picture, outlines_, options_.screenshot);
+        else
+            writePng(*picture, options_.screenshot);
     }
 
     const Options& options_;
@@ -218,6 +223,7 @@ class Showing {
     std::unique_ptr<host::Plugin> plugin_;
     std::unique_ptr<host::EditorWindow> window_;
     std::optional<EffectState> state_; ///< of the instance before
+    std::vector<ObjectOutline> outlines_;
     bool wasOpen_ = false;
     bool isSkinAtFault_ = false;
 };
@@ -244,15 +250,14 @@ void checkPlaces(const Options& options, const files::path& skin) {
         return;
     const files::path inside = options.screenshot.lexically_relative(skin);
     if (!inside.empty() && *inside.begin() != "..")
-        throw ToolError(options.screenshot.string() +
-                        " lies in the skin that is watched; give another folder");
+        throw ToolError(options.screenshot.string() + " is in the watched skin; choose another folder");
 }
 
 /// As a library finds it, which looks around in the code page of the machine.
 files::path placeForStage(const desk::PrivateFolder& folder) {
     if (folder.path().empty())
-        throw ToolError("the folder of temporary files has letters that a plug-in cannot name; "
-                        "set TMP to another one");
+        throw ToolError("the path of the temporary folder has letters that plug-ins cannot use; "
+                        "set TMP to another folder");
     return platform::pathFromText(folder.path());
 }
 

@@ -51,14 +51,14 @@ Stage::Stage(const files::path& folder, const files::path& library, const files:
     if (!name || !platform::writeSetting("SkinName", *name))
         throw ToolError("the skin cannot be chosen in " + folder.string());
 } catch (const files::filesystem_error& error) {
-    throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
+    throw ToolError(std::string("the skin cannot be prepared: ") + error.what());
 }
 
 void Stage::bringUpToDate() try {
     if (!isSkinLinked_)
         isSkinLinked_ = linkSkin(original_, skin_);
 } catch (const files::filesystem_error& error) {
-    throw ToolError(std::string("the skin cannot be laid out: ") + error.what());
+    throw ToolError(std::string("the skin cannot be prepared: ") + error.what());
 }
 
 } // namespace tools::window

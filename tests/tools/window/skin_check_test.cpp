@@ -88,25 +88,24 @@ TEST_F(CheckedSkin, ShowsAFaultThatCostsTheObjectNothing) {
 TEST_F(CheckedSkin, ShowsObjectsThatArePassedOver) {
     EXPECT_EQ(check("<GUI>\n<onoff x=\"1\" y=\"1\" id=\"0\" bitmap_handle=\"bg.png\"/>\n"
                     "<background filename=\"bg.png\"/>\n<knoob/>\n</GUI>"),
-              ":2:1: <onoff> is passed over: there is no window yet, which <background> makes\n"
-              ":4:1: <knoob> is passed over: there is no such kind of object\n");
+              ":2:1: <onoff> is ignored: it must come after <background>\n"
+              ":4:1: <knoob> is ignored: there is no such kind of object\n");
 }
 
 TEST_F(CheckedSkin, ShowsEachUseOfAPictureThatIsNotThere) {
     addPicture("torn.png", "torn.png");
     folder.writeText("words.png", "no picture at all");
-    EXPECT_EQ(
-        check("<GUI>\n<background filename=\"bg.png\"/>\n"
-              "<onoff x=\"1\" y=\"1\" id=\"0\" bitmap_handle=\"images\\Gone.png\"/>\n"
-              "<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"IMAGES\\gone.png\"/>\n"
-              "<onoff x=\"1\" y=\"1\" id=\"2\" bitmap_handle=\"words.png\"/>\n"
-              "<onoff x=\"1\" y=\"1\" id=\"3\" bitmap_handle=\"torn.png\"/>\n</GUI>"),
-        ":3:42: the picture \"images\\Gone.png\" is not in the skin's folder\n"
-        ":4:42: the picture \"IMAGES\\gone.png\" is not in the skin's folder\n"
-        ":5:42: the picture \"words.png\" cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, "
-        "GIF, TIFF or ICO\n"
-        ":6:42: the picture \"torn.png\" cannot be read: it is cut off, too large, or no PNG, BMP, JPEG, "
-        "GIF, TIFF or ICO\n");
+    EXPECT_EQ(check("<GUI>\n<background filename=\"bg.png\"/>\n"
+                    "<onoff x=\"1\" y=\"1\" id=\"0\" bitmap_handle=\"images\\Gone.png\"/>\n"
+                    "<onoff x=\"1\" y=\"1\" id=\"1\" bitmap_handle=\"IMAGES\\gone.png\"/>\n"
+                    "<onoff x=\"1\" y=\"1\" id=\"2\" bitmap_handle=\"words.png\"/>\n"
+                    "<onoff x=\"1\" y=\"1\" id=\"3\" bitmap_handle=\"torn.png\"/>\n</GUI>"),
+              ":3:42: the picture \"images\\Gone.png\" is not in the skin's folder\n"
+              ":4:42: the picture \"IMAGES\\gone.png\" is not in the skin's folder\n"
+              ":5:42: the picture \"words.png\" cannot be read: it is truncated, too large, or not a PNG, "
+              "BMP, JPEG, GIF, TIFF or ICO\n"
+              ":6:42: the picture \"torn.png\" cannot be read: it is truncated, too large, or not a PNG, "
+              "BMP, JPEG, GIF, TIFF or ICO\n");
 }
 
 TEST_F(CheckedSkin, ThatIsRefusedIsNotBuilt) {
@@ -120,11 +119,11 @@ TEST_F(CheckedSkin, ThatWouldEndTheHostIsNotBuilt) {
     const std::string name(60, 'k');
     EXPECT_EQ(check("<GUI>\n<background filename=\"gone.png\"/>\n<update src=\"1 + " + name +
                     "\" dst=\"1\"/></GUI>"),
-              ":3:18: \"src\" of <update>: a name of 60 characters or more ends the host\n");
+              ":3:18: \"src\" of <update>: a name of 60 characters or more crashes the host\n");
     EXPECT_EQ(check("<GUI>\n<CONSTANTS>" + std::string(300, '1') +
                     "</CONSTANTS>\n"
                     "<background filename=\"bg.png\"/></GUI>"),
-              ":2:12: a constant of 256 characters or more ends the host\n");
+              ":2:12: a constant of 256 characters or more crashes the host\n");
 }
 
 TEST_F(CheckedSkin, MissesItsFile) {

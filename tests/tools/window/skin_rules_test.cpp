@@ -39,7 +39,7 @@ TEST(SkinRules, WantARootOfTheRightName) {
 
 TEST(SkinRules, WantABackgroundThatNamesAPicture) {
     EXPECT_EQ(checkSkinText("<GUI></GUI>").front().text,
-              "there is no <background> that names a picture, and so no window");
+              "the skin has no <background> with a picture, and so no window");
     EXPECT_EQ(judged("<background/>"), "2:1 <background> without \"filename\" does nothing\n");
     EXPECT_EQ(judged("<background filename=\"b.png\"/>"),
               "2:1 a second <background> makes a second window over the first\n");
@@ -50,21 +50,19 @@ TEST(SkinRules, KnowTheTagsOfEachKindInAnyLetterCase) {
     EXPECT_EQ(judged("<KNOB X=\"1\" Bitmap_Handle=\"a.png\"/>"), "");
     EXPECT_EQ(judged("<knob widht=\"1\"/>"), "2:7 <knob> has no tag \"widht\"\n");
     EXPECT_EQ(judged("<viewtaps id=\"1\"/>"), "2:11 <ViewTaps> has no tag \"id\"\n");
-    EXPECT_EQ(judged("<knob x=\"1\" X=\"2\"/>"),
-              "2:13 \"X\" of <knob> is given again; the first one counts\n");
+    EXPECT_EQ(judged("<knob x=\"1\" X=\"2\"/>"), "2:13 \"X\" of <knob> is repeated; the first one counts\n");
 }
 
 TEST(SkinRules, LookIntoExpressions) {
-    EXPECT_EQ(judged("<knob x=\"(1+2)*3\"/>"),
-              "2:15 \"x\" of <knob>: nothing behind a closing parenthesis is read: a group works as the last "
-              "operand only\n");
+    EXPECT_EQ(judged("<knob x=\"(1+2)*3\"/>"), "2:15 \"x\" of <knob>: text after a closing parenthesis is "
+                                               "ignored: parentheses work only at the end\n");
     EXPECT_EQ(judged("<knob x=\"nobody\"/>"), "") << "the plug-in says that";
 }
 
 TEST(SkinRules, TellWhatIsTooLong) {
     EXPECT_EQ(judged("<onoff bitmap_handle=\"" + std::string(127, 'p') + "\"/>"), "");
     EXPECT_EQ(judged("<onoff bitmap_handle=\"" + std::string(128, 'p') + "\"/>"),
-              "2:23 \"bitmap_handle\" of <onoff> is cut behind 127 characters\n");
+              "2:23 \"bitmap_handle\" of <onoff> is cut after 127 characters\n");
 }
 
 TEST(SkinRules, KnowWhatAColourIs) {
@@ -93,7 +91,7 @@ TEST(SkinRules, KnowWhatYesAndNoAre) {
 TEST(SkinRules, GoThroughConstantsLineByLine) {
     EXPECT_EQ(judged("<CONSTANTS>\n a = 1, b\n\tc = 2*(3+4)\n</CONSTANTS>"), "");
     EXPECT_EQ(judged("<CONSTANTS>\n a = 1, b = 2 c\n</CONSTANTS>"),
-              "3:15 the constant: nothing from \"c\" on is read\n");
+              "3:15 the constant: everything from \"c\" on is ignored\n");
     EXPECT_EQ(judged("<CONSTANTS>two words</CONSTANTS>"), "") << "the plug-in says that";
     const auto fatal = [](const std::string& line) {
         const auto findings = checkSkinText("<GUI><CONSTANTS>" + line + "</CONSTANTS></GUI>");
@@ -108,20 +106,19 @@ TEST(SkinRules, GoThroughConstantsLineByLine) {
 TEST(SkinRules, KnowWhatAMenuIsMadeOf) {
     EXPECT_EQ(judged("<optionmenu><list><entry>One</entry></list></optionmenu>"), "");
     const std::string meaningless =
-        "2:1 <optionmenu> needs a <list> of entries as its first element; without one it shows entries that "
-        "mean nothing\n";
+        "2:1 <optionmenu> needs a <list> of entries as its first element; without one it shows meaningless "
+        "entries\n";
     EXPECT_EQ(judged("<optionmenu/>"), meaningless);
     EXPECT_EQ(judged("<optionmenu><entry>One</entry></optionmenu>"), meaningless);
     EXPECT_EQ(judged("<optionmenu><list><item>One</item></list><list/></optionmenu>"),
-              "2:19 a <list> holds elements <entry>; this one is passed over\n"
+              "2:19 a <list> holds elements <entry>; this one is ignored\n"
               "2:42 only the first element of <optionmenu> is read\n");
     EXPECT_EQ(judged("<knob><list/></knob>"),
-              "2:7 only <optionmenu> has elements inside; this one is not read\n");
+              "2:7 only <optionmenu> may contain elements; this one is ignored\n");
 }
 
 TEST(SkinRules, TellOfTextThatMeansNothing) {
-    EXPECT_EQ(judged("stray <knob>words</knob>"),
-              "2:1 text means nothing here\n2:13 text means nothing here\n");
+    EXPECT_EQ(judged("stray <knob>words</knob>"), "2:1 text is ignored here\n2:13 text is ignored here\n");
 }
 
 TEST(SkinRules, SayOnceWhatTheReaderTakesForTextByMistake) {
@@ -145,7 +142,8 @@ class KindsAndTags : public testing::Test {
         const std::string text = "<GUI><background filename=\"a.png\"/>" + object + "</GUI>";
         folder.writeText("skin.xml", text);
         std::string lines;
-        for (const Finding& finding : buildRecorded(folder.path(), *tools::window::readSkinSource(text).root))
+        const auto source = tools::window::readSkinSource(text);
+        for (const Finding& finding : buildRecorded(folder.path(), *source.root).findings)
             lines += finding.text + "\n";
         return lines;
     }
@@ -187,7 +185,7 @@ class KindsAndTags : public testing::Test {
 TEST_F(KindsAndTags, AreTheOnesThatTheBuilderKnows) {
     for (const KindRule& kind : skinKinds())
         EXPECT_EQ(built(object(kind)), "") << kind.name;
-    EXPECT_EQ(built("<knobb/>"), "<knobb> is passed over: there is no such kind of object\n");
+    EXPECT_EQ(built("<knobb/>"), "<knobb> is ignored: there is no such kind of object\n");
 }
 
 TEST_F(KindsAndTags, AreRequiredWhereTheBuilderMissesThem) {

@@ -76,8 +76,8 @@ TEST(SkinSource, FindsAnAttributeInAnyLetterCaseAndTheFirstOfTwo) {
 }
 
 TEST(SkinSource, TellsWhatIsPassedOverInSilence) {
-    EXPECT_EQ(findingsIn("<a b c=\"1\"/>"), "1:4 the attribute \"b\" of <a> has no value and is dropped\n");
-    EXPECT_EQ(findingsIn("<a/>trailing"), "1:5 nothing behind the end of <a> is read\n");
+    EXPECT_EQ(findingsIn("<a b c=\"1\"/>"), "1:4 the attribute \"b\" of <a> has no value and is ignored\n");
+    EXPECT_EQ(findingsIn("<a/>trailing"), "1:5 everything after the end of <a> is ignored\n");
     EXPECT_EQ(findingsIn("<a/> \n"), "");
     EXPECT_EQ(findingsIn("<a>one<b/>two</a>"),
               "1:4 this text of <a> is lost: only the last one between its children counts\n");
@@ -90,7 +90,7 @@ TEST(SkinSource, TellsWhatIsPassedOverInSilence) {
 TEST(SkinSource, TellsWhereAnElementEndsInSilence) {
     const std::string found = findingsIn("<GUI><knob x=\"10 y=\"20\"/></GUI>");
     EXPECT_TRUE(found.starts_with("1:21 <knob> ends here, at \"20\"/></GUI>\"")) << found;
-    EXPECT_TRUE(findingsIn("<a><b x=\"1\" / ></b></a>").starts_with("1:16 </b> stands where <a> of line 1"));
+    EXPECT_TRUE(findingsIn("<a><b x=\"1\" / ></b></a>").starts_with("1:16 </b> is here, but <a> of line 1"));
     EXPECT_TRUE(findingsIn("<a><b /x></a>").starts_with("1:7 <b> ends here")) << findingsIn("<a><b /x></a>");
     EXPECT_TRUE(findingsIn("<a 1=\"2\"/>").starts_with("1:4 <a> ends here"));
 }
@@ -113,10 +113,10 @@ TEST(SkinSource, SaysWhyTheReaderRefusesAFile) {
         {"< a/>", "1:1", "must follow \"<\" at once"},
         {"<_a/>", "1:1", "begin with a letter"},
         {"</a>", "1:1", "never opened"},
-        {"<a b='1'/>", "1:6", "\"b\" of <a> must stand in double quotes"},
+        {"<a b='1'/>", "1:6", "\"b\" of <a> must be in double quotes"},
         {"<a b=1/>", "1:6", "double quotes"},
         {"<a>\n<b c=\"1/>\n</a>", "2:6", "\"c\" of <b> has no closing quote"},
-        {"<a>\n<b>\n</a>", "3:1", "</a> stands where <b> of line 2 must be closed"},
+        {"<a>\n<b>\n</a>", "3:1", "</a> is here, but <b> of line 2 must be closed first"},
         {"<a></a", "1:7", "must end with \">\""},
         {"<a></a b>", "1:8", "must end with \">\""},
         {"<a>\ntext", "2:5", "<a> of line 1 is not closed"},

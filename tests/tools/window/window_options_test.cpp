@@ -52,15 +52,38 @@ TEST(WindowOptions, AreRead) {
 }
 
 TEST(WindowOptions, ThatDoNotGoTogetherAreRefused) {
-    EXPECT_EQ(errorOf({"--check"}), "--check: say with --skin which skin to look at");
-    EXPECT_EQ(errorOf({"--watch"}), "--watch: say with --skin which skin to look at");
+    EXPECT_EQ(errorOf({"--check"}), "--check: choose the skin with --skin");
+    EXPECT_EQ(errorOf({"--watch"}), "--watch: choose the skin with --skin");
     for (const std::vector<const char*>& also : {std::vector<const char*>{"--watch"},
                                                  {"--screenshot", "a.png"},
                                                  {"--program", "1"},
                                                  {"--set", "a=1"}}) {
         std::vector<const char*> arguments = {"--skin", "x", "--check"};
         arguments.insert(arguments.end(), also.begin(), also.end());
-        EXPECT_EQ(errorOf(arguments), "--check opens no window and goes with --skin and --library only");
+        EXPECT_EQ(errorOf(arguments), "--check opens no window; use it with --skin and --library only");
+    }
+}
+
+TEST(WindowOptions, AskForOutlinesOfASkinInAPicture) {
+    EXPECT_FALSE(optionsOf({"--skin", "x", "--screenshot", "a.png"}).outlines);
+    EXPECT_TRUE(optionsOf({"--skin", "x", "--screenshot", "a.png", "--outlines"}).outlines);
+    EXPECT_EQ(errorOf({"--outlines", "--screenshot", "a.png"}), "--outlines: choose the skin with --skin");
+    EXPECT_EQ(errorOf({"--outlines", "--skin", "x"}),
+              "--outlines: choose the picture file with --screenshot");
+}
+
+TEST(WindowOptions, AskForANewSkinAndNothingElse) {
+    EXPECT_EQ(optionsOf({"--new-skin", "my skin"}).newSkin, std::filesystem::current_path() / "my skin");
+    EXPECT_TRUE(optionsOf({}).newSkin.empty());
+    for (const std::vector<const char*>& also : {std::vector<const char*>{"--skin", "x"},
+                                                 {"--skin", "x", "--check"},
+                                                 {"--screenshot", "a.png"},
+                                                 {"--library", "x.so"},
+                                                 {"--program", "1"},
+                                                 {"--set", "a=1"}}) {
+        std::vector<const char*> arguments = {"--new-skin", "y"};
+        arguments.insert(arguments.end(), also.begin(), also.end());
+        EXPECT_EQ(errorOf(arguments), "--new-skin opens no window; use it without other options");
     }
 }
 
@@ -78,7 +101,7 @@ TEST(WindowOptions, AreExplained) {
     const auto parsed = parse({"--help"});
     const std::string help = std::get<HelpText>(parsed).text;
     for (const char* option : {"--skin NAME|FOLDER", "--watch", "--check", "--program", "--set", "--library",
-                               "--screenshot FILE.png", "--version"})
+                               "--screenshot FILE.png", "--outlines", "--new-skin FOLDER", "--version"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
     EXPECT_TRUE(std::get<HelpText>(parse({"--version"})).text.starts_with("quillon-window "));
 }

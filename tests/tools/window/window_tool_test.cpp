@@ -5,6 +5,7 @@
 #include "support/scratch_folder.h"
 #include "support/tool_run.h"
 
+#include <algorithm>
 #include <cairo.h>
 #include <csignal>
 #include <filesystem>
@@ -97,7 +98,8 @@ class WindowTool : public testing::Test {
         if (!path.empty())
             all.push_back("PATH=" + path);
         all.push_back(QUILLON_WINDOW);
-        if (!std::count(arguments.begin(), arguments.end(), "--library"))
+        const auto has = [&](const char* option) { return std::ranges::count(arguments, option) > 0; };
+        if (!has("--library") && !has("--new-skin"))
             all.insert(all.end(), {"--library", library});
         all.insert(all.end(), arguments.begin(), arguments.end());
         return all;
@@ -269,7 +271,78 @@ TEST_F(WindowTool, SaysWhyASkinDoesNotOpen) {
                      "<GUI>\n<update src=\"1+" + std::string(60, 'k') + "\"/></GUI>");
     expectFailure({"--skin", "elsewhere/Earth", "--screenshot", "picture.png"},
                   folder.file("elsewhere/Earth/skin.xml") +
-                      ":2:16: \"src\" of <update>: a name of 60 characters or more ends the host");
+                      ":2:16: \"src\" of <update>: a name of 60 characters or more crashes the host");
+}
+
+// Outlines
+
+TEST_F(WindowTool, DrawsTheEdgesOfObjectsOverThePicture) {
+    writeSkin("elsewhere/Earth", "<knob id=\"6\" x=\"10\" y=\"8\" w=\"50\" h=\"24\"/>\n"
+                                 "<autodisp id=\"6\" link=\"6\" x=\"10\" y=\"40\" w=\"100\" h=\"30\"/>\n");
+    const Drawing plain = picture({"--skin", "elsewhere/Earth"}),
+                  outlined = picture({"--skin", "elsewhere/Earth", "--outlines"});
+    const std::uint32_t knob = outlined.at(59, 31), text = outlined.at(109, 69);
+    EXPECT_NE(knob, plain.at(59, 31));
+    EXPECT_NE(text, plain.at(109, 69));
+    EXPECT_NE(knob, text) << "controls and texts have the same colour";
+    for (int x = 10; x < 60; ++x)
+        EXPECT_EQ(outlined.at(x, 31), knob) << x;
+    for (int y = 40; y < 70; ++y)
+        EXPECT_EQ(outlined.at(109, y), text) << y;
+    for (int y = 0; y < plain.height; ++y)
+        for (int x = 0; x < plain.width; ++x) {
+            const bool isKnob = x >= 10 && x < 60 && y >= 8 && y < 32,
+                       isText = x >= 10 && x < 110 && y >= 40 && y < 70;
+            if (!isKnob && !isText) {
+                ASSERT_EQ(outlined.at(x, y), plain.at(x, y)) << x << " " << y;
+            }
+        }
+}
+
+TEST_F(WindowTool, WritesTheIdIntoAnOutline) {
+    const auto labelled = [&](const std::string& id) {
+        writeSkin("elsewhere/Earth", "<knob id=\"" + id + "\" x=\"10\" y=\"8\" w=\"80\" h=\"40\"/>\n");
+        return picture(
+            {"--skin", "elsewhere/Earth", "--outlines", "--set", "Feedback=0.5", "--set", "Stereo=0.5"});
+    };
+    const Drawing six = labelled("6"), thirteen = labelled("13");
+    EXPECT_NE(six, thirteen);
+    EXPECT_EQ(six, labelled("2*3"));
+}
+
+// New skins
+
+TEST_F(WindowTool, CreatesACompleteSkinWithoutMistakes) {
+    const ToolResult made = run({"--new-skin", "Copper"});
+    EXPECT_EQ(made.exitCode, 0) << made.err;
+    EXPECT_EQ(made.out + made.err, "");
+    const ToolResult check = run({"--check", "--skin", "./Copper"});
+    EXPECT_EQ(check.exitCode, 0) << check.out;
+    EXPECT_EQ(check.out, "");
+    const Drawing drawing = picture({"--skin", "./Copper"});
+    EXPECT_GE(drawing.width, 640);
+    EXPECT_GE(drawing.height, 400);
+    expectNothingIsLeft();
+}
+
+TEST_F(WindowTool, CreatesASkinThatShowsEveryParameter) {
+    ASSERT_EQ(run({"--new-skin", "Copper"}).exitCode, 0);
+    const Drawing before = picture({"--skin", "./Copper", "--program", "0"});
+    for (int id = 0; id < 17; ++id) {
+        const auto at = [&](const std::string& value) {
+            return picture(
+                {"--skin", "./Copper", "--program", "0", "--set", std::to_string(id) + "=" + value});
+        };
+        EXPECT_TRUE(at("0.1") != before || at("0.9") != before) << id;
+    }
+}
+
+TEST_F(WindowTool, DoesNotChangeAnExistingFolder) {
+    expectFailure({"--new-skin", "elsewhere/Earth"},
+                  folder.file("elsewhere/Earth") + " already exists; choose another name");
+    expectFailure({"--new-skin", "nowhere/Copper"},
+                  folder.file("nowhere/Copper") + " cannot be created: No such file or directory");
+    EXPECT_EQ(picture({"--skin", "elsewhere/Earth"}).at(0, 0), brown);
 }
 
 // What else can be wrong
@@ -281,7 +354,7 @@ TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
     expectFailure({"--program", "999", "--screenshot", "a.png"},
                   "--program \"999\": there is no program 999; they are numbered 0 to 127");
     expectFailure({"--set", "Feedbak=1", "--screenshot", "a.png"},
-                  "--set \"Feedbak=1\": there is no parameter \"Feedbak\"; --list shows them");
+                  "--set \"Feedbak=1\": there is no parameter \"Feedbak\"; did you mean \"Feedback\"?");
     expectFailure({"--screenshot", "nowhere/a.png"}, folder.file("nowhere/a.png") +
                                                          " cannot be written: there is no folder " +
                                                          folder.file("nowhere"));
@@ -290,8 +363,7 @@ TEST_F(WindowTool, SaysInOneLineWhatIsWrong) {
     expectFailure({"--library", EFFECTS "/window_effect_refusing.so", "--screenshot", "a.png"},
                   "the plug-in's editor does not open");
     expectFailure({"--skin", "elsewhere/Earth", "--watch", "--screenshot", "elsewhere/Earth/a.png"},
-                  folder.file("elsewhere/Earth/a.png") +
-                      " lies in the skin that is watched; give another folder");
+                  folder.file("elsewhere/Earth/a.png") + " is in the watched skin; choose another folder");
 }
 
 TEST_F(WindowTool, NamesTheLibraryThatCrashesAndTheCall) {
@@ -325,6 +397,19 @@ TEST_F(WindowTool, IsSilentAboutASkinInOrder) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "");
     expectNothingIsLeft();
+}
+
+TEST_F(WindowTool, FindsNoMistakesInTheDeliveredSkins) {
+    int count = 0;
+    for (const files::directory_entry& entry : files::directory_iterator(QUILLON_SOURCE "/skins")) {
+        if (!files::exists(entry.path() / "skin.xml"))
+            continue;
+        const ToolResult result = run({"--check", "--skin", entry.path().string()});
+        EXPECT_EQ(result.exitCode, 0) << entry.path();
+        EXPECT_EQ(result.out + result.err, "");
+        ++count;
+    }
+    EXPECT_EQ(count, 5);
 }
 
 TEST_F(WindowTool, ListsWhatIsWrongWithASkin) {
@@ -480,7 +565,7 @@ TEST_F(WatchedSkin, MayBeBrokenForAWhile) {
     EXPECT_TRUE(says(*tool, "skin.xml:2:6: the file ends inside the tag <knob> of line 2\n"));
     EXPECT_TRUE(colourBecomes(0x000000)) << "the editor is closed";
     saveText("<GUI><background filename=\"bg.png\"/><update src=\"" + std::string(70, 'k') + "\"/></GUI>");
-    EXPECT_TRUE(says(*tool, "ends the host\n"));
+    EXPECT_TRUE(says(*tool, "crashes the host\n"));
     paintPng(folder.file("elsewhere/Earth/new.png"), 120, 80, green);
     saveText("<GUI><background filename=\"new.png\"/></GUI>");
     EXPECT_TRUE(colourBecomes(green));
