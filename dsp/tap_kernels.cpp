@@ -73,6 +73,27 @@ void findPositions(const MemorySpan& memory, const Sweep& sweep, const float* ti
     positions.maxDrift = maxDrift;
 }
 
+/// The same for a tap at rest under a sweep that moves it by less than one slot: its drift is `base` or the
+/// next one, which is found sooner than the extremes. False, with the positions undefined, if a drift is
+/// another.
+template <class Length>
+bool findPositionsAtRest(const MemorySpan& memory, const Sweep& sweep, float time, float wrapOffset,
+                         std::int32_t base, Length frames, TapPositions& __restrict positions) {
+    const float* const writePositions = memory.writePositions;
+    const float* const lfoOffset = sweep.lfoOffset;
+    std::uint32_t extra = 0;
+    for (std::int32_t i = 0; i < frames; ++i) {
+        const float p = writePositions[i] - time + lfoOffset[i] + wrapOffset;
+        const std::int32_t whole = static_cast<std::int32_t>(p);
+        positions.fraction[i] = p - static_cast<float>(whole);
+        positions.drift[i] = whole - i;
+        extra |= static_cast<std::uint32_t>(whole - i - base);
+    }
+    positions.minDrift = base;
+    positions.maxDrift = base + static_cast<std::int32_t>(extra);
+    return extra <= 1;
+}
+
 template <class Length>
 void findPositions(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, std::int32_t tap,
                    float wrapOffset, Length frames, TapPositions& positions) {
@@ -141,30 +162,6 @@ void readScattered(const float* samples, const TapPositions& at, Length frames, 
         row[i] = interpolate(points[i], at.fraction[i]);
 }
 
-/// A tap at rest under a sweep that moves it by less than one slot: its drift is `base` or base + 1. False,
-/// with the row undefined, if a drift is another.
-template <Interpolate interpolate, class Length>
-bool readAtRest(const MemorySpan& memory, const Sweep& sweep, float time, float wrapOffset, std::int32_t base,
-                Length frames, float* row) {
-    const float* const writePositions = memory.writePositions;
-    const float* const lfoOffset = sweep.lfoOffset;
-    TapPositions at;
-    std::uint32_t extra = 0;
-    for (std::int32_t i = 0; i < frames; ++i) {
-        const float p = writePositions[i] - time + lfoOffset[i] + wrapOffset;
-        const std::int32_t whole = static_cast<std::int32_t>(p);
-        at.drift[i] = whole - i;
-        at.fraction[i] = p - static_cast<float>(whole);
-        extra |= static_cast<std::uint32_t>(whole - i - base);
-    }
-    const float* const slots = memory.samples + (base - 1);
-    if (extra == 0)
-        readSteady<interpolate>(slots, at, frames, row);
-    else
-        readDrifting<interpolate>(slots, base, at.drift, at.fraction, frames, row);
-    return extra <= 1;
-}
-
 /// `slots` begins where the slots of minDrift do.
 template <Interpolate interpolate, class Length>
 void readRow(const float* slots, const TapPositions& at, Length frames, float* row) {
@@ -224,23 +221,34 @@ void prefetchFirst(const MemorySpan& memory, const TapPlan& plan, std::int32_t t
         prefetch(memory, plan, tap);
 }
 
+/// Taps whose positions are found together. Then the processor knows early which way each is read, and does
+/// not wait for the memory with all of them at once.
+constexpr std::int32_t kTapsPositioned = 4;
+
 template <Interpolate interpolate>
 void readTaps(const MemorySpan& memory, const Sweep& sweep, const TapPaths& paths, const TapPlan& plan,
               const std::int32_t* tapNumbers, std::int32_t count, std::int32_t taps, Row* rows) {
     const bool isSlow = sweep.max - sweep.min < 1.0f;
+    TapPositions positions[kTapsPositioned];
     atItsLength<kSubBlockFrames>(memory.frames, [&](auto frames) {
-        for (std::int32_t k = 0; k < count; ++k) {
-            const std::int32_t tap = tapNumbers[k];
-            float* const row = rows[tap % kTapsAtOnce].data();
-            if (!isSlow || paths.times[tap] ||
-                !readAtRest<interpolate>(memory, sweep, paths.firstTimes[tap], plan.wrapOffsets[tap],
-                                         plan.firstSlots[tap] + 1, frames, row)) {
-                TapPositions at;
-                findPositions(memory, sweep, paths, tap, plan.wrapOffsets[tap], frames, at);
-                readRow<interpolate>(memory.samples + (at.minDrift - 1), at, frames, row);
+        for (std::int32_t first = 0; first < count; first += kTapsPositioned) {
+            const std::int32_t left = count - first;
+            const std::int32_t together = left < kTapsPositioned ? left : kTapsPositioned;
+            for (std::int32_t k = 0; k < together; ++k) {
+                const std::int32_t tap = tapNumbers[first + k];
+                const float wrapOffset = plan.wrapOffsets[tap];
+                if (!isSlow || paths.times[tap] ||
+                    !findPositionsAtRest(memory, sweep, paths.firstTimes[tap], wrapOffset,
+                                         plan.firstSlots[tap] + 1, frames, positions[k]))
+                    findPositions(memory, sweep, paths, tap, wrapOffset, frames, positions[k]);
             }
-            if (tap + kTapsAtOnce < taps)
-                prefetch(memory, plan, tap + kTapsAtOnce);
+            for (std::int32_t k = 0; k < together; ++k) {
+                const std::int32_t tap = tapNumbers[first + k];
+                readRow<interpolate>(memory.samples + (positions[k].minDrift - 1), positions[k], frames,
+                                     rows[tap % kTapsAtOnce].data());
+                if (tap + kTapsAtOnce < taps)
+                    prefetch(memory, plan, tap + kTapsAtOnce);
+            }
         }
     });
 }
