@@ -30,7 +30,7 @@ LABELS = {
     "InputGain": "Gain",
     "Feedback": "Feedback",
     "Stereo": "Stereo",
-    "DryWet": "Dry / Wet",
+    "DryWet": "Mix",
     "OutputPan": "Echo pan",
     "OutputGain": "Gain",
 }

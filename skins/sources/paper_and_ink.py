@@ -38,7 +38,7 @@ LABELS = {
     "InputGain": "gain",
     "Feedback": "feedback",
     "Stereo": "stereo",
-    "DryWet": "dry / wet",
+    "DryWet": "mix",
     "OutputPan": "echo pan",
     "OutputGain": "gain",
 }

@@ -89,7 +89,7 @@ def _background(skin):
         light = fade(0, top, 0, bottom, (0, "FFFFFF", 0.11), (0.25, "FFFFFF", 0.03), (1, "000000", 0.12))
         canvas.frame(left, top, right - left, bottom - top, light, radius=6)
     hero = skin.control_rect("DryWet", PICTURES)
-    canvas.text(hero.middle, top + 18, "Dry / Wet", 12, IVORY, PANEL_TOP, bold=True)
+    canvas.text(hero.middle, top + 18, "Mix", 12, IVORY, PANEL_TOP, bold=True)
     for row, names in ROWS.items():
         for name in names:
             middle = skin.control_rect(name, PICTURES).middle
