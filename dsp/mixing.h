@@ -42,34 +42,42 @@ static inline float mixedInput(const StereoSample& dry, float pan, Product times
     return times(dry.left, 1.0f - pan) + times(dry.right, pan);
 }
 
-/// "Stereo" crosses a channel of the wet pair over with the `other` one.
-template <class Product, class OtherProduct>
-static inline float crossed(float wet, float other, float stereo, Product times, OtherProduct timesOther) {
-    return times(wet, 1.0f - stereo) + timesOther(other, stereo);
-}
-
-/// "Out Pan" balances a channel of the crossed pair, "Dry Wet" mixes it with the dry input.
+/// "Stereo" crosses the wet pair over: a channel is its own share of the wet one and a share of the other.
 template <class Product>
-static inline float mixedLeft(float crossed, float dry, float pan, float mix, Product times) {
-    return times(times(crossed, (1.0f - pan) + (1.0f - pan)), mix) + times(dry, 1.0f - mix);
+static inline float ownShare(float wet, float stereo, Product times) {
+    return times(wet, 1.0f - stereo);
 }
 template <class Product>
-static inline float mixedRight(float crossed, float dry, float pan, float mix, Product times) {
-    return times(times(crossed, pan) + times(crossed, pan), mix) + times(dry, 1.0f - mix);
+static inline float crossingShare(float otherWet, float stereo, Product times) {
+    return times(otherWet, stereo);
 }
 
-/// All of them for one frame.
+/// "Out Pan" balances the crossed pair, "Dry Wet" mixes it with the dry input.
+template <class Product>
+static inline float leftShare(float crossed, float pan, float mix, Product times) {
+    return times(times(crossed, (1.0f - pan) + (1.0f - pan)), mix);
+}
+template <class Product>
+static inline float rightShare(float crossed, float pan, float mix, Product times) {
+    return times(times(crossed, pan) + times(crossed, pan), mix);
+}
+template <class Product>
+static inline float dryShare(float dry, float mix, Product times) {
+    return times(dry, 1.0f - mix);
+}
+
+/// The output of one frame.
 static inline StereoSample mixedOutput(const StereoSample& dry, const StereoSample& wet,
                                        const MixLevels& levels) {
     const float stereo = levels.stereo, mix = levels.mix, pan = levels.pan;
     const StereoSample pair = withProductFor(isTiny(wet.left) || isTiny(wet.right), [&](auto times) {
-        return StereoSample{crossed(wet.left, wet.right, stereo, times, times),
-                            crossed(wet.right, wet.left, stereo, times, times)};
+        return StereoSample{ownShare(wet.left, stereo, times) + crossingShare(wet.right, stereo, times),
+                            ownShare(wet.right, stereo, times) + crossingShare(wet.left, stereo, times)};
     });
     const bool someTiny = isTiny(pair.left) || isTiny(pair.right) || isTiny(dry.left) || isTiny(dry.right);
     return withProductFor(someTiny, [&](auto times) {
-        return StereoSample{mixedLeft(pair.left, dry.left, pan, mix, times),
-                            mixedRight(pair.right, dry.right, pan, mix, times)};
+        return StereoSample{leftShare(pair.left, pan, mix, times) + dryShare(dry.left, mix, times),
+                            rightShare(pair.right, pan, mix, times) + dryShare(dry.right, mix, times)};
     });
 }
 

@@ -54,13 +54,63 @@ void mixInput(const StereoRow& dry, float pan, float* __restrict mono, std::int3
     });
 }
 
+/// Whether all samples of a row are the same.
+template <class Length>
+bool isSteady(const Row& row, Length frames) {
+    const std::uint32_t first = __builtin_bit_cast(std::uint32_t, row.data()[0]);
+    std::uint32_t difference = 0;
+    for (std::int32_t i = 0; i < frames; ++i)
+        difference |= __builtin_bit_cast(std::uint32_t, row.data()[i]) ^ first;
+    return difference == 0;
+}
+
+/// Gives use() a function from a frame to the share that a row of samples has in a mix: share(i, times),
+/// where times is the product that is right for the samples. Tiny samples that do not change, as after a
+/// sound, are multiplied once if the levels do not change either.
+template <class Length, class LevelsAreSteady, class Share, class Use>
+void withShares(const Row& samples, Length frames, LevelsAreSteady levelsAreSteady, Share share, Use use) {
+    if (!holdsTiny(samples, frames)) {
+        use([&](std::int32_t i) { return share(i, PlainProduct{}); });
+    } else if (isSteady(samples, frames) && levelsAreSteady()) {
+        const float steady = share(0, SubnormalProduct{});
+        use([=](std::int32_t) { return steady; });
+    } else {
+        use([&](std::int32_t i) { return share(i, SubnormalProduct{}); });
+    }
+}
+
+/// sum[i] = shares(i) + others(i).
+template <class Length, class Shares, class Others>
+void addShares(Length frames, Shares shares, Others others, float* __restrict sum) {
+    for (std::int32_t i = 0; i < frames; ++i)
+        sum[i] = shares(i) + others(i);
+}
+
 template <class Length>
 void crossOver(const Row& wet, const Row& other, const Row& stereo, Row& pair, Length frames) {
-    withProductFor(holdsTiny(wet, frames), [&](auto times) {
-        withProductFor(holdsTiny(other, frames), [&](auto timesOther) {
-            for (std::int32_t i = 0; i < frames; ++i)
-                pair.data()[i] = crossed(wet.data()[i], other.data()[i], stereo.data()[i], times, timesOther);
-        });
+    const float* const levels = stereo.data();
+    const auto steady = [&] { return isSteady(stereo, frames); };
+    const auto own = [&](std::int32_t i, auto times) { return ownShare(wet.data()[i], levels[i], times); };
+    const auto crossing = [&](std::int32_t i, auto times) {
+        return crossingShare(other.data()[i], levels[i], times);
+    };
+    withShares(wet, frames, steady, own, [&](auto ownShares) {
+        withShares(other, frames, steady, crossing,
+                   [&](auto crossingShares) { addShares(frames, ownShares, crossingShares, pair.data()); });
+    });
+}
+
+/// One channel of the output; `wetShare` is leftShare or rightShare of a frame.
+template <class Length, class WetShare>
+void mixChannel(const Row& pair, const Row& dry, const SmoothedRows& levels, WetShare wetShare, Row& mixed,
+                Length frames) {
+    const auto steady = [&] { return isSteady(levels.pan, frames) && isSteady(levels.mix, frames); };
+    const auto dryOf = [&](std::int32_t i, auto times) {
+        return dryShare(dry.data()[i], levels.mix.data()[i], times);
+    };
+    withShares(pair, frames, steady, wetShare, [&](auto wetShares) {
+        withShares(dry, frames, steady, dryOf,
+                   [&](auto dryShares) { addShares(frames, wetShares, dryShares, mixed.data()); });
     });
 }
 
@@ -69,19 +119,17 @@ void mixOutput(const StereoRow& dry, const StereoRow& wet, const SmoothedRows& l
     StereoRow pair, mixed;
     const float* const mix = levels.mix.data();
     const float* const pan = levels.pan.data();
+    const auto leftOf = [&](std::int32_t i, auto times) {
+        return leftShare(pair.left.data()[i], pan[i], mix[i], times);
+    };
+    const auto rightOf = [&](std::int32_t i, auto times) {
+        return rightShare(pair.right.data()[i], pan[i], mix[i], times);
+    };
     atItsLength<kSubBlockFrames>(frames, [&](auto length) {
         crossOver(wet.left, wet.right, levels.stereo, pair.left, length);
         crossOver(wet.right, wet.left, levels.stereo, pair.right, length);
-        withProductFor(holdsTiny(pair.left, length) || holdsTiny(dry.left, length), [&](auto times) {
-            for (std::int32_t i = 0; i < length; ++i)
-                mixed.left.data()[i] =
-                    mixedLeft(pair.left.data()[i], dry.left.data()[i], pan[i], mix[i], times);
-        });
-        withProductFor(holdsTiny(pair.right, length) || holdsTiny(dry.right, length), [&](auto times) {
-            for (std::int32_t i = 0; i < length; ++i)
-                mixed.right.data()[i] =
-                    mixedRight(pair.right.data()[i], dry.right.data()[i], pan[i], mix[i], times);
-        });
+        mixChannel(pair.left, dry.left, levels, leftOf, mixed.left, length);
+        mixChannel(pair.right, dry.right, levels, rightOf, mixed.right, length);
         const auto bytes = sizeof(float) * static_cast<std::size_t>(length);
         __builtin_memcpy(left, mixed.left.data(), bytes);
         __builtin_memcpy(right, mixed.right.data(), bytes);
