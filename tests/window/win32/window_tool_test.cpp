@@ -194,7 +194,7 @@ TEST_F(WindowTool, WritesAPictureOrSaysThatThereIsNone) {
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_FALSE(files::exists(picture));
     ASSERT_EQ(result.errorLines().size(), 1u);
-    EXPECT_NE(result.errorLines()[0].find("no picture"), std::string::npos) << result.err;
+    EXPECT_NE(result.errorLines()[0].find("cannot take a picture"), std::string::npos) << result.err;
 }
 
 } // namespace
