@@ -21,8 +21,8 @@ namespace dsp {
 class DcRemover {
   public:
     /// `frames` samples of each channel, from `wet` to `removed`. `radiansPerSample` is that of one Hz. Calls
-    /// alongside(i) in each frame: each sample here waits for the one before, and the processor overlaps
-    /// other work that does, too, if it comes in the same loop.
+    /// alongside(i) in each frame. Each sample here waits for the one before; in the same loop the processor
+    /// overlaps that with other work that waits for itself.
     template <class Alongside>
     void process(const StereoRow& wet, StereoRow& removed, float radiansPerSample, std::int32_t frames,
                  Alongside alongside) {

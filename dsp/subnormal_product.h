@@ -22,8 +22,8 @@ static inline bool isTiny(float sample) {
 }
 
 /// `sample` * `level`, to the last bit, with no subnormal arithmetic if the sample is tiny. It has no
-/// branches, so that compilers vectorise loops over it, and no selection, which they would move behind both
-/// products: the plain one is of the sample, but of 2^-80 if the sample is tiny.
+/// branches, so that compilers vectorise loops over it, and computes both products. The plain one takes the
+/// larger of the sample and 2^-80: an operand that is merely selected, compilers replace by the sample.
 ///
 /// A tiny sample is counted in steps of the smallest subnormal, 2^-149. A double holds its product with any
 /// level exactly. Below 2^24 steps floats have all whole steps and the bits of a float are their number, so

@@ -221,8 +221,8 @@ void prefetchFirst(const MemorySpan& memory, const TapPlan& plan, std::int32_t t
         prefetch(memory, plan, tap);
 }
 
-/// Taps whose positions are found together. Then the processor knows early which way each is read, and does
-/// not wait for the memory with all of them at once.
+/// Taps whose positions are found before any of them is read. With fewer, the processor learns too late which
+/// way a tap is read; with more, it fetches less of the memory while it computes.
 constexpr std::int32_t kTapsPositioned = 4;
 
 template <Interpolate interpolate>
