@@ -2,7 +2,7 @@
 # Fetches the source archive of somebody else's library into a cache, unpacks it there and applies our patch, if we have
 # one. Prints the source folder on standard output, and what it does on standard error.
 #
-#   fetch_source.sh vstgui | sndfile [CACHE_FOLDER]
+#   fetch_source.sh vstgui | sndfile | ebur128 [CACHE_FOLDER]
 #
 # What is in the cache is checked on each call, file by file, and made anew where it is damaged. A folder's name holds
 # the sum of archive and patch, so builds with another patch have a folder of their own.
@@ -33,8 +33,16 @@ case ${1:-} in
     ARCHIVE_SHA256=ffe12ef8add3eaca876f04087734e6e8e029350082f3251f565fa9da55b52121
     ADVICE='with the sources of version 1.2.2 at hand, configure with -DSNDFILE_SOURCE_DIR=FOLDER'
     ;;
+  ebur128)
+    NAME=libebur128
+    VERSION=1.2.6
+    SOURCE_PACKAGE=libebur128
+    PART=orig
+    ARCHIVE_SHA256=baa7fc293a3d4651e244d8022ad03ab797ca3c2ad8442c43199afe8059faa613
+    ADVICE='with the sources of version 1.2.6 at hand, configure with -DEBUR128_SOURCE_DIR=FOLDER'
+    ;;
   *)
-    echo "Usage: fetch_source.sh vstgui | sndfile [CACHE_FOLDER]" >&2
+    echo "Usage: fetch_source.sh vstgui | sndfile | ebur128 [CACHE_FOLDER]" >&2
     exit 1
     ;;
 esac

@@ -1,7 +1,7 @@
 # Other people's libraries that more than one folder of the house uses, as targets under the same names on both systems:
-# for the tools CLI11::CLI11, nlohmann_json::nlohmann_json and quillon_sndfile, for the tests GTest::gtest and
-# GTest::gtest_main, for the bench benchmark::benchmark. For the doors CLAP's headers, clap, and on Linux LV2's,
-# PkgConfig::LV2.
+# for the tools CLI11::CLI11, nlohmann_json::nlohmann_json, quillon_sndfile and quillon_ebur128, for the tests
+# GTest::gtest and GTest::gtest_main, for the bench benchmark::benchmark. For the doors CLAP's headers, clap, and on Linux
+# LV2's, PkgConfig::LV2.
 #
 # On Linux all of them are Debian's. For Windows there are no packages: what is headers alone is used from where Debian
 # puts it, through a folder that shows nothing else of this machine; what has to be compiled is compiled here.
@@ -30,6 +30,9 @@ if(NOT WIN32)
     quillon_pkg_config(SNDFILE sndfile)
     add_library(quillon_sndfile INTERFACE)
     target_link_libraries(quillon_sndfile INTERFACE PkgConfig::SNDFILE)
+    quillon_pkg_config(EBUR128 libebur128)
+    add_library(quillon_ebur128 INTERFACE)
+    target_link_libraries(quillon_ebur128 INTERFACE PkgConfig::EBUR128)
   endif()
   if(BUILD_TESTING)
     quillon_find(GTest libgtest-dev)
@@ -44,6 +47,7 @@ if(QUILLON_BUILD_TOOLS)
   quillon_headers(CLI11::CLI11 /usr/include/CLI libcli11-dev)
   quillon_headers(nlohmann_json::nlohmann_json /usr/include/nlohmann nlohmann-json3-dev)
   include(${CMAKE_CURRENT_LIST_DIR}/sndfile.cmake)
+  include(${CMAKE_CURRENT_LIST_DIR}/ebur128.cmake)
 endif()
 if(NOT BUILD_TESTING)
   return()
