@@ -3,10 +3,11 @@
 #include "parameters/host_panel.h"
 #include "tools/common/display_search.h"
 #include "tools/common/effect_names.h"
+#include "tools/common/law_values.h"
+#include "tools/common/note_length.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 
-#include <optional>
 #include <string_view>
 
 namespace tools {
@@ -27,11 +28,17 @@ std::optional<float> movementNamed(std::string_view text) {
 
 } // namespace
 
-std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts) {
+std::optional<double> tempoFrom(const std::string& text) try {
+    return text.empty() ? std::nullopt : std::optional(bpmFrom(text));
+} catch (const ToolError& error) {
+    throw ToolError(std::string("--bpm: ") + error.what());
+}
+
+std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts, std::optional<double> bpm) {
     std::vector<SettingOption> settings;
     for (const std::string& text : texts) {
         try {
-            settings.push_back({settingFrom(text), text});
+            settings.push_back({settingFrom(text, bpm), text});
         } catch (const ToolError& error) {
             throw atSetting(text, error);
         }
@@ -55,6 +62,9 @@ ParameterValue valueFor(host::Plugin& asked, const Setting& setting) {
     const bool isMovement = isQuillon(asked) && id == parameters::kSet;
     if (isMovement && setting.value.kind == WantedValue::Kind::shownText)
         if (const auto value = movementNamed(setting.value.text))
+            return {id, *value};
+    if (isQuillon(asked) && parameters::isLive(id))
+        if (const auto value = valueByLaw(id, setting.value))
             return {id, *value};
     return {id, valueShowing(asked, id, setting.value)};
 }

@@ -6,6 +6,7 @@
 #include "tools/common/wanted_value.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,13 @@ struct SettingOption {
     std::string text;
 };
 
-/// Reads what was given as --set, one "PARAMETER=VALUE" each. Throws ToolError naming the one at fault.
-std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts);
+/// Reads what was given as --bpm; nothing if that is empty. Throws ToolError.
+std::optional<double> tempoFrom(const std::string& text);
+
+/// Reads what was given as --set, one "PARAMETER=VALUE" each, with notes at the tempo `bpm`. Throws ToolError
+/// naming the one at fault.
+std::vector<SettingOption> settingsFrom(const std::vector<std::string>& texts,
+                                        std::optional<double> bpm = std::nullopt);
 
 struct ParameterValue {
     std::int32_t id = 0;

@@ -36,6 +36,18 @@ WantedValue normalisedValue(std::string_view text, double number) {
     return wanted;
 }
 
+WantedValue noteAt(const NoteValue& note, std::optional<double> bpm) {
+    if (!bpm)
+        throw ToolError(inQuotes(noteText(note)) + " is a note length and needs a tempo; add --bpm");
+    WantedValue wanted;
+    wanted.kind = WantedValue::Kind::shownNumber;
+    wanted.number = milliseconds(note, *bpm);
+    wanted.unit = "ms";
+    wanted.text = noteText(note) + " at " + shortText(*bpm) + " bpm";
+    wanted.note = note;
+    return wanted;
+}
+
 } // namespace
 
 Unit unitNamed(std::string_view name) {
@@ -54,25 +66,27 @@ Unit unitNamed(std::string_view name) {
     return {};
 }
 
-WantedValue wantedValue(std::string_view text) {
+WantedValue wantedValue(std::string_view text, std::optional<double> bpm) {
     text = trimmed(text);
     if (beginsLike(text, kDisplayPrefix))
         return shownValue(text.substr(kDisplayPrefix.size()));
+    if (const auto note = noteFrom(text))
+        return noteAt(*note, bpm);
     const auto number = leadingNumber(text);
     if (number && number->rest.empty())
         return normalisedValue(text, number->value);
     if (number && unitNamed(number->rest).kind != Unit::Kind::none)
         return shownValue(text);
     throw ToolError(inQuotes(text) +
-                    " is not a value: write 0 to 1, a number with a unit (ms, s, Hz, kHz, dB, %), or "
-                    "display: and the displayed text");
+                    " is not a value: write 0 to 1, a number with a unit (ms, s, Hz, kHz, dB, %), a "
+                    "note length with --bpm (1/4, 1/8., 1/8t), or display: and the displayed text");
 }
 
-Setting settingFrom(std::string_view text) {
+Setting settingFrom(std::string_view text, std::optional<double> bpm) {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos || trimmed(text.substr(0, equals)).empty())
         throw ToolError("write it as PARAMETER=VALUE, for example \"Feedback=0.8\"");
-    return {std::string(trimmed(text.substr(0, equals))), wantedValue(text.substr(equals + 1))};
+    return {std::string(trimmed(text.substr(0, equals))), wantedValue(text.substr(equals + 1), bpm)};
 }
 
 } // namespace tools

@@ -1,7 +1,11 @@
-// Values for parameters, as people write them: "Feedback=0.8", "Bs Lgh 1=250ms", "Set=display:LFO Off,Use
-// Pitch Off". What is written is only read here; which normalised value shows it is found by DisplaySearch.
+// Values for parameters, as people write them: "Feedback=0.8", "Bs Lgh 1=250ms", "Base length=1/8.",
+// "Set=display:LFO Off,Use Pitch Off". What is written is only read here; which normalised value it stands
+// for is found by valueByLaw() or DisplaySearch.
 #pragma once
 
+#include "tools/common/note_length.h"
+
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,12 +21,14 @@ struct WantedValue {
     Kind kind = Kind::normalised;
     double number = 0.0;
     std::string unit; ///< as written behind a shown number; may be empty
-    std::string text; ///< the value as written, without "display:"
+    std::string text; ///< the value as written, without "display:"; a note with its tempo
+    /// What was written if that is a note; the number is then its length in ms.
+    std::optional<NoteValue> note;
 };
 
-/// Reads a value: 0..1 alone is normalised, a number with a unit and all behind "display:" is what the effect
-/// is to show. Throws ToolError for anything else.
-WantedValue wantedValue(std::string_view text);
+/// Reads a value: 0..1 alone is normalised; a number with a unit, a note value and all behind "display:" is
+/// what the effect is to show. `bpm` is the tempo that notes are read at. Throws ToolError for anything else.
+WantedValue wantedValue(std::string_view text, std::optional<double> bpm = std::nullopt);
 
 /// A parameter by id or name, and its value.
 struct Setting {
@@ -31,7 +37,7 @@ struct Setting {
 };
 
 /// Reads "PARAMETER=VALUE". Throws ToolError.
-Setting settingFrom(std::string_view text);
+Setting settingFrom(std::string_view text, std::optional<double> bpm = std::nullopt);
 
 /// A unit the tool knows. Units of one kind turn into each other.
 struct Unit {

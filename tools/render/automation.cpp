@@ -130,7 +130,7 @@ std::int64_t AutomationTime::frameAt(double sampleRate) const {
     return std::llround(isInSamples ? amount : amount * sampleRate);
 }
 
-std::vector<AutomationLine> parseAutomation(std::string_view text) {
+std::vector<AutomationLine> parseAutomation(std::string_view text, std::optional<double> bpm) {
     std::vector<AutomationLine> lines;
     if (text.starts_with(kByteOrderMark))
         text.remove_prefix(kByteOrderMark.size());
@@ -145,7 +145,7 @@ std::vector<AutomationLine> parseAutomation(std::string_view text) {
             const auto parts = threeParts(pieces);
             if (lines.empty() && isHeading(parts))
                 continue;
-            lines.push_back({number, timeFrom(parts[0]), {parts[1], wantedValue(parts[2])}});
+            lines.push_back({number, timeFrom(parts[0]), {parts[1], wantedValue(parts[2], bpm)}});
         } catch (const ToolError& error) {
             throw ToolError("line " + std::to_string(number) + ": " + error.what());
         }
@@ -153,10 +153,10 @@ std::vector<AutomationLine> parseAutomation(std::string_view text) {
     return lines;
 }
 
-std::vector<AutomationLine> readAutomation(const std::filesystem::path& path) {
+std::vector<AutomationLine> readAutomation(const std::filesystem::path& path, std::optional<double> bpm) {
     const std::string text = readText(path, kLongestFile);
     try {
-        return parseAutomation(text);
+        return parseAutomation(text, bpm);
     } catch (const ToolError& error) {
         throw ToolError(path.string() + ", " + error.what());
     }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,10 +28,12 @@ struct AutomationLine {
     Setting setting;
 };
 
-/// All changes, in the order of the text. Throws ToolError beginning with "line N: ".
-std::vector<AutomationLine> parseAutomation(std::string_view text);
+/// All changes, in the order of the text, with notes at the tempo `bpm`. Throws ToolError beginning with
+/// "line N: ".
+std::vector<AutomationLine> parseAutomation(std::string_view text, std::optional<double> bpm = std::nullopt);
 
 /// parseAutomation() of a file; its errors name the file.
-std::vector<AutomationLine> readAutomation(const std::filesystem::path& path);
+std::vector<AutomationLine> readAutomation(const std::filesystem::path& path,
+                                           std::optional<double> bpm = std::nullopt);
 
 } // namespace tools::render

@@ -65,7 +65,7 @@ struct Script {
 Script readScript(const Options& options) {
     Script script;
     if (!options.automation.empty())
-        script.automation = readAutomation(options.automation);
+        script.automation = readAutomation(options.automation, options.bpm);
     if (!options.midi.empty())
         script.midi = readMidiFile(options.midi);
     return script;

@@ -22,6 +22,9 @@ constexpr const char* kExamples = R"(Examples:
     quillon-render voice.wav taps.wav --set "Echoes=display:16" --set "Base length=250ms" \
         --set "Stretch=0.5" --set "Mix=1" --set "How echoes move=display:Jump"
 
+  An echo every dotted eighth at 112 bpm; evenly spaced echoes are half a base length apart:
+    quillon-render riff.wav echoes.wav --program "Classic Ping-Pong" --bpm 112 --set "Base length=1/4."
+
   List the programs and parameters:
     quillon-render --list
 
@@ -36,9 +39,13 @@ Names:
 Values:
   Feedback=0.8                    position of the knob, from 0 (left) to 1 (right)
   "Base length=250ms"             value as displayed, with a unit: ms, s, Hz, kHz, dB, %
+  "Base length=1/8."              note length at --bpm: 1/4, 3/16, 1/8. (dotted), 1/8t (triplet); for
+                                  "Sweep rate", the time of one sweep
   "Echoes=display:16"             value as displayed, without a unit or as text
   "How echoes move=display:Jump"  Jump, Glide or Fine
-  If several positions display the same value, the current one is kept, else the middle one is used.
+  With a unit, the Quillon Multitap Delay comes as near to the number as it can: "Feedback=-30%", "Mix=40%" (the
+  share of the echoes), "High cut=8kHz". If several positions show what is written after display:, the current
+  one is kept, else the middle one is used.
 
 Automation files have one change per line: time, parameter and value, separated by spaces or commas:
     # time      parameter       value
@@ -62,7 +69,7 @@ no other files are left behind.)";
 
 struct Words {
     std::string input, output, library, program, automation, midi, chunk, bank, plot, tail, preRoll, block,
-        format;
+        format, bpm;
     std::vector<std::string> settings;
     bool list = false, json = false, quiet = false, version = false;
 };
@@ -76,6 +83,9 @@ void addSoundOptions(CLI::App& app, Words& words) {
                    "Set a parameter, by name or number, see Names and Values\nbelow; may be repeated")
         ->type_name("PARAMETER=VALUE")
         ->allow_extra_args(false)
+        ->group(group);
+    app.add_option("--bpm", words.bpm, "Tempo of note lengths like 1/8. in --set and --automate")
+        ->type_name("BPM")
         ->group(group);
     app.add_option("--automate", words.automation, "Change parameters during playback, see below")
         ->type_name("FILE")
@@ -193,7 +203,8 @@ Options optionsFrom(const Words& words) {
     options.bank = settled(words.bank);
     options.plot = settled(words.plot);
     options.program = words.program;
-    options.settings = settingsFrom(words.settings);
+    options.bpm = tempoFrom(words.bpm);
+    options.settings = settingsFrom(words.settings, options.bpm);
     options.tail = tailFrom(words.tail);
     if (!words.preRoll.empty())
         options.preRollSeconds = secondsFrom(words.preRoll, "--pre-roll");

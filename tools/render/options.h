@@ -36,6 +36,7 @@ struct Options {
     std::filesystem::path plot;
     std::string program; ///< number or name; empty: as the effect comes up
     std::vector<SettingOption> settings;
+    std::optional<double> bpm; ///< the tempo of note lengths
     TailRule tail;
     std::optional<double> preRollSeconds; ///< none: long enough for the effect to come to rest
     std::int32_t blockSize = 512;         ///< frames

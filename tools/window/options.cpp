@@ -38,7 +38,7 @@ its own settings. Names and values of parameters are written as for quillon-rend
 --check prints one line per mistake, FILE:LINE:COLUMN: what, and exits with 1 if there are any.)";
 
 struct Words {
-    std::string skin, library, screenshot, program, newSkin;
+    std::string skin, library, screenshot, program, bpm, newSkin;
     std::vector<std::string> settings;
     bool watch = false, check = false, outlines = false, version = false;
 };
@@ -67,6 +67,9 @@ void addEffectOptions(CLI::App& app, Words& words) {
         ->type_name("PARAMETER=VALUE")
         ->allow_extra_args(false)
         ->group(group);
+    app.add_option("--bpm", words.bpm, "Tempo of note lengths like 1/8. in --set")
+        ->type_name("BPM")
+        ->group(group);
     app.add_option("--library", words.library, "Open this VST 2.4 library instead")
         ->type_name("FILE")
         ->group(group);
@@ -87,7 +90,7 @@ void addOtherOptions(CLI::App& app, Words& words) {
 void checkCombination(const Words& words) {
     const bool isAboutAWindow = words.check || words.watch || words.outlines || !words.skin.empty() ||
                                 !words.library.empty() || !words.screenshot.empty() ||
-                                !words.program.empty() || !words.settings.empty();
+                                !words.program.empty() || !words.settings.empty() || !words.bpm.empty();
     if (!words.newSkin.empty() && isAboutAWindow)
         throw ToolError("--new-skin opens no window; use it without other options");
     if (words.check && words.skin.empty())
@@ -112,7 +115,7 @@ Options optionsFrom(const Words& words) {
     options.library = settled(words.library);
     options.screenshot = settled(words.screenshot);
     options.program = words.program;
-    options.settings = settingsFrom(words.settings);
+    options.settings = settingsFrom(words.settings, tempoFrom(words.bpm));
     options.newSkin = settled(words.newSkin);
     options.watch = words.watch;
     options.outlines = words.outlines;
