@@ -46,7 +46,11 @@ double slowestDecay(double gain, double first, double last) {
 
 StereoSignal Audition::play(std::size_t program, const Signal& input, double seconds,
                             Listening listening) const {
+    std::unique_lock making(making_);
     host::Plugin plugin(library_);
+    if (!chunk_.empty())
+        plugin.setChunk(chunk_, false);
+    making.unlock();
     plugin.start(kAuditionRate, kBlockSize);
     plugin.setProgram(static_cast<std::int32_t>(program));
     if (listening == Listening::wetOnly)
@@ -61,10 +65,13 @@ StereoSignal Audition::play(std::size_t program, const Signal& input, double sec
     play(Signal(framesIn(kSettlingSeconds)));
     Signal padded = input;
     padded.resize(framesIn(seconds));
-    return play(padded);
+    StereoSignal output = play(padded);
+    making.lock();
+    return output;
 }
 
 std::vector<std::uint8_t> Audition::chunk() const {
+    const std::lock_guard making(making_);
     host::Plugin plugin(library_);
     return plugin.getChunk(false);
 }

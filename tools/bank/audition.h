@@ -8,7 +8,11 @@
 
 #include "tools/bank/bank_program.h"
 
+#include <cstdint>
+#include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace bank {
 
@@ -26,11 +30,13 @@ enum class Listening {
     asStored, ///< the program's own mix
 };
 
-/// Plays through the programs of a plug-in library and the bank that lies beside it.
+/// Plays through the programs of a plug-in library. Several threads may play at once.
 class Audition {
   public:
-    /// Throws host::HostError if the library cannot be loaded.
-    explicit Audition(const std::string& libraryPath) : library_(libraryPath) {}
+    /// Plays the bank that lies beside the library, or the one in `chunk` if it is not empty. Throws
+    /// host::HostError if the library cannot be loaded.
+    explicit Audition(const std::string& libraryPath, std::vector<std::uint8_t> chunk = {})
+        : library_(libraryPath), chunk_(std::move(chunk)) {}
 
     /// Plays `input` on both channels to a fresh instance, followed by silence up to `seconds` in all. The
     /// instance has had time to settle first, so that taps that glide have reached their places.
@@ -41,6 +47,9 @@ class Audition {
 
   private:
     host::Library library_;
+    std::vector<std::uint8_t> chunk_;
+    /// Held while an instance is made or closed: hosts do both on one thread.
+    mutable std::mutex making_;
 };
 
 /// Where the taps of a program lie at kAuditionRate, as the engine computes them.

@@ -2,11 +2,13 @@
 // and back again.
 #include "desk/abrupt_end.h"
 #include "desk/display.h"
+#include "desk/own_output.h"
 #include "desk/private_folder.h"
 #include "host/library_call.h"
 #include "tools/bank/bank_file.h"
 #include "tools/bank/bank_table.h"
 #include "tools/bank/preset_page.h"
+#include "tools/bank/program_loudness.h"
 #include "tools/bank/whole_file.h"
 
 #include <CLI/CLI.hpp>
@@ -63,6 +65,18 @@ void makePage(const std::string& table, const std::string& output, const PageOpt
     bank::writeWholeFile(page, bank::pageText(programs, numbers, folderInPage.generic_string()));
 }
 
+void tellLoudness(const std::string& table, const std::string& speechFile, const std::string& libraryFile) {
+    std::FILE* const output = desk::takeOwnOutput();
+    const bank::Bank programs = tableAt(table);
+    const bank::Signal speech = bank::recording(speechFile);
+    const std::string library = absolutePath(libraryFile);
+    const desk::PrivateFolder folder;
+    const bank::Audition audition(library, bank::chunkBytes(programs));
+    const std::string text = bank::loudnessTable(programs, bank::measureLoudness(audition, programs, speech));
+    if (std::fputs(text.c_str(), output) < 0 || std::fflush(output) != 0)
+        throw bank::BankError("standard output cannot be written");
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -93,6 +107,14 @@ int main(int argc, char** argv) {
     pageCommand->add_option("--library", page.library, "the plug-in")->required();
     pageCommand->add_option("--speech", page.speech, "a mono recording at 48 kHz")->required();
     pageCommand->callback([&] { makePage(input, output, page); });
+
+    CLI::App* loudnessCommand =
+        app.add_subcommand("loudness", "measure how loud all programs of a table are, and print a table");
+    loudnessCommand->add_option("table", input, "the table of the programs; it need not be compiled")
+        ->required();
+    loudnessCommand->add_option("--library", page.library, "the plug-in")->required();
+    loudnessCommand->add_option("--speech", page.speech, "a mono recording at 48 kHz")->required();
+    loudnessCommand->callback([&] { tellLoudness(input, page.speech, page.library); });
 
     try {
         app.parse(argc, argv);

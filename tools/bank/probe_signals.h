@@ -1,5 +1,6 @@
-// What the factory programs are listened to with: a drum hit, a plucked string, speech, and two signals for
-// the measuring instruments. All are mono, peak at full scale and are the same on every run.
+// What the factory programs are listened to with: a drum hit, a plucked string, speech, each of them as a
+// passage of eight seconds, and two signals for the measuring instruments. All are mono, peak at full scale
+// and are the same on every run.
 #pragma once
 
 #include <string>
@@ -18,6 +19,16 @@ Signal drumHit();
 
 /// A string of 147 Hz, plucked near its end. 3 s.
 Signal pluckedString();
+
+/// Four bars of four beats at 120 beats per minute: the bass drum on one and three, the drum hit on two and
+/// four, a hi-hat on each eighth. 8 s.
+Signal drumBars();
+
+/// Sixteen notes from 110 to 294 Hz, two a second, each ringing into the next two. 8 s.
+Signal pluckedPhrase();
+
+/// `speech` four times, from its beginning every two seconds; what is longer is cut off. 8 s.
+Signal repeatedSpeech(const Signal& speech);
 
 /// A recording, brought to full scale. Throws BankError if it is not mono at kAuditionRate.
 Signal recording(const std::string& path);
