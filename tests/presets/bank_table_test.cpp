@@ -206,14 +206,42 @@ TEST(BankTable, TakesTheWindowsNamesAsHeadingsInAnyCase) {
 TEST(BankTable, TellsTheRowAndColumnOfABadHeading) {
     EXPECT_EQ("sounds.tsv:1:5: the heading is \"Taps\" and must be \"Taps #\" or \"Echoes\"",
               refusal(tableWith(1, 5, "Taps")));
-    EXPECT_EQ("sounds.tsv:1:22: found 22 cells where a line has 21", refusal(tableWith(1, 21, "note\tmore")));
+    EXPECT_EQ("sounds.tsv:1:23: found 23 cells where a line has 21 or 22",
+              refusal(tableWith(1, 22, "rhythm\tmore")));
 }
 
 TEST(BankTable, TellsTheRowOfALineOfTheWrongLength) {
-    EXPECT_EQ("sounds.tsv:9:22: found 22 cells where a line has 21", refusal(tableWith(9, 21, "\tmore")));
+    EXPECT_EQ("sounds.tsv:9:23: found 23 cells where a line has 21 or 22",
+              refusal(tableWith(9, 21, "\t\tmore")));
     const std::string table = tableText(plainBank());
-    EXPECT_EQ("sounds.tsv:2:2: found 1 cells where a line has 21",
+    EXPECT_EQ("sounds.tsv:2:2: found 1 cells where a line has 21 or 22",
               refusal(table.substr(0, table.find('\n') + 1) + "short\n"));
+}
+
+TEST(BankTable, MayHaveARhythmAtTheEndOfALine) {
+    EXPECT_EQ("", refusal(tableWith(1, 21, "note")));
+    Bank bank = plainBank();
+    bank[3].rhythm = tools::NoteValue{1, 8, tools::NoteValue::Kind::dotted};
+    bank[3].values[kStretch] = 0.5f;
+    bank[5].rhythm = tools::NoteValue{1, 1, tools::NoteValue::Kind::plain};
+    bank[5].values[kTaps] = 0.0f;
+    const std::string table = tableText(bank);
+    EXPECT_NE(std::string::npos, table.find("\t1/8.\n"));
+    const Bank back = parseTable(table, "sounds.tsv");
+    for (std::size_t number = 0; number < bank.size(); ++number)
+        EXPECT_EQ(bank[number].rhythm, back[number].rhythm) << number;
+    const std::string without = "\trhythm\n";
+    std::string older = tableText(plainBank());
+    older.replace(older.find(without), without.size(), "\n");
+    EXPECT_EQ("", refusal(older));
+}
+
+TEST(BankTable, RefusesARhythmThatIsNoneOrThatTheEchoesDoNotHave) {
+    EXPECT_EQ("sounds.tsv:4:22: \"fast\" is not a note value such as 1/4, 1/8. or 1/8t",
+              refusal(tableWith(4, 21, "\tfast")));
+    EXPECT_EQ("sounds.tsv:4:22: a program with a rhythm needs even gaps or a single echo: "
+              "Stretch dly [%] 0 or Taps # 1",
+              refusal(tableWith(4, 21, "\t1/4")));
 }
 
 TEST(BankTable, RefusesTooFewAndTooManyPrograms) {
@@ -327,6 +355,11 @@ TEST(FactoryBank, HoldsSixteenFamiliesOfEight) {
         families.insert(bank[number].family);
     }
     EXPECT_EQ(16u, families.size());
+}
+
+TEST(FactoryBank, HasRhythmsInEveryProgramThatIsMadeForATempo) {
+    for (const BankProgram& program : factoryBank())
+        EXPECT_TRUE(program.family != "Grids" || program.rhythm) << program.name;
 }
 
 TEST(FactoryBank, KeepsItsLowPassesStableFrom32kHzUp) {

@@ -1,6 +1,7 @@
 #include "tools/bank/bank_table.h"
 
 #include "base/ascii.h"
+#include "parameters/pattern_laws.h"
 #include "tools/bank/cell_text.h"
 #include "tools/common/text.h"
 
@@ -20,7 +21,8 @@ constexpr std::size_t kNameColumn = 1;
 constexpr std::size_t kLoudColumn = 2;
 constexpr std::size_t kFirstParameterColumn = 3;
 constexpr std::size_t kNoteColumn = kFirstParameterColumn + kNumLiveParameters;
-constexpr std::size_t kNumColumns = kNoteColumn + 1;
+constexpr std::size_t kRhythmColumn = kNoteColumn + 1;
+constexpr std::size_t kNumColumns = kRhythmColumn + 1;
 
 /// Words that belong to makers of effects and instruments. A name that holds one would promise their sound.
 constexpr std::string_view kBrandWords[] = {
@@ -52,6 +54,8 @@ std::string heading(std::size_t column) {
         return "loud";
     case kNoteColumn:
         return "note";
+    case kRhythmColumn:
+        return "rhythm";
     default:
         return columnHeading(static_cast<ParameterId>(column - kFirstParameterColumn));
     }
@@ -98,10 +102,10 @@ std::string quoted(std::string_view text) {
 }
 
 void checkCount(const std::vector<std::string_view>& cells, const Place& place) {
-    if (cells.size() != kNumColumns)
-        place.refuse(std::min(cells.size(), kNumColumns), "found " + std::to_string(cells.size()) +
-                                                              " cells where a line has " +
-                                                              std::to_string(kNumColumns));
+    if (cells.size() != kNumColumns && cells.size() != kRhythmColumn)
+        place.refuse(std::min(cells.size(), kNumColumns),
+                     "found " + std::to_string(cells.size()) + " cells where a line has " +
+                         std::to_string(kRhythmColumn) + " or " + std::to_string(kNumColumns));
 }
 
 void checkHeadings(const std::vector<std::string_view>& cells, const Place& place) {
@@ -114,6 +118,18 @@ void checkHeadings(const std::vector<std::string_view>& cells, const Place& plac
                                      (allowed.size() > 1 ? " or " + quoted(allowed.back()) : ""));
     }
     checkCount(cells, place);
+}
+
+void parseRhythm(BankProgram& program, std::string_view cell, const Place& place) {
+    if (cell.empty())
+        return;
+    program.rhythm = tools::noteFrom(cell);
+    if (!program.rhythm)
+        place.refuse(kRhythmColumn, quoted(cell) + " is not a note value such as 1/4, 1/8. or 1/8t");
+    if (!isEven(program))
+        place.refuse(kRhythmColumn, "a program with a rhythm needs even gaps or a single echo: " +
+                                        columnHeading(parameters::kStretch) + " 0 or " +
+                                        columnHeading(parameters::kTaps) + " 1");
 }
 
 BankProgram parseProgram(const std::vector<std::string_view>& cells, const Place& place) {
@@ -136,10 +152,18 @@ BankProgram parseProgram(const std::vector<std::string_view>& cells, const Place
         program.values[entry] = *value;
     }
     program.note = cells[kNoteColumn];
+    if (cells.size() > kRhythmColumn)
+        parseRhythm(program, cells[kRhythmColumn], place);
     return program;
 }
 
 } // namespace
+
+bool isEven(const BankProgram& program) {
+    constexpr float evenBend = 0.5f;
+    return parameters::numTapsOf(program.value(parameters::kTaps)) == 1 ||
+           parameters::stretchBend(program.value(parameters::kStretch)) == evenBend;
+}
 
 std::string nameFault(std::string_view name) {
     if (name.empty())
@@ -205,7 +229,10 @@ std::string tableText(const Bank& bank) {
         text += program.family + '\t' + program.name + '\t' + (program.loud ? "loud" : "");
         for (std::size_t entry = 0; entry < program.values.size(); ++entry)
             text += '\t' + cellText(static_cast<ParameterId>(entry), program.values[entry]);
-        text += '\t' + program.note + '\n';
+        text += '\t' + program.note;
+        if (program.rhythm)
+            text += '\t' + tools::noteText(*program.rhythm);
+        text += '\n';
     }
     return text;
 }

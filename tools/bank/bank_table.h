@@ -2,7 +2,7 @@
 // spreadsheet as it stands and a change of one sound is one changed line.
 //
 // Lines that start with '#' are remarks, empty lines are passed over, and the first other line holds the
-// headings.
+// headings. The last cell, the rhythm, may be missing together with its tab, also in the headings.
 #pragma once
 
 #include "tools/bank/bank_program.h"
