@@ -1,15 +1,16 @@
 # What a host loads of a door: a library that shows nothing but what stands in exports.map (or exports.def, for Windows) in
 # the door's folder, and that neither a host nor the system takes apart before its time.
 #
-#   quillon_module(quillon_lv2 ROOM lv2_door SUFFIX .so FOLDER ${QUILLON_LV2_BUNDLE})
+#   quillon_module(quillon_lv2 ROOM lv2_door SUFFIX .so FOLDER ${QUILLON_LV2_BUNDLE} COMPONENT lv2 PLACE lib/lv2)
 #
+# `cmake --install` puts it into PLACE, as COMPONENT.
 # With NAME for a module that is not called like the product.
 if(WIN32)
   enable_language(RC)
 endif()
 
 function(quillon_module target)
-  cmake_parse_arguments(MODULE "" "ROOM;NAME;SUFFIX;FOLDER" "" ${ARGN})
+  cmake_parse_arguments(MODULE "" "ROOM;NAME;SUFFIX;FOLDER;COMPONENT;PLACE" "" ${ARGN})
   if(NOT MODULE_NAME)
     set(MODULE_NAME ${QUILLON_LIBRARY_NAME})
   endif()
@@ -39,4 +40,6 @@ function(quillon_module target)
     PREFIX "" SUFFIX ${MODULE_SUFFIX} OUTPUT_NAME ${MODULE_NAME} LIBRARY_OUTPUT_DIRECTORY ${MODULE_FOLDER}
     LINK_DEPENDS ${exports})
   add_dependencies(deliverable ${target})
+  quillon_install(TARGETS ${target} DESTINATION ${MODULE_PLACE} COMPONENT ${MODULE_COMPONENT}
+                  PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 endfunction()

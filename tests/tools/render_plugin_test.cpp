@@ -114,6 +114,30 @@ TEST_F(RenderPlugin, IsFoundBesideTheTool) {
               installed.file(files::path(QUILLON_LIBRARY).filename().string()));
 }
 
+/// A copy of the tool and of what is delivered, as an installation has them.
+void expectFoundIn(const std::string& toolFolder, const std::string& effectFolder) {
+    namespace files = std::filesystem;
+    const ScratchFolder folder, installed;
+    const files::path tool = installed.path() / toolFolder / files::path(QUILLON_RENDER).filename();
+    const files::path effect = installed.path() / effectFolder / "QuillonMultitapDelay";
+    files::create_directories(tool.parent_path());
+    files::create_directories(effect);
+    files::copy(QUILLON_RENDER, tool);
+    files::copy(QUILLON_STAGE, effect, files::copy_options::recursive);
+    const ToolResult result = runTool(folder, {"--list", "--json"}, ErrorEnd::file, tool.string());
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(files::path(json::parse(result.out)["library"].get<std::string>()),
+              effect / files::path(QUILLON_LIBRARY).filename());
+}
+
+TEST_F(RenderPlugin, IsFoundWhereItIsInstalledForEverybody) {
+    expectFoundIn("usr/bin", "usr/lib/vst");
+}
+
+TEST_F(RenderPlugin, IsFoundWhereItIsInstalledForOnePerson) {
+    expectFoundIn("home/.local/bin", "home/.vst");
+}
+
 TEST_F(RenderPlugin, IsAskedForIfItIsNowhere) {
     const ScratchFolder alone;
     const std::string tool = alone.file(std::filesystem::path(QUILLON_RENDER).filename().string());

@@ -7,8 +7,8 @@
 
 namespace tools {
 
-/// `asked` if that is given; else the plug-in, beside the tool or in the stage folder of the build that the
-/// tool comes from. Throws ToolError if there is no such file.
+/// `asked` if that is given; else the plug-in, beside the tool, in the stage folder of the build that the
+/// tool comes from, or where it is installed. Throws ToolError if there is no such file.
 std::filesystem::path libraryPath(const std::filesystem::path& asked);
 
 /// Loads a library for the life of the process: not every library survives being unloaded, and none needs to

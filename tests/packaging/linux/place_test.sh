@@ -1,0 +1,365 @@
+#!/usr/bin/env bash
+# place_test.sh SOURCES CASE: installs and uninstalls a small tree in a home folder of the test's own.
+set -euo pipefail
+place=$1/packaging/linux/place
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+# A home as they come, with a space.
+export HOME=$folder/the\ home
+unset XDG_CONFIG_HOME VST_PATH LV2_PATH CLAP_PATH
+mkdir "$HOME"
+tree=$folder/tree
+vst=$HOME/.vst/QuillonMultitapDelay
+state=$HOME/.local/share/quillon-multitap-delay
+
+die() {
+  printf '%s\n' "$*" "--- it said:" >&2
+  cat "$folder/said" >&2 || true
+  exit 1
+}
+
+write() {
+  mkdir -p "${1%/*}"
+  printf '%s\n' "$2" >"$1"
+}
+
+# make_tree VERSION: what a build of that version brings.
+make_tree() {
+  local door
+  rm -rf "$tree"
+  for door in vst/QuillonMultitapDelay/QuillonMultitapDelay.so clap/QuillonMultitapDelay/QuillonMultitapDelay.clap \
+    lv2/QuillonMultitapDelay.lv2/QuillonMultitapDelay.so; do
+    write "$tree/lib/$door" "library of version $1"
+    write "$tree/lib/${door%/*}/default.fxb" "bank of version $1"
+    write "$tree/lib/${door%/*}/Quillon Skin/skin.xml" "skin of version $1"
+    write "$tree/lib/${door%/*}/Quillon Skin/knob.png" "the same knob"
+  done
+  write "$tree/bin/quillon-render" "tool of version $1"
+  chmod +x "$tree/bin/quillon-render"
+  write "$tree/share/applications/quillon-window.desktop" "Exec=quillon-window"
+}
+
+said() { grep -qF -- "$1" "$folder/said" || die "not said: $1"; }
+content() { [ "$(cat "$1")" = "$2" ] || die "$1 is: $(cat "$1")"; }
+absent() { [ ! -e "$1" ] && [ ! -L "$1" ] || die "there is $1"; }
+install() { "$place" install "$tree" "$@" >"$folder/said" 2>&1 || die "could not install"; }
+uninstall() { "$place" uninstall "$@" >"$folder/said" 2>&1 || die "could not uninstall"; }
+
+# refused ARGUMENT...: with one line.
+refused() {
+  ! "$place" "$@" >"$folder/said" 2>&1 || die "worked: $*"
+  [ "$(wc -l <"$folder/said")" = 1 ] || die "more than one line"
+  grep -q '^quillon: ' "$folder/said" || die "not its own words"
+}
+
+# picture FOLDER: all that is in it, with sums.
+picture() { (cd "$1" && find . -printf '%y %p %l\n' | sort && find . -type f -print0 | sort -z | xargs -0r sha256sum); }
+
+expect_version() {
+  content "$vst/QuillonMultitapDelay.so" "library of version $1"
+  content "$HOME/.clap/QuillonMultitapDelay/QuillonMultitapDelay.clap" "library of version $1"
+  content "$HOME/.lv2/QuillonMultitapDelay.lv2/QuillonMultitapDelay.so" "library of version $1"
+  content "$vst/Quillon Skin/skin.xml" "skin of version $1"
+}
+
+expect_empty_home() { [ -z "$(ls -A "$HOME")" ] || die "left: $(find "$HOME")"; }
+
+PutsEachFormatWhereHostsOfOnePersonLook() {
+  install
+  expect_version 1
+  content "$vst/default.fxb" "bank of version 1"
+  [ -x "$HOME/.local/bin/quillon-render" ]
+  said '~/.clap/QuillonMultitapDelay'
+  said 'Your PATH does not name ~/.local/bin'
+  LV2_PATH=/elsewhere install
+  said 'LV2_PATH is set and does not name ~/.lv2'
+}
+
+PutsAllBelowAPrefix() {
+  install --prefix "$folder/all of us"
+  local tree_of_it=$folder/expected
+  cp -r "$tree" "$tree_of_it"
+  mkdir -p "$tree_of_it/share/quillon-multitap-delay"
+  cp "$place" "$tree_of_it/share/quillon-multitap-delay/uninstall"
+  cp "$folder/all of us/share/quillon-multitap-delay/installed" "$tree_of_it/share/quillon-multitap-delay"
+  diff -r "$tree_of_it" "$folder/all of us" || die "not the tree"
+  expect_empty_home
+  uninstall --prefix "$folder/all of us"
+  # The prefix itself may be anything, so it stays.
+  [ -z "$(ls -A "$folder/all of us")" ] || die "left: $(find "$folder/all of us")"
+}
+
+LeavesNothingBehind() {
+  install
+  install
+  uninstall
+  expect_empty_home
+  refused uninstall
+  said 'nothing is installed'
+}
+
+RemovesItselfWithoutTheSources() {
+  install
+  rm -r "$tree"
+  mkdir "$vst/Mine"
+  "$state/uninstall" >"$folder/said" 2>&1 || die "could not"
+  [ "$(find "$HOME" | wc -l)" = 4 ] || die "left: $(find "$HOME")"
+  make_tree 1
+  install --prefix "$folder/prefix"
+  "$folder/prefix/share/quillon-multitap-delay/uninstall" >"$folder/said" 2>&1 || die "could not"
+  [ -z "$(ls -A "$folder/prefix")" ] || die "left: $(find "$folder/prefix")"
+}
+
+ReplacesAndRemovesFilesOfAnOlderVersion() {
+  write "$tree/lib/vst/QuillonMultitapDelay/Old Skin/skin.xml" "an old skin"
+  install
+  make_tree 2
+  write "$tree/lib/vst/QuillonMultitapDelay/New Skin/skin.xml" "a new skin"
+  install
+  expect_version 2
+  content "$vst/New Skin/skin.xml" "a new skin"
+  absent "$vst/Old Skin"
+  content "$vst/default.fxb" "bank of version 2"
+  uninstall
+  expect_empty_home
+}
+
+KeepsSkinsAndMapsOfAPersonsOwn() {
+  install
+  write "$vst/Mine/skin.xml" "my skin"
+  write "$vst/Quillon Skin/mine.png" "my picture"
+  write "$vst/Pluginccmap.bin" "my controllers"
+  make_tree 2
+  install
+  expect_version 2
+  content "$vst/Mine/skin.xml" "my skin"
+  content "$vst/Quillon Skin/mine.png" "my picture"
+  uninstall
+  content "$vst/Mine/skin.xml" "my skin"
+  content "$vst/Quillon Skin/mine.png" "my picture"
+  content "$vst/Pluginccmap.bin" "my controllers"
+  [ "$(find "$HOME" -type f | wc -l)" = 3 ] || die "left: $(find "$HOME")"
+  absent "$HOME/.clap"
+  absent "$HOME/.local"
+  said '~/.vst/QuillonMultitapDelay/Mine'
+  said '~/.vst/QuillonMultitapDelay/Quillon Skin/mine.png'
+  said '~/.vst/QuillonMultitapDelay/Pluginccmap.bin'
+}
+
+KeepsABankOfAPersonsOwnInUse() {
+  install
+  write "$vst/default.fxb" "my bank"
+  make_tree 2
+  install
+  said '~/.vst/QuillonMultitapDelay/default.fxb'
+  content "$vst/default.fxb" "my bank"
+  content "$vst/default.fxb.new" "bank of version 2"
+  content "$HOME/.clap/QuillonMultitapDelay/default.fxb" "bank of version 2"
+  make_tree 3
+  install
+  content "$vst/default.fxb" "my bank"
+  content "$vst/default.fxb.new" "bank of version 3"
+  # It was moved away: the delivered one comes back.
+  mv "$vst/default.fxb" "$vst/mine.fxb"
+  install
+  content "$vst/default.fxb" "bank of version 3"
+  absent "$vst/default.fxb.new"
+  write "$vst/default.fxb" "my other bank"
+  install
+  uninstall
+  content "$vst/default.fxb" "my other bank"
+  content "$vst/mine.fxb" "my bank"
+  [ "$(find "$HOME" -type f | wc -l)" = 2 ] || die "left: $(find "$HOME")"
+}
+
+SetsChangedFilesOfASkinAside() {
+  install
+  write "$vst/Quillon Skin/skin.xml" "my change"
+  make_tree 2
+  install
+  expect_version 2
+  content "$vst/Quillon Skin/skin.xml.yours" "my change"
+  said '~/.vst/QuillonMultitapDelay/Quillon Skin/skin.xml.yours'
+  write "$vst/Quillon Skin/skin.xml" "my second change"
+  install
+  content "$vst/Quillon Skin/skin.xml.yours" "my change"
+  content "$vst/Quillon Skin/skin.xml.yours-2" "my second change"
+  uninstall
+  [ "$(find "$HOME" -type f | wc -l)" = 2 ] || die "left: $(find "$HOME")"
+}
+
+LeavesChangedFilesBehind() {
+  install
+  write "$vst/Quillon Skin/skin.xml" "my change"
+  write "$HOME/.local/bin/quillon-render" "my own tool"
+  uninstall
+  content "$vst/Quillon Skin/skin.xml" "my change"
+  content "$HOME/.local/bin/quillon-render" "my own tool"
+  [ "$(find "$HOME" -type f | wc -l)" = 2 ] || die "left: $(find "$HOME")"
+  said '~/.vst/QuillonMultitapDelay/Quillon Skin/skin.xml'
+  said '~/.local/bin/quillon-render'
+  # And a later installation knows that they are not ours.
+  install
+  content "$vst/Quillon Skin/skin.xml.yours" "my change"
+  content "$HOME/.local/bin/quillon-render.yours" "my own tool"
+}
+
+LeavesFoldersThatWereThereBefore() {
+  mkdir -p "$HOME/.vst" "$HOME/.local/bin" "$HOME/.local/share/man"
+  write "$HOME/.clap/Other.clap" "of somebody else"
+  picture "$HOME" >"$folder/before"
+  install
+  # An upgrade still knows which folders were there.
+  make_tree 2
+  install
+  uninstall
+  picture "$HOME" | diff "$folder/before" - || die "not as before"
+}
+
+TakesOverWhatWasCopiedByHand() {
+  mkdir -p "$vst"
+  cp -r "$tree/lib/vst/QuillonMultitapDelay/." "$vst"
+  make_tree 2
+  install
+  expect_version 2
+  content "$vst/QuillonMultitapDelay.so.yours" "library of version 1"
+  content "$vst/default.fxb" "bank of version 1"
+}
+
+ReplacesALibraryThatIsInUse() {
+  install
+  exec 5<"$vst/QuillonMultitapDelay.so"
+  make_tree 2
+  install
+  expect_version 2
+  [ "$(cat <&5)" = "library of version 1" ] || die "what a host has open has changed"
+}
+
+ChangesNothingIfACopyFails() {
+  install
+  picture "$HOME" >"$folder/before"
+  make_tree 2
+  write "$tree/lib/vst/QuillonMultitapDelay/New Skin/skin.xml" "a new skin"
+  # In the way of the last of them.
+  mkdir "$vst/default.fxb.quillon-unfinished"
+  refused install "$tree"
+  said 'nothing has changed'
+  rmdir "$vst/default.fxb.quillon-unfinished"
+  picture "$HOME" | diff "$folder/before" - || die "something has changed"
+  uninstall
+  expect_empty_home
+  # The same for a first installation.
+  mkdir -p "$vst/default.fxb.quillon-unfinished"
+  picture "$HOME" >"$folder/before"
+  refused install "$tree"
+  picture "$HOME" | diff "$folder/before" - || die "something has changed"
+}
+
+# Stands in for cp and mv: counts the calls, and at the one that it is told kills the script that calls.
+make_deadly_programs() {
+  local program
+  mkdir -p "$folder/deadly"
+  for program in cp mv; do
+    cat >"$folder/deadly/$program" <<SCRIPT
+#!/bin/sh
+calls=\$(cat "$folder/calls")
+calls=\$((calls + 1))
+echo \$calls >"$folder/calls"
+[ \$calls -ne \$(cat "$folder/deadly_call") ] || { kill -KILL \$PPID; exit 1; }
+exec $(command -v $program) "\$@"
+SCRIPT
+    chmod +x "$folder/deadly/$program"
+  done
+}
+
+IsOldOrNewWhenKilledAtAnyPoint() {
+  local call=0 file result
+  make_deadly_programs
+  while :; do
+    call=$((call + 1))
+    rm -rf "$HOME"
+    mkdir "$HOME"
+    make_tree 1
+    install
+    write "$vst/default.fxb" "my bank"
+    write "$vst/Quillon Skin/skin.xml" "my change"
+    make_tree 2
+    echo 0 >"$folder/calls"
+    echo $call >"$folder/deadly_call"
+    result=0
+    (PATH=$folder/deadly:$PATH exec "$place" install "$tree") >"$folder/said" 2>&1 || result=$?
+    for file in "$vst/QuillonMultitapDelay.so" "$HOME/.clap/QuillonMultitapDelay/QuillonMultitapDelay.clap" \
+      "$HOME/.lv2/QuillonMultitapDelay.lv2/QuillonMultitapDelay.so"; do
+      [[ $(cat "$file") = "library of version "[12] ]] || die "half a file after $call calls: $file"
+    done
+    if [ $((call % 2)) = 0 ]; then
+      install
+      expect_version 2
+      [ -z "$(find "$HOME" -name '*unfinished')" ] || die "unfinished: $(find "$HOME" -name '*unfinished')"
+    fi
+    uninstall
+    [ "$(find "$HOME" -type f -exec cat {} + | sort | uniq | tr '\n' ,)" = "my bank,my change," ] ||
+      die "killed at call $call, left: $(find "$HOME" -type f)"
+    [ $result -ne 0 ] || break
+  done
+  [ $call -gt 20 ] || die "only $call calls were tried"
+}
+
+RefusesWhatCannotWork() {
+  refused install
+  refused install "$folder/nowhere"
+  refused remove
+  refused install "$tree" --frobnicate
+  said '--frobnicate'
+  refused install "$tree" --prefix
+  refused install "$tree" --prefix=
+  HOME='' refused install "$tree"
+  said 'there is no HOME'
+  HOME=$folder/nowhere refused install "$tree"
+  write "$HOME/.clap" "a file"
+  refused install "$tree"
+  said '~/.clap is no folder'
+  rm "$HOME/.clap"
+  mkdir -p "$HOME/.vst"
+  ln -s "$tree/lib/vst/QuillonMultitapDelay" "$vst"
+  refused install "$tree"
+  said 'is a link'
+  content "$tree/lib/vst/QuillonMultitapDelay/default.fxb" "bank of version 1"
+  rm "$vst"
+  rmdir "$HOME/.vst"
+  expect_empty_home
+  # The rights of files mean nothing to root.
+  local as=()
+  if [ "$(id -u)" = 0 ]; then
+    as=(setpriv --reuid=65534 --clear-groups)
+    chmod 755 "$folder"
+  fi
+  cp "$place" "$folder"
+  chmod 555 "$HOME"
+  ! "${as[@]}" "$folder/place" install "$tree" >"$folder/said" 2>&1 || die "worked"
+  chmod 755 "$HOME"
+  said 'cannot write'
+  [ "$(wc -l <"$folder/said")" = 1 ] || die "more than one line"
+  expect_empty_home
+}
+
+RefusesAListThatLeadsElsewhere() {
+  install
+  write "$folder/precious" "precious"
+  printf '%s  ../precious\n' "$(sha256sum <"$folder/precious" | cut -c 1-64)" >>"$state/installed"
+  refused uninstall
+  said 'is damaged'
+  content "$folder/precious" precious
+  echo nonsense >"$state/installed"
+  refused uninstall
+}
+
+NamesTheFullPathInTheDesktopEntry() {
+  install
+  content "$HOME/.local/share/applications/quillon-window.desktop" "Exec=\"$HOME/.local/bin/quillon-window\""
+  install --prefix "$folder/prefix"
+  content "$folder/prefix/share/applications/quillon-window.desktop" "Exec=quillon-window"
+}
+
+make_tree 1
+"$2"
