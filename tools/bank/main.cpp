@@ -85,6 +85,7 @@ int main(int argc, char** argv) {
     desk::leaveDisplay();
     CLI::App app("Converts between a table of 128 programs and an .fxb bank file.", "quillon-bank");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "quillon-bank " QUILLON_VERSION, "Show the tool's version");
     std::string input;
     std::string output;
 
