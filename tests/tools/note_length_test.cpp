@@ -60,13 +60,10 @@ TEST(NoteLength, IsOfNothingElse) {
         EXPECT_FALSE(noteFrom(text)) << text;
 }
 
-TEST(NoteLength, IsHalvedAndDoubled) {
+TEST(NoteLength, IsHalved) {
     EXPECT_EQ(noteText(halved(*noteFrom("1/4.")).value()), "1/8.");
-    EXPECT_EQ(noteText(doubled(*noteFrom("1/8t")).value()), "1/4t");
-    EXPECT_EQ(noteText(doubled(*noteFrom("1/1")).value()), "2/1");
     EXPECT_EQ(noteText(halved(*noteFrom("2/64")).value()), "1/64");
     EXPECT_FALSE(halved(*noteFrom("1/64")));
-    EXPECT_FALSE(doubled(*noteFrom("64/1")));
 }
 
 TEST(Tempo, IsAFewBeatsPerMinuteToMany) {

@@ -85,17 +85,6 @@ std::optional<NoteValue> halved(const NoteValue& note) {
     return half;
 }
 
-std::optional<NoteValue> doubled(const NoteValue& note) {
-    NoteValue twice = note;
-    if (note.unit > 1)
-        twice.unit /= 2;
-    else if (note.count * 2 <= kMostNotes)
-        twice.count *= 2;
-    else
-        return std::nullopt;
-    return twice;
-}
-
 double bpmFrom(std::string_view text) {
     const auto bpm = numberFrom(text);
     if (!bpm || *bpm < kSlowestBpm || *bpm > kFastestBpm)

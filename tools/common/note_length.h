@@ -37,9 +37,6 @@ double milliseconds(const NoteValue& note, double bpm);
 /// The note of half the length; nothing below sixty-fourths.
 std::optional<NoteValue> halved(const NoteValue& note);
 
-/// The note of twice the length; nothing above 64 whole notes.
-std::optional<NoteValue> doubled(const NoteValue& note);
-
 /// Reads a tempo from kSlowestBpm to kFastestBpm. Throws ToolError.
 double bpmFrom(std::string_view text);
 
