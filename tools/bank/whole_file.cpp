@@ -7,33 +7,40 @@
 
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 namespace bank {
 
 std::vector<std::uint8_t> readWholeFile(const std::string& path) {
     try {
         return tools::readBytes(path);
-    } catch (const tools::ToolError&) {
-        throw BankError(path + ": cannot be opened");
+    } catch (const tools::ToolError& error) {
+        throw BankError(error.what());
     }
 }
 
 void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
-    try {
-        tools::OutputFile output(std::filesystem::absolute(path));
-        std::ofstream file(output.temporary(), std::ios::binary | std::ios::trunc);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        file.close();
-        if (!file)
-            throw BankError(path + ": cannot be written");
-        output.commit();
-    } catch (const tools::ToolError&) {
-        throw BankError(path + ": cannot be written");
-    }
+    writeWholeFiles({path}, bytes);
 }
 
 void writeWholeFile(const std::string& path, const std::string& text) {
     writeWholeFile(path, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+void writeWholeFiles(const std::vector<std::string>& paths, std::span<const std::uint8_t> bytes) try {
+    std::vector<std::unique_ptr<tools::OutputFile>> outputs;
+    for (const std::string& path : paths) {
+        outputs.push_back(std::make_unique<tools::OutputFile>(std::filesystem::absolute(path)));
+        std::ofstream file(outputs.back()->temporary(), std::ios::binary | std::ios::trunc);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file)
+            throw BankError(path + " cannot be written completely");
+    }
+    for (const auto& output : outputs)
+        output->commit();
+} catch (const tools::ToolError& error) {
+    throw BankError(error.what());
 }
 
 } // namespace bank

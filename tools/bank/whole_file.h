@@ -16,4 +16,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path);
 void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes);
 void writeWholeFile(const std::string& path, const std::string& text);
 
+/// The same with several files of the same content. Nothing is written if one of them cannot be made.
+void writeWholeFiles(const std::vector<std::string>& paths, std::span<const std::uint8_t> bytes);
+
 } // namespace bank
