@@ -3,6 +3,7 @@
 #include "skin_window.h"
 
 #include "skin/skin_object.h"
+#include "skin/skin_table.h"
 #include "skin_language/xml_reader.h"
 
 #include "vstgui/lib/controls/cparamdisplay.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
+#include <string_view>
 
 namespace {
 
@@ -86,6 +88,18 @@ const Kind kinds[] = {
      {{"bitmap_off", "off.png"}, {"bitmap_on", "on.png"}},
      {}},
 };
+
+/// Those that are tested elsewhere: they need nothing, or they are this effect's own.
+constexpr std::string_view kOtherKinds[] = {"CONSTANTS", "background", "ViewTaps", "NoteDisplay",
+                                            "PresetsDisplay"};
+
+TEST(KindsOfObjects, AreAllTestedForTheirTags) {
+    for (const skin::KindRule& rule : skin::skinKinds()) {
+        const auto isRule = [&](const Kind& kind) { return kind.name == std::string_view(rule.name); };
+        EXPECT_TRUE(std::ranges::any_of(kinds, isRule) || std::ranges::count(kOtherKinds, rule.name))
+            << rule.name;
+    }
+}
 
 class Objects : public test::SkinWindow, public testing::WithParamInterface<Kind> {
   protected:
