@@ -23,6 +23,10 @@ if(WIN32)
   # The same bytes wherever it is built.
   target_compile_options(quillon_compile_options INTERFACE
     -ffile-prefix-map=${CMAKE_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+else()
+  # The same, with the true paths left to debuggers.
+  target_compile_options(quillon_compile_options INTERFACE
+    -fmacro-prefix-map=${CMAKE_BINARY_DIR}=build -fmacro-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
 if(QUILLON_SANITIZE)
   target_compile_options(quillon_compile_options INTERFACE

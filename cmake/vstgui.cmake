@@ -26,6 +26,7 @@ else()
     VSTGUI_NEEDS x11 x11-xcb xcb xcb-util xcb-cursor xcb-keysyms xcb-xkb xkbcommon xkbcommon-x11
     cairo pangocairo pangoft2 fontconfig freetype2 glib-2.0)
   set(vstgui_needs PkgConfig::VSTGUI_NEEDS ${CMAKE_DL_LIBS})
+  target_compile_options(vstgui PUBLIC -fmacro-prefix-map=${vstgui_sources}=.)
 endif()
 # Headers are reached as "vstgui/lib/...".
 target_include_directories(vstgui SYSTEM PUBLIC ${vstgui_sources})

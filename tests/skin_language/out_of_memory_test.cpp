@@ -99,7 +99,7 @@ TEST(XmlOutOfMemory, FailsTheParseAtEveryAllocationAndLosesNothing) {
 
 TEST(XmlOutOfMemory, GivesNoTextOfAFile) {
     const MemoryFor none(0);
-    EXPECT_EQ(xmlReadFile(__FILE__), nullptr);
+    EXPECT_EQ(xmlReadFile(QUILLON_SOURCE "/tests/skin_language/out_of_memory_test.cpp"), nullptr);
 }
 
 TEST(ExpressionOutOfMemory, RefusesAConstantThatFindsNoRoom) {
