@@ -13,23 +13,44 @@ namespace desk {
 
 namespace {
 
-/// Opens `file` under the number of a standard stream. Between fork and exec, so system calls alone.
-bool openAs(int stream, const char* file, int flags) {
-    const int opened = open(file, flags, 0600);
-    if (opened < 0 || dup2(opened, stream) < 0)
-        return false;
-    if (opened != stream)
-        close(opened);
-    return true;
-}
+/// A file that is closed at the end of its scope, and at exec. Not under the number of a standard stream.
+class OpenFile {
+  public:
+    OpenFile(const std::filesystem::path& path, int flags) {
+        const int opened = open(path.c_str(), flags | O_CLOEXEC, 0600);
+        descriptor_ = opened < 0 ? -1 : fcntl(opened, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        const int error = errno;
+        if (opened >= 0)
+            close(opened);
+        if (descriptor_ < 0)
+            throw std::runtime_error(path.string() +
+                                     " cannot be opened: " + std::generic_category().message(error));
+    }
+    ~OpenFile() { close(descriptor_); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
 
-[[noreturn]] void become(const ChildCommand& command, char* const* words, pid_t parent) {
+    /// Makes it that standard stream, too. Between fork and exec.
+    bool becomes(int stream) const { return dup2(descriptor_, stream) >= 0; }
+
+  private:
+    int descriptor_ = -1;
+};
+
+struct Streams {
+    explicit Streams(const ChildCommand& command)
+        : input("/dev/null", O_RDONLY), output(command.output, O_WRONLY | O_CREAT | O_TRUNC),
+          errors(command.errors, O_WRONLY | O_CREAT | O_TRUNC) {}
+    OpenFile input, output, errors;
+};
+
+/// Between fork and exec, so system calls alone.
+[[noreturn]] void become(const ChildCommand& command, const Streams& streams, char* const* words,
+                         pid_t parent) {
     constexpr int notStarted = 127;
-    constexpr int create = O_WRONLY | O_CREAT | O_TRUNC;
     prctl(PR_SET_PDEATHSIG, SIGTERM);
-    const bool isReady = getppid() == parent && openAs(STDIN_FILENO, "/dev/null", O_RDONLY) &&
-                         openAs(STDOUT_FILENO, command.output.c_str(), create) &&
-                         openAs(STDERR_FILENO, command.errors.c_str(), create) &&
+    const bool isReady = getppid() == parent && streams.input.becomes(STDIN_FILENO) &&
+                         streams.output.becomes(STDOUT_FILENO) && streams.errors.becomes(STDERR_FILENO) &&
                          chdir(command.folder.c_str()) == 0;
     if (isReady)
         execv(command.program.c_str(), words);
@@ -51,10 +72,11 @@ ChildProcess::ChildProcess(const ChildCommand& command) : system_(std::make_uniq
     for (std::string& text : texts)
         words.push_back(text.data());
     words.push_back(nullptr);
+    const Streams streams(command);
     const pid_t parent = getpid();
     system_->process = fork();
     if (system_->process == 0)
-        become(command, words.data(), parent);
+        become(command, streams, words.data(), parent);
     if (system_->process < 0)
         throw std::runtime_error(command.program.string() +
                                  " cannot be started: " + std::generic_category().message(errno));

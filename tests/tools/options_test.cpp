@@ -83,9 +83,10 @@ TEST(CommandLine, TakesFilesWhoseNamesBeginWithADash) {
 TEST(CommandLine, HelpsInWordsForMusicians) {
     const std::string help = std::get<HelpText>(parse({"--help"})).text;
     for (const char* word :
-         {"--program", "--set",     "--automate", "--midi",      "--chunk",  "--bank",    "--tail",
-          "--block",   "--list",    "--plot",     "--json",      "--format", "--library", "--pre-roll",
-          "--quiet",   "--version", "Examples:",  "120 seconds", "-80 dBFS", "smp"})
+         {"--program",       "--set",     "--automate",  "--midi",     "--chunk",  "--bank",    "--tail",
+          "--block",         "--list",    "--plot",      "--json",     "--format", "--library", "--pre-roll",
+          "--quiet",         "--version", "--to",        "--programs", "--type",   "--jobs",    "--again",
+          "--contact-sheet", "Examples:", "120 seconds", "-80 dBFS",   "smp"})
         EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 
@@ -93,10 +94,46 @@ TEST(CommandLine, TellsItsVersion) {
     EXPECT_TRUE(std::get<HelpText>(parse({"--version"})).text.starts_with("quillon-render 1."));
 }
 
+TEST(CommandLine, TakesManyFilesWithAFolderToWriteTo) {
+    const Options all =
+        options({"a.wav",      "b",       "--to",       "out/",   "c*.wav", "--set",  "Mix=1",
+                 "--programs", "0-3",     "--programs", "7",      "--type", ".FLAC",  "--jobs",
+                 "5",          "--again", "--json",     "--midi", "m.mid",  "--tail", "2"});
+    ASSERT_TRUE(all.bulk);
+    const BulkOptions& bulk = *all.bulk;
+    EXPECT_EQ(bulk.inputs, (std::vector<std::string>{"a.wav", "b", "c*.wav"}));
+    EXPECT_EQ(bulk.folder, std::filesystem::current_path() / "out");
+    EXPECT_EQ(bulk.programs, (std::vector<std::string>{"0-3", "7"}));
+    EXPECT_EQ(bulk.ending, ".flac");
+    EXPECT_EQ(bulk.jobs, 5u);
+    EXPECT_TRUE(bulk.again);
+    EXPECT_EQ(bulk.words, (std::vector<std::string>{"--set", "Mix=1", "--midi", "m.mid", "--tail", "2"}));
+    EXPECT_EQ(bulk.listWords, (std::vector<std::string>{"--set", "Mix=1", "--tail", "2"}));
+    EXPECT_EQ(bulk.files, std::vector{std::filesystem::current_path() / "m.mid"});
+    EXPECT_TRUE(all.input.empty());
+    EXPECT_FALSE(options({"a", "b"}).bulk);
+    EXPECT_GE(options({"a", "--to", "b"}).bulk->jobs, 1u);
+}
+
+TEST(CommandLine, SaysWhatIsWrongWithManyFiles) {
+    expectRefused({"--to", "out"}, "which files?");
+    expectRefused({"a", "--to", ""}, "--to: nothing was given");
+    expectRefused({"a", "--to", "x", "--contact-sheet", "y"}, "--to and --contact-sheet");
+    expectRefused({"a", "b", "--contact-sheet", "y"}, "leave out \"b\"");
+    expectRefused({"a", "--to", "x", "--plot", "p.png"}, "--plot draws one file");
+    expectRefused({"a", "--to", "x", "--program", "1", "--programs", "2"}, "--program chooses one program");
+    expectRefused({"a", "b", "--programs", "2"}, "with --to FOLDER");
+    expectRefused({"a", "b", "--again"}, "with --to FOLDER");
+    expectRefused({"a", "--to", "x", "--type", "mp9"}, "--type: \"mp9\"");
+    expectRefused({"a", "--to", "x", "--jobs", "0"}, "--jobs: \"0\" is not a number from 1 to 256");
+    expectRefused({"a", "--to", "x", "--jobs", "-2"}, "--jobs: \"-2\"");
+    expectRefused({"--list", "--to", "x"}, "leave out --to");
+}
+
 TEST(CommandLine, SaysWhatIsWrong) {
     expectRefused({}, "which file?");
     expectRefused({"in.wav"}, "where to?");
-    expectRefused({"a", "b", "c"}, "c");
+    expectRefused({"a", "b", "c"}, "\"c\" is one file too many");
     expectRefused({"a", "b", "--loud"}, "--loud");
     expectRefused({"a", "b", "--set"}, "--set");
     expectRefused({"a", "b", "--set", "Feedback"}, "--set \"Feedback\": write it as PARAMETER=VALUE");

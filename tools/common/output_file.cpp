@@ -1,5 +1,6 @@
 #include "tools/common/output_file.h"
 
+#include "desk/child_process.h"
 #include "platform/files.h"
 #include "tools/common/tool_error.h"
 
@@ -34,9 +35,14 @@ void checkTarget(const files::path& target) {
                         target.parent_path().string());
 }
 
+std::string beginningOfParts(std::uint32_t process) {
+    return ".quillon-" + std::to_string(process) + "-";
+}
+
 files::path unusedNameBeside(const files::path& target) {
     std::random_device random;
-    return target.parent_path() / (".quillon-" + std::to_string(random()) + ".part");
+    return target.parent_path() /
+           (beginningOfParts(desk::ownProcessId()) + std::to_string(random()) + ".part");
 }
 
 /// What is under a name, so that it can be brought back.
@@ -109,6 +115,10 @@ void commitBoth(OutputFile& first, OutputFile& second) {
             throw;
         throw ToolError(error.what() + std::string("; ") + first.target().string() + " is written");
     }
+}
+
+bool isPartOf(std::uint32_t process, const files::path& file) {
+    return file.filename().string().starts_with(beginningOfParts(process));
 }
 
 } // namespace tools

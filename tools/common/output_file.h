@@ -3,6 +3,7 @@
 
 #include "desk/abrupt_end.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 
@@ -34,5 +35,8 @@ class OutputFile {
 /// Puts both in their places, or neither: if the second cannot be, what the first one has replaced is there
 /// again. Throws ToolError, which names the first if that could not be done.
 void commitBoth(OutputFile& first, OutputFile& second);
+
+/// Whether the file is a temporary one of that process (desk::ownProcessId()), by its name.
+bool isPartOf(std::uint32_t process, const std::filesystem::path& file);
 
 } // namespace tools

@@ -264,6 +264,13 @@ void listEffect(const Options& options, std::FILE* output) {
 }
 
 void renderToFile(const Options& options, std::FILE* output) {
+    std::error_code error;
+    if (files::is_directory(options.input, error))
+        throw ToolError(options.input.string() +
+                        " is a folder; to render all that is in it, name the folder to write to with --to");
+    if (files::is_directory(options.output, error))
+        throw ToolError(options.output.string() +
+                        " is a folder; give the name of a file in it, or write --to in front of it");
     checkPlaces(options);
     RenderJob(options, output).run();
 }

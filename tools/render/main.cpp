@@ -1,4 +1,4 @@
-// quillon-render IN OUT: plays an audio file through the plug-in, offline.
+// quillon-render: plays audio files through the plug-in, offline.
 
 #include "desk/abrupt_end.h"
 #include "desk/arguments.h"
@@ -7,6 +7,7 @@
 #include "host/library_call.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/text.h"
+#include "tools/render/bulk.h"
 #include "tools/render/job.h"
 
 #include <exception>
@@ -21,13 +22,17 @@ int complain(const std::exception& error, int code) {
     return code;
 }
 
-void run(const tools::render::Options& options) {
+/// Gives the exit code.
+int run(const tools::render::Options& options) {
     std::FILE* const output = desk::takeOwnOutput();
     tools::watchForInterrupts();
     if (options.list)
         tools::render::listEffect(options, output);
+    else if (options.bulk)
+        return tools::render::renderInBulk(options, output) ? 0 : kExitFailure;
     else
         tools::render::renderToFile(options, output);
+    return 0;
 }
 
 } // namespace
@@ -40,10 +45,8 @@ int main(int argumentCount, char** arguments) {
         const desk::CommandLine line(argumentCount, arguments);
         const auto parsed = tools::render::parseOptions(line.count(), line.words());
         if (const auto* help = std::get_if<tools::render::HelpText>(&parsed))
-            std::fputs(help->text.c_str(), stdout);
-        else
-            run(std::get<tools::render::Options>(parsed));
-        return 0;
+            return std::fputs(help->text.c_str(), stdout) < 0 ? kExitFailure : 0;
+        return run(std::get<tools::render::Options>(parsed));
     } catch (const tools::Interrupted& interruption) {
         return complain(interruption, kExitInterrupted);
     } catch (const std::exception& error) {

@@ -6,12 +6,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <thread>
+
 namespace tools::render {
 
 namespace {
 
 constexpr const char* kDescription =
-    "Plays an audio file through a VST 2.4 effect and writes the output to a new file.\n"
+    "Plays audio files through a VST 2.4 effect and writes the output to new files.\n"
     "The default effect is the Quillon Multitap Delay.\n";
 
 constexpr const char* kExamples = R"(Examples:
@@ -30,6 +33,9 @@ constexpr const char* kExamples = R"(Examples:
 
   Hear it and look at it:
     quillon-render voice.wav echoes.flac --program 12 --plot echoes.png
+
+  A whole album, with three programs, into one folder:
+    quillon-render album/ bonus.wav "takes/*.flac" --to echoes --programs "3,Slow Dawn,Ping*"
 
 Names:
   A parameter has two names: the one in the window, "Base length", and the short one in VST hosts, "Bs Lgh 1".
@@ -63,15 +69,28 @@ Channels and rates: a mono file is played to both inputs; for an effect with one
 file are mixed. The output has as many channels as the effect. Sample rates from 1000 to 768000 Hz are accepted.
 A truncated file is played as far as it goes, with a warning.
 
+Many files: with --to, all other files, folders and patterns are inputs. A folder stands for the sound files in
+it and in its sub-folders. The outputs are called "voice.wav" or, with --programs, "voice - 003 Marbles on
+Tile.wav", and are the same as when rendered alone. The same command, given again, renders only what is missing or
+has changed; what is finished is noted in quillon-render.jsonl in the folder. Files there that are not from this
+tool, or that you have changed, are left as they are, unless you say --again.
+
 Exit code: 0 if OUT is written, with or without warnings; 2 if it is not; 130 if you stop it. If the effect
 crashes, the tool names the call that crashed and ends the way the crash would end it. If OUT is not written,
-no other files are left behind.)";
+no other files are left behind. With many files: 0 if all are there, 2 if one failed, 130 if you stop it.)";
+
+constexpr const char* kBulkGroup = "Many files";
+constexpr const char* kInformationGroup = "Information";
 
 struct Words {
     std::string input, output, library, program, automation, midi, chunk, bank, plot, tail, preRoll, block,
         format, bpm;
     std::vector<std::string> settings;
-    bool list = false, json = false, quiet = false, version = false;
+    std::vector<std::string> more, programs;
+    std::string folder, sheet, type, jobs;
+    bool list = false, json = false, quiet = false, version = false, again = false;
+
+    bool isBulk() const { return !folder.empty() || !sheet.empty(); }
 };
 
 void addSoundOptions(CLI::App& app, Words& words) {
@@ -130,7 +149,7 @@ void addRenderOptions(CLI::App& app, Words& words) {
 }
 
 void addReportOptions(CLI::App& app, Words& words) {
-    const std::string group = "Information";
+    const std::string group = kInformationGroup;
     app.add_flag("--list", words.list, "List the effect's programs and parameters; render nothing")
         ->group(group);
     app.add_option("--plot", words.plot, "Draw the sound before and after, and the echoes")
@@ -140,6 +159,33 @@ void addReportOptions(CLI::App& app, Words& words) {
     app.add_flag("--quiet", words.quiet, "Print warnings and errors only")->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
+}
+
+void addBulkOptions(CLI::App& app, Words& words) {
+    app.add_option("--to", words.folder,
+                   "Render all other files, folders and patterns (\"takes/*.wav\")\n"
+                   "into this folder; sub-folders are kept")
+        ->type_name("FOLDER")
+        ->group(kBulkGroup);
+    app.add_option("--programs", words.programs, "With each of these programs: \"0-31,47,Slow Dawn,Ping*\"")
+        ->type_name("LIST")
+        ->allow_extra_args(false)
+        ->group(kBulkGroup);
+    app.add_option("--contact-sheet", words.sheet,
+                   "Render IN with every program (or those of --programs) into\n"
+                   "this folder, with a page for listening: index.html")
+        ->type_name("FOLDER")
+        ->group(kBulkGroup);
+    app.add_option("--type", words.type,
+                   "wav, flac, aiff, ogg, caf or w64 (default: that of the input,\nor wav)")
+        ->type_name("TYPE")
+        ->group(kBulkGroup);
+    app.add_option("--jobs", words.jobs,
+                   "So many at the same time (default: as many as there are\nprocessors)")
+        ->type_name("N")
+        ->group(kBulkGroup);
+    app.add_flag("--again", words.again, "Render also what is there already, and replace it")
+        ->group(kBulkGroup);
 }
 
 double secondsFrom(const std::string& text, const char* option) {
@@ -175,15 +221,108 @@ std::int32_t blockSizeFrom(const std::string& text) {
     return *frames;
 }
 
+void checkBulk(const Words& words) {
+    const std::string option = words.sheet.empty() ? "--to" : "--contact-sheet";
+    if (!words.sheet.empty() && !words.folder.empty())
+        throw ToolError("--to and --contact-sheet both name the folder to write to; give one of them");
+    if (words.input.empty())
+        throw ToolError("which files? Give what to play beside " + option);
+    if (!words.sheet.empty() && !words.output.empty())
+        throw ToolError("--contact-sheet plays one file; leave out " + inQuotes(words.output));
+    if (!words.plot.empty())
+        throw ToolError("--plot draws one file; leave it out with " + option);
+    if (!words.program.empty() && (!words.programs.empty() || !words.sheet.empty()))
+        throw ToolError(
+            "--program chooses one program, and " +
+            std::string(words.programs.empty() ? "--contact-sheet plays all" : "--programs several") +
+            "; leave one of them out");
+}
+
+std::string endingFrom(const Words& words) {
+    std::string type = lowered(words.type);
+    if (type.empty())
+        return "";
+    if (type.starts_with('.'))
+        type.erase(0, 1);
+    for (const char* known : {"wav", "flac", "aiff", "aif", "ogg", "caf", "w64"})
+        if (type == known)
+            return "." + type;
+    throw ToolError("--type: " + inQuotes(words.type) +
+                    " is not a type of file; use wav, flac, aiff, ogg, caf or w64");
+}
+
+std::size_t jobsFrom(const std::string& text) {
+    constexpr int most = 256;
+    if (text.empty())
+        return std::max(1U, std::thread::hardware_concurrency());
+    const auto count = countFrom(text);
+    if (!count || *count < 1 || *count > most)
+        throw ToolError("--jobs: " + inQuotes(text) + " is not a number from 1 to " + std::to_string(most));
+    return static_cast<std::size_t>(*count);
+}
+
+/// The options of the line that are about the sound of each file go on to the process that renders it.
+void passOn(const CLI::App& app, BulkOptions& bulk) {
+    for (const CLI::Option* option : app.get_options()) {
+        const std::string& group = option->get_group();
+        if (option->get_positional() || option->count() == 0 || group == kBulkGroup ||
+            group == kInformationGroup)
+            continue;
+        const std::string name = option->get_name();
+        std::vector<std::string> words;
+        for (const std::string& value : option->results()) {
+            words.push_back(name);
+            if (option->get_type_size() > 0)
+                words.push_back(value);
+            if (option->get_type_name() == "FILE")
+                bulk.files.push_back(settled(value));
+        }
+        bulk.words.insert(bulk.words.end(), words.begin(), words.end());
+        if (name != "--automate" && name != "--midi")
+            bulk.listWords.insert(bulk.listWords.end(), words.begin(), words.end());
+    }
+}
+
+BulkOptions bulkFrom(const Words& words, const CLI::App& app) {
+    BulkOptions bulk;
+    bulk.inputs = {words.input};
+    if (!words.output.empty())
+        bulk.inputs.push_back(words.output);
+    bulk.inputs.insert(bulk.inputs.end(), words.more.begin(), words.more.end());
+    bulk.isContactSheet = !words.sheet.empty();
+    bulk.folder = settled(bulk.isContactSheet ? words.sheet : words.folder);
+    // "out/" and "out" are the same folder.
+    if (bulk.folder.filename().empty())
+        bulk.folder = bulk.folder.parent_path();
+    bulk.programs = words.programs;
+    bulk.ending = endingFrom(words);
+    bulk.jobs = jobsFrom(words.jobs);
+    bulk.again = words.again;
+    passOn(app, bulk);
+    return bulk;
+}
+
 void checkCombination(const Words& words, const CLI::App& app) {
     checkNothingIsEmpty(app);
     if (words.list) {
         if (!words.input.empty())
             throw ToolError("--list renders nothing and takes no files; leave out " + inQuotes(words.input));
+        if (words.isBulk())
+            throw ToolError("--list renders nothing; leave out --to and --contact-sheet");
         if (!words.plot.empty() || !words.automation.empty() || !words.midi.empty())
             throw ToolError("--list renders nothing; do not combine it with --plot, --automate or --midi");
         return;
     }
+    if (words.isBulk())
+        return checkBulk(words);
+    if (!words.more.empty())
+        throw ToolError(
+            inQuotes(words.more.front()) +
+            " is one file too many; to render several, give the folder to write to with --to FOLDER");
+    if (!words.programs.empty() || !words.type.empty() || !words.jobs.empty() || words.again)
+        throw ToolError(
+            "--programs, --type, --jobs and --again are for many files; give the folder to write to "
+            "with --to FOLDER");
     if (words.input.empty())
         throw ToolError("which file? Give the audio file to play and the file to write, or --help");
     if (words.output.empty())
@@ -192,10 +331,14 @@ void checkCombination(const Words& words, const CLI::App& app) {
         throw ToolError("--json and --quiet cannot be combined");
 }
 
-Options optionsFrom(const Words& words) {
+Options optionsFrom(const Words& words, const CLI::App& app) {
     Options options;
-    options.input = settled(words.input);
-    options.output = settled(words.output);
+    if (words.isBulk()) {
+        options.bulk = bulkFrom(words, app);
+    } else {
+        options.input = settled(words.input);
+        options.output = settled(words.output);
+    }
     options.library = settled(words.library);
     options.automation = settled(words.automation);
     options.midi = settled(words.midi);
@@ -224,8 +367,10 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     Words words;
     app.add_option("IN", words.input, "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo");
     app.add_option("OUT", words.output, "The file to write: .wav, .flac, .aiff or .ogg");
+    app.add_option("MORE", words.more)->group("");
     addSoundOptions(app, words);
     addRenderOptions(app, words);
+    addBulkOptions(app, words);
     addReportOptions(app, words);
     app.get_formatter()->column_width(34);
     app.get_formatter()->label("TEXT", "");
@@ -236,7 +381,7 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     if (words.version)
         return HelpText{"quillon-render " QUILLON_VERSION "\n"};
     checkCombination(words, app);
-    return optionsFrom(words);
+    return optionsFrom(words, app);
 }
 
 } // namespace tools::render

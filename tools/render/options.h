@@ -25,6 +25,20 @@ struct TailRule {
     double seconds = 0.0; ///< if not automatic
 };
 
+/// For many files at once.
+struct BulkOptions {
+    std::vector<std::string> inputs; ///< files, folders and patterns, as written
+    std::filesystem::path folder;    ///< for the outputs
+    bool isContactSheet = false;
+    std::vector<std::string> programs;  ///< as choosePrograms() takes them
+    std::string ending;                 ///< of the outputs, with its point; empty: as their inputs have it
+    std::size_t jobs = 1;               ///< at the same time
+    bool again = false;                 ///< render also what is there already
+    std::vector<std::string> words;     ///< options for the rendering of each file
+    std::vector<std::string> listWords; ///< those of them that --list takes
+    std::vector<std::filesystem::path> files; ///< that the words name
+};
+
 struct Options {
     std::filesystem::path input;
     std::filesystem::path output;
@@ -41,6 +55,7 @@ struct Options {
     std::optional<double> preRollSeconds; ///< none: long enough for the effect to come to rest
     std::int32_t blockSize = 512;         ///< frames
     SampleFormat format = SampleFormat::automatic;
+    std::optional<BulkOptions> bulk; ///< then input, output and plot are empty
     bool list = false;
     bool json = false;
     bool quiet = false;
