@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <ranges>
 #include <stdexcept>
 #include <string_view>
 #include <thread>
@@ -59,14 +58,15 @@ std::string lastComplaint(const std::string& errors) {
 /// How far a rendering says that it is: the last "NAME: 25 %".
 double shareDone(const std::string& errors) {
     constexpr std::string_view ending = " %";
-    for (const std::string& line : linesOf(errors) | std::views::reverse) {
+    double share = 0.0;
+    for (const std::string& line : linesOf(errors)) {
         if (!line.ends_with(ending))
             continue;
         const std::string_view text = std::string_view(line).substr(0, line.size() - ending.size());
         if (const auto percent = numberFrom(text.substr(text.rfind(' ') + 1)))
-            return *percent / 100.0;
+            share = *percent / 100.0;
     }
-    return 0.0;
+    return share;
 }
 
 /// This tool in a process of its own; what it writes goes to files in the current directory.
@@ -335,19 +335,19 @@ void BulkRun::makeFolderFor(const files::path& file) {
     for (files::path folder = file.parent_path();
          !files::exists(folder, error) && folder != folder.parent_path(); folder = folder.parent_path())
         missing.push_back(folder);
-    for (const files::path& folder : missing | std::views::reverse) {
-        files::create_directory(folder, error);
+    for (; !missing.empty(); missing.pop_back()) {
+        files::create_directory(missing.back(), error);
         if (error)
-            throw ToolError(folder.string() + " cannot be made: " + error.message());
-        madeFolders_.push_back(folder);
+            throw ToolError(missing.back().string() + " cannot be made: " + error.message());
+        madeFolders_.push_back(missing.back());
     }
 }
 
 void BulkRun::removeEmptyFolders() {
     std::error_code ignored;
-    for (const files::path& folder : madeFolders_ | std::views::reverse)
-        if (files::is_empty(folder, ignored))
-            files::remove(folder, ignored);
+    for (; !madeFolders_.empty(); madeFolders_.pop_back())
+        if (files::is_empty(madeFolders_.back(), ignored))
+            files::remove(madeFolders_.back(), ignored);
 }
 
 std::string BulkRun::fingerprintOf(const BulkJob& job) {

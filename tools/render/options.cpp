@@ -171,11 +171,6 @@ void addBulkOptions(CLI::App& app, Words& words) {
         ->type_name("LIST")
         ->allow_extra_args(false)
         ->group(kBulkGroup);
-    app.add_option("--contact-sheet", words.sheet,
-                   "Render IN with every program (or those of --programs) into\n"
-                   "this folder, with a page for listening: index.html")
-        ->type_name("FOLDER")
-        ->group(kBulkGroup);
     app.add_option("--type", words.type,
                    "wav, flac, aiff, ogg, caf or w64 (default: that of the input,\nor wav)")
         ->type_name("TYPE")
