@@ -1,0 +1,17 @@
+#!/bin/sh
+# traces_test.sh FOLDER... -- FILE...: none of these files names one of these folders, so that everybody gets the same bytes.
+set -eu
+folders=$(mktemp)
+trap 'rm -f "$folders"' EXIT
+while [ "$1" != -- ]; do
+  printf '%s\n' "$1" >>"$folders"
+  shift
+done
+shift
+[ -s "$folders" ]
+for file in "$@"; do
+  if grep -qF -f "$folders" "$file"; then
+    echo "$file names one of these: $(cat "$folders")"
+    exit 1
+  fi
+done
