@@ -252,7 +252,7 @@ TEST_F(Packages, AreInTheZipAsTheyAreDelivered) {
 }
 
 TEST_F(Packages, BringToolsThatRun) {
-    for (const char* const tool : {"quillon-render.exe", "quillon-window.exe"})
+    for (const char* const tool : {"quillon-bank.exe", "quillon-render.exe", "quillon-window.exe"})
         EXPECT_EQ(run(quoted(files::path(QUILLON_UNPACKED) / "Tools" / tool) + " --help >nul"), 0) << tool;
 }
 

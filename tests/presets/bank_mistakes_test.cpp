@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <optional>
+#include <filesystem>
 
 namespace {
 
@@ -40,8 +40,10 @@ class BankMistakes : public testing::TestWithParam<Mistake> {
     }
 
     std::string inFolder(std::string text, char mark) const {
-        for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1))
-            text.replace(at, 1, folder_.path().string() + "/");
+        const std::string folder = (folder_.path() / "").make_preferred().string();
+        for (std::size_t at = text.find(mark); at != std::string::npos;
+             at = text.find(mark, at + folder.size()))
+            text.replace(at, 1, folder);
         return text;
     }
 
@@ -65,7 +67,9 @@ TEST_P(BankMistakes, AreToldInOneLineAndChangeNothing) {
     const ToolResult result = runTool(folder_, words, ErrorEnd::file, QUILLON_BANK);
     EXPECT_EQ(2, result.exitCode);
     EXPECT_EQ("", result.out);
-    EXPECT_EQ("quillon-bank: " + inFolder(GetParam().line, '@') + "\n", result.err);
+    std::string line = GetParam().line;
+    std::ranges::replace(line, '/', static_cast<char>(std::filesystem::path::preferred_separator));
+    EXPECT_EQ("quillon-bank: " + inFolder(line, '@') + "\n", result.err);
     EXPECT_TRUE(result.leftBehind.empty());
     EXPECT_EQ(names, folder_.names());
     EXPECT_EQ(content, contentOf(folder_));

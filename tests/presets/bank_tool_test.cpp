@@ -17,6 +17,11 @@ ToolResult runBankTool(const ScratchFolder& folder, const std::vector<std::strin
     return runTool(folder, arguments, ErrorEnd::file, QUILLON_BANK);
 }
 
+/// A path below the folder as this system writes it.
+std::string below(const ScratchFolder& folder, const char* path) {
+    return (folder.path() / path).make_preferred().string();
+}
+
 } // namespace
 
 TEST(BankTool, CompilesTheFactoryBank) {
@@ -63,11 +68,11 @@ TEST(BankTool, NamesAFileThatCannotBeReadOrWritten) {
     EXPECT_EQ(2, result.exitCode);
     EXPECT_EQ("quillon-bank: " + missing + " cannot be read: No such file or directory\n", result.err);
 
-    const std::string unreachable = folder.file("no/such/folder/out.fxb");
+    const std::string unreachable = below(folder, "no/such/folder/out.fxb");
     result = runBankTool(folder, {"compile", kTable, "-o", unreachable});
     EXPECT_EQ(2, result.exitCode);
     EXPECT_EQ("quillon-bank: " + unreachable + " cannot be written: there is no folder " +
-                  folder.file("no/such/folder") + "\n",
+                  below(folder, "no/such/folder") + "\n",
               result.err);
     EXPECT_TRUE(folder.names().empty());
 }
@@ -176,7 +181,7 @@ TEST(BankTool, WritesAMapByWhichAControllerMovesAControlOfThePlugin) {
     folder.writeText("mine.txt", "# wheel and filter\ncc 74 = High cut\ncc 1 = Mix\n");
     const ToolResult result = runBankTool(folder, {"map", "mine.txt", "--library", library});
     EXPECT_EQ(0, result.exitCode) << result.err;
-    const std::string map = folder.file("plug-in/Pluginccmap.bin");
+    const std::string map = below(folder, "plug-in/Pluginccmap.bin");
     EXPECT_EQ(map + " is written\n", result.out);
 
     constexpr std::int32_t highCut = 9, mix = 14, feedback = 6;
@@ -227,7 +232,7 @@ TEST(BankTool, TellsOfAMapThatHostsReadInstead) {
     folder.writeText("Pluginccmap.bin", "");
     const ToolResult result = runBankTool(folder, {"map", "mine.txt", "--library", library});
     EXPECT_EQ(0, result.exitCode);
-    EXPECT_EQ(folder.file("plug-in/Pluginccmap.bin") + " is written\n" + folder.file("Pluginccmap.bin") +
+    EXPECT_EQ(below(folder, "plug-in/Pluginccmap.bin") + " is written\n" + folder.file("Pluginccmap.bin") +
                   " is read instead by hosts that work in that folder: delete it, or write it with -o\n",
               result.out);
     EXPECT_TRUE(readFile(folder.file("Pluginccmap.bin")).empty());

@@ -5,6 +5,7 @@
 
 #include "support/scratch_folder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace bank;
@@ -140,6 +141,9 @@ TEST(PluginFolders, AreThoseWithAModuleOfTheName) {
 }
 
 TEST(PluginFolders, OfAPersonComeFirst) {
-    EXPECT_EQ("/home/me/.vst", hostFolders("/home/me").front());
-    EXPECT_EQ(hostFolders("/home/me").size(), hostFolders("").size() + 2);
+    const auto folders = hostFolders({"/home/me", "/opt/quillon/bin", "", ""});
+    EXPECT_EQ("/home/me/.vst", folders.front());
+    EXPECT_EQ(1, std::ranges::count(folders, "/opt/quillon/lib/clap"));
+    EXPECT_EQ(folders.size(), hostFolders({"", "/opt/quillon/bin", "", ""}).size() + 2);
+    EXPECT_EQ(1, std::ranges::count(hostFolders({"", "", "/c/common", "/c/programs"}), "/c/common/CLAP"));
 }

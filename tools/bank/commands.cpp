@@ -37,7 +37,7 @@ bool isBankFile(const std::vector<std::uint8_t>& bytes) {
 }
 
 Bank tableAt(const files::path& path) {
-    const auto bytes = readWholeFile(path.string());
+    const auto bytes = readWholeFile(path);
     if (isBankFile(bytes))
         throw BankError(path.string() + " is a bank file; give the table that it is made from");
     return parseTable(textOf(bytes), path.string());
@@ -48,15 +48,19 @@ void print(std::FILE* output, const std::string& text) {
         throw BankError("standard output cannot be written");
 }
 
+/// A folder that the system names; empty if it does not.
+files::path fromEnvironment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
 /// Where the map of an installed plug-in belongs: beside each that is found.
 std::vector<files::path> foldersOfPlugins(const files::path& library) {
     if (!library.empty())
         return {tools::libraryPath(library).parent_path()};
-    const char* const home = std::getenv("HOME");
-    std::vector<files::path> folders = hostFolders(home ? home : "");
-    const files::path prefix = (platform::programFolder() / "..").lexically_normal();
-    for (const char* folder : {"lib/vst", "lib/clap"})
-        folders.push_back((prefix / folder).lexically_normal());
+    std::vector<files::path> folders =
+        hostFolders({fromEnvironment("HOME"), platform::programFolder(),
+                     fromEnvironment("COMMONPROGRAMFILES"), fromEnvironment("PROGRAMFILES")});
     std::vector<files::path> found = pluginFolders(folders);
     if (found.empty())
         found.push_back(tools::libraryPath({}).parent_path());
@@ -67,8 +71,7 @@ std::vector<files::path> foldersOfPlugins(const files::path& library) {
 std::vector<files::path> mapsReadFirst(const std::vector<files::path>& written) {
     std::vector<files::path> maps;
     std::error_code error;
-    const char* const home = std::getenv("HOME");
-    for (const files::path& folder : {files::current_path(error), files::path(home ? home : "")}) {
+    for (const files::path& folder : {files::current_path(error), fromEnvironment("HOME")}) {
         const files::path map = folder / kMapFileName;
         const auto isSame = [&](const files::path& other) { return files::equivalent(map, other, error); };
         if (!folder.empty() && files::exists(map, error) && std::ranges::none_of(written, isSame) &&
@@ -85,21 +88,20 @@ class JobRunner {
     void operator()(const HelpText& help) const { print(output_, help.text); }
 
     void operator()(const CompileJob& job) const {
-        writeWholeFile(job.output.string(), bankFileBytes(tableAt(job.table)));
+        writeWholeFile(job.output, bankFileBytes(tableAt(job.table)));
     }
 
     void operator()(const TableJob& job) const {
-        const std::string name = job.bank.string();
-        Bank bank = parseBankFile(readWholeFile(name), name);
+        Bank bank = parseBankFile(readWholeFile(job.bank), job.bank.string());
         adoptRhythms(bank, builtInFactoryBank());
-        writeWholeFile(job.output.string(), tableText(bank));
+        writeWholeFile(job.output, tableText(bank));
     }
 
     void operator()(const TempoJob& job) const {
         const RetunedBank result = retuned(rhythmicBank(job.bank), job.bpm);
         if (result.programs.empty())
             throw BankError(job.bank.string() + " has no program with a rhythm, so there is nothing to set");
-        writeWholeFile(job.output.string(), bankFileBytes(result.bank));
+        writeWholeFile(job.output, bankFileBytes(result.bank));
         print(output_, retuningText(result, job.bpm));
     }
 
@@ -112,13 +114,10 @@ class JobRunner {
                 written.push_back(folder / kMapFileName);
         else
             written.push_back(job.output);
-        std::vector<std::string> names;
+        writeWholeFiles(written, controllerMapBytes(map));
         std::string report;
-        for (const files::path& path : written) {
-            names.push_back(path.string());
-            report += names.back() + " is written\n";
-        }
-        writeWholeFiles(names, controllerMapBytes(map));
+        for (const files::path& path : written)
+            report += path.string() + " is written\n";
         report += sharedControllersText(map);
         if (job.output.empty())
             for (const files::path& other : mapsReadFirst(written))
@@ -161,9 +160,9 @@ class JobRunner {
         const BankNumbers numbers = measure(audition, programs, speech);
         files::create_directories(job.pictures);
         for (std::size_t number = 0; number < numbers.size(); ++number)
-            writeWholeFile((job.pictures / pictureName(number)).string(), numbers[number].picture);
+            writeWholeFile(job.pictures / pictureName(number), numbers[number].picture);
         const auto folderInPage = job.pictures.lexically_relative(job.output.parent_path());
-        writeWholeFile(job.output.string(), pageText(programs, numbers, folderInPage.generic_string()));
+        writeWholeFile(job.output, pageText(programs, numbers, folderInPage.generic_string()));
     }
 
     void operator()(const LoudnessJob& job) const {
@@ -179,7 +178,7 @@ class JobRunner {
     static Bank rhythmicBank(const files::path& path) {
         if (path.empty())
             return builtInFactoryBank();
-        const auto bytes = readWholeFile(path.string());
+        const auto bytes = readWholeFile(path);
         if (!isBankFile(bytes))
             return parseTable(textOf(bytes), path.string());
         Bank bank = parseBankFile(bytes, path.string());

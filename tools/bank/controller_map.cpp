@@ -203,12 +203,18 @@ std::vector<files::path> pluginFolders(const std::vector<files::path>& folders) 
     return found;
 }
 
-std::vector<files::path> hostFolders(const files::path& home) {
+std::vector<files::path> hostFolders(const KnownFolders& known) {
     std::vector<files::path> folders;
-    if (!home.empty())
-        folders = {home / ".vst", home / ".clap"};
-    for (const char* folder : {"/usr/local/lib/vst", "/usr/local/lib/clap", "/usr/lib/vst", "/usr/lib/clap"})
-        folders.emplace_back(folder);
+    const auto addBelow = [&](const files::path& folder, std::initializer_list<const char*> names) {
+        for (const char* name : names)
+            if (!folder.empty())
+                folders.push_back((folder / name).lexically_normal());
+    };
+    addBelow(known.home, {".vst", ".clap"});
+    addBelow(known.commonFiles, {"CLAP"});
+    addBelow(known.programFiles, {"VSTPlugins", "Steinberg/VSTPlugins"});
+    addBelow(known.tool, {"../lib/vst", "../lib/clap"});
+    addBelow("/usr", {"local/lib/vst", "local/lib/clap", "lib/vst", "lib/clap"});
     return folders;
 }
 

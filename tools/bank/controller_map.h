@@ -50,7 +50,15 @@ std::string sharedControllersText(const ControllerMap& map);
 /// VST or CLAP module of its name in them.
 std::vector<std::filesystem::path> pluginFolders(const std::vector<std::filesystem::path>& folders);
 
-/// Where hosts on this system look for plug-ins: those of the person's own first. `home` may be empty.
-std::vector<std::filesystem::path> hostFolders(const std::filesystem::path& home);
+/// Folders that are known when the tool runs; empty if unknown.
+struct KnownFolders {
+    std::filesystem::path home;
+    std::filesystem::path tool;         ///< the one that the tool lies in
+    std::filesystem::path commonFiles;  ///< of Windows, for parts of programs
+    std::filesystem::path programFiles; ///< of Windows
+};
+
+/// Where hosts look for plug-ins: those of the person's own first.
+std::vector<std::filesystem::path> hostFolders(const KnownFolders& known);
 
 } // namespace bank

@@ -5,13 +5,12 @@
 #include "tools/common/output_file.h"
 #include "tools/common/tool_error.h"
 
-#include <filesystem>
 #include <fstream>
 #include <memory>
 
 namespace bank {
 
-std::vector<std::uint8_t> readWholeFile(const std::string& path) {
+std::vector<std::uint8_t> readWholeFile(const std::filesystem::path& path) {
     try {
         return tools::readBytes(path);
     } catch (const tools::ToolError& error) {
@@ -19,23 +18,24 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path) {
     }
 }
 
-void writeWholeFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+void writeWholeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
     writeWholeFiles({path}, bytes);
 }
 
-void writeWholeFile(const std::string& path, const std::string& text) {
+void writeWholeFile(const std::filesystem::path& path, const std::string& text) {
     writeWholeFile(path, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
-void writeWholeFiles(const std::vector<std::string>& paths, std::span<const std::uint8_t> bytes) try {
+void writeWholeFiles(const std::vector<std::filesystem::path>& paths,
+                     std::span<const std::uint8_t> bytes) try {
     std::vector<std::unique_ptr<tools::OutputFile>> outputs;
-    for (const std::string& path : paths) {
+    for (const std::filesystem::path& path : paths) {
         outputs.push_back(std::make_unique<tools::OutputFile>(std::filesystem::absolute(path)));
         std::ofstream file(outputs.back()->temporary(), std::ios::binary | std::ios::trunc);
         file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         file.close();
         if (!file)
-            throw BankError(path + " cannot be written completely");
+            throw BankError(path.string() + " cannot be written completely");
     }
     for (const auto& output : outputs)
         output->commit();
