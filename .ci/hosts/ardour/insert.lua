@@ -5,7 +5,7 @@ local session = load_session(folder, "song")
 local kinds = { LV2 = ARDOUR.PluginType.LV2, VST = ARDOUR.PluginType.LXVST }
 for plugin in ARDOUR.LuaAPI.list_plugins():iter() do
 	if plugin.type == kinds[format] and plugin.unique_id == id then
-		print("listed as " .. plugin.name)
+		io.stderr:write("listed as " .. plugin.name .. "\n")
 	end
 end
 local processor = ARDOUR.LuaAPI.new_plugin(session, id, kinds[format], "")
@@ -17,5 +17,6 @@ for line in io.lines(values) do
 	control = control + 1
 end
 session:save_state("")
+-- Not held back, should Ardour abort when it ends.
+io.stderr:write("Done\n")
 close_session()
-print("Done")
