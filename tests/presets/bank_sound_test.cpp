@@ -6,6 +6,8 @@
 #include "tools/bank/bank_file.h"
 #include "tools/bank/bank_table.h"
 #include "tools/bank/fingerprint.h"
+#include "tools/bank/parallel.h"
+#include "tools/bank/program_loudness.h"
 #include "tools/bank/whole_file.h"
 
 #include <algorithm>
@@ -15,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <numeric>
 #include <sstream>
+#include <utility>
 
 using namespace bank;
 using namespace parameters;
@@ -30,7 +33,13 @@ constexpr double kAudibleDecibels = -20.0;
 /// Tails are followed for this long.
 constexpr double kTailSeconds = 20.0;
 /// Two programs that are closer than this sound like one.
-constexpr double kSmallestDistance = 5.0;
+constexpr double kSmallestDistance = 6.0;
+/// Programs of related ideas keep at least this distance.
+constexpr double kRelatedDistance = 9.5;
+constexpr std::pair<std::size_t, std::size_t> kRelated[] = {
+    {15, 56}, {16, 88}, {17, 90}, {22, 118}, {104, 105}};
+/// From the quietest to the loudest program, in loudness units.
+constexpr double kLoudnessSpread = 6.0;
 
 /// Filters ring for some milliseconds behind a tap.
 constexpr double kRingSeconds = 0.03;
@@ -238,6 +247,30 @@ INSTANTIATE_TEST_SUITE_P(Bank, ProgramWithoutFeedback,
 INSTANTIATE_TEST_SUITE_P(Bank, ProgramWithFeedback, testing::ValuesIn(auditioned(feedsBack)), testName);
 INSTANTIATE_TEST_SUITE_P(Bank, LoopOfOneTap, testing::ValuesIn(auditioned(isExactLoop)), testName);
 
+TEST_F(BankSound, IsOfEqualLoudnessInEveryProgram) {
+    const std::vector<std::size_t> programs = auditioned();
+    const LoudnessProbe probe(recording(QUILLON_SPEECH));
+    std::vector<ProgramLoudness> loudness(programs.size());
+    forEachInParallel(programs.size(), [&](std::size_t i) {
+        loudness[i] = probe.measure(audition_, programs[i], factoryBank()[programs[i]]);
+    });
+    for (std::size_t sound = 0; sound < kLoudnessSounds.size(); ++sound) {
+        const auto quieter = [sound](const ProgramLoudness& a, const ProgramLoudness& b) {
+            return a[sound].change < b[sound].change;
+        };
+        const auto [quietest, loudest] = std::minmax_element(loudness.begin(), loudness.end(), quieter);
+        const auto nameOf = [&](auto place) {
+            return factoryBank()[programs[static_cast<std::size_t>(place - loudness.begin())]].name;
+        };
+        EXPECT_LE((*loudest)[sound].change - (*quietest)[sound].change, kLoudnessSpread)
+            << kLoudnessSounds[sound] << " from " << nameOf(quietest) << " to " << nameOf(loudest);
+    }
+    for (std::size_t i = 0; i < programs.size(); ++i)
+        for (std::size_t sound = 0; sound < kLoudnessSounds.size(); ++sound)
+            EXPECT_LT(loudness[i][sound].truePeak, 0.0)
+                << factoryBank()[programs[i]].name << ", " << kLoudnessSounds[sound];
+}
+
 TEST_F(BankSound, IsDifferentForEveryProgram) {
     const std::vector<std::size_t> programs = auditioned();
     std::vector<Fingerprint> fingerprints;
@@ -260,4 +293,10 @@ TEST_F(BankSound, IsDifferentForEveryProgram) {
     line << pair << ", " << closest << " dB";
     RecordProperty("closest", line.str());
     std::cout << "closest: " << line.str() << "\n";
+}
+
+TEST_F(BankSound, TellsRelatedProgramsApart) {
+    for (const auto& [a, b] : kRelated)
+        EXPECT_GT(distance(fingerprintOf(audition_, a), fingerprintOf(audition_, b)), kRelatedDistance)
+            << factoryBank()[a].name << " and " << factoryBank()[b].name;
 }
