@@ -66,7 +66,7 @@ bool isNoteAtTempo(const std::vector<std::string>& words) {
 std::string nameAt(const BankProgram& before, const NoteValue& note, double bpm) {
     std::vector<std::string> words = wordsOf(before.name);
     const std::size_t place = tempoWord(words, before);
-    const std::string noteAtTempo = tools::noteText(note) + " at " + tempoText(bpm);
+    std::string noteAtTempo = tools::noteText(note) + " at " + tempoText(bpm);
     if (isNoteAtTempo(words))
         return noteAtTempo;
     if (place == words.size())
