@@ -83,10 +83,10 @@ TEST(CommandLine, TakesFilesWhoseNamesBeginWithADash) {
 TEST(CommandLine, HelpsInWordsForMusicians) {
     const std::string help = std::get<HelpText>(parse({"--help"})).text;
     for (const char* word :
-         {"--program", "--set",       "--automate", "--midi",     "--chunk",  "--bank",    "--tail",
-          "--block",   "--list",      "--plot",     "--json",     "--format", "--library", "--pre-roll",
-          "--quiet",   "--version",   "--to",       "--programs", "--type",   "--jobs",    "--again",
-          "Examples:", "120 seconds", "-80 dBFS",   "smp"})
+         {"--program",       "--set",     "--automate",  "--midi",     "--chunk",  "--bank",    "--tail",
+          "--block",         "--list",    "--plot",      "--json",     "--format", "--library", "--pre-roll",
+          "--quiet",         "--version", "--to",        "--programs", "--type",   "--jobs",    "--again",
+          "--contact-sheet", "Examples:", "120 seconds", "-80 dBFS",   "smp"})
         EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 
@@ -118,6 +118,9 @@ TEST(CommandLine, TakesManyFilesWithAFolderToWriteTo) {
 TEST(CommandLine, SaysWhatIsWrongWithManyFiles) {
     expectRefused({"--to", "out"}, "which files?");
     expectRefused({"a", "--to", ""}, "--to: nothing was given");
+    expectRefused({"a", "--to", "x", "--contact-sheet", "y"}, "--to and --contact-sheet");
+    expectRefused({"a", "b", "--contact-sheet", "y"}, "leave out \"b\"");
+    expectRefused({"a", "--contact-sheet", "x", "--program", "1"}, "--contact-sheet plays all");
     expectRefused({"a", "--to", "x", "--plot", "p.png"}, "--plot draws one file");
     expectRefused({"a", "--to", "x", "--program", "1", "--programs", "2"}, "--program chooses one program");
     expectRefused({"a", "b", "--programs", "2"}, "with --to FOLDER");

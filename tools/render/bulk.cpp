@@ -2,15 +2,18 @@
 
 #include "desk/private_folder.h"
 #include "tools/common/interrupt.h"
+#include "tools/common/output_file.h"
 #include "tools/common/text.h"
 #include "tools/common/tool_error.h"
 #include "tools/render/bulk_plan.h"
 #include "tools/render/bulk_run.h"
+#include "tools/render/contact_sheet.h"
 #include "tools/render/program_choice.h"
 #include "tools/render/sound_files.h"
 
 #include <algorithm>
 #include <chrono>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -87,8 +90,15 @@ class Bulk {
         const std::vector<SoundFile> inputs = findSoundFiles(bulk_.inputs, bulk_.folder);
         const desk::PrivateFolder folder;
         const EffectList effect = askEffect(bulk_, startFolder);
-        jobs_ = planJobs(inputs, chosenPrograms(bulk_, effect), bulk_.folder, bulk_.ending);
+        const std::string ending = bulk_.isContactSheet ? endingForBrowsers(inputs) : bulk_.ending;
+        jobs_ = planJobs(inputs, chosenPrograms(bulk_, effect), bulk_.folder, ending);
+        if (bulk_.isContactSheet) {
+            arrangeForContactSheet(jobs_, bulk_.folder);
+            checkPage(ending);
+        }
         outcomes_ = BulkRun(options_, jobs_, startFolder, effect.library).run();
+        if (hasPage())
+            writePage(inputs.front().file, ending, effect.library.stem().string());
         seconds_ = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
         report();
         return count(State::failed) == 0;
@@ -97,6 +107,48 @@ class Bulk {
   private:
     std::size_t count(State state) const {
         return static_cast<std::size_t>(std::ranges::count(outcomes_, state, &BulkOutcome::state));
+    }
+
+    /// The type that was asked for, or that of the input, if browsers play it.
+    std::string endingForBrowsers(const std::vector<SoundFile>& inputs) const {
+        if (inputs.size() != 1)
+            throw ToolError("--contact-sheet plays one file, and " + inQuotes(bulk_.inputs.front()) +
+                            " means " + std::to_string(inputs.size()));
+        const std::string own = lowered(inputs.front().file.extension().string());
+        const std::string& ending = bulk_.ending.empty() ? own : bulk_.ending;
+        for (const char* played : {".wav", ".flac", ".ogg"})
+            if (ending == played)
+                return ending;
+        if (!bulk_.ending.empty())
+            throw ToolError("--type " + bulk_.ending.substr(1) +
+                            ": browsers do not play such files; use wav, flac or ogg");
+        return ".wav";
+    }
+
+    bool hasPage() const {
+        return bulk_.isContactSheet && !isInterrupted() && count(State::rendered) + count(State::kept) > 0;
+    }
+
+    /// Without a record, the page and the dry sound are somebody else's.
+    void checkPage(const std::string& ending) const {
+        std::error_code error;
+        if (bulk_.again || files::exists(bulk_.folder / kRecordName, error))
+            return;
+        for (const files::path& file : {bulk_.folder / kContactSheetName, bulk_.folder / ("dry" + ending)})
+            if (files::exists(file, error))
+                throw ToolError(file.string() +
+                                " is there already and is not from this tool; --again replaces it");
+    }
+
+    void writePage(const files::path& input, const std::string& ending, const std::string& effect) {
+        const files::path dry = copyDrySound(input, bulk_.folder, ending, options_.format);
+        OutputFile page(bulk_.folder / kContactSheetName);
+        std::ofstream stream(page.temporary(), std::ios::binary);
+        stream << contactSheetText({bulk_.folder, input, dry, effect, jobs_, outcomes_});
+        stream.close();
+        if (!stream)
+            throw ToolError(page.target().string() + " cannot be written");
+        page.commit();
     }
 
     void report() const {
@@ -139,7 +191,10 @@ class Bulk {
             text += ", " + std::to_string(count(State::kept)) + " already there";
         if (count(State::failed) > 0)
             text += ", " + std::to_string(count(State::failed)) + " failed";
-        return text + "; " + roughTime(seconds_) + "\n";
+        text += "; " + roughTime(seconds_) + "\n";
+        if (hasPage())
+            text += "open " + (bulk_.folder / kContactSheetName).string() + " in a browser\n";
+        return text;
     }
 
     std::string json() const {

@@ -37,6 +37,9 @@ constexpr const char* kExamples = R"(Examples:
   A whole album, with three programs, into one folder:
     quillon-render album/ bonus.wav "takes/*.flac" --to echoes --programs "3,Slow Dawn,Ping*"
 
+  Hear a sound with all programs, on a page for the browser:
+    quillon-render voice.wav --contact-sheet listen
+
 Names:
   A parameter has two names: the one in the window, "Base length", and the short one in VST hosts, "Bs Lgh 1".
   Both work here, in upper or lower case; --list shows them side by side. Programs may be given by the first
@@ -74,6 +77,9 @@ it and in its sub-folders. The outputs are called "voice.wav" or, with --program
 Tile.wav", and are the same as when rendered alone. The same command, given again, renders only what is missing or
 has changed; what is finished is noted in quillon-render.jsonl in the folder. Files there that are not from this
 tool, or that you have changed, are left as they are, unless you say --again.
+
+The page of --contact-sheet plays every program, with its loudness and its picture, beside the dry sound. It opens
+in a browser without a network.
 
 Exit code: 0 if OUT is written, with or without warnings; 2 if it is not; 130 if you stop it. If the effect
 crashes, the tool names the call that crashed and ends the way the crash would end it. If OUT is not written,
@@ -170,6 +176,11 @@ void addBulkOptions(CLI::App& app, Words& words) {
     app.add_option("--programs", words.programs, "With each of these programs: \"0-31,47,Slow Dawn,Ping*\"")
         ->type_name("LIST")
         ->allow_extra_args(false)
+        ->group(kBulkGroup);
+    app.add_option("--contact-sheet", words.sheet,
+                   "Render IN with every program (or those of --programs) into\n"
+                   "this folder, with a page for listening: index.html")
+        ->type_name("FOLDER")
         ->group(kBulkGroup);
     app.add_option("--type", words.type,
                    "wav, flac, aiff, ogg, caf or w64 (default: that of the input,\nor wav)")
