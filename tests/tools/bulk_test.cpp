@@ -130,9 +130,10 @@ TEST_F(Bulk, GoesOnAfterAFileThatCannotBePlayed) {
     const auto lines = result.errorLines();
     ASSERT_EQ(lines.size(), 4u) << result.err;
     EXPECT_EQ(lines[0], "[1/3] a.wav");
-    EXPECT_TRUE(lines[1].starts_with("[2/3] b.wav FAILED: " + folder.file("takes/b.wav"))) << lines[1];
+    EXPECT_TRUE(lines[1].starts_with("[2/3] b.wav FAILED: ")) << lines[1];
     EXPECT_EQ(lines[2], "[3/3] c.wav");
-    EXPECT_TRUE(lines[3].starts_with("quillon-render: " + folder.file("takes/b.wav"))) << lines[3];
+    EXPECT_TRUE(lines[3].starts_with("quillon-render: ")) << lines[3];
+    EXPECT_NE(lines[3].find("b.wav cannot be read: "), std::string::npos) << lines[3];
     EXPECT_NE(result.out.find("2 rendered, 1 failed"), std::string::npos) << result.out;
 }
 
