@@ -149,7 +149,6 @@ TEST(CommandLine, SaysWhatIsWrong) {
     expectRefused({"a", "b", "--format", "16"}, "--format: \"16\"");
     expectRefused({"a", "b", "--pre-roll", "x"}, "--pre-roll: \"x\"");
     expectRefused({"a", "b", "--program", ""}, "--program: nothing was given");
-    expectRefused({"a", "b", "--json", "--quiet"}, "--json and --quiet");
     expectRefused({"--list", "a"}, "--list renders nothing");
     expectRefused({"--list", "--plot", "p.png"}, "--list renders nothing");
 }

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <numbers>
 #include <sndfile.hh>
 #include <thread>
 
@@ -16,6 +17,14 @@ using nlohmann::json;
 
 std::string probe(const std::string& name) {
     return PROBES "/" + name + ".so";
+}
+
+std::vector<float> tone(double hertz, float amplitude, double seconds, int sampleRate) {
+    std::vector<float> samples(static_cast<std::size_t>(seconds * sampleRate));
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = amplitude * static_cast<float>(std::sin(2.0 * std::numbers::pi * hertz *
+                                                             static_cast<double>(i) / sampleRate));
+    return samples;
 }
 
 class RenderTool : public testing::Test {
@@ -317,6 +326,40 @@ TEST_F(RenderTool, ReportsSilenceWithoutANumberForItsLevel) {
     EXPECT_NE(run({"in.wav", "out.wav", "--tail", "0"}).out.find("silent"), std::string::npos);
 }
 
+TEST_F(RenderTool, ReportsTheLoudnessOfInputAndOutput) {
+    // 997 Hz at 48 kHz, 20 dB below full scale: as many LUFS on both channels, 3 less on one.
+    folder.writeSound("in.wav", tone(997.0, 0.1f, 4.0, 48000), 1, 48000);
+    const json report = runJson({"in.wav", "out.wav", "--tail", "0"});
+    EXPECT_NEAR(report["inputLoudness"]["integratedLufs"].get<double>(), -23.01, 0.1);
+    EXPECT_NEAR(report["loudness"]["integratedLufs"].get<double>(), -20.0, 0.1);
+    EXPECT_NEAR(report["loudness"]["rangeLu"].get<double>(), 0.0, 0.1);
+    EXPECT_NEAR(report["loudness"]["truePeakDbtp"].get<double>(), -20.0, 0.1);
+    const std::string text = run({"in.wav", "out.wav", "--tail", "0"}).out;
+    EXPECT_NE(text.find("\nloudness -20.0 LUFS (input -23.0 LUFS), range 0.0 LU, true peak -20.0 dBTP\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST_F(RenderTool, SaysWhyALoudnessIsNotMeasured) {
+    const auto loudnessLine = [&](const std::vector<float>& samples, int sampleRate) {
+        folder.writeSound("in.wav", samples, 1, sampleRate);
+        const std::string text = run({"in.wav", "out.wav", "--tail", "0.5"}).out;
+        const std::size_t start = text.find("loudness");
+        return text.substr(start, text.find('\n', start) - start);
+    };
+    // The blocks of 0.4 s hold 0.3, 0.2 and 0.1 s of a tone of -20 LUFS: half of its energy in the mean.
+    EXPECT_EQ(loudnessLine(tone(997.0, 0.1f, 0.3, 48000), 48000).substr(0, 51),
+              "loudness -23.0 LUFS (input not measured below 0.4 s");
+    EXPECT_EQ(loudnessLine(std::vector<float>(48000, 0.0f), 48000),
+              "loudness none above -70 LUFS (input none above -70 LUFS)");
+    EXPECT_EQ(loudnessLine(std::vector<float>(20000, 0.1f), 4000), "loudness not measured below 8000 Hz");
+    const json report = runJson({"in.wav", "out.wav", "--tail", "0"});
+    EXPECT_TRUE(report["loudness"]["integratedLufs"].is_null());
+    EXPECT_TRUE(report["loudness"]["rangeLu"].is_null());
+    EXPECT_TRUE(report["loudness"]["truePeakDbtp"].is_null());
+    EXPECT_TRUE(report["inputLoudness"]["integratedLufs"].is_null());
+}
+
 TEST_F(RenderTool, KeepsWhatTheLibraryPrintsOutOfItsOwnOutput) {
     folder.writeSound("in.wav", noise(2000));
     const ToolResult result = run({"in.wav", "out.wav", "--tail", "0", "--json"}, "probe_prints");
@@ -408,6 +451,18 @@ TEST_F(RenderTool, SaysNothingIfItIsToBeQuiet) {
     const ToolResult result = run({"in.wav", "out.wav", "--tail", "0", "--quiet"});
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "");
+}
+
+TEST_F(RenderTool, PrintsTheReportInJsonAloneIfItIsToBeQuietOtherwise) {
+    folder.writeSound("in.wav", noise(200000));
+    const ToolResult result = run({"in.wav", "out.wav", "--tail", "0", "--quiet", "--json"});
+    EXPECT_TRUE(json::accept(result.out)) << result.out;
+    EXPECT_EQ(result.err, "");
+    folder.writeSound("in.wav", {2.0f, 2.0f});
+    const ToolResult clipped = run({"in.wav", "out.wav", "--tail", "0", "--quiet", "--json"});
+    EXPECT_EQ(json::parse(clipped.out)["clippedSamples"], 4);
+    EXPECT_NE(clipped.err.find("warning: "), std::string::npos);
+    EXPECT_EQ(std::count(clipped.err.begin(), clipped.err.end(), '\n'), 1);
 }
 
 TEST_F(RenderTool, WritesOverAnOlderFile) {

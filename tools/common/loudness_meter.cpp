@@ -13,7 +13,6 @@ namespace tools {
 
 namespace {
 
-constexpr double kShortestBlock = 0.4;
 constexpr double kShortestRange = 3.0;
 
 /// The library writes its tables each time that a measurement starts, always with the same numbers. No other
@@ -84,7 +83,7 @@ void LoudnessMeter::add(std::span<const float> samples) {
 }
 
 std::optional<double> LoudnessMeter::integrated() const {
-    if (!measurement_->state || !measurement_->lasts(kShortestBlock))
+    if (!measurement_->state || !measurement_->lasts(kShortest))
         return std::nullopt;
     const std::shared_lock lock(tables());
     double loudness = 0.0;

@@ -24,7 +24,7 @@ class LoudnessMeter {
     /// The next samples, frames x channels, finite.
     void add(std::span<const float> samples);
 
-    /// Integrated (gated) loudness in LUFS. None for less than 0.4 s, or where all is below -70 LUFS.
+    /// Integrated (gated) loudness in LUFS. None for less than kShortest, or where all is below -70 LUFS.
     std::optional<double> integrated() const;
     /// Loudness range in LU, by EBU Tech 3342. None for less than 3 s, or where all is below -70 LUFS.
     std::optional<double> range() const;
@@ -34,8 +34,10 @@ class LoudnessMeter {
     /// Highest sample of any channel, in dBFS.
     double samplePeak() const;
 
-    /// The weighting filter needs frequencies up to about 3 kHz.
+    /// In Hz. The weighting filter needs frequencies up to about 3 kHz.
     static constexpr int kLowestRate = 8000;
+    /// Length of a gating block, in seconds; nothing shorter has a loudness.
+    static constexpr double kShortest = 0.4;
 
   private:
     struct Measurement;

@@ -96,11 +96,14 @@ class Figures {
         const auto rate = numberAt(report_, "/sampleRate");
         return count && rate && *rate > 0.0 ? std::optional(*count / *rate) : std::nullopt;
     }
-    /// Louder or softer than the dry sound, in LU.
+    /// Louder or softer than the dry sound, in LU. A mono sound is heard on both sides.
     std::optional<double> loudnessChange() const {
         const auto out = numberAt(report_, "/loudness/integratedLufs");
         const auto in = inputLoudness();
-        return in && out ? std::optional(*out - *in) : std::nullopt;
+        const bool isWidened =
+            numberAt(report_, "/inputChannels") == 1.0 && numberAt(report_, "/channels") == 2.0;
+        const double bothSides = isWidened ? 10.0 * std::log10(2.0) : 0.0;
+        return in && out ? std::optional(*out - *in - bothSides) : std::nullopt;
     }
     std::optional<double> inputLoudness() const { return numberAt(report_, "/inputLoudness/integratedLufs"); }
     std::optional<double> peak() const { return numberAt(report_, "/peakDbfs"); }

@@ -39,12 +39,18 @@ void interleave(const Channels& channels, std::vector<float>& block) {
             block[i * channels.size() + c] = channels[c][i];
 }
 
+Loudness loudnessIn(const LoudnessMeter& meter) {
+    return {meter.integrated(), meter.range(), meter.truePeak()};
+}
+
 } // namespace
 
 FileRender::FileRender(host::Plugin& plugin, AudioReader& reader, AudioWriter& writer, BlockPlayer& player,
                        const TailRule& tail, std::int32_t blockSize, Outlines* outlines)
     : reader_(reader), writer_(writer), player_(player), watch_(tail, reader.sampleRate()),
       blockSize_(blockSize), outlines_(outlines),
+      inputLoudness_(reader.channels(), reader.sampleRate(), LoudnessMeter::Extent::loudness),
+      loudness_(plugin.effect()->numOutputs, reader.sampleRate()),
       fileBlock_(static_cast<std::size_t>(blockSize * reader.channels())),
       in_(silentChannels(plugin.effect()->numInputs, blockSize)),
       out_(silentChannels(plugin.effect()->numOutputs, blockSize)),
@@ -65,6 +71,8 @@ RenderResult FileRender::run(Progress& progress) {
     result.frames = written_;
     result.peak = meter_.peak();
     result.samplesOver = meter_.samplesOver();
+    result.inputLoudness = loudnessIn(inputLoudness_);
+    result.loudness = loudnessIn(loudness_);
     result.tailCutShort = watch_.wasCutShort();
     result.eventsMissed = player_.eventsAhead();
     return result;
@@ -78,10 +86,11 @@ void FileRender::readInput() {
         inputHasEnded_ = frames < blockSize_;
         if (inputHasEnded_)
             watch_.inputEndedAt(inputFrames_);
+        const auto samples =
+            std::span(fileBlock_).first(static_cast<std::size_t>(frames * reader_.channels()));
+        inputLoudness_.add(samples);
         if (outlines_)
-            outlines_->dry.add(
-                std::span(fileBlock_).first(static_cast<std::size_t>(frames * reader_.channels())),
-                reader_.channels());
+            outlines_->dry.add(samples, reader_.channels());
     }
     distribute(fileBlock_, static_cast<std::size_t>(reader_.channels()), in_);
 }
@@ -115,6 +124,7 @@ void FileRender::writeCertain() {
         return;
     writer_.write(certain);
     meter_.add(certain);
+    loudness_.add(certain);
     if (outlines_)
         outlines_->wet.add(certain, static_cast<int>(out_.size()));
     written_ += static_cast<std::int64_t>(certain.size() / out_.size());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/plugin.h"
+#include "tools/common/loudness_meter.h"
 #include "tools/render/audio_file.h"
 #include "tools/render/block_player.h"
 #include "tools/render/level_meter.h"
@@ -11,9 +12,17 @@
 #include "tools/render/waveform.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace tools::render {
+
+/// As LoudnessMeter has it.
+struct Loudness {
+    std::optional<double> integrated; ///< LUFS
+    std::optional<double> range;      ///< LU
+    std::optional<double> truePeak;   ///< dBTP; of the output only
+};
 
 /// What there is to know about a finished rendering.
 struct RenderResult {
@@ -21,6 +30,8 @@ struct RenderResult {
     std::int64_t frames = 0; ///< of the output, the tail included
     float peak = 0.0f;       ///< of the output, 1.0 being full scale
     std::int64_t samplesOver = 0;
+    Loudness inputLoudness;
+    Loudness loudness; ///< of the output
     bool tailCutShort = false;
     std::size_t eventsMissed = 0; ///< they lie behind the output's end
 };
@@ -54,6 +65,8 @@ class FileRender {
     std::int32_t blockSize_;
     Outlines* outlines_;
     LevelMeter meter_;
+    LoudnessMeter inputLoudness_;
+    LoudnessMeter loudness_;
     std::int64_t inputFrames_ = 0;
     bool inputHasEnded_ = false;
 

@@ -72,6 +72,10 @@ Channels and rates: a mono file is played to both inputs; for an effect with one
 file are mixed. The output has as many channels as the effect. Sample rates from 1000 to 768000 Hz are accepted.
 A truncated file is played as far as it goes, with a warning.
 
+Loudness is measured by EBU R 128: integrated loudness in LUFS, loudness range in LU and true peak in dBTP, for
+sounds of at least 0.4 s at sample rates from 8000 Hz. A mono file counts as one channel: its sound is 3 LU louder
+when both channels of the output play it.
+
 Many files: with --to, all other files, folders and patterns are inputs. A folder stands for the sound files in
 it and in its sub-folders. The outputs are called "voice.wav" or, with --programs, "voice - 003 Marbles on
 Tile.wav", and are the same as when rendered alone. The same command, given again, renders only what is missing or
@@ -162,7 +166,9 @@ void addReportOptions(CLI::App& app, Words& words) {
         ->type_name("FILE.png")
         ->group(group);
     app.add_flag("--json", words.json, "Report in JSON on standard output, for scripts")->group(group);
-    app.add_flag("--quiet", words.quiet, "Print warnings and errors only")->group(group);
+    app.add_flag("--quiet", words.quiet,
+                 "Print no progress, and no report without --json; only warnings\nand errors")
+        ->group(group);
     app.set_help_flag("--help,-h", "Show this help")->group(group);
     app.add_flag("--version", words.version, "Show the tool's version")->group(group);
 }
@@ -333,8 +339,6 @@ void checkCombination(const Words& words, const CLI::App& app) {
         throw ToolError("which file? Give the audio file to play and the file to write, or --help");
     if (words.output.empty())
         throw ToolError("where to? Give the file to write after " + inQuotes(words.input));
-    if (words.json && words.quiet)
-        throw ToolError("--json and --quiet cannot be combined");
 }
 
 Options optionsFrom(const Words& words, const CLI::App& app) {

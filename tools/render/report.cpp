@@ -4,6 +4,7 @@
 #include "tools/common/text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
@@ -46,6 +47,35 @@ class Table {
     std::vector<std::vector<std::string>> rows_;
 };
 
+/// Without a sign on what is zero when rounded.
+std::string levelWithUnit(double level, const char* unit) {
+    const std::string text = fixedText(level, 1);
+    return (text == "-0.0" ? "0.0" : text) + " " + unit;
+}
+
+std::string integratedText(const Loudness& loudness, std::int64_t frames, int sampleRate) {
+    if (loudness.integrated)
+        return levelWithUnit(*loudness.integrated, "LUFS");
+    const bool isTooShort = static_cast<double>(frames) < LoudnessMeter::kShortest * sampleRate;
+    return isTooShort ? "not measured below " + fixedText(LoudnessMeter::kShortest, 1) + " s"
+                      : "none above -70 LUFS";
+}
+
+/// A line about the output, with the input's loudness beside its own.
+std::string loudnessText(const RenderReport& report) {
+    if (report.sampleRate < LoudnessMeter::kLowestRate)
+        return "loudness not measured below " + std::to_string(LoudnessMeter::kLowestRate) + " Hz\n";
+    const RenderResult& result = report.result;
+    std::string text = "loudness " + integratedText(result.loudness, result.frames, report.sampleRate) +
+                       " (input " +
+                       integratedText(result.inputLoudness, result.inputFrames, report.sampleRate) + ")";
+    if (result.loudness.range)
+        text += ", range " + levelWithUnit(*result.loudness.range, "LU");
+    if (result.loudness.truePeak && std::isfinite(*result.loudness.truePeak))
+        text += ", true peak " + levelWithUnit(*result.loudness.truePeak, "dBTP");
+    return text + "\n";
+}
+
 std::string secondsText(std::int64_t frames, int sampleRate) {
     return fixedText(static_cast<double>(frames) / sampleRate, 2) + " s";
 }
@@ -57,6 +87,15 @@ using Json = nlohmann::ordered_json;
 Json jsonOf(float value) {
     const std::optional<double> number = numberFrom(shortText(value));
     return number ? Json(*number) : Json();
+}
+
+/// null for what is not measured, and for silence.
+Json jsonOf(const std::optional<double>& level) {
+    return level && std::isfinite(*level) ? Json(*level) : Json();
+}
+
+Json loudnessJson(const Loudness& loudness) {
+    return {{"integratedLufs", jsonOf(loudness.integrated)}, {"rangeLu", jsonOf(loudness.range)}};
 }
 
 /// Indented, with a line end.
@@ -168,6 +207,7 @@ std::string reportText(const RenderReport& report) {
                        secondsText(tail, report.sampleRate) + " of it tail), " +
                        std::to_string(report.sampleRate) + " Hz, " + report.kind + ", peak " +
                        levelText(result.peak) + "\n";
+    text += loudnessText(report);
     if (!report.state.programName.empty())
         text += "program " + std::to_string(report.state.program) + ", " +
                 printable(report.state.programName) + "\n";
@@ -179,6 +219,8 @@ std::string reportText(const RenderReport& report) {
 std::string reportJson(const RenderReport& report) {
     const RenderResult& result = report.result;
     const std::int64_t clipped = clippedSamples(report);
+    Json loudness = loudnessJson(result.loudness);
+    loudness["truePeakDbtp"] = jsonOf(result.loudness.truePeak);
     Json warnings = Json::array();
     for (const std::string& warning : report.warnings)
         warnings.push_back(utf8(warning));
@@ -197,6 +239,8 @@ std::string reportJson(const RenderReport& report) {
                    {"tail", tailJson(report)},
                    {"peak", jsonOf(result.peak)},
                    {"peakDbfs", decibels(result.peak)},
+                   {"loudness", std::move(loudness)},
+                   {"inputLoudness", loudnessJson(result.inputLoudness)},
                    {"samplesOverFullScale", result.samplesOver},
                    {"clippedSamples", clipped},
                    {"clippedByDb", clipped > 0 ? decibels(result.peak) : 0.0},
