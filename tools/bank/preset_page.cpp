@@ -1,9 +1,13 @@
 #include "tools/bank/preset_page.h"
 
 #include "base/number_text.h"
+#include "tools/bank/parallel.h"
+#include "tools/bank/retune.h"
+#include "tools/common/note_length.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace bank {
@@ -66,6 +70,7 @@ ProgramNumbers measureOne(const Audition& audition, std::size_t number, const Ba
                           const std::vector<Signal>& sources) {
     ProgramNumbers numbers;
     const dsp::TapPattern pattern = patternOf(program);
+    numbers.taps = pattern.numTaps.load();
     numbers.firstSeconds = static_cast<double>(pattern.tapTimeTarget[0].load()) / kAuditionRate;
     numbers.patternSeconds = patternSeconds(pattern);
 
@@ -91,25 +96,24 @@ ProgramNumbers measureOne(const Audition& audition, std::size_t number, const Ba
     return numbers;
 }
 
-constexpr const char* kIntroduction =
+constexpr const char* kOrigin =
     R"(# The factory programs
 
 The plug-in starts with these 128 programs, in sixteen families of eight. They come from the table
 [`skins/factory_bank.tsv`](../skins/factory_bank.tsv), which you can open in a spreadsheet; `quillon-bank` compiles it
 into `default.fxb`. This page is written by `quillon-bank page`, which measures the sound of the built plug-in.
+)";
 
-How to read it:
+constexpr const char* kReading = R"(
+Each picture shows the echoes of a single click: left upward, right downward, over a range of 60 dB. The number in its
+corner is the time from edge to edge. Beside it:
 
-- **Echoes** shows the echoes of a single click: left upward, right downward, over a range of 60 dB. The number in the
-  corner is the time from edge to edge.
-- **Mix** is the share of echoes that is stored in the program.
-- **First** and **last** are the times of the first and the last echo. **Gone** is the time when the answer to a click has
-  fallen by 60 dB; "> 20 s" means that it is longer than the measurement.
-- **Level** compares the loudest passage of the echoes alone with that of the input: the mean of a drum hit, a plucked
-  string and speech. **Peak** is the highest sample of the echoes for the three inputs, each at full scale. Programs with
-  an asterisk may exceed +6 dB, because many echoes add up. Their stored mix allows for that; take care when you turn
-  "Mix" up.
-- **L/R** says how similar left and right are: 1 is mono, 0 is wide.
+- how many **echoes** the pattern has, and the times of the first and the last one;
+- **mix**, the share of echoes that is stored in the program;
+- **gone**, the time when the answer to a click has fallen by 60 dB; "> 20 s" means that it is longer than the
+  measurement;
+- for programs with a rhythm, the **tempo** at which an echo comes with every note. `quillon-bank tempo` sets all of them
+  to the tempo of your song.
 
 The values are measured at 48 kHz after a program change. When a host switches the effect off and on, the two filters
 become wider, until you turn them or choose the program again; sounds with narrow filters then get a little fuller. In
@@ -117,40 +121,107 @@ programs that glide ("How echoes move" at Glide or Fine), the echoes need about 
 program change. "High cut" is safe in every program at sample rates from 32 kHz up.
 )";
 
+constexpr const char* kLevels = R"(
+## Levels
+
+- **Drums**, **plucks** and **speech** say how much louder the program makes a sound, at its own mix: the difference in
+  integrated loudness (EBU R 128) between output and input, in LU. The sounds are four bars of drums, sixteen plucked
+  notes and a spoken phrase said four times, each 8 s long, at a peak of -6 dBFS on both channels, followed by the
+  program's tail.
+- **Peak** is the highest sample of these three outputs, and **true peak** the highest level between the samples.
+- **Echoes alone** compares the loudest passage of the echoes without the dry sound with that of the input: the mean of a
+  drum hit, a plucked string and speech. **Their peak** is the highest sample of the echoes, with the three inputs at full
+  scale. Programs with an asterisk may exceed +6 dB, because many echoes add up. Their stored mix allows for that; take
+  care when you turn "Mix" up.
+- **L/R** says how similar left and right are: 1 is mono, 0 is wide.
+
+| No. | Program | Drums | Plucks | Speech | Peak | True peak | Echoes alone | Their peak | L/R |
+| ---: | --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | ---: |
+)";
+
+std::string echoesText(const ProgramNumbers& numbers) {
+    if (numbers.taps == 1)
+        return "1 echo at " + secondsText(numbers.firstSeconds);
+    return std::to_string(numbers.taps) + " echoes, " + secondsText(numbers.firstSeconds) + " to " +
+           secondsText(numbers.patternSeconds);
+}
+
 std::string row(std::size_t number, const BankProgram& program, const ProgramNumbers& numbers,
                 const std::string& pictureFolder) {
     const double mix = 100.0 * static_cast<double>(program.value(parameters::kDryWet));
-    std::string text =
-        "| " + std::to_string(number) + " | **" + program.name + "**<br>" + program.note + " | ";
-    text += "<img src=\"" + pictureFolder + "/" + pictureName(number) + "\" alt=\"\" width=\"" +
-            std::to_string(kWidth) + "\"> | ";
-    text += fixedText(mix, 0) + " % | " + secondsText(numbers.firstSeconds) + " | " +
-            secondsText(numbers.patternSeconds) + " | ";
-    text += (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) + " | ";
-    text += decimalText(numbers.levelDecibels) + " dB | " + decimalText(numbers.peakDecibels) + " dB" +
-            (program.loud ? " \\*" : "") + " | " + decimalText(numbers.correlation) + " |\n";
-    return text;
+    const std::string tempo = tempoText(program);
+    return "| " + std::to_string(number) + " | <img src=\"" + pictureFolder + "/" + pictureName(number) +
+           "\" alt=\"\" width=\"" + std::to_string(kWidth) + "\"> | **" + program.name + "**<br>" +
+           program.note + " | " + echoesText(numbers) + "<br>mix " + fixedText(mix, 0) + " %, gone " +
+           (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) +
+           (tempo.empty() ? "" : "<br>" + tempo) + " |\n";
+}
+
+std::string levelRow(std::size_t number, const BankProgram& program, const ProgramNumbers& numbers) {
+    std::string text = "| " + std::to_string(number) + " | " + program.name + " | ";
+    double peak = -std::numeric_limits<double>::infinity();
+    double truePeak = peak;
+    for (const PlayedLoudness& played : numbers.loudness) {
+        text += decimalText(played.change) + " LU | ";
+        peak = std::max(peak, played.peak);
+        truePeak = std::max(truePeak, played.truePeak);
+    }
+    return text + decimalText(peak) + " dBFS | " + decimalText(truePeak) + " dBTP | " +
+           decimalText(numbers.levelDecibels) + " dB | " + decimalText(numbers.peakDecibels) + " dB" +
+           (program.loud ? " \\*" : "") + " | " + decimalText(numbers.correlation) + " |\n";
+}
+
+/// What all programs have in common, as it was measured.
+std::string summary(const BankNumbers& numbers) {
+    BankLoudness loudness;
+    std::transform(numbers.begin(), numbers.end(), loudness.begin(),
+                   [](const ProgramNumbers& program) { return program.loudness; });
+    std::string spreads;
+    for (std::size_t sound = 0; sound < kLoudnessSounds.size(); ++sound)
+        spreads += std::string(sound == 0                           ? ""
+                               : sound + 1 < kLoudnessSounds.size() ? ", "
+                                                                    : " and ") +
+                   decimalText(spreadOf(loudness, sound).decibels) + " LU with " + kLoudnessSounds[sound];
+    const HighestPeak highest = highestPeakOf(loudness);
+    return "\n**How loud they are.** At its own mix, the loudest program is above the softest by " + spreads +
+           ".\nWith these sounds at -6 dBFS, the highest peak of any program is " +
+           decimalText(highest.peak) + " dBFS, and the highest true peak " + decimalText(highest.truePeak) +
+           " dBTP.\n[Levels](#levels) has the figures of each program.\n";
 }
 
 } // namespace
 
 BankNumbers measure(const Audition& audition, const Bank& bank, const Signal& speech) {
     const std::vector<Signal> sources = {drumHit(), pluckedString(), speech};
+    const LoudnessProbe probe(speech);
     BankNumbers numbers;
-    for (std::size_t number = 0; number < bank.size(); ++number)
+    forEachInParallel(bank.size(), [&](std::size_t number) {
         numbers[number] = measureOne(audition, number, bank[number], sources);
+        numbers[number].loudness = probe.measure(audition, number, bank[number]);
+    });
     return numbers;
 }
 
+std::string tempoText(const BankProgram& program) {
+    if (!program.rhythm)
+        return {};
+    std::string number = fixedText(ownTempo(program), 1);
+    if (number.ends_with(".0"))
+        number.resize(number.size() - 2);
+    return tools::noteText(*program.rhythm) + " at " + number + " bpm";
+}
+
 std::string pageText(const Bank& bank, const BankNumbers& numbers, const std::string& pictureFolder) {
-    std::string text = kIntroduction;
+    std::string text = kOrigin + summary(numbers) + kReading;
     for (std::size_t number = 0; number < bank.size(); ++number) {
         if (number == 0 || bank[number].family != bank[number - 1].family)
             text += "\n## " + bank[number].family +
-                    "\n\n| No. | Program | Echoes | Mix | First | Last | Gone | Level | Peak | L/R |\n"
-                    "| ---: | --- | --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: |\n";
+                    "\n\n| No. | Echoes | Program | |\n| ---: | --- | --- | --- |\n";
         text += row(number, bank[number], numbers[number], pictureFolder);
     }
+    text += kLevels;
+    for (std::size_t number = 0; number < bank.size(); ++number)
+        text += levelRow(number, bank[number], numbers[number]);
     return text;
 }
 

@@ -41,13 +41,6 @@ std::string joined(const std::vector<std::string>& words) {
     return name;
 }
 
-/// In quarter notes per minute, as the program stands.
-double ownTempo(const BankProgram& program) {
-    const double length =
-        parameters::kLongestGap.numberFor(static_cast<double>(program.value(ParameterId::kBaseLength)));
-    return tools::milliseconds(*program.rhythm, 1.0) / (length * firstGapShare(program));
-}
-
 /// The word of the name that is the program's own tempo; the number of words if none is.
 std::size_t tempoWord(const std::vector<std::string>& words, const BankProgram& program) {
     constexpr double tolerance = 0.5;
@@ -175,6 +168,12 @@ double firstGapShare(const BankProgram& program) {
     const double bend = static_cast<double>(parameters::stretchBend(program.value(ParameterId::kStretch)));
     const double w = 1.0 / (std::exp(4.0) + 1.0);
     return (1.0 - (w + w)) * bend + w;
+}
+
+double ownTempo(const BankProgram& program) {
+    const double length =
+        parameters::kLongestGap.numberFor(static_cast<double>(program.value(ParameterId::kBaseLength)));
+    return tools::milliseconds(*program.rhythm, 1.0) / (length * firstGapShare(program));
 }
 
 RetunedBank retuned(const Bank& bank, double bpm) {

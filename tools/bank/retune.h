@@ -30,6 +30,10 @@ struct RetunedBank {
 /// The share of the base length that passes before the first echo; in even patterns, between all.
 double firstGapShare(const BankProgram& program);
 
+/// The tempo, in quarter notes per minute, at which an echo comes with every note of the program's rhythm,
+/// which it must have.
+double ownTempo(const BankProgram& program);
+
 /// The programs at `bpm`. A name that contains the program's own tempo gets the new one; if the note had to
 /// be another, it becomes that note and the tempo, "1/2 at 100".
 RetunedBank retuned(const Bank& bank, double bpm);
