@@ -79,6 +79,36 @@ TEST(Automation, PassesOverCommentsEmptyLinesAndAHeading) {
     EXPECT_EQ(lines[2].line, 8);
 }
 
+TEST(Automation, ReadsRamps) {
+    for (const char* text :
+         {"2s Bs Lgh 1 0.2 -> 0.9 over 4s # up", "2,Bs Lgh 1,0.2 -> 0.9 over 4000ms",
+          "2\t\"Bs Lgh 1\"\t0.2 -> 0.9\tover 4", "2000ms , Bs Lgh 1 ,  0.2  ->  0.9  over  4s\n"}) {
+        const AutomationLine line = onlyLine(text);
+        EXPECT_EQ(line.time.frameAt(1000.0), 2000) << text;
+        EXPECT_EQ(line.setting.parameter, "Bs Lgh 1") << text;
+        EXPECT_DOUBLE_EQ(line.setting.value.number, 0.2) << text;
+        ASSERT_TRUE(line.ramp.has_value()) << text;
+        EXPECT_DOUBLE_EQ(line.ramp->target.number, 0.9) << text;
+        EXPECT_EQ(line.ramp->duration.frameAt(1000.0), 4000) << text;
+    }
+    EXPECT_FALSE(onlyLine("2s Feedback 0.2").ramp.has_value());
+    const AutomationLine shown = onlyLine("0,Base length,250ms -> display:1 s over 96000smp");
+    EXPECT_EQ(shown.setting.value.kind, WantedValue::Kind::shownNumber);
+    EXPECT_EQ(shown.ramp->target.text, "1 s");
+    EXPECT_EQ(shown.ramp->duration.frameAt(48000.0), 96000);
+}
+
+TEST(Automation, RefusesARampThatIsNotComplete) {
+    constexpr const char* form = "line 1: a ramp is: time, parameter, value -> value over duration";
+    for (const char* text :
+         {"1 Gain -> 0.5 over 2s", "1 Gain 0.1 -> 0.5", "1 Gain 0.1 -> 0.5 over", "1 Gain 0.1 -> 0.5 in 2s",
+          "1,Gain,0.1 -> 0.5", "1,Gain, -> 0.5 over 2s", "1,Gain,0.1 -> over 2s"})
+        expectRefused(text, form);
+    expectRefused("1 Gain 0.1 -> 1.5 over 2s", "line 1: a value without a unit must be from 0 to 1");
+    expectRefused("1 Gain 0.1 -> 0.5 over soon", "line 1: \"soon\" is not a time");
+    expectRefused("1 Gain 0.1 -> 0.5 over 0s", "line 1: a ramp needs a duration above 0");
+}
+
 TEST(Automation, OfNothingIsNothing) {
     EXPECT_TRUE(parseAutomation("").empty());
     EXPECT_TRUE(parseAutomation("\n\n# only words\n").empty());

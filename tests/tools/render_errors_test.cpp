@@ -157,6 +157,18 @@ TEST_F(RenderErrors, OfAnAutomationFileNameFileAndLine) {
     folder.writeText("moves.txt", "1 Steps display:99\n");
     expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
                      "moves.txt, line 1: \"Steps\" never shows");
+    folder.writeText("moves.txt", "1 Gain 0 -> 1 over 2s\n\n2.5 Gain 0.5\n");
+    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
+                     "moves.txt, line 3: \"Gain\" is still moved by the ramp of line 1");
+    folder.writeText("moves.txt", "3 Gain 1 -> 0 over 1s\n1 Gain 0 -> 1 over 3s\n");
+    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
+                     "moves.txt, line 1: \"Gain\" is still moved by the ramp of line 2");
+    folder.writeText("moves.txt", "1 Gain 0 -> 1 over 3601s\n");
+    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
+                     "moves.txt, line 1: a ramp may last 3600 s");
+    folder.writeText("moves.txt", "1 Steps 0 -> display:99 over 1s\n");
+    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
+                     "moves.txt, line 1: \"Steps\" never shows");
     expectProbeError({"in.wav", "new.wav", "--automate", "missing.txt"}, "missing.txt cannot be read");
     expectProbeError({"in.wav", "new.wav", "--automate", "."}, "is a folder");
 }

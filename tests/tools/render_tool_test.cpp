@@ -212,6 +212,35 @@ TEST_F(RenderTool, AutomatesTheSameInBlocksOfAnySize) {
     }
 }
 
+TEST_F(RenderTool, MovesAParameterAlongARamp) {
+    folder.writeSound("in.wav", std::vector<float>(1500, 1.0f), 1, 1000);
+    folder.writeText("moves.txt", "0 Gain 1\n100smp Gain 0.5 -> 0.25 over 1s\n1100smp Gain 0.75\n");
+    for (const char* size : {"1", "50", "512"}) {
+        run({"in.wav", "out.wav", "--tail", "0", "--format", "float", "--automate", "moves.txt", "--block",
+             size});
+        const Sound out = output();
+        EXPECT_EQ(out.at(99, 0), 1.0f);
+        // From 100 on, a step each 64 samples: linear in the value at the first sample of each.
+        for (std::size_t frame = 100; frame < 1100; ++frame) {
+            const double steps = static_cast<double>((frame - 100) / 64);
+            ASSERT_EQ(out.at(frame, 0), static_cast<float>(0.5 - 0.25 * (steps * 64.0 / 1000.0))) << frame;
+        }
+        EXPECT_EQ(out.at(1100, 0), 0.75f);
+    }
+    folder.writeText("moves.txt", "0.1 Gain 0.5 -> 0.25 over 100smp\n");
+    run({"in.wav", "out.wav", "--tail", "0", "--format", "float", "--automate", "moves.txt"});
+    EXPECT_EQ(output().at(200, 0), 0.25f);
+    EXPECT_EQ(output().at(1499, 0), 0.25f);
+}
+
+TEST_F(RenderTool, CountsARampThatTheOutputCutsOffAsOneEvent) {
+    folder.writeSound("in.wav", std::vector<float>(1000, 1.0f), 1, 1000);
+    folder.writeText("moves.txt", "0.5 Gain 0 -> 1 over 10s\n");
+    const json report = runJson({"in.wav", "out.wav", "--tail", "0", "--automate", "moves.txt"});
+    ASSERT_EQ(report["warnings"].size(), 1u);
+    EXPECT_EQ(report["warnings"][0].get<std::string>().substr(0, 14), "1 event comes ");
+}
+
 std::vector<std::uint8_t> smallMidiFile() {
     // 1000 ticks a quarter at the usual tempo: a tick is half a millisecond.
     return {'M', 'T', 'h',  'd',  0,    0,  0,  6,  0,    0,    0,  1,    0x03, 0xE8,

@@ -84,23 +84,72 @@ class LineCutter {
     bool hasWord_ = false;
 };
 
-/// Time, parameter, value. Between blanks the name may be of several words, since the first and the last word
-/// are the others.
-std::vector<std::string> threeParts(const Pieces& pieces) {
-    constexpr const char* expected = "a line is: time, parameter, value";
+struct Parts {
+    std::string time, parameter, value;
+    std::string target, duration; ///< of a ramp; else empty
+};
+
+constexpr const char* kLineForm = "a line is: time, parameter, value";
+constexpr const char* kRampForm = "a ramp is: time, parameter, value -> value over duration";
+constexpr std::string_view kArrow = "->";
+constexpr std::string_view kOver = "over";
+
+/// "value -> value over duration" in one cell; any other text is a value.
+void readCell(const std::string& cell, Parts& parts) {
+    const std::size_t arrow = cell.find(" -> ");
+    if (cell.starts_with("-> "))
+        throw ToolError(kRampForm);
+    if (arrow == std::string::npos) {
+        parts.value = cell;
+        return;
+    }
+    const std::size_t over = cell.rfind(" over ");
+    if (over == std::string::npos || over < arrow + 4)
+        throw ToolError(kRampForm);
+    parts.value = trimmed(cell.substr(0, arrow));
+    parts.target = trimmed(cell.substr(arrow + 4, over - arrow - 4));
+    parts.duration = trimmed(cell.substr(over + 6));
+    if (parts.value.empty() || parts.target.empty() || parts.duration.empty())
+        throw ToolError(kRampForm);
+}
+
+/// Words 1 up to but not `end`.
+std::string nameIn(const std::vector<std::string>& words, std::size_t end) {
+    std::string name = words[1];
+    for (std::size_t i = 2; i < end; ++i)
+        name += ' ' + words[i];
+    return name;
+}
+
+/// Between blanks the name may be of several words, since what is around it has a fixed number of words.
+Parts partsOf(const Pieces& pieces) {
+    Parts parts;
     if (pieces.cells.size() > 1) {
         if (pieces.cells.size() != 3 || std::any_of(pieces.cells.begin(), pieces.cells.end(),
                                                     [](const std::string& cell) { return cell.empty(); }))
-            throw ToolError(expected);
-        return pieces.cells;
+            throw ToolError(kLineForm);
+        parts.time = pieces.cells[0];
+        parts.parameter = pieces.cells[1];
+        readCell(pieces.cells[2], parts);
+        return parts;
     }
     const auto& words = pieces.words;
-    if (words.size() < 3)
-        throw ToolError(expected);
-    std::string name = words[1];
-    for (std::size_t i = 2; i + 1 < words.size(); ++i)
-        name += ' ' + words[i];
-    return {words.front(), name, words.back()};
+    const std::size_t count = words.size();
+    if (count < 3)
+        throw ToolError(kLineForm);
+    parts.time = words.front();
+    if (std::find(words.begin(), words.end(), kArrow) == words.end()) {
+        parts.parameter = nameIn(words, count - 1);
+        parts.value = words.back();
+        return parts;
+    }
+    if (count < 7 || words[count - 4] != kArrow || words[count - 2] != kOver)
+        throw ToolError(kRampForm);
+    parts.parameter = nameIn(words, count - 5);
+    parts.value = words[count - 5];
+    parts.target = words[count - 3];
+    parts.duration = words[count - 1];
+    return parts;
 }
 
 AutomationTime timeFrom(std::string_view text) {
@@ -120,8 +169,20 @@ AutomationTime timeFrom(std::string_view text) {
     throw ToolError(inQuotes(text) + " is not a time: write seconds, or add ms or smp");
 }
 
-bool isHeading(const std::vector<std::string>& parts) {
-    return sameName(parts[0], "time") && sameName(parts[1], "parameter") && sameName(parts[2], "value");
+bool isHeading(const Parts& parts) {
+    return sameName(parts.time, "time") && sameName(parts.parameter, "parameter") &&
+           sameName(parts.value, "value");
+}
+
+AutomationLine lineFrom(int number, const Parts& parts, std::optional<double> bpm) {
+    AutomationLine line{
+        number, timeFrom(parts.time), {parts.parameter, wantedValue(parts.value, bpm)}, std::nullopt};
+    if (!parts.duration.empty()) {
+        line.ramp = {wantedValue(parts.target, bpm), timeFrom(parts.duration)};
+        if (line.ramp->duration.amount <= 0.0)
+            throw ToolError("a ramp needs a duration above 0");
+    }
+    return line;
 }
 
 } // namespace
@@ -142,10 +203,10 @@ std::vector<AutomationLine> parseAutomation(std::string_view text, std::optional
             const Pieces pieces = LineCutter().cut(line);
             if (pieces.words.empty() && pieces.cells.size() == 1)
                 continue;
-            const auto parts = threeParts(pieces);
+            const Parts parts = partsOf(pieces);
             if (lines.empty() && isHeading(parts))
                 continue;
-            lines.push_back({number, timeFrom(parts[0]), {parts[1], wantedValue(parts[2], bpm)}});
+            lines.push_back(lineFrom(number, parts, bpm));
         } catch (const ToolError& error) {
             throw ToolError("line " + std::to_string(number) + ": " + error.what());
         }

@@ -1,5 +1,5 @@
 // Automation files: a text of one parameter change a line, "time parameter value", with blanks or commas
-// between.
+// between. In place of the value there may be a ramp, "value -> value over duration".
 #pragma once
 
 #include "tools/common/wanted_value.h"
@@ -22,10 +22,17 @@ struct AutomationTime {
     std::int64_t frameAt(double sampleRate) const;
 };
 
+/// Where a ramp ends, and how long it takes.
+struct Ramp {
+    WantedValue target;
+    AutomationTime duration; ///< above 0
+};
+
 struct AutomationLine {
     int line = 0; ///< counted from 1
     AutomationTime time;
     Setting setting;
+    std::optional<Ramp> ramp; ///< from the setting's value
 };
 
 /// All changes, in the order of the text, with notes at the tempo `bpm`. Throws ToolError beginning with

@@ -41,7 +41,10 @@ void BlockPlayer::play(std::span<std::vector<float>> in, std::span<std::vector<f
 }
 
 std::size_t BlockPlayer::eventsAhead() const {
-    return events_.parameters.size() - nextParameter_ + events_.midi.size() - nextMidi_;
+    const auto ahead = std::count_if(events_.parameters.begin() + static_cast<std::ptrdiff_t>(nextParameter_),
+                                     events_.parameters.end(),
+                                     [](const ParameterEvent& event) { return !event.isOnTheWay; });
+    return static_cast<std::size_t>(ahead) + events_.midi.size() - nextMidi_;
 }
 
 void BlockPlayer::changeParameters() {

@@ -36,7 +36,7 @@ class BlockPlayer {
     void play(std::span<std::vector<float>> in, std::span<std::vector<float>> out, std::int32_t frames);
 
     std::int64_t position() const { return position_; }
-    /// Events that the file has not come to.
+    /// Events that the file has not come to; a ramp that it has not come to the end of is one.
     std::size_t eventsAhead() const;
 
   private:

@@ -61,8 +61,11 @@ Automation files have one change per line: time, parameter and value, separated 
     0.5         Feedback        0.9
     1500ms      "Base length"   250ms
     96000smp    Mix             1
+    4s          Feedback        0.2 -> 0.9 over 2s
   Times count from the start of the file, in seconds, milliseconds (ms) or samples (smp); each change happens at
   exactly that sample. A # starts a comment, at the start of a line or after the value.
+  The last line above is a ramp: it moves the knob evenly from 0.2 to 0.9 within 2 seconds, in steps of 64 samples.
+  A ramp goes on through changes of program. Ramps of one parameter must not overlap.
 
 Length of the output: with --tail auto, it ends when the effect has stayed below -80 dBFS for 4194304 samples,
 the length of the delay memory, or 120 seconds after the input at the latest. The file then ends at the last

@@ -4,6 +4,7 @@
 #include "tools/common/tool_error.h"
 
 #include <algorithm>
+#include <map>
 
 namespace tools::render {
 
@@ -69,6 +70,41 @@ void placeChunk(host::Plugin& plugin, const std::filesystem::path& path, Startin
     }
 }
 
+/// A line of automation, at the file's sample rate. A step ends where it starts.
+struct Move {
+    const AutomationLine* line = nullptr;
+    std::int32_t id = 0;
+    std::int64_t start = 0;
+    std::int64_t end = 0;
+    float from = 0.0f;
+    float to = 0.0f;
+};
+
+Move moveFor(host::Plugin& asked, const AutomationLine& line, double sampleRate) {
+    const ParameterValue value = valueFor(asked, line.setting);
+    Move move{&line, value.id, line.time.frameAt(sampleRate), 0, value.value, value.value};
+    move.end = move.start;
+    if (!line.ramp)
+        return move;
+    const std::int64_t frames = line.ramp->duration.frameAt(sampleRate);
+    if (static_cast<double>(frames) > kLongestRamp * sampleRate)
+        throw ToolError("a ramp may last " + fixedText(kLongestRamp, 0) + " s");
+    move.end = move.start + std::max<std::int64_t>(frames, 1);
+    move.to = valueFor(asked, {line.setting.parameter, line.ramp->target}).value;
+    return move;
+}
+
+void addEvents(const Move& move, std::vector<ParameterEvent>& events) {
+    const auto frames = static_cast<double>(move.end - move.start);
+    const double from = static_cast<double>(move.from);
+    const double way = static_cast<double>(move.to) - from;
+    for (std::int64_t frame = move.start; frame < move.end; frame += kRampStep) {
+        const double value = from + way * (static_cast<double>(frame - move.start) / frames);
+        events.push_back({frame, move.id, static_cast<float>(value), true});
+    }
+    events.push_back({move.end, move.id, move.to, false});
+}
+
 } // namespace
 
 StartingPoint findStartingPoint(host::Plugin& asked, const Options& options) {
@@ -99,15 +135,30 @@ void bringTo(host::Plugin& plugin, const StartingPoint& start) {
 
 std::vector<ParameterEvent> findEvents(host::Plugin& asked, const std::vector<AutomationLine>& lines,
                                        const std::filesystem::path& file, double sampleRate) {
-    std::vector<ParameterEvent> events;
-    for (const AutomationLine& line : lines) {
-        try {
-            const ParameterValue value = valueFor(asked, line.setting);
-            events.push_back({line.time.frameAt(sampleRate), value.id, value.value});
-        } catch (const ToolError& error) {
-            throw ToolError(file.string() + ", line " + std::to_string(line.line) + ": " + error.what());
+    std::vector<Move> moves;
+    const AutomationLine* current = nullptr;
+    try {
+        for (const AutomationLine& line : lines) {
+            current = &line;
+            moves.push_back(moveFor(asked, line, sampleRate));
         }
+        std::stable_sort(moves.begin(), moves.end(),
+                         [](const Move& a, const Move& b) { return a.start < b.start; });
+        std::map<std::int32_t, const Move*> ramps;
+        for (const Move& move : moves) {
+            current = move.line;
+            const Move*& ramp = ramps[move.id];
+            if (ramp && move.start < ramp->end)
+                throw ToolError(inQuotes(move.line->setting.parameter) +
+                                " is still moved by the ramp of line " + std::to_string(ramp->line->line));
+            ramp = &move;
+        }
+    } catch (const ToolError& error) {
+        throw ToolError(file.string() + ", line " + std::to_string(current->line) + ": " + error.what());
     }
+    std::vector<ParameterEvent> events;
+    for (const Move& move : moves)
+        addEvents(move, events);
     std::stable_sort(events.begin(), events.end(),
                      [](const ParameterEvent& a, const ParameterEvent& b) { return a.frame < b.frame; });
     return events;

@@ -27,7 +27,14 @@ struct ParameterEvent {
     std::int64_t frame = 0;
     std::int32_t id = 0;
     float value = 0.0f; ///< normalised
+    /// One of a ramp's values that is not its last.
+    bool isOnTheWay = false;
 };
+
+/// Frames from one value of a ramp to the next.
+constexpr std::int64_t kRampStep = 64;
+/// The longest ramp, in seconds.
+constexpr double kLongestRamp = 3600.0;
 
 /// Works out what the options ask for and brings `asked`, a running instance, there. Reads the bank and the
 /// chunk. Throws ToolError.
@@ -36,7 +43,9 @@ StartingPoint findStartingPoint(host::Plugin& asked, const Options& options);
 /// Brings a running instance there, in the order bank, program, preset, values.
 void bringTo(host::Plugin& plugin, const StartingPoint& start);
 
-/// The automation's changes as values, in order of time. `file` is named in errors. Throws ToolError.
+/// The automation's changes as values, in order of time. A ramp is linear in the normalised value and exact
+/// at each kRampStep frames and at its end. `file` is named in errors. Throws ToolError, also for a change
+/// of a parameter that a ramp is moving.
 std::vector<ParameterEvent> findEvents(host::Plugin& asked, const std::vector<AutomationLine>& lines,
                                        const std::filesystem::path& file, double sampleRate);
 
