@@ -142,6 +142,7 @@ INSTANTIATE_TEST_SUITE_P(OfSettings, RenderMistake, testing::ValuesIn(kSettings)
 const Mistake kManyFiles[] = {
     {"NoInputs", {"--to", "new"}, "which files?"},
     {"NoSuchInputAmongMany", {"in.wav", "missing.wav", "--to", "new"}, "missing.wav"},
+    {"StandardInputAmongMany", {"in.wav", "-", "--to", "new"}, "\"-\""},
     {"EmptyFolder", {"empty", "--to", "new"}, "empty holds no sound files"},
     {"PatternOfNothing", {"*.ogg", "--to", "new"}, "\"*.ogg\" matches no sound file"},
     {"FileAsOutputFolder", {"in.wav", "--to", "out.wav"}, "out.wav is a file"},

@@ -277,9 +277,11 @@ void BulkRun::finish(RunningJob& running) {
         return succeed(running, result.output);
     const BulkJob& job = jobs_[running.job];
     record_.abandon(job.output);
-    const std::uint32_t process = running.process.child().id();
-    removePartsOf(process, job.output.parent_path());
-    removePartsOf(process, job.plot.parent_path());
+    if (result.exitCode < 0) {
+        const std::uint32_t process = running.process.child().id();
+        removePartsOf(process, job.output.parent_path());
+        removePartsOf(process, job.plot.parent_path());
+    }
     if (!isStopping_ && !isInterrupted())
         fail(running.job, result.reason);
 }

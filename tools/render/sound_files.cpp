@@ -41,6 +41,9 @@ class Search {
     explicit Search(const files::path& outputFolder) : outputFolder_(outputFolder) {}
 
     void add(const std::string& word) {
+        if (word == "-")
+            throw ToolError(
+                "\"-\", standard input, is one sound without a name; give files, folders or patterns");
         const files::path path = settled(word);
         hasSeenSound_ = false;
         if (files::is_directory(path)) {

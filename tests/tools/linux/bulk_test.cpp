@@ -91,6 +91,28 @@ TEST_F(Album, GoesOnAfterAnEndByForce) {
     EXPECT_EQ(soundsIn(folder.file("out")).size(), 36u);
 }
 
+TEST_F(Album, LosesOneFileAloneIfARenderingIsKilled) {
+    // With so long a pre-roll, a rendering is killed before it is done; the other waits for Control-C.
+    RunningTool tool(folder,
+                     {"album/1.wav", "album/2.wav", "--to", "out", "--pre-roll", "80000", "--jobs", "2"});
+    std::string part;
+    while (part.empty()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        if (files::exists(folder.file("out")))
+            for (const auto& [name, content] : soundsIn(folder.file("out")))
+                part = name;
+    }
+    // ".quillon-PROCESS-NUMBER.part"
+    kill(std::stoi(part.substr(part.find('-') + 1)), SIGKILL);
+    while (soundsIn(folder.file("out")).contains(part))
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    tool.send(SIGINT);
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.exitCode, 130);
+    EXPECT_NE(result.err.find("the rendering ended with signal 9"), std::string::npos) << result.err;
+    EXPECT_FALSE(files::exists(folder.file("out")));
+}
+
 TEST_F(Album, ShowsOneLineOnATerminal) {
     const ToolResult result = runTool(folder, words, ErrorEnd::terminal);
     EXPECT_EQ(result.exitCode, 0);
