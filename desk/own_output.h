@@ -1,4 +1,4 @@
-// Keeps a tool's standard output to itself.
+// A tool's standard streams; its output is kept to itself.
 #pragma once
 
 #include <cstdio>
@@ -10,6 +10,9 @@ namespace desk {
 /// open for the life of the process; a second call gives the same one. Call it before any library is loaded.
 /// Throws std::runtime_error if there is no standard output to keep.
 std::FILE* takeOwnOutput();
+
+/// Standard input, for bytes of any kind.
+std::FILE* ownInput();
 
 /// Whether a stream ends at a terminal.
 bool isTerminal(std::FILE* stream);

@@ -41,6 +41,10 @@ std::FILE* takeOwnOutput() {
     return stream;
 }
 
+std::FILE* ownInput() {
+    return stdin;
+}
+
 bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
 }

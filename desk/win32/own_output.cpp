@@ -65,6 +65,11 @@ std::FILE* takeOwnOutput() {
     return stream;
 }
 
+std::FILE* ownInput() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    return stdin;
+}
+
 bool isTerminal(std::FILE* stream) {
     DWORD mode = 0;
     return GetConsoleMode(handleOf(_fileno(stream)), &mode);

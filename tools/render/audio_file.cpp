@@ -52,33 +52,33 @@ SndfileHandle openForReading(const std::filesystem::path& path) {
 
 } // namespace
 
-AudioReader::AudioReader(const std::filesystem::path& path)
-    : path_(path), file_(openForReading(path)), channels_(file_.channels()) {
+AudioReader::AudioReader(const std::filesystem::path& path, const std::filesystem::path& shown)
+    : shown_(shown.empty() ? path : shown), file_(openForReading(path)), channels_(file_.channels()) {
     if (!file_ || file_.error() != SF_ERR_NO_ERROR)
-        throw ToolError(path.string() + " cannot be read: " + printable(trimmed(file_.strError())));
+        throw ToolError(shown_.string() + " cannot be read: " + printable(trimmed(file_.strError())));
     if (channels_ < 1 || channels_ > 2)
-        throw ToolError(path.string() + " has " + std::to_string(channels_) +
+        throw ToolError(shown_.string() + " has " + std::to_string(channels_) +
                         " channels; only mono and stereo files can be played");
     if (file_.samplerate() < kLowestRate || file_.samplerate() > kHighestRate)
-        throw ToolError(path.string() + " has a sample rate of " + std::to_string(file_.samplerate()) +
+        throw ToolError(shown_.string() + " has a sample rate of " + std::to_string(file_.samplerate()) +
                         " Hz; only " + std::to_string(kLowestRate) + " to " + std::to_string(kHighestRate) +
                         " Hz can be played");
     if (file_.frames() < 1)
-        throw ToolError(path.string() + " holds no sound");
+        throw ToolError(shown_.string() + " holds no sound");
 }
 
 std::int64_t AudioReader::read(std::span<float> samples) {
     const auto wanted = static_cast<sf_count_t>(samples.size()) / channels_;
     const sf_count_t frames = file_.readf(samples.data(), wanted);
     if (frames < wanted && file_.error() != SF_ERR_NO_ERROR)
-        throw ToolError(path_.string() +
+        throw ToolError(shown_.string() +
                         " cannot be read completely: " + printable(trimmed(file_.strError())));
     const auto last = samples.begin() + frames * channels_;
     const auto bad =
         std::find_if_not(samples.begin(), last, [](float sample) { return std::isfinite(sample); });
     if (bad != last) {
         const std::int64_t frame = position_ + (bad - samples.begin()) / channels_;
-        throw ToolError(path_.string() + " holds a sample that is not a number, at " +
+        throw ToolError(shown_.string() + " holds a sample that is not a number, at " +
                         fixedText(static_cast<double>(frame) / sampleRate(), 3) + " s");
     }
     position_ += frames;

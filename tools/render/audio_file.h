@@ -14,8 +14,8 @@ namespace tools::render {
 /// A mono or stereo file to be played.
 class AudioReader {
   public:
-    /// Throws ToolError, naming the file, if it cannot be played.
-    explicit AudioReader(const std::filesystem::path& path);
+    /// Throws ToolError if the file cannot be played. Errors name it `shown`, if that is not empty.
+    explicit AudioReader(const std::filesystem::path& path, const std::filesystem::path& shown = {});
 
     int channels() const { return channels_; }
     int sampleRate() const { return file_.samplerate(); }
@@ -26,7 +26,7 @@ class AudioReader {
     std::int64_t read(std::span<float> samples);
 
   private:
-    std::filesystem::path path_;
+    std::filesystem::path shown_;
     mutable SndfileHandle file_;
     int channels_; ///< 1 or 2
     std::int64_t position_ = 0;

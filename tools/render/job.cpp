@@ -10,6 +10,7 @@
 #include "tools/render/automation.h"
 #include "tools/render/cut_file.h"
 #include "tools/render/midi_file.h"
+#include "tools/render/passed_sound.h"
 #include "tools/render/plot.h"
 #include "tools/render/report.h"
 #include "tools/render/settings_line.h"
@@ -91,8 +92,9 @@ std::vector<MidiEvent> atFrames(const std::vector<TimedMidi>& messages, double s
 class RenderJob {
   public:
     RenderJob(const Options& options, std::FILE* output)
-        : options_(options), output_(output), script_(readScript(options)), reader_(options.input),
-          library_(libraryPath(options.library)), outputFile_(options.output) {
+        : options_(options), output_(output), script_(readScript(options)), passed_(options, output),
+          reader_(passed_.input(), options.input), library_(libraryPath(options.library)),
+          outputFile_(passed_.output()) {
         if (!options.plot.empty())
             plotFile_.emplace(options.plot);
     }
@@ -100,7 +102,7 @@ class RenderJob {
     void run() {
         const desk::PrivateFolder folder;
         const host::Library& library = loadForGood(library_);
-        if (const auto cut = cutSound(options_.input))
+        if (const auto cut = cutSound(passed_.input()))
             warn(cutText(options_.input, *cut));
         prepare(library);
         play(library);
@@ -216,7 +218,11 @@ class RenderJob {
 
     /// The files take their names last, when nothing can go wrong any more but that itself.
     void finish() {
-        if (plotFile_)
+        if (options_.writesStandardOutput) {
+            passed_.deliver(outputFile_.temporary());
+            if (plotFile_)
+                plotFile_->commit();
+        } else if (plotFile_)
             commitBoth(*plotFile_, outputFile_);
         else
             outputFile_.commit();
@@ -232,12 +238,13 @@ class RenderJob {
         if (options_.json)
             print(output_, reportJson(report_));
         else if (!options_.quiet)
-            print(output_, reportText(report_));
+            print(options_.writesStandardOutput ? stderr : output_, reportText(report_));
     }
 
     const Options& options_;
     std::FILE* output_;
     Script script_;
+    PassedSound passed_;
     AudioReader reader_;
     files::path library_;
     OutputFile outputFile_;

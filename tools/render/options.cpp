@@ -75,6 +75,11 @@ Channels and rates: a mono file is played to both inputs; for an effect with one
 file are mixed. The output has as many channels as the effect. Sample rates from 1000 to 768000 Hz are accepted.
 A truncated file is played as far as it goes, with a warning.
 
+In pipes, - as IN is standard input, any kind of sound file, and - as OUT is standard output, a WAV file:
+    quillon-render - - --program 3 < in.wav > out.wav
+  Both pass through temporary files: playing starts when all of the input is there, and the output comes when all
+  of it is rendered, with the right length in its header. The report then goes to standard error.
+
 Loudness is measured by EBU R 128: integrated loudness in LUFS, loudness range in LU and true peak in dBTP, for
 sounds of at least 0.4 s at sample rates from 8000 Hz. A mono file counts as one channel: its sound is 3 LU louder
 when both channels of the output play it.
@@ -91,6 +96,8 @@ in a browser without a network.
 Exit code: 0 if OUT is written, with or without warnings; 2 if it is not; 130 if you stop it. If the effect
 crashes, the tool names the call that crashed and ends the way the crash would end it. If OUT is not written,
 no other files are left behind. With many files: 0 if all are there, 2 if one failed, 130 if you stop it.)";
+
+constexpr std::string_view kStandardStream = "-";
 
 constexpr const char* kBulkGroup = "Many files";
 constexpr const char* kInformationGroup = "Information";
@@ -342,6 +349,8 @@ void checkCombination(const Words& words, const CLI::App& app) {
         throw ToolError("which file? Give the audio file to play and the file to write, or --help");
     if (words.output.empty())
         throw ToolError("where to? Give the file to write after " + inQuotes(words.input));
+    if (words.output == kStandardStream && words.json)
+        throw ToolError("--json: standard output carries the sound; name a file in place of the second -");
 }
 
 Options optionsFrom(const Words& words, const CLI::App& app) {
@@ -349,8 +358,10 @@ Options optionsFrom(const Words& words, const CLI::App& app) {
     if (words.isBulk()) {
         options.bulk = bulkFrom(words, app);
     } else {
-        options.input = settled(words.input);
-        options.output = settled(words.output);
+        options.readsStandardInput = words.input == kStandardStream;
+        options.writesStandardOutput = words.output == kStandardStream;
+        options.input = options.readsStandardInput ? "standard input" : settled(words.input);
+        options.output = options.writesStandardOutput ? "standard output.wav" : settled(words.output);
     }
     options.library = settled(words.library);
     options.automation = settled(words.automation);
@@ -378,8 +389,11 @@ std::variant<Options, HelpText> parseOptions(int argumentCount, const char* cons
     CLI::App app(kDescription, "quillon-render");
     app.allow_windows_style_options(false); // A file may be called /this, on every system.
     Words words;
-    app.add_option("IN", words.input, "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo");
-    app.add_option("OUT", words.output, "The file to write: .wav, .flac, .aiff or .ogg");
+    app.add_option(
+        "IN", words.input,
+        "The audio file to play: WAV, FLAC, AIFF, OGG, ..., mono or stereo; -\nfor standard input");
+    app.add_option("OUT", words.output,
+                   "The file to write: .wav, .flac, .aiff or .ogg; - for standard output");
     app.add_option("MORE", words.more)->group("");
     addSoundOptions(app, words);
     addRenderOptions(app, words);

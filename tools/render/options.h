@@ -40,8 +40,10 @@ struct BulkOptions {
 };
 
 struct Options {
-    std::filesystem::path input;
-    std::filesystem::path output;
+    std::filesystem::path input;  ///< if it is standard input, a name for people
+    std::filesystem::path output; ///< if it is standard output, a name for people that ends in .wav
+    bool readsStandardInput = false;
+    bool writesStandardOutput = false;
     std::filesystem::path library; ///< empty: look for the plug-in near the tool
     std::filesystem::path automation;
     std::filesystem::path midi;
