@@ -41,6 +41,22 @@ TEST_F(ShellMistake, AFolderWhereNothingCanBeMade) {
     expectOneLine("\"$0\" in.wav /proc/new.wav", "/proc/new.wav cannot be written");
 }
 
+TEST_F(ShellMistake, NoSoundBehindStandardInput) {
+    expectOneLine("\"$0\" - out.wav </dev/null", "standard input");
+    expectOneLine("echo words | \"$0\" - out.wav", "standard input");
+}
+
+TEST_F(ShellMistake, ATerminalAsStandardInput) {
+    // The terminal is at the other end of standard error.
+    const ToolResult result =
+        runTool(folder, {"-c", "\"$0\" - out.wav <&2 2>&1", QUILLON_RENDER}, ErrorEnd::terminal, "/bin/sh");
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.out,
+              "quillon-render: standard input is a terminal; send a sound file to it, or name one in "
+              "place of -\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"in.wav"});
+}
+
 TEST_F(ShellMistake, ADiskWithoutRoomForTheSound) {
     const std::string small = "trap '' XFSZ; ulimit -f 64; ";
     expectOneLine(small + "exec \"$0\" in.wav out.wav --tail 0 --quiet", "out.wav cannot be written");
