@@ -1,5 +1,5 @@
-/* Stands in for the MIDI sequencer of a kernel that has none: Qtractor does not start without one. What reaches the
-   kernel succeeds and does nothing; all else is ALSA's own. For LD_PRELOAD. */
+/* Stands in for the MIDI sequencer of a kernel that has none: Qtractor does not start without one. What
+   reaches the kernel succeeds and does nothing; all else is ALSA's own. For LD_PRELOAD. */
 #include <errno.h>
 
 static int place;
@@ -10,10 +10,14 @@ int snd_seq_open(void** handle, const char* name, int streams, int mode) {
     return 0;
 }
 
-#define SUCCEEDS(name) \
-    int name(void) { return 0; }
-#define HAS_NO_MORE(name) \
-    int name(void) { return -ENOENT; }
+#define SUCCEEDS(name)                                                                                       \
+    int name(void) {                                                                                         \
+        return 0;                                                                                            \
+    }
+#define HAS_NO_MORE(name)                                                                                    \
+    int name(void) {                                                                                         \
+        return -ENOENT;                                                                                      \
+    }
 
 SUCCEEDS(snd_seq_close)
 SUCCEEDS(snd_seq_set_client_name)
