@@ -51,10 +51,13 @@ TEST_F(PresetPage, ShowsPictureNameNoteAndFigures) {
     bank_[0].rhythm.reset();
     EXPECT_TRUE(says("\n## " + bank_[0].family + "\n\n| No. | Echoes | Program | |\n"));
     EXPECT_TRUE(says("| 0 | <img src=\"presets/000.svg\" alt=\"\" width=\"180\"> | **" + bank_[0].name +
-                     "**<br>What it is for | 3 echoes, 250 ms to 1.50 s<br>mix 40 %, gone 2.00 s |\n"));
+                     "**<br>What it is for | "
+                     "3\u00a0echoes,\u00a0250\u00a0ms\u00a0to\u00a01.50\u00a0s<br>mix\u00a040\u00a0%,"
+                     "\u00a0gone\u00a02.00\u00a0s |\n"));
     numbers_[0].taps = 1;
     numbers_[0].tailGoesOn = true;
-    EXPECT_TRUE(says("| 1 echo at 250 ms<br>mix 40 %, gone > 20 s |\n"));
+    EXPECT_TRUE(says(
+        "| 1\u00a0echo\u00a0at\u00a0250\u00a0ms<br>mix\u00a040\u00a0%,\u00a0gone\u00a0>\u00a020\u00a0s |\n"));
 }
 
 TEST_F(PresetPage, GivesTheTempoOfProgramsWithARhythm) {

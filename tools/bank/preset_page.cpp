@@ -102,6 +102,7 @@ constexpr const char* kOrigin =
 The plug-in starts with these 128 programs, in sixteen families of eight. They come from the table
 [`skins/factory_bank.tsv`](../skins/factory_bank.tsv), which you can open in a spreadsheet; `quillon-bank` compiles it
 into `default.fxb`. This page is written by `quillon-bank page`, which measures the sound of the built plug-in.
+[The listening table](listening.md) tells what was changed in them last, and why.
 )";
 
 constexpr const char* kReading = R"(
@@ -139,6 +140,14 @@ constexpr const char* kLevels = R"(
 | ---: | --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: | ---: |
 )";
 
+/// With blanks at which no line breaks.
+std::string unbroken(const std::string& text) {
+    std::string result;
+    for (const char c : text)
+        result += c == ' ' ? std::string("\u00a0") : std::string(1, c);
+    return result;
+}
+
 std::string echoesText(const ProgramNumbers& numbers) {
     if (numbers.taps == 1)
         return "1 echo at " + secondsText(numbers.firstSeconds);
@@ -152,9 +161,11 @@ std::string row(std::size_t number, const BankProgram& program, const ProgramNum
     const std::string tempo = tempoText(program);
     return "| " + std::to_string(number) + " | <img src=\"" + pictureFolder + "/" + pictureName(number) +
            "\" alt=\"\" width=\"" + std::to_string(kWidth) + "\"> | **" + program.name + "**<br>" +
-           program.note + " | " + echoesText(numbers) + "<br>mix " + fixedText(mix, 0) + " %, gone " +
-           (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) +
-           (tempo.empty() ? "" : "<br>" + tempo) + " |\n";
+           program.note + " | " +
+           unbroken(echoesText(numbers) + "<br>mix " + fixedText(mix, 0) + " %, gone " +
+                    (numbers.tailGoesOn ? "> 20 s" : secondsText(numbers.tailSeconds)) +
+                    (tempo.empty() ? "" : "<br>" + tempo)) +
+           " |\n";
 }
 
 std::string levelRow(std::size_t number, const BankProgram& program, const ProgramNumbers& numbers) {
