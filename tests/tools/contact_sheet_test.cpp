@@ -65,6 +65,22 @@ TEST(ContactSheet, TellsWhyAProgramIsMissing) {
     EXPECT_EQ(countOf(page, "<img"), 0u);
 }
 
+TEST(ContactSheet, ListsProgramsByNumber) {
+    const files::path folder = "/sheet";
+    const auto job = [&](int number, const char* name) {
+        return BulkJob{"/in/a.wav", folder / "sounds" / name, folder / "pictures" / name,
+                       ProgramName{number, name}};
+    };
+    const std::string page = contactSheetText({folder,
+                                               "/in/a.wav",
+                                               folder / "dry.wav",
+                                               "Effect",
+                                               {job(34, "Dawn"), job(1, "Ball")},
+                                               {rendered("{}"), {BulkOutcome::State::failed, "crash", ""}}});
+    EXPECT_LT(page.find("</span> Ball</h2>"), page.find("</span> Dawn</h2>"));
+    EXPECT_LT(page.find("not rendered: crash"), page.find("</span> Dawn</h2>"));
+}
+
 TEST(ContactSheet, LeavesNoPlaceOpenAndRefersToNothingOutside) {
     const std::string page = pageOf("Ping", rendered("{}"));
     EXPECT_EQ(page.find("{{"), std::string::npos);

@@ -4,8 +4,10 @@
 #include "tools/common/text.h"
 #include "tools/render/audio_file.h"
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <optional>
 
 namespace tools::render {
@@ -176,9 +178,13 @@ std::string dryText(const ContactSheet& sheet) {
 } // namespace
 
 std::string contactSheetText(const ContactSheet& sheet) {
+    // By number, as the page says at first: programs may have been named in another order.
+    std::vector<std::size_t> order(sheet.jobs.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, {}, [&](std::size_t i) { return sheet.jobs[i].program->number; });
     std::string rows;
     bool hasLoudness = false;
-    for (std::size_t i = 0; i < sheet.jobs.size(); ++i) {
+    for (const std::size_t i : order) {
         rows += rowText(sheet, i);
         hasLoudness = hasLoudness || Figures(sheet.outcomes[i].report).loudnessChange();
     }
