@@ -47,7 +47,7 @@ TEST_F(RenderErrors, OfTheCommandLine) {
 
 TEST_F(RenderErrors, OfAnInputThatCannotBeRead) {
     folder.writeText("words.wav", "these are only words, and not even many of them");
-    expectProbeError({"missing.wav", "out.wav"}, "missing.wav cannot be read");
+    expectProbeError({"missing.wav", "out.wav"}, "missing.wav cannot be read: there is no such file");
     expectProbeError({"words.wav", "out.wav"}, "words.wav cannot be read");
     expectProbeError({".", "out.wav"}, "is a folder");
 }

@@ -47,6 +47,8 @@ SndfileHandle openForReading(const std::filesystem::path& path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
         throw ToolError(path.string() + " is a folder, not a file");
+    if (!std::filesystem::exists(path, error) && !error)
+        throw ToolError(path.string() + " cannot be read: there is no such file");
     return SndfileHandle(path.c_str());
 }
 
