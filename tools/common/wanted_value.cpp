@@ -29,7 +29,7 @@ WantedValue normalisedValue(std::string_view text, double number) {
     if (number < 0.0 || number > 1.0)
         throw ToolError(
             "a value without a unit must be from 0 to 1; for the displayed value, write display:" +
-            printable(text) + " or add a unit");
+            printable(text) + ", or add a unit such as ms or %");
     WantedValue wanted;
     wanted.number = number;
     wanted.text = text;
