@@ -49,9 +49,6 @@ class ChildProcess {
     std::unique_ptr<System> system_;
 };
 
-/// The running program, for starting it again.
-std::filesystem::path ownProgram();
-
 /// Different for all processes that run at the same time.
 std::uint32_t ownProcessId();
 

@@ -12,6 +12,9 @@ namespace platform {
 /// but the audio thread.
 const std::string& moduleFolder();
 
+/// The running program itself, in any letters, for starting it again.
+std::filesystem::path programPath();
+
 /// The folder of the program, if this code is part of one, in any letters.
 std::filesystem::path programFolder();
 

@@ -114,14 +114,6 @@ std::uint32_t ChildProcess::id() const {
     return static_cast<std::uint32_t>(system_->process);
 }
 
-std::filesystem::path ownProgram() {
-    std::error_code error;
-    const std::filesystem::path link = "/proc/self/exe";
-    const std::filesystem::path named = std::filesystem::read_symlink(link, error);
-    // A program that has been replaced since can still be started by the link.
-    return !error && std::filesystem::equivalent(named, link, error) ? named : link;
-}
-
 std::uint32_t ownProcessId() {
     return static_cast<std::uint32_t>(getpid());
 }

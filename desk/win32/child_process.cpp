@@ -133,17 +133,6 @@ std::uint32_t ChildProcess::id() const {
     return system_->id;
 }
 
-std::filesystem::path ownProgram() {
-    std::wstring path(MAX_PATH, L'\0');
-    DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    while (length == path.size()) {
-        path.resize(2 * path.size());
-        length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    }
-    path.resize(length);
-    return path;
-}
-
 std::uint32_t ownProcessId() {
     return GetCurrentProcessId();
 }

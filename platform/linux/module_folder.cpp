@@ -5,6 +5,7 @@
 #include <dlfcn.h>
 #include <link.h>
 #include <string>
+#include <system_error>
 
 namespace platform {
 
@@ -24,6 +25,14 @@ std::string findModuleFolder() {
     std::free(path);
     folder.erase(folder.rfind('/') + 1);
     return folder;
+}
+
+std::filesystem::path programPath() {
+    std::error_code error;
+    const std::filesystem::path link = "/proc/self/exe";
+    const std::filesystem::path named = std::filesystem::read_symlink(link, error);
+    // A program that has been replaced since can still be started by the link.
+    return !error && std::filesystem::equivalent(named, link, error) ? named : link;
 }
 
 std::filesystem::path programFolder() {

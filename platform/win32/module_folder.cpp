@@ -32,7 +32,7 @@ std::string findModuleFolder() {
     return {path, folderLength({path, length})};
 }
 
-std::filesystem::path programFolder() {
+std::filesystem::path programPath() {
     std::wstring path(MAX_PATH, L'\0');
     DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     while (length == path.size()) {
@@ -40,7 +40,11 @@ std::filesystem::path programFolder() {
         length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     }
     path.resize(length);
-    return std::filesystem::path(path).parent_path() / "";
+    return path;
+}
+
+std::filesystem::path programFolder() {
+    return programPath().parent_path() / "";
 }
 
 } // namespace platform

@@ -1,6 +1,7 @@
 // A tool's own child processes: words arrive whole, ends are told apart, and none outlives its object.
 
 #include "desk/child_process.h"
+#include "platform/module_folder.h"
 
 #include <atomic>
 #include <chrono>
@@ -104,8 +105,8 @@ TEST_F(ChildProcess, CannotBeAProgramThatIsNotThere) {
 }
 
 TEST_F(ChildProcess, MayBeThisProgramItself) {
-    EXPECT_TRUE(files::exists(desk::ownProgram()));
-    EXPECT_EQ(desk::ownProgram().stem(), "desk_child_test");
+    EXPECT_TRUE(files::exists(platform::programPath()));
+    EXPECT_EQ(platform::programPath().stem(), "desk_child_test");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "desk/child_process.h"
 #include "desk/own_output.h"
+#include "platform/module_folder.h"
 #include "tools/common/input_file.h"
 #include "tools/common/interrupt.h"
 #include "tools/common/output_file.h"
@@ -75,7 +76,7 @@ class ToolProcess {
     ToolProcess(const std::vector<std::string>& words, const files::path& startFolder,
                 const std::string& name)
         : output_(files::current_path() / (name + ".out")), errors_(files::current_path() / (name + ".err")),
-          child_({desk::ownProgram(), words, startFolder, output_, errors_}) {}
+          child_({platform::programPath(), words, startFolder, output_, errors_}) {}
     ~ToolProcess() {
         std::error_code ignored;
         files::remove(output_, ignored);
