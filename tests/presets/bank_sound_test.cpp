@@ -2,16 +2,14 @@
 // library, and measured. A program that is silent, that blows up, that rings on where its pattern has ended
 // or that nobody can tell from another has no place in the bank.
 #include "desk/private_folder.h"
+#include "factory_bank.h"
 #include "tools/bank/audition.h"
 #include "tools/bank/bank_file.h"
-#include "tools/bank/bank_table.h"
 #include "tools/bank/fingerprint.h"
 #include "tools/bank/parallel.h"
 #include "tools/bank/program_loudness.h"
-#include "tools/bank/whole_file.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -43,15 +41,6 @@ constexpr double kLoudnessSpread = 6.0;
 
 /// Filters ring for some milliseconds behind a tap.
 constexpr double kRingSeconds = 0.03;
-
-const Bank& factoryBank() {
-    static const Bank bank = [] {
-        const std::string path = QUILLON_SOURCE "/skins/factory_bank.tsv";
-        const auto bytes = readWholeFile(path);
-        return parseTable({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path);
-    }();
-    return bank;
-}
 
 bool feedsBack(const BankProgram& program) {
     return feedbackTail(program).secondsTo60dB > 0.0;
@@ -149,13 +138,6 @@ double narrowestGapSeconds(const dsp::TapPattern& pattern) {
     return narrowest / kAuditionRate;
 }
 
-std::string testName(const testing::TestParamInfo<std::size_t>& info) {
-    std::string name = std::to_string(info.param) + "_";
-    std::copy_if(factoryBank()[info.param].name.begin(), factoryBank()[info.param].name.end(),
-                 std::back_inserter(name), [](unsigned char c) { return std::isalnum(c) != 0; });
-    return name;
-}
-
 } // namespace
 
 TEST_F(BankSound, ComesFromTheBankBesideTheLibrary) {
@@ -240,12 +222,13 @@ TEST_P(LoopOfOneTap, LivesForAllItsPasses) {
     EXPECT_NEAR(pass * passes, decibels(std::sqrt(window(passes) / window(0))), 0.1 * passes);
 }
 
-INSTANTIATE_TEST_SUITE_P(Bank, FactoryProgram, testing::ValuesIn(auditioned()), testName);
+INSTANTIATE_TEST_SUITE_P(Bank, FactoryProgram, testing::ValuesIn(auditioned()), programTestName);
 INSTANTIATE_TEST_SUITE_P(Bank, ProgramWithoutFeedback,
                          testing::ValuesIn(auditioned([](const BankProgram& p) { return !feedsBack(p); })),
-                         testName);
-INSTANTIATE_TEST_SUITE_P(Bank, ProgramWithFeedback, testing::ValuesIn(auditioned(feedsBack)), testName);
-INSTANTIATE_TEST_SUITE_P(Bank, LoopOfOneTap, testing::ValuesIn(auditioned(isExactLoop)), testName);
+                         programTestName);
+INSTANTIATE_TEST_SUITE_P(Bank, ProgramWithFeedback, testing::ValuesIn(auditioned(feedsBack)),
+                         programTestName);
+INSTANTIATE_TEST_SUITE_P(Bank, LoopOfOneTap, testing::ValuesIn(auditioned(isExactLoop)), programTestName);
 
 TEST_F(BankSound, IsOfEqualLoudnessInEveryProgram) {
     const std::vector<std::size_t> programs = auditioned();

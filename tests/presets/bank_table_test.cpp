@@ -1,6 +1,7 @@
 // The factory bank as a table and as a file: every float survives the way there and back, every fault is told
 // with its place, and what is delivered is what the table says.
 #include "base/truncation.h"
+#include "factory_bank.h"
 #include "parameters/pattern_laws.h"
 #include "tools/bank/bank_file.h"
 #include "tools/bank/bank_table.h"
@@ -29,10 +30,6 @@ const std::string kBankPath = QUILLON_SOURCE "/skins/default.fxb";
 std::string textAt(const std::string& path) {
     const auto bytes = readWholeFile(path);
     return {bytes.begin(), bytes.end()};
-}
-
-Bank factoryBank() {
-    return parseTable(textAt(kTablePath), kTablePath);
 }
 
 std::uint32_t bitsOf(float value) {

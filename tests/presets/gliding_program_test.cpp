@@ -1,14 +1,12 @@
 // The factory programs whose point is to be turned while they sound: their echoes bend in pitch, and do not
 // click.
 #include "desk/private_folder.h"
+#include "factory_bank.h"
 #include "host/plugin.h"
 #include "parameters/host_panel.h"
 #include "tools/bank/audition.h"
-#include "tools/bank/bank_table.h"
-#include "tools/bank/whole_file.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <complex>
 #include <gtest/gtest.h>
@@ -26,15 +24,6 @@ namespace {
 constexpr double kHertz = 1000.0;
 constexpr std::int32_t kBlock = 64;
 constexpr std::size_t kSecond = kAuditionRate;
-
-const Bank& factoryBank() {
-    static const Bank bank = [] {
-        const std::string path = QUILLON_SOURCE "/skins/factory_bank.tsv";
-        const auto bytes = readWholeFile(path);
-        return parseTable({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path);
-    }();
-    return bank;
-}
 
 /// What the note of a program asks the player to turn, if that moves its taps.
 std::optional<ParameterId> turnedIn(const BankProgram& program) {
@@ -129,13 +118,6 @@ double roughness(const Signal& signal) {
     return step / (peak * w * w);
 }
 
-std::string testName(const testing::TestParamInfo<std::size_t>& info) {
-    std::string name = std::to_string(info.param) + "_";
-    std::copy_if(factoryBank()[info.param].name.begin(), factoryBank()[info.param].name.end(),
-                 std::back_inserter(name), [](unsigned char c) { return std::isalnum(c) != 0; });
-    return name;
-}
-
 } // namespace
 
 TEST_P(ProgramToTurn, BendsInPitch) {
@@ -154,7 +136,7 @@ TEST_P(ProgramToTurn, DoesNotClickAsItWouldAtJump) {
     EXPECT_GT(roughness(played(kTurn, 0.0f)), 1.5 * glided);
 }
 
-INSTANTIATE_TEST_SUITE_P(Bank, ProgramToTurn, testing::ValuesIn(programsToTurn()), testName);
+INSTANTIATE_TEST_SUITE_P(Bank, ProgramToTurn, testing::ValuesIn(programsToTurn()), programTestName);
 
 TEST(FactoryBankGlides, InAtLeastSixProgramsOfEitherKindThatAreMeantToBeTurned) {
     std::size_t ofKind[std::size(kSetPlaces)] = {};

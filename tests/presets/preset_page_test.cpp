@@ -1,7 +1,6 @@
 // The page of factory programs, from numbers that are known beforehand.
-#include "tools/bank/bank_table.h"
+#include "factory_bank.h"
 #include "tools/bank/preset_page.h"
-#include "tools/bank/whole_file.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -9,12 +8,6 @@
 using namespace bank;
 
 namespace {
-
-Bank factoryBank() {
-    const std::string path = QUILLON_SOURCE "/skins/factory_bank.tsv";
-    const auto bytes = readWholeFile(path);
-    return parseTable({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path);
-}
 
 class PresetPage : public testing::Test {
   protected:

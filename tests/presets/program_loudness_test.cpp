@@ -1,11 +1,10 @@
 // How loud programs are, where that can be calculated, and the table of it.
 #include "desk/private_folder.h"
+#include "factory_bank.h"
 #include "tools/bank/audition.h"
 #include "tools/bank/bank_file.h"
-#include "tools/bank/bank_table.h"
 #include "tools/bank/parallel.h"
 #include "tools/bank/program_loudness.h"
-#include "tools/bank/whole_file.h"
 
 #include <algorithm>
 #include <atomic>
@@ -20,12 +19,6 @@ using namespace bank;
 using namespace parameters;
 
 namespace {
-
-Bank factoryBank() {
-    const std::string path = QUILLON_SOURCE "/skins/factory_bank.tsv";
-    const auto bytes = readWholeFile(path);
-    return parseTable({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, path);
-}
 
 void set(BankProgram& program, ParameterId id, float value) {
     program.values[static_cast<std::size_t>(id)] = value;
