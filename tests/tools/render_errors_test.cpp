@@ -33,6 +33,11 @@ class RenderErrors : public testing::Test {
         arguments.insert(arguments.end(), {"--library", PROBES "/" + library + ".so", "--quiet"});
         expectError(arguments, words);
     }
+    /// Words about a file of automation with this text.
+    void expectAutomationError(const std::string& text, const std::string& words) {
+        folder.writeText("moves.txt", text);
+        expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"}, "moves.txt, " + words);
+    }
 
     ScratchFolder folder;
 };
@@ -148,27 +153,15 @@ TEST_F(RenderErrors, OfASettingThatCannotBe) {
 }
 
 TEST_F(RenderErrors, OfAnAutomationFileNameFileAndLine) {
-    folder.writeText("moves.txt", "1 Gain 0.5\n\n2 Gain much\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 3: \"much\" is not a value");
-    folder.writeText("moves.txt", "1 Gain 0.5\n2 Volume 0.5\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 2: there is no parameter");
-    folder.writeText("moves.txt", "1 Steps display:99\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 1: \"Steps\" never shows");
-    folder.writeText("moves.txt", "1 Gain 0 -> 1 over 2s\n\n2.5 Gain 0.5\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 3: \"Gain\" is still moved by the ramp of line 1");
-    folder.writeText("moves.txt", "3 Gain 1 -> 0 over 1s\n1 Gain 0 -> 1 over 3s\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 1: \"Gain\" is still moved by the ramp of line 2");
-    folder.writeText("moves.txt", "1 Gain 0 -> 1 over 3601s\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 1: a ramp may last 3600 s");
-    folder.writeText("moves.txt", "1 Steps 0 -> display:99 over 1s\n");
-    expectProbeError({"in.wav", "new.wav", "--automate", "moves.txt"},
-                     "moves.txt, line 1: \"Steps\" never shows");
+    expectAutomationError("1 Gain 0.5\n\n2 Gain much\n", "line 3: \"much\" is not a value");
+    expectAutomationError("1 Gain 0.5\n2 Volume 0.5\n", "line 2: there is no parameter");
+    expectAutomationError("1 Steps display:99\n", "line 1: \"Steps\" never shows");
+    expectAutomationError("1 Gain 0 -> 1 over 2s\n\n2.5 Gain 0.5\n",
+                          "line 3: \"Gain\" is still moved by the ramp of line 1");
+    expectAutomationError("3 Gain 1 -> 0 over 1s\n1 Gain 0 -> 1 over 3s\n",
+                          "line 1: \"Gain\" is still moved by the ramp of line 2");
+    expectAutomationError("1 Gain 0 -> 1 over 3601s\n", "line 1: a ramp may last 3600 s");
+    expectAutomationError("1 Steps 0 -> display:99 over 1s\n", "line 1: \"Steps\" never shows");
     expectProbeError({"in.wav", "new.wav", "--automate", "missing.txt"}, "missing.txt cannot be read");
     expectProbeError({"in.wav", "new.wav", "--automate", "."}, "is a folder");
 }
