@@ -162,22 +162,29 @@ Job mapJob(const Words& words) {
     return job;
 }
 
+std::filesystem::path neededTable(const Words& words, const std::string& command) {
+    return settled(needed(words.input, command + ": which table? Give the .tsv file"));
+}
+
+std::filesystem::path neededSpeech(const Words& words, const std::string& command) {
+    return settled(
+        needed(words.speech, command + ": which speech? Give a mono recording at 48 kHz with --speech"));
+}
+
 Job pageJob(const Words& words) {
     PageJob job;
-    job.table = settled(needed(words.input, "page: which table? Give the .tsv file"));
+    job.table = neededTable(words, "page");
     job.output = settled(needed(words.output, "page: where to? Give the page to write with -o"));
     job.pictures = settled(needed(words.pictures, "page: where to put the pictures? Give --pictures"));
-    job.speech =
-        settled(needed(words.speech, "page: which speech? Give a mono recording at 48 kHz with --speech"));
+    job.speech = neededSpeech(words, "page");
     job.library = settled(words.library);
     return job;
 }
 
 Job loudnessJob(const Words& words) {
     LoudnessJob job;
-    job.table = settled(needed(words.input, "loudness: which table? Give the .tsv file"));
-    job.speech = settled(
-        needed(words.speech, "loudness: which speech? Give a mono recording at 48 kHz with --speech"));
+    job.table = neededTable(words, "loudness");
+    job.speech = neededSpeech(words, "loudness");
     job.library = settled(words.library);
     return job;
 }
