@@ -46,15 +46,26 @@ struct Cell {
     const char* label;
     int row;
     int column;
+    bool changesSound = true;
 };
 
 constexpr Cell kCells[] = {
-    {"BaseLength", "Length, ms", 0, 0}, {"Taps", "Echoes", 0, 1},         {"Stretch", "Stretch", 0, 2},
-    {"AmpDecay", "Fade", 0, 3},         {"Curve", "Curve", 0, 4},         {"SweepRate", "Rate, Hz", 0, 5},
-    {"SweepDepth", "Depth", 0, 6},      {"LowPass", "High cut", 1, 0},    {"HighPass", "Low cut", 1, 1},
-    {"InputPan", "Input pan", 1, 2},    {"InputGain", "no effect", 1, 3}, {"Feedback", "Feedback", 1, 4},
-    {"Stereo", "Stereo", 1, 5},         {"DryWet", "Mix", 1, 6},          {"OutputPan", "Echo pan", 1, 7},
-    {"OutputGain", "no effect", 1, 8},
+    {"BaseLength", "Base length", 0, 0},
+    {"Taps", "Echoes", 0, 1},
+    {"Stretch", "Stretch", 0, 2},
+    {"AmpDecay", "Fade / Swell", 0, 3},
+    {"Curve", "Fade curve", 0, 4},
+    {"SweepRate", "Sweep rate", 0, 5},
+    {"SweepDepth", "Sweep depth", 0, 6},
+    {"LowPass", "High cut", 1, 0},
+    {"HighPass", "Low cut", 1, 1},
+    {"InputPan", "Input pan", 1, 2},
+    {"InputGain", "Input gain", 1, 3, false},
+    {"Feedback", "Feedback", 1, 4},
+    {"Stereo", "Stereo", 1, 5},
+    {"DryWet", "Mix", 1, 6},
+    {"OutputPan", "Echo pan", 1, 7},
+    {"OutputGain", "Output gain", 1, 8, false},
 };
 constexpr Cell kSwitchCell = {"Movement", "How echoes move", 0, 7}; // two columns wide
 constexpr const char* kWays[] = {"Jump", "Glide", "Fine"};
@@ -98,11 +109,14 @@ std::string aboutObject() {
            tag("bitmap_pop", "about.png") + "/>\n";
 }
 
-std::string knobAndValue(const Cell& cell) {
+std::string knob(const Cell& cell) {
     return "<knob" + tag("id", cell.name) + atCell(cell, "KnobLeft", "KnobTop") + tag("w", "Knob") +
-           tag("h", "Knob") + tag("stackbmp", "y") + tag("bitmap_handle", "knob.png") + "/>\n<autodisp" +
-           tag("id", cell.name) + tag("link", cell.name) + atCell(cell, "0", "ValueTop") + tag("w", "Step") +
-           tag("h", "ValueHeight") + tag("fontcolor", kInkText) + "/>\n";
+           tag("h", "Knob") + tag("stackbmp", "y") + tag("bitmap_handle", "knob.png") + "/>\n";
+}
+
+std::string value(const Cell& cell) {
+    return "<autodisp" + tag("id", cell.name) + tag("link", cell.name) + atCell(cell, "0", "ValueTop") +
+           tag("w", "Step") + tag("h", "ValueHeight") + tag("fontcolor", kInkText) + "/>\n";
 }
 
 std::string skinText() {
@@ -112,7 +126,7 @@ std::string skinText() {
                        tag("fontcolor", kWhiteText) + "/>\n\n<ViewTaps" +
                        placeTags(kViewLeft, kViewTop, kViewWidth, kViewHeight) + "/>\n\n";
     for (const Cell& cell : kCells)
-        text += knobAndValue(cell);
+        text += knob(cell) + (cell.changesSound ? value(cell) : "");
     return text + "<hswitch" + tag("id", kSwitchCell.name) + atCell(kSwitchCell, "SwitchLeft", "SwitchTop") +
            tag("entries", "3") + tag("bitmap_handle", "movement.png") + "/>\n\n<anydisp" +
            placeTags(kGridLeft, kFootTop + 3, 400, 18) + tag("halign", "0") + tag("fontcolor", kWhiteText) +
@@ -137,9 +151,13 @@ void drawPlate(Canvas& canvas) {
     canvas.fill({middle - 147.0, top + 49.0, middle + 162.0, top + 61.0}, kInk);
 }
 
+/// A knob that changes nothing would show a value in dB; it says so instead.
 void drawLabel(Canvas& canvas, const Cell& cell, int columns) {
-    canvas.text(cell.label, {kGridLeft + (cell.column + columns / 2.0) * kColumn, kRows[cell.row] + 16.0},
-                {.size = 11.0, .colour = kInk, .align = Align::centre});
+    const double middle = kGridLeft + (cell.column + columns / 2.0) * kColumn, top = kRows[cell.row];
+    const desk::TextStyle style = {.size = 11.0, .colour = kInk, .align = Align::centre};
+    canvas.text(cell.label, {middle, top + 16.0}, style);
+    if (!cell.changesSound)
+        canvas.text("no effect", {middle, top + kValueTop + 12.0}, style);
 }
 
 Canvas background() {
