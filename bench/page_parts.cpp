@@ -52,7 +52,7 @@ std::string ratios(const SetRuns& set, const std::string& section,
 
 std::vector<std::string> opponentFields(const Result& row, const std::string& name) {
     return {row.situation.substr(0, row.situation.find(", spread")) + "; " + name, timeText(row.built),
-            timeText(row.other), timesText(row)};
+            row.isLostInNoise() ? "lost in noise" : timeText(row.other), timesText(row)};
 }
 
 /// Where the time of 128 taps all over the memory goes. The parts add up to what was measured.
@@ -207,6 +207,8 @@ std::string peersPart(const Page& page) {
     for (const Read read : kReads) {
         const std::string situation = spreadCase(read).name();
         const auto add = [&](const std::string& name, const Result& row, int colour) {
+            if (row.isLostInNoise())
+                return;
             plot.bars.push_back({nameOf(read) + (": " + name), {{row.times(), colour}}, timesText(row)});
             hasPeers |= row.section != section::kSound;
         };

@@ -48,6 +48,8 @@ struct Result {
     double times() const { return other / built; }
     /// Whether it is a number of something, and no time.
     bool isCount() const { return section == section::kFaults; }
+    /// Whether the other's time, a difference of medians, is smaller than their noise.
+    bool isLostInNoise() const { return !isCount() && other <= 0.0; }
 };
 
 using Take = std::function<void(const Result&)>;

@@ -29,7 +29,7 @@ std::string valueText(const Result& result, double value) {
 }
 
 std::string timesText(const Result& result) {
-    return result.isCount() ? "" : fixed(result.times(), 1);
+    return result.isCount() || result.isLostInNoise() ? "" : fixed(result.times(), 1);
 }
 
 } // namespace bench

@@ -256,6 +256,19 @@ TEST_F(PerformancePage, IsWrittenFromTheRunsThatAreKept) {
     EXPECT_TRUE(has(text, "| 128 taps, cubic, spread, at rest, blocks of 64 |"));
 }
 
+TEST_F(PerformancePage, SaysWhereAProgramIsLostInNoise) {
+    bench::Run run = runWithCorners("monday", "avx512");
+    const std::string situation = bench::SoundCase{}.name();
+    run.results.push_back({"programs", situation, "heard", 50.0, 100.0});
+    run.results.push_back({"programs", situation, "lost", 50.0, -1.0});
+    const std::string text = page({run});
+    EXPECT_TRUE(has(text, "heard | 50.0 ns | 100 ns | 2.0 |")) << text;
+    EXPECT_TRUE(has(text, "lost | 50.0 ns | lost in noise | – |")) << text;
+    const std::string plot = textOf(folder.file("images/performance_peers.svg"));
+    EXPECT_TRUE(has(plot, "heard"));
+    EXPECT_FALSE(has(plot, "lost"));
+}
+
 TEST_F(PerformancePage, ShowsOnlyPlotsThatAreThere) {
     for (const bench::Run& run : {wholeRun("monday", "avx512", 2.0), runWithCorners("monday", "avx512")})
         for (const std::string& line : Lines(page({run})).all)
@@ -293,6 +306,8 @@ TEST(ValueText, GivesNumbersWithoutUnitAndRatio) {
     const bench::Result sound{"sound", "8 taps", "reference", 50.0, 125.0};
     EXPECT_EQ(bench::valueText(sound, sound.other), "125 ns");
     EXPECT_EQ(bench::timesText(sound), "2.5");
+    const bench::Result lost{"programs", "128 taps", "a program", 50.0, -125.0};
+    EXPECT_EQ(bench::timesText(lost), "");
 }
 
 TEST(SoundCases, HaveNamesThatDifferInTheTableOfShortBlocks) {
