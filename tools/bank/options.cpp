@@ -54,7 +54,7 @@ note of its rhythm, for example with every dotted eighth. Other programs stay as
 
 In a bank file, rhythmic programs are known by the names of the factory programs; in a table, by its last column. A
 number in the name that is the program's tempo follows. If a note is too long for the base length, half the note is
-taken, and the list says so.
+taken, the list says so, and a name like "One Bar at 128" becomes "1/2 at 112".
 
 To use the bank, load it in a VST host, or with quillon-render --bank. To start with it in every new project, put it
 beside the plug-in as default.fxb.)";
@@ -75,7 +75,7 @@ controller may move several controls; a control has one controller.
   quillon-bank map --print                             prints what lies beside the plug-ins, as such a text
   quillon-bank map --print Pluginccmap.bin             prints this file
 
-End your host before. The plug-in reads the map whenever it is loaded, from the folder in which the host works if there
+Close your host first. The plug-in reads the map whenever it is loaded, from the folder in which the host works if there
 is one, else from its own folder. The VST plug-in writes it, unchanged, to the folder in which the host works when it is
 closed.)";
 
@@ -242,7 +242,8 @@ class Commands {
         command.add_option("--library", words_.library, text)->type_name("FILE");
     }
     void addSpeech(CLI::App& command) {
-        command.add_option("--speech", words_.speech, "A mono recording at 48 kHz")->type_name("FILE");
+        command.add_option("--speech", words_.speech, "A mono recording at 48 kHz (required)")
+            ->type_name("FILE");
     }
 
     void addTempo() {

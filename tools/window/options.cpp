@@ -30,7 +30,7 @@ constexpr const char* kExamples = R"(Examples:
     quillon-window --skin "my skins/Copper" --outlines --screenshot copper.png
 
   Create a skin as a starting point for your own:
-    quillon-window --new-skin "my skins/Copper"
+    quillon-window --new-skin "Copper"
 
 --skin does not change the skin that you have chosen in the plug-in: the plug-in runs in a temporary folder, with
 its own settings. Names and values of parameters are written as for quillon-render; see quillon-render --help.
