@@ -65,7 +65,7 @@ void expectSame(const Sound& sound, const Stereo& expected) {
     }
 }
 
-constexpr std::int32_t tapCount = 1, feedback = 6;
+constexpr std::int32_t tapCount = 1, feedback = 6, mix = 14;
 
 TEST_F(RenderPlugin, GivesTheVerySamplesThatTheEffectGives) {
     const auto input = noise(20000);
@@ -73,6 +73,37 @@ TEST_F(RenderPlugin, GivesTheVerySamplesThatTheEffectGives) {
     run({"in.wav", "out.wav", "--program", "3", "--set", "Feedback=0.8", "--set", "Taps #=0.25", "--tail",
          "0.5", "--format", "float"});
     expectSame(output(), straightThrough(input, 150000, 22050, 3, {{feedback, 0.8f}, {tapCount, 0.25f}}));
+}
+
+TEST_F(RenderPlugin, GoesOnAlongARampWhenTheProgramChanges) {
+    constexpr std::size_t kFrames = 2000, kRamp = 1600, kChange = 696, kStep = 64;
+    const auto input = noise(kFrames);
+    folder.writeSound("in.wav", input, 1, 48000);
+    folder.writeText("moves.txt", "0 Mix 0.25 -> 0.75 over 1600smp\n");
+    // 1000 ticks a quarter at the usual tempo: a tick is 24 samples. Program 5 comes after 29.
+    const std::vector<std::uint8_t> change = {'M', 'T', 'h',  'd',  0,   0,   0,    6,    0, 0,
+                                              0,   1,   0x03, 0xE8, 'M', 'T', 'r',  'k',  0, 0,
+                                              0,   7,   29,   0xC0, 5,   0,   0xFF, 0x2F, 0};
+    folder.writeBytes("change.mid", change);
+    run({"in.wav", "out.wav", "--automate", "moves.txt", "--midi", "change.mid", "--program", "3", "--tail",
+         "0", "--pre-roll", "0", "--format", "float"});
+
+    const desk::PrivateFolder current;
+    host::Plugin plugin(tools::loadForGood(QUILLON_LIBRARY));
+    plugin.start(48000.0f, 512);
+    plugin.setProgram(3);
+    Stereo expected{std::vector<float>(kFrames), std::vector<float>(kFrames)};
+    for (std::size_t frame = 0; frame < kFrames; frame += kStep) {
+        if (frame <= kRamp)
+            plugin.setParameter(mix, static_cast<float>(0.25 + 0.5 * static_cast<double>(frame) /
+                                                                   static_cast<double>(kRamp)));
+        // The effect takes MIDI at the start of the step in which it comes.
+        if (frame <= kChange && kChange < frame + kStep)
+            plugin.setProgram(5);
+        plugin.processStereo(&input[frame], &input[frame], &expected.left[frame], &expected.right[frame],
+                             static_cast<std::int64_t>(std::min(kStep, kFrames - frame)), 512);
+    }
+    expectSame(output(), expected);
 }
 
 TEST_F(RenderPlugin, StartsColdIfItIsAskedTo) {
