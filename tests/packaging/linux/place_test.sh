@@ -52,6 +52,18 @@ refused() {
   grep -q '^quillon: ' "$folder/said" || die "not its own words"
 }
 
+# The rights of files mean nothing to root: from here on, $place runs as somebody else.
+become_person() {
+  chmod 755 "$folder"
+  cp "$place" "$folder/place"
+  place=$folder/place
+  [ "$(id -u)" = 0 ] || return 0
+  chown -R 65534 "$HOME"
+  mv "$place" "$folder/place_itself"
+  printf '#!/bin/sh\nexec setpriv --reuid=65534 --clear-groups "%s" "$@"\n' "$folder/place_itself" >"$place"
+  chmod +x "$place"
+}
+
 # picture FOLDER: all that is in it, with sums.
 picture() { (cd "$1" && find . -printf '%y %p %l\n' | sort && find . -type f -print0 | sort -z | xargs -0r sha256sum); }
 
@@ -237,15 +249,15 @@ ReplacesALibraryThatIsInUse() {
 
 ChangesNothingIfACopyFails() {
   install
-  picture "$HOME" >"$folder/before"
   make_tree 2
   write "$tree/lib/vst/QuillonMultitapDelay/New Skin/skin.xml" "a new skin"
+  picture "$HOME" | grep -v installed >"$folder/before"
   # In the way of the last of them.
   mkdir "$vst/default.fxb.quillon-unfinished"
   refused install "$tree"
   said 'nothing has changed'
   rmdir "$vst/default.fxb.quillon-unfinished"
-  picture "$HOME" | diff "$folder/before" - || die "something has changed"
+  picture "$HOME" | grep -v installed | diff "$folder/before" - || die "something has changed"
   uninstall
   expect_empty_home
   # The same for a first installation.
@@ -255,52 +267,84 @@ ChangesNothingIfACopyFails() {
   picture "$HOME" | diff "$folder/before" - || die "something has changed"
 }
 
-# Stands in for cp and mv: counts the calls, and at the one that it is told kills the script that calls.
-make_deadly_programs() {
+# make_bad_programs ACTION: stand in for cp, mv and rm. They count the calls, and one of them (`bad_call`) does ACTION.
+make_bad_programs() {
   local program
-  mkdir -p "$folder/deadly"
-  for program in cp mv; do
-    cat >"$folder/deadly/$program" <<SCRIPT
+  mkdir -p "$folder/bad"
+  for program in cp mv rm; do
+    cat >"$folder/bad/$program" <<SCRIPT
 #!/bin/sh
-calls=\$(cat "$folder/calls")
-calls=\$((calls + 1))
+calls=\$((\$(cat "$folder/calls") + 1))
 echo \$calls >"$folder/calls"
-[ \$calls -ne \$(cat "$folder/deadly_call") ] || { kill -KILL \$PPID; exit 1; }
+if [ \$calls -eq \$(cat "$folder/bad_call") ]; then
+  $1
+  exit 1
+fi
 exec $(command -v $program) "\$@"
 SCRIPT
-    chmod +x "$folder/deadly/$program"
+    chmod +x "$folder/bad/$program"
   done
 }
 
+# upgrade_with_bad_call CALL: after a first installation and changes of a person's own; its result is in `result`.
+upgrade_with_bad_call() {
+  rm -rf "$HOME"
+  mkdir "$HOME"
+  make_tree 1
+  write "$tree/lib/vst/QuillonMultitapDelay/Old Skin/skin.xml" "an old skin"
+  install
+  write "$vst/default.fxb" "my bank"
+  write "$vst/Quillon Skin/skin.xml" "my change"
+  make_tree 2
+  write "$tree/lib/vst/QuillonMultitapDelay/New Skin/skin.xml" "a new skin"
+  echo 0 >"$folder/calls"
+  echo "$1" >"$folder/bad_call"
+  result=0
+  (PATH=$folder/bad:$PATH exec "$place" install "$tree") >"$folder/said" 2>&1 || result=$?
+}
+
+# expect_nothing_lost CALL: by that upgrade, whether it is repeated or not.
+expect_nothing_lost() {
+  local file
+  for file in "$vst/QuillonMultitapDelay.so" "$HOME/.clap/QuillonMultitapDelay/QuillonMultitapDelay.clap" \
+    "$HOME/.lv2/QuillonMultitapDelay.lv2/QuillonMultitapDelay.so"; do
+    [[ $(cat "$file") = "library of version "[12] ]] || die "half a file after $1 calls: $file"
+  done
+  if [ $(($1 % 2)) = 0 ]; then
+    install
+    expect_version 2
+    absent "$vst/Old Skin"
+    [ -z "$(find "$HOME" -name '*unfinished')" ] || die "unfinished: $(find "$HOME" -name '*unfinished')"
+  fi
+  uninstall
+  [ "$(find "$HOME" -type f -exec cat {} + | sort | uniq | tr '\n' ,)" = "my bank,my change," ] ||
+    die "bad call $1, left: $(find "$HOME" -type f)"
+}
+
 IsOldOrNewWhenKilledAtAnyPoint() {
-  local call=0 file result
-  make_deadly_programs
+  local call=0 result=1
+  make_bad_programs "kill -KILL \$PPID"
+  while [ $result -ne 0 ]; do
+    call=$((call + 1))
+    upgrade_with_bad_call $call
+    expect_nothing_lost $call
+  done
+  [ $call -gt 20 ] || die "only $call calls were tried"
+}
+
+KnowsItsFilesWhateverFailed() {
+  local call=0 result
+  make_bad_programs "echo bad call >&2"
   while :; do
     call=$((call + 1))
-    rm -rf "$HOME"
-    mkdir "$HOME"
-    make_tree 1
-    install
-    write "$vst/default.fxb" "my bank"
-    write "$vst/Quillon Skin/skin.xml" "my change"
-    make_tree 2
-    echo 0 >"$folder/calls"
-    echo $call >"$folder/deadly_call"
-    result=0
-    (PATH=$folder/deadly:$PATH exec "$place" install "$tree") >"$folder/said" 2>&1 || result=$?
-    for file in "$vst/QuillonMultitapDelay.so" "$HOME/.clap/QuillonMultitapDelay/QuillonMultitapDelay.clap" \
-      "$HOME/.lv2/QuillonMultitapDelay.lv2/QuillonMultitapDelay.so"; do
-      [[ $(cat "$file") = "library of version "[12] ]] || die "half a file after $call calls: $file"
-    done
-    if [ $((call % 2)) = 0 ]; then
-      install
+    upgrade_with_bad_call $call
+    [ "$(cat "$folder/calls")" -ge $call ] || break
+    if [ $result -eq 0 ]; then
       expect_version 2
-      [ -z "$(find "$HOME" -name '*unfinished')" ] || die "unfinished: $(find "$HOME" -name '*unfinished')"
+    else
+      [ "$(grep -c '^quillon: ' "$folder/said")" = 1 ] || die "not one line of its own at call $call"
     fi
-    uninstall
-    [ "$(find "$HOME" -type f -exec cat {} + | sort | uniq | tr '\n' ,)" = "my bank,my change," ] ||
-      die "killed at call $call, left: $(find "$HOME" -type f)"
-    [ $result -ne 0 ] || break
+    expect_nothing_lost $call
   done
   [ $call -gt 20 ] || die "only $call calls were tried"
 }
@@ -328,19 +372,25 @@ RefusesWhatCannotWork() {
   rm "$vst"
   rmdir "$HOME/.vst"
   expect_empty_home
-  # The rights of files mean nothing to root.
-  local as=()
-  if [ "$(id -u)" = 0 ]; then
-    as=(setpriv --reuid=65534 --clear-groups)
-    chmod 755 "$folder"
-  fi
-  cp "$place" "$folder"
+  become_person
   chmod 555 "$HOME"
-  ! "${as[@]}" "$folder/place" install "$tree" >"$folder/said" 2>&1 || die "worked"
+  refused install "$tree"
   chmod 755 "$HOME"
   said 'cannot write'
-  [ "$(wc -l <"$folder/said")" = 1 ] || die "more than one line"
   expect_empty_home
+}
+
+ChangesNothingIfAnOldSkinCannotBeRemoved() {
+  become_person
+  write "$tree/lib/vst/QuillonMultitapDelay/Old Skin/skin.xml" "an old skin"
+  install
+  picture "$HOME" >"$folder/before"
+  make_tree 2
+  chmod 555 "$vst/Old Skin"
+  refused install "$tree"
+  said 'cannot write to ~/.vst/QuillonMultitapDelay/Old Skin'
+  picture "$HOME" | diff "$folder/before" - || die "something has changed"
+  chmod 755 "$vst/Old Skin"
 }
 
 RefusesAListThatLeadsElsewhere() {
