@@ -267,6 +267,18 @@ ChangesNothingIfACopyFails() {
   picture "$HOME" | diff "$folder/before" - || die "something has changed"
 }
 
+ChangesNothingIfAFileCannotBeRead() {
+  become_person
+  install
+  picture "$HOME" >"$folder/before"
+  make_tree 2
+  chmod 000 "$tree/lib/vst/QuillonMultitapDelay/QuillonMultitapDelay.so"
+  refused install "$tree"
+  said 'cannot read all of'
+  said 'QuillonMultitapDelay.so'
+  picture "$HOME" | diff "$folder/before" - || die "something has changed"
+}
+
 # make_bad_programs ACTION: stand in for cp, mv and rm. They count the calls, and one of them (`bad_call`) does ACTION.
 make_bad_programs() {
   local program
@@ -352,6 +364,10 @@ KnowsItsFilesWhateverFailed() {
 RefusesWhatCannotWork() {
   refused install
   refused install "$folder/nowhere"
+  refused install "$folder"
+  mkdir -p "$folder/empty/bin" "$folder/empty/lib" "$folder/empty/share"
+  refused install "$folder/empty"
+  said 'there is nothing to install'
   refused remove
   refused install "$tree" --frobnicate
   said '--frobnicate'
