@@ -361,6 +361,28 @@ KnowsItsFilesWhateverFailed() {
   [ $call -gt 20 ] || die "only $call calls were tried"
 }
 
+RefusesToRunTwiceAtOnce() {
+  local command
+  mkdir "$folder/busy"
+  # Stands in for sha256sum: tries the other command once while the first installation reads what it will copy.
+  cat >"$folder/busy/sha256sum" <<SCRIPT
+#!/bin/sh
+PATH=$PATH
+[ -e "$folder/second" ] || "$place" \$(cat "$folder/command") >"$folder/second" 2>&1 && echo worked >>"$folder/second"
+exec sha256sum "\$@"
+SCRIPT
+  chmod +x "$folder/busy/sha256sum"
+  for command in "install $tree" uninstall; do
+    rm -f "$folder/second"
+    echo "$command" >"$folder/command"
+    PATH=$folder/busy:$PATH install
+    cp "$folder/second" "$folder/said"
+    grep -q '^quillon: another installation is under way' "$folder/said" || die "not refused: $command"
+    uninstall
+    expect_empty_home
+  done
+}
+
 RefusesWhatCannotWork() {
   refused install
   refused install "$folder/nowhere"
