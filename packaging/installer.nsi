@@ -8,7 +8,8 @@
 ;
 ; Nothing that a person added or changed is lost, neither by installing over it nor by uninstalling: only the very files
 ; that are delivered are replaced and removed, and folders go when they are empty. The factory bank is the one
-; delivered file that people replace by their own; theirs is set aside or left where it is.
+; delivered file that people replace by their own; theirs stays in use. So that the installer can tell whose it is, a
+; copy of the delivered bank lies beside it.
 
 ; A 64-bit program, like what it installs; so it needs nothing of the 32-bit side of Windows.
 Target amd64-unicode
@@ -19,6 +20,7 @@ Target amd64-unicode
 !define PRODUCT "Quillon Multitap Delay"
 !define VENDOR "Quillon Software"
 !define BANK "default.fxb"
+!define BANK_COPY "Factory programs.fxb"
 !define LIBRARY "QuillonMultitapDelay"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${PRODUCT}"
 ; Where hosts and installers of other makers keep the place of the VST folder.
@@ -46,7 +48,7 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 
 !define MUI_ABORTWARNING
 !define MUI_DIRECTORYPAGE_TEXT_TOP "Choose the folder for the effect, inside one in which your music software looks for \
-64-bit VST plug-ins. For CLAP hosts it goes where they all look. Skins of your own that are already there stay."
+64-bit VST plug-ins. For CLAP hosts it goes where they all look. Your own skins and bank that are already there stay."
 !insertmacro MUI_PAGE_LICENSE "${STAGE}/LICENSE"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -56,14 +58,15 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 
 ; For the installer and the uninstaller, which may share no function.
 !macro DefineBankQuestion prefix
-; Is the bank in $Folder the one that comes with this version? "yes", "no" or "none" in $0. Uses $1 to $4.
+; Is the bank in $Folder the same as the copy? "yes", "no" or "none" in $0, "no" also without a copy. Uses $1 to $4.
 Function ${prefix}IsBankOurs
   StrCpy $0 "none"
   IfFileExists "$Folder\${BANK}" 0 answered
-  InitPluginsDir
-  File "/oname=$PLUGINSDIR\${BANK}" "${STAGE}/${BANK}"
+  StrCpy $0 "no"
+  ClearErrors
   FileOpen $1 "$Folder\${BANK}" r
-  FileOpen $2 "$PLUGINSDIR\${BANK}" r
+  FileOpen $2 "$Folder\${BANK_COPY}" r
+  IfErrors close
   ${Do}
     ClearErrors
     FileReadByte $1 $3
@@ -76,13 +79,13 @@ Function ${prefix}IsBankOurs
       StrCpy $4 "end"
     ${EndIf}
     ${If} $3 != $4
-      StrCpy $0 "no"
       ${ExitDo}
     ${ElseIf} $3 == "end"
       StrCpy $0 "yes"
       ${ExitDo}
     ${EndIf}
   ${Loop}
+  close:
   FileClose $1
   FileClose $2
   answered:
@@ -123,30 +126,43 @@ software and run this again." /SD IDOK
   Abort
 FunctionEnd
 
-; One that was set aside before stays, too: the next free number is taken. Uses $0 to $4.
-Function SetForeignBankAside
+; The copy is replaced last, so that a bank that could not be replaced is still ours the next time. Uses $0 to $4.
+Function InstallBank
   Call IsBankOurs
-  ${If} $0 == "no"
-    StrCpy $1 1
-    ${While} ${FileExists} "$Folder\default before ${VERSION} ($1).fxb"
-      IntOp $1 $1 + 1
-    ${EndWhile}
-    ClearErrors
-    Rename "$Folder\${BANK}" "$Folder\default before ${VERSION} ($1).fxb"
+  SetOutPath "$Folder"
+  ClearErrors
+  ${If} $0 != "no"
+    File "/oname=${BANK}" "${STAGE}/${BANK}"
     ${If} ${Errors}
       Call TellOfTrouble
     ${EndIf}
+  ${EndIf}
+  File "/oname=${BANK_COPY}" "${STAGE}/${BANK}"
+  ${If} ${Errors}
+    Call TellOfTrouble
+  ${EndIf}
+FunctionEnd
+
+; Says in the list on the last page that the bank in $Folder is a person's own. Uses $0 to $4.
+Function TellOfBank
+  Call IsBankOurs
+  ${If} $0 == "no"
+    SetDetailsView show
+    ; Longer lines would be cut off.
+    DetailPrint "In $Folder:"
+    DetailPrint "Your own bank stays in use (${BANK})."
+    DetailPrint "The factory programs are beside it (${BANK_COPY})."
   ${EndIf}
 FunctionEnd
 
 !macro InstallInto folder files
   StrCpy $Folder "${folder}"
-  Call SetForeignBankAside
   ClearErrors
   !include "${files}"
   ${If} ${Errors}
     Call TellOfTrouble
   ${EndIf}
+  Call InstallBank
 !macroend
 
 !macro RemoveFrom folder files
@@ -155,6 +171,7 @@ FunctionEnd
   ${If} $0 == "yes"
     Delete "$Folder\${BANK}"
   ${EndIf}
+  Delete "$Folder\${BANK_COPY}"
   !include "${files}"
 !macroend
 
@@ -182,6 +199,9 @@ Section "Effect"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\Uninstall.exe" /S'
   WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoModify" 1
   WriteRegDWORD HKLM "${UNINSTALL_KEY}" "NoRepair" 1
+  Call TellOfBank
+  StrCpy $Folder "$ClapFolder"
+  Call TellOfBank
 SectionEnd
 
 Section "Uninstall"

@@ -1,8 +1,9 @@
 # Writes what the installer does with each file of the stage: INSTALL, a file of instructions to put them in their
-# places, and REMOVE, one to take them away. The bank's removal is the installer's own business: it may be a person's.
+# places, and REMOVE, one to take them away. The bank is left out: the installer first looks whose it is.
 #
 #   cmake -DSTAGE=... -DPLACE='$INSTDIR' -DINSTALL=... -DREMOVE=... -P list_files.cmake
 file(GLOB_RECURSE files RELATIVE ${STAGE} ${STAGE}/*)
+list(REMOVE_ITEM files default.fxb)
 list(SORT files)
 set(install "")
 set(remove "")
@@ -21,9 +22,7 @@ foreach(file ${files})
     set(place "${PLACE}")
   endif()
   string(APPEND install "SetOutPath \"${place}\"\nFile \"${STAGE}/${file}\"\n")
-  if(NOT file STREQUAL "default.fxb")
-    string(APPEND remove "Delete \"${PLACE}\\${name}\"\n")
-  endif()
+  string(APPEND remove "Delete \"${PLACE}\\${name}\"\n")
 endforeach()
 # Inner folders before those that they lie in.
 list(REMOVE_DUPLICATES folders)

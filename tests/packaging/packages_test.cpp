@@ -23,6 +23,7 @@ const files::path kStage = QUILLON_STAGE;
 const files::path kClapStage = QUILLON_CLAP;
 const files::path kChosen = "C:\\Studio\\VST Plug-ins\\Echo";
 const std::string kBank = "default.fxb";
+const std::string kFactoryPrograms = "Factory programs.fxb";
 const std::string kLibrary = "QuillonMultitapDelay.dll";
 const std::string kClapLibrary = "QuillonMultitapDelay.clap";
 const std::string kUninstaller = "Uninstall.exe";
@@ -94,6 +95,28 @@ void expectAllIn(const files::path& folder, const files::path& stage, const std:
         EXPECT_TRUE(contentOf(folder / name) == contentOf(stage / name)) << name;
 }
 
+/// The names of the delivered files and of those that the installer adds.
+std::set<std::string> installedFiles(const files::path& stage, std::set<std::string> added) {
+    added.merge(filesIn(stage));
+    return added;
+}
+
+/// A bank of a person's own is in use in both folders, and the factory programs are beside it.
+void expectBankInUse(const std::string& bank) {
+    const std::string factoryPrograms = contentOf(kStage / kBank);
+    EXPECT_TRUE(contentOf(kChosen / kBank) == bank);
+    EXPECT_TRUE(contentOf(clapFolder() / kBank) == bank);
+    EXPECT_TRUE(contentOf(kChosen / kFactoryPrograms) == factoryPrograms);
+    EXPECT_TRUE(contentOf(clapFolder() / kFactoryPrograms) == factoryPrograms);
+    EXPECT_EQ(filesIn(kChosen), installedFiles(kStage, {kFactoryPrograms, kUninstaller}));
+    EXPECT_EQ(filesIn(clapFolder()), installedFiles(kClapStage, {kFactoryPrograms}));
+}
+
+void writeToBoth(const std::string& name, const std::string& text) {
+    write(kChosen / name, text);
+    write(clapFolder() / name, text);
+}
+
 void expectTheStageIn(const files::path& folder) {
     expectAllIn(folder, kStage, kLibrary);
 }
@@ -127,16 +150,14 @@ class Packages : public ::testing::Test {
 TEST_F(Packages, AreInstalledWhereThePersonWantsThem) {
     ASSERT_EQ(install(), 0);
     expectTheStageIn(kChosen);
-    std::set<std::string> expected = filesIn(kStage);
-    expected.insert(kUninstaller);
-    EXPECT_EQ(filesIn(kChosen), expected);
+    EXPECT_EQ(filesIn(kChosen), installedFiles(kStage, {kFactoryPrograms, kUninstaller}));
     EXPECT_TRUE(hasKey(kInstalledKey));
 }
 
 TEST_F(Packages, AreInstalledWhereClapHostsLook) {
     ASSERT_EQ(install(), 0);
     expectAllIn(clapFolder(), kClapStage, kClapLibrary);
-    EXPECT_EQ(filesIn(clapFolder()), filesIn(kClapStage));
+    EXPECT_EQ(filesIn(clapFolder()), installedFiles(kClapStage, {kFactoryPrograms}));
     const desk::SharedLibrary library((clapFolder() / kClapLibrary).string());
     EXPECT_NE(library.symbol("clap_entry"), nullptr);
 }
@@ -144,14 +165,12 @@ TEST_F(Packages, AreInstalledWhereClapHostsLook) {
 TEST_F(Packages, KeepWhatAPersonAddedForClapHosts) {
     ASSERT_EQ(install(), 0);
     write(clapFolder() / "Mine/skin.xml", "my skin");
-    write(clapFolder() / kBank, "my bank");
     ASSERT_EQ(install(), 0);
     expectAllIn(clapFolder(), kClapStage, kClapLibrary);
-    EXPECT_EQ(contentOf(clapFolder() / "default before " QUILLON_VERSION " (1).fxb"), "my bank");
-    write(clapFolder() / kBank, "my other bank");
+    write(clapFolder() / kBank, "my bank");
     uninstall(kChosen);
-    EXPECT_EQ(filesIn(clapFolder()),
-              (std::set<std::string>{"Mine/skin.xml", "default before " QUILLON_VERSION " (1).fxb", kBank}));
+    EXPECT_EQ(filesIn(clapFolder()), (std::set<std::string>{"Mine/skin.xml", kBank}));
+    EXPECT_EQ(contentOf(clapFolder() / kBank), "my bank");
 }
 
 TEST_F(Packages, LoadFromWhereTheyWereInstalled) {
@@ -187,19 +206,54 @@ TEST_F(Packages, KeepWhatAPersonAddedWhenInstalledAgain) {
     expectTheStageIn(kChosen);
 }
 
-TEST_F(Packages, SetABankOfAPersonsOwnAsideEachTime) {
+TEST_F(Packages, ReplaceTheFactoryProgramsOfAnEarlierVersion) {
     ASSERT_EQ(install(), 0);
-    write(kChosen / kBank, "my first bank");
+    writeToBoth(kBank, "earlier programs");
+    writeToBoth(kFactoryPrograms, "earlier programs");
     ASSERT_EQ(install(), 0);
-    write(kChosen / kBank, "my second bank");
+    expectBankInUse(contentOf(kStage / kBank));
+}
+
+TEST_F(Packages, KeepABankOfAPersonsOwnInUseAtEachUpdate) {
     ASSERT_EQ(install(), 0);
+    writeToBoth(kBank, "my first bank");
+    for (int update = 0; update < 2; ++update) {
+        writeToBoth(kFactoryPrograms, "earlier programs");
+        ASSERT_EQ(install(), 0);
+        expectBankInUse("my first bank");
+    }
+    writeToBoth(kBank, "my second bank");
     ASSERT_EQ(install(), 0);
-    expectTheStageIn(kChosen);
-    std::multiset<std::string> kept;
-    for (const std::string& name : filesIn(kChosen))
-        if (name.starts_with("default before "))
-            kept.insert(contentOf(kChosen / name));
-    EXPECT_EQ(kept, (std::multiset<std::string>{"my first bank", "my second bank"}));
+    expectBankInUse("my second bank");
+}
+
+TEST_F(Packages, KeepABankThatWasThereBeforeTheFirstInstallation) {
+    writeToBoth(kBank, "my bank");
+    ASSERT_EQ(install(), 0);
+    expectBankInUse("my bank");
+}
+
+TEST_F(Packages, KeepABankThatDiffersLittleFromTheFactoryPrograms) {
+    ASSERT_EQ(install(), 0);
+    const std::string factoryPrograms = contentOf(kStage / kBank);
+    const std::string shorter = factoryPrograms.substr(0, factoryPrograms.size() - 1);
+    for (const std::string& bank : {shorter, shorter + '\x7f', factoryPrograms + '\0', std::string()}) {
+        SCOPED_TRACE(bank.size());
+        ASSERT_TRUE(bank != factoryPrograms);
+        writeToBoth(kBank, bank);
+        ASSERT_EQ(install(), 0);
+        expectBankInUse(bank);
+    }
+}
+
+TEST_F(Packages, LeaveNothingBehindWhereAPersonPutTheFactoryProgramsBack) {
+    ASSERT_EQ(install(), 0);
+    writeToBoth(kBank, "my bank");
+    ASSERT_EQ(install(), 0);
+    writeToBoth(kBank, contentOf(kChosen / kFactoryPrograms));
+    uninstall(kChosen);
+    EXPECT_TRUE(waitUntil([] { return !files::exists(kChosen); }));
+    EXPECT_FALSE(files::exists(clapFolder()));
 }
 
 TEST_F(Packages, LeaveNothingBehindWhenUninstalled) {
