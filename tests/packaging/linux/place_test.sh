@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # place_test.sh SOURCES CASE: installs and uninstalls a small tree in a home folder of the test's own.
 set -euo pipefail
-place=$1/packaging/linux/place
+sources=$1
+place=$sources/packaging/linux/place
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 # A home as they come, with a space.
 export HOME=$folder/the\ home
-unset XDG_CONFIG_HOME VST_PATH LV2_PATH CLAP_PATH
+unset DESTDIR SUDO_USER XDG_CONFIG_HOME VST_PATH LV2_PATH CLAP_PATH
 mkdir "$HOME"
 tree=$folder/tree
 vst=$HOME/.vst/QuillonMultitapDelay
@@ -62,6 +63,18 @@ become_person() {
   mv "$place" "$folder/place_itself"
   printf '#!/bin/sh\nexec setpriv --reuid=65534 --clear-groups "%s" "$@"\n' "$folder/place_itself" >"$place"
   chmod +x "$place"
+}
+
+# use_front_door: $place is the script `quillon` from here on, where nothing can be built.
+use_front_door() {
+  mkdir -p "$folder/front" "$folder/stubs"
+  (cd "$sources" && cp --parents quillon packaging/linux/place "$folder/front")
+  place=$folder/front/quillon
+  for program in cmake apt-get sudo; do
+    printf '#!/bin/sh\necho "%s was called"\nexit 1\n' $program >"$folder/stubs/$program"
+    chmod +x "$folder/stubs/$program"
+  done
+  PATH=$folder/stubs:$PATH
 }
 
 # picture FOLDER: all that is in it, with sums.
@@ -429,6 +442,19 @@ ChangesNothingIfAnOldSkinCannotBeRemoved() {
   said 'cannot write to ~/.vst/QuillonMultitapDelay/Old Skin'
   picture "$HOME" | diff "$folder/before" - || die "something has changed"
   chmod 755 "$vst/Old Skin"
+}
+
+RefusesToRemoveBelowDestdir() {
+  install
+  picture "$HOME" >"$folder/before"
+  DESTDIR=$folder/x refused uninstall
+  said 'DESTDIR'
+  use_front_door
+  DESTDIR=$folder/x refused uninstall
+  said 'DESTDIR'
+  DESTDIR=$folder/x refused uninstall --prefix "$HOME"
+  said 'DESTDIR'
+  picture "$HOME" | diff "$folder/before" - || die "something has changed"
 }
 
 RefusesAListThatLeadsElsewhere() {
