@@ -6,6 +6,7 @@ tool=$3
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 export HOME=$folder/home SOURCE_DATE_EPOCH=1700000000
+unset DESTDIR SUDO_USER
 mkdir -p "$HOME"
 name=quillon-multitap-delay-1.2.3-linux-x86_64
 

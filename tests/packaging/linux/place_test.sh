@@ -457,6 +457,22 @@ RefusesToRemoveBelowDestdir() {
   picture "$HOME" | diff "$folder/before" - || die "something has changed"
 }
 
+RefusesToInstallWithSudo() {
+  use_front_door
+  printf '#!/bin/sh\necho 0\n' >"$folder/stubs/id"
+  chmod +x "$folder/stubs/id"
+  export SUDO_USER=somebody
+  refused install
+  said 'without sudo'
+  refused install --prefix "$folder/prefix"
+  said 'without sudo'
+  # For everybody, what is built already can be installed so.
+  place=$sources/packaging/linux/place
+  refused install "$tree"
+  said 'without sudo'
+  install --prefix "$folder/prefix"
+}
+
 RefusesAListThatLeadsElsewhere() {
   install
   write "$folder/precious" "precious"
