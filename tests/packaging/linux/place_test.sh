@@ -473,6 +473,24 @@ RefusesToInstallWithSudo() {
   install --prefix "$folder/prefix"
 }
 
+SaysThatItMayNotWriteWhereThereIsNoSudo() {
+  use_front_door
+  rm "$folder/stubs/sudo"
+  mkdir "$folder/programs"
+  ln -s /usr/bin/* "$folder/programs"
+  rm -f "$folder/programs/sudo"
+  mkdir "$folder/prefix"
+  chmod 555 "$folder/prefix"
+  if [ "$(id -u)" = 0 ]; then
+    chmod 755 "$folder"
+    printf '#!/bin/sh\nexec setpriv --reuid=65534 --clear-groups "%s" "$@"\n' "$place" >"$folder/place"
+    chmod +x "$folder/place"
+    place=$folder/place
+  fi
+  PATH=$folder/programs refused uninstall --prefix "$folder/prefix"
+  said "cannot write to $folder/prefix"
+}
+
 RefusesAListThatLeadsElsewhere() {
   install
   write "$folder/precious" "precious"
