@@ -268,7 +268,7 @@ ChangesNothingIfACopyFails() {
   # In the way of the last of them.
   mkdir "$vst/default.fxb.quillon-unfinished"
   refused install "$tree"
-  said 'nothing has changed'
+  said 'nothing has changed (cp: '
   rmdir "$vst/default.fxb.quillon-unfinished"
   picture "$HOME" | grep -v installed | diff "$folder/before" - || die "something has changed"
   uninstall
@@ -489,6 +489,14 @@ SaysThatItMayNotWriteWhereThereIsNoSudo() {
   fi
   PATH=$folder/programs refused uninstall --prefix "$folder/prefix"
   said "cannot write to $folder/prefix"
+}
+
+TakesDestdirFromWhereItIsCalled() {
+  use_front_door
+  write "$folder/work/staging" "a file"
+  cd "$folder/work"
+  DESTDIR=staging refused install
+  said "$folder/work/staging is no folder"
 }
 
 RefusesAListThatLeadsElsewhere() {
