@@ -47,7 +47,7 @@ case ${1:-} in
     ;;
 esac
 
-cache=${2:-${XDG_CACHE_HOME:-$HOME/.cache}/quillon}
+cache=${2:-${XDG_CACHE_HOME:-${HOME:?is not set, and sources are kept in its .cache}/.cache}/quillon}
 archive=$cache/$1-$VERSION.tar.gz
 patch=$(dirname "$0")/$1-$VERSION.patch
 [ -f "$patch" ] || patch=/dev/null
