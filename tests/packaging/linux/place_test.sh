@@ -114,6 +114,17 @@ PutsAllBelowAPrefix() {
   [ -z "$(ls -A "$folder/all of us")" ] || die "left: $(find "$folder/all of us")"
 }
 
+IsReadableByEverybodyBelowAPrefix() {
+  chmod 700 "$tree/bin/quillon-render"
+  chmod 400 "$tree/lib/vst/QuillonMultitapDelay/default.fxb"
+  umask 077
+  install --prefix "$folder/prefix"
+  local file=$folder/prefix/bin/quillon-render
+  [ "$(stat -c %a "$file")" = 755 ] || die "$(ls -l "$file")"
+  file=$(find "$folder/prefix" ! -type d ! -path '*/bin/*' ! -name uninstall ! -perm 644 -o -type d ! -perm 755)
+  [ -z "$file" ] || die "other rights: $file"
+}
+
 LeavesNothingBehind() {
   install
   install
@@ -292,11 +303,11 @@ ChangesNothingIfAFileCannotBeRead() {
   picture "$HOME" | diff "$folder/before" - || die "something has changed"
 }
 
-# make_bad_programs ACTION: stand in for cp, mv and rm. They count the calls, and one of them (`bad_call`) does ACTION.
+# make_bad_programs ACTION: stand in for cp, chmod, mv and rm. They count the calls, and one of them (`bad_call`) does ACTION.
 make_bad_programs() {
   local program
   mkdir -p "$folder/bad"
-  for program in cp mv rm; do
+  for program in cp chmod mv rm; do
     cat >"$folder/bad/$program" <<SCRIPT
 #!/bin/sh
 calls=\$((\$(cat "$folder/calls") + 1))
