@@ -510,6 +510,33 @@ TakesDestdirFromWhereItIsCalled() {
   said "$folder/work/staging is no folder"
 }
 
+TellsTheWayOutIfAFileBecomesAFolder() {
+  local there=$tree/lib/vst/QuillonMultitapDelay/there
+  write "$there" "a file"
+  install
+  make_tree 2
+  write "$there/file" "a file in a folder"
+  refused install "$tree"
+  said '~/.vst/QuillonMultitapDelay/there is no folder; uninstall the earlier version first'
+  uninstall
+  install
+  make_tree 3
+  write "$there" "a file"
+  refused install "$tree"
+  said '~/.vst/QuillonMultitapDelay/there is a folder, and a file belongs there; uninstall the earlier version first'
+  uninstall
+  install
+  # A person's own folder is in the way of a file.
+  rm "$vst/there"
+  write "$vst/there/mine" "my file"
+  refused install "$tree"
+  said 'a file belongs there'
+  uninstall
+  content "$vst/there/mine" "my file"
+  said '~/.vst/QuillonMultitapDelay/there'
+  [ "$(find "$HOME" -type f | wc -l)" = 1 ] || die "left: $(find "$HOME")"
+}
+
 RefusesAListThatLeadsElsewhere() {
   install
   write "$folder/precious" "precious"
