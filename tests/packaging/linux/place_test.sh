@@ -146,6 +146,28 @@ RemovesItselfWithoutTheSources() {
   [ -z "$(ls -A "$folder/prefix")" ] || die "left: $(find "$folder/prefix")"
 }
 
+RemovesItselfFromFoldersThatAreLinks() {
+  mkdir "$folder/elsewhere" "$HOME/.local"
+  ln -s "$folder/elsewhere" "$HOME/.local/share"
+  install
+  ! HOME=$folder "$state/uninstall" >"$folder/said" 2>&1 || die "worked"
+  said 'HOME is another'
+  "$state/uninstall" >"$folder/said" 2>&1 || die "could not"
+  [ "$(find "$HOME" "$folder/elsewhere" | wc -l)" = 4 ] || die "left: $(find "$HOME" "$folder/elsewhere")"
+  rm -r "$HOME/.local"
+  ln -s "$folder/elsewhere" "$HOME/.local"
+  install
+  "$state/uninstall" >"$folder/said" 2>&1 || die "could not"
+  [ "$(find "$HOME" "$folder/elsewhere" | wc -l)" = 3 ] || die "left: $(find "$HOME" "$folder/elsewhere")"
+  # A prefix that looks like a person's own.
+  install --prefix "$HOME/.local"
+  "$state/uninstall" >"$folder/said" 2>&1 || die "could not"
+  rm "$HOME/.local"
+  install --prefix "$HOME/.local"
+  "$state/uninstall" >"$folder/said" 2>&1 || die "could not"
+  [ -z "$(ls -A "$HOME/.local")" ] || die "left: $(find "$HOME")"
+}
+
 ReplacesAndRemovesFilesOfAnOlderVersion() {
   write "$tree/lib/vst/QuillonMultitapDelay/Old Skin/skin.xml" "an old skin"
   install
