@@ -102,6 +102,7 @@ PutsEachFormatWhereHostsOfOnePersonLook() {
 
 PutsAllBelowAPrefix() {
   install --prefix "$folder/all of us"
+  said "CLAP_PATH names $folder/all of us/lib/clap"
   local tree_of_it=$folder/expected
   cp -r "$tree" "$tree_of_it"
   mkdir -p "$tree_of_it/share/quillon-multitap-delay"
