@@ -52,6 +52,19 @@ InstallsAndUninstalls() {
   [ -z "$(ls -A "$HOME")" ]
 }
 
+RefusesASystemThatIsTooOld() {
+  skip_if_newer
+  make_tree "$folder/tree"
+  "$linux/make_archive" "$folder/tree" 1.2.3 "$folder" >/dev/null
+  tar -C "$folder" -xf "$folder/$name.tar.xz"
+  # What a program says there: its libraries are there, but not the versions of their symbols.
+  printf '#!/bin/sh\necho "libc.so.6: version GLIBC_2.36 not found" >&2\nexit 1\n' >"$folder/$name/bin/quillon-render"
+  if "$folder/$name/install.sh" >"$folder/said" 2>&1; then exit 1; fi
+  grep -q '^quillon: .* does not run on this system: .*GLIBC_2.36 not found$' "$folder/said"
+  [ "$(wc -l <"$folder/said")" = 1 ]
+  [ -z "$(ls -A "$HOME")" ]
+}
+
 ListsLibrariesAndRefusesNewerOnes() {
   local list
   list=$("$linux/list_libraries" "$tool")
