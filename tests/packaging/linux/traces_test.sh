@@ -10,8 +10,11 @@ done
 shift
 [ -s "$folders" ]
 for file in "$@"; do
-  if grep -qF -f "$folders" "$file"; then
-    echo "$file names one of these: $(cat "$folders")"
-    exit 1
-  fi
+  result=0
+  grep -qF -f "$folders" "$file" || result=$?
+  case $result in
+    0) echo "$file names one of these: $(cat "$folders")" ;;
+    1) continue ;;
+  esac
+  exit 1
 done
