@@ -408,6 +408,32 @@ KnowsItsFilesWhateverFailed() {
   [ $call -gt 20 ] || die "only $call calls were tried"
 }
 
+# expect_a_clean_end ARGUMENT...: at whichever call this fails, it says so in one line, and then all can be removed.
+expect_a_clean_end() {
+  local call=0 failures=0
+  echo 1 >"$folder/calls"
+  while [ "$(cat "$folder/calls")" -ge $call ]; do
+    call=$((call + 1))
+    [ "$1" = install ] || install
+    echo 0 >"$folder/calls"
+    echo $call >"$folder/bad_call"
+    if ! (PATH=$folder/bad:$PATH exec "$place" "$@") >"$folder/said" 2>&1; then
+      failures=$((failures + 1))
+      [ "$(wc -l <"$folder/said")" = 1 ] || die "$1, call $call: not one line"
+      grep -q '^quillon: ' "$folder/said" || die "$1, call $call: not its own words"
+    fi
+    [ ! -e "$state/installed" ] || uninstall
+    [ -z "$(ls -A "$HOME")" ] || die "$1, call $call, left: $(find "$HOME")"
+  done
+  [ $failures -gt 10 ] || die "$1: only $failures calls mattered"
+}
+
+LeavesNothingBehindWhateverFailed() {
+  make_bad_programs "echo bad call >&2"
+  expect_a_clean_end install "$tree"
+  expect_a_clean_end uninstall
+}
+
 RefusesToRunTwiceAtOnce() {
   local command
   mkdir "$folder/busy"
