@@ -3,6 +3,7 @@
 #include "platform/linux/xcb_handles.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -10,6 +11,7 @@
 #include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace desk {
@@ -104,11 +106,14 @@ class VirtualDisplay::Server {
         _exit(kNotFound);
     }
 
-    /// The exit code; -1 if a signal was needed.
+    /// The exit code; -1 if a signal was needed. A request to end that comes just before the server begins to
+    /// wait for its clients is not seen until it has waited for minutes, so it is repeated.
     int stop() {
         int status = 0;
-        kill(process_, SIGTERM); // lets it take its lock file away
-        while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+        for (pid_t ended = 0; ended == 0 || (ended < 0 && errno == EINTR);) {
+            kill(process_, SIGTERM); // lets it take its lock file away
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            ended = waitpid(process_, &status, WNOHANG);
         }
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }

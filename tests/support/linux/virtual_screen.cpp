@@ -89,10 +89,14 @@ VirtualScreen::~VirtualScreen() {
     if (display_)
         XCloseDisplay(display_);
     display_ = nullptr;
-    if (server_ > 0)
-        kill(server_, SIGTERM); // lets it take its lock file away
-    if (server_ > 0)
-        waitpid(server_, nullptr, 0);
+    // It takes its lock file away. A request that comes just before it begins to wait for its clients is not
+    // seen until it has waited for minutes, so it is repeated.
+    const bool hasEnded = server_ <= 0 || waitUntil([this] {
+                              kill(server_, SIGTERM);
+                              return waitpid(server_, nullptr, WNOHANG) != 0;
+                          });
+    if (!hasEnded)
+        stopServer();
 }
 
 bool VirtualScreen::isShown(Window window) {
