@@ -48,7 +48,7 @@ Program programOf(host::Plugin& plugin, const std::string& name) {
 class Rack {
   public:
     template <class Make>
-    explicit Rack(Make&& make) {
+    explicit Rack(const Make& make) {
         for (std::unique_ptr<ClearableSubject>& subject : subjects_) {
             subject = make();
             subject->setSampleRate(kSampleRate);

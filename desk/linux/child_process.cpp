@@ -69,6 +69,7 @@ ChildProcess::ChildProcess(const ChildCommand& command) : system_(std::make_uniq
     std::vector<std::string> texts = {command.program.string()};
     texts.insert(texts.end(), command.words.begin(), command.words.end());
     std::vector<char*> words;
+    words.reserve(texts.size() + 1);
     for (std::string& text : texts)
         words.push_back(text.data());
     words.push_back(nullptr);

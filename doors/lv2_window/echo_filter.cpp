@@ -38,7 +38,10 @@ std::optional<float> EchoFilter::received(float value) {
 }
 
 std::optional<float> EchoFilter::idle() {
-    if (isHeld() || idlesLeft_ == 0 || --idlesLeft_ > 0)
+    if (isHeld() || idlesLeft_ == 0)
+        return std::nullopt;
+    --idlesLeft_;
+    if (idlesLeft_ > 0)
         return std::nullopt;
     numRecent_ = 0;
     return std::exchange(waiting_, std::nullopt);

@@ -85,7 +85,7 @@ struct Words {
 };
 
 /// The word of an option or a file that a command cannot do without.
-const std::string& needed(const std::string& word, const std::string& question) {
+std::string needed(const std::string& word, const std::string& question) {
     if (word.empty())
         throw ToolError(question);
     return word;
@@ -305,6 +305,7 @@ class Commands {
             return;
         const std::string word = arguments[1];
         std::vector<std::string> known;
+        known.reserve(commands_.size());
         for (const auto& [command, make] : commands_)
             known.push_back(command->get_name());
         if (!word.starts_with('-') && std::ranges::find(known, word) == known.end())

@@ -143,9 +143,10 @@ void frame(Canvas& canvas, const Area& area, Colour line, Colour inside) {
 /// The background of the echoes: light behind the texts, dark below them for the bars. The yellow line of the
 /// help gets a dark plaque, with 16 pixels in a medium tone to the left, where a blue line overlaps it.
 void drawPlate(Canvas& canvas) {
+    constexpr int kThird = kViewHeight / 3;
     const double left = kViewLeft, top = kViewTop, right = left + kViewSeen, bottom = top + kViewHeight;
     frame(canvas, {left - 1.0, top - 1.0, right + 1.0, bottom + 1.0}, kInk, kWhite);
-    canvas.fill({left, top + kViewHeight / 3 + 53.0, right, bottom}, kInk);
+    canvas.fill({left, top + kThird + 53.0, right, bottom}, kInk);
     const double middle = left + kViewWidth / 2.0;
     canvas.fill({middle - 163.0, top + 49.0, middle - 147.0, top + 61.0}, kMiddle);
     canvas.fill({middle - 147.0, top + 49.0, middle + 162.0, top + 61.0}, kInk);
@@ -154,7 +155,7 @@ void drawPlate(Canvas& canvas) {
 /// A knob that changes nothing would show a value in dB; it says so instead.
 void drawLabel(Canvas& canvas, const Cell& cell, int columns) {
     const double middle = kGridLeft + (cell.column + columns / 2.0) * kColumn, top = kRows[cell.row];
-    const desk::TextStyle style = {.size = 11.0, .colour = kInk, .align = Align::centre};
+    const TextStyle style = {.size = 11.0, .colour = kInk, .align = Align::centre};
     canvas.text(cell.label, {middle, top + 16.0}, style);
     if (!cell.changesSound)
         canvas.text("no effect", {middle, top + kValueTop + 12.0}, style);
